@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+namespace vistrane {
+
+/// The dates on which a repeating timer ticks: first + n * interval, in nanoseconds of a monotonic
+/// clock. Shared by every run loop.
+class TimerGrid {
+public:
+    /// `interval` in seconds; 0 or less (or no number) counts as 0.0001 s. The first date lies one
+    /// interval after `now`.
+    TimerGrid(std::int64_t now, double interval)
+        : start_(now), interval_(interval > 0.0 ? interval : 0.0001) {}
+
+    std::int64_t next() const { return date(number_); }
+
+    /// Goes to the first date after `now`: the dates that have passed merge into the tick that is
+    /// being given.
+    void passUpTo(std::int64_t now) {
+        const double passed = static_cast<double>(now - start_) / (interval_ * 1e9);
+        const auto estimate = static_cast<std::int64_t>(std::floor(passed));
+        // The division may be off by one either way; the dates themselves decide.
+        number_ = estimate > number_ ? estimate - 1 : number_;
+        do {
+            ++number_;
+        } while (date(number_) <= now);
+    }
+
+private:
+    std::int64_t date(std::int64_t number) const {
+        return start_ + std::llround(static_cast<double>(number) * interval_ * 1e9);
+    }
+
+    std::int64_t start_;
+    double interval_;
+    std::int64_t number_ = 1;
+};
+
+} // namespace vistrane

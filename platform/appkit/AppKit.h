@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSBitmapImageRep.h"
+#include "platform/appkit/NSGraphicsContext.h"
+#include "platform/appkit/NSImage.h"
+#include "platform/appkit/NSOpenPanel.h"
+#include "platform/appkit/NSWorkspace.h"
+#include "platform/coregraphics/CoreGraphics.h"
+#include "platform/foundation/NSError.h"
+
+namespace vistrane {
+
+/// Class messages and functions of the AppKit kit. Main thread only, except where a line says
+/// more.
+class AppKit {
+public:
+    virtual ~AppKit() = default;
+    AppKit(const AppKit&) = delete;
+    AppKit& operator=(const AppKit&) = delete;
+
+    virtual NSApplication& sharedApplication() = 0;
+    /// Any thread.
+    virtual NSWorkspace& sharedWorkspace() = 0;
+
+    /// An empty alert. Any thread.
+    virtual std::unique_ptr<NSAlert> alert() = 0;
+    /// The platform's standard alert for an error, complete.
+    virtual std::unique_ptr<NSAlert> alertWithError(const NSError& error) = 0;
+    virtual std::unique_ptr<NSOpenPanel> openPanel() = 0;
+
+    /// A picture of the program's resources; null when there is none of that name.
+    virtual std::shared_ptr<NSImage> imageNamed(const std::string& name) = 0;
+    /// A picture file; null when it cannot be read. Never blocks on what is no regular file. Any
+    /// thread.
+    virtual std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) = 0;
+    /// A picture from the bytes of a file; null without data or when they are no picture.
+    virtual std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) = 0;
+    /// Null without data or when they are no picture.
+    virtual std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) = 0;
+
+    /// The graphics context of the calling thread. Any thread. The context wraps `context` and
+    /// must be out of use before that is released.
+    virtual std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
+                                                                            bool flipped) = 0;
+    virtual void saveGraphicsState() = 0;
+    virtual void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) = 0;
+    virtual void restoreGraphicsState() = 0;
+
+    virtual void NSBeep() = 0;
+
+protected:
+    AppKit() = default;
+};
+
+} // namespace vistrane

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/foundation/NSObject.h"
+
+namespace vistrane {
+
+/// What the application tells its delegate, on the main thread.
+class NSApplicationDelegate {
+public:
+    /// Once, after the interface file was loaded and before the run loop starts.
+    virtual void applicationDidFinishLaunching() = 0;
+    /// Once, right before the process ends normally.
+    virtual void applicationWillTerminate() = 0;
+    /// Whether the program ends when its last window was closed.
+    virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
+
+protected:
+    ~NSApplicationDelegate() = default;
+};
+
+/// The program as its desktop sees it. Main thread only.
+class NSApplication : public NSObject {
+public:
+    virtual void miniaturizeAll(NSObject* sender) = 0;
+    virtual void activateIgnoringOtherApps(bool ignoring) = 0;
+};
+
+/// Loads the interface file, runs the application loop and returns the process's exit status.
+/// Defined by the front end that the program is linked with.
+int NSApplicationMain(int argc, char** argv);
+
+} // namespace vistrane

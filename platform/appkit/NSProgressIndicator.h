@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/foundation/NSObject.h"
+
+namespace vistrane {
+
+/// A bar from 0 to its maximum. Main thread only.
+class NSProgressIndicator : public NSObject {
+public:
+    virtual void setMaxValue(double value) = 0;
+    virtual void setDoubleValue(double value) = 0;
+};
+
+} // namespace vistrane

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/appkit/CALayer.h"
+#include "platform/coregraphics/CGGeometry.h"
+#include "platform/foundation/NSObject.h"
+
+namespace vistrane {
+
+/// A rectangle of a window. Main thread only.
+class NSView : public NSObject {
+public:
+    virtual NSRect bounds() const = 0;
+
+    virtual void setWantsLayer(bool wanted) = 0;
+    /// Null unless a layer is wanted.
+    virtual std::shared_ptr<CALayer> layer() = 0;
+
+    virtual void setNeedsDisplay(bool needed) = 0;
+};
+
+} // namespace vistrane

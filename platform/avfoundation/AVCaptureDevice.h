@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/avfoundation/AVMediaFormat.h"
+#include "platform/foundation/NSError.h"
+#include "platform/foundation/NSObject.h"
+
+namespace vistrane {
+
+enum AVCaptureDeviceType {
+    AVCaptureDeviceTypeBuiltInWideAngleCamera,
+    AVCaptureDeviceTypeExternalUnknown,
+};
+
+enum AVCaptureDevicePosition { AVCaptureDevicePositionUnspecified = 0 };
+
+enum AVCaptureSessionPreset { AVCaptureSessionPresetPhoto, AVCaptureSessionPresetHigh };
+
+/// A camera or camcorder. Main thread only.
+class AVCaptureDevice : public NSObject {
+public:
+    virtual bool hasMediaType(AVMediaType type) const = 0;
+    /// Valid UTF-8.
+    virtual std::string localizedName() const = 0;
+    /// Photo: the device offers raw or JPEG pictures, not only an encoded stream.
+    virtual bool supportsAVCaptureSessionPreset(AVCaptureSessionPreset preset) const = 0;
+};
+
+/// A query for devices and its answer.
+class AVCaptureDeviceDiscoverySession : public NSObject {
+public:
+    /// In the platform's order.
+    virtual std::vector<std::shared_ptr<AVCaptureDevice>> devices() const = 0;
+};
+
+/// One device as a source of a session.
+class AVCaptureDeviceInput : public NSObject {
+public:
+    virtual std::shared_ptr<AVCaptureDevice> device() const = 0;
+};
+
+/// An input, or why there is none.
+struct AVCaptureDeviceInputResult {
+    std::shared_ptr<AVCaptureDeviceInput> input;
+    std::optional<NSError> error;
+};
+
+} // namespace vistrane

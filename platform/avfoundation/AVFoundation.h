@@ -1,0 +1,51 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/avfoundation/AVAssetWriter.h"
+#include "platform/avfoundation/AVCaptureDevice.h"
+#include "platform/avfoundation/AVCaptureFileOutput.h"
+#include "platform/avfoundation/AVCapturePhotoOutput.h"
+#include "platform/avfoundation/AVCaptureSession.h"
+#include "platform/foundation/NSURL.h"
+
+namespace vistrane {
+
+/// Class messages of the AVFoundation kit. Capture: main thread only. Movies: any thread.
+class AVFoundation {
+public:
+    virtual ~AVFoundation() = default;
+    AVFoundation(const AVFoundation&) = delete;
+    AVFoundation& operator=(const AVFoundation&) = delete;
+
+    /// A null entry among the types is passed over.
+    virtual std::shared_ptr<AVCaptureDeviceDiscoverySession>
+    discoverySessionWithDeviceTypes(const std::vector<std::optional<AVCaptureDeviceType>>& types,
+                                    AVMediaType mediaType, AVCaptureDevicePosition position) = 0;
+    /// No device, one that is gone, busy or refused gives an error.
+    virtual AVCaptureDeviceInputResult
+    deviceInputWithDevice(const std::shared_ptr<AVCaptureDevice>& device) = 0;
+    virtual std::shared_ptr<AVCaptureSession> captureSession() = 0;
+    virtual std::shared_ptr<AVCapturePhotoOutput> photoOutput() = 0;
+    virtual std::shared_ptr<AVCapturePhotoSettings> photoSettings() = 0;
+    /// A copy with an id of its own.
+    virtual std::shared_ptr<AVCapturePhotoSettings>
+    photoSettingsFromPhotoSettings(const AVCapturePhotoSettings& settings) = 0;
+    virtual std::shared_ptr<AVCaptureVideoPreviewLayer>
+    layerWithSession(std::shared_ptr<AVCaptureSession> session) = 0;
+
+    /// Fails when a file of that name exists or the folder cannot be written.
+    virtual AVAssetWriterResult assetWriterWithURL(const NSURL& url, AVFileType fileType) = 0;
+    virtual std::shared_ptr<AVAssetWriterInput>
+    assetWriterInputWithMediaType(AVMediaType mediaType, const NSDictionary& outputSettings) = 0;
+    virtual std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor>
+    assetWriterInputPixelBufferAdaptorWithAssetWriterInput(
+        std::shared_ptr<AVAssetWriterInput> input, const NSDictionary& attributes) = 0;
+
+protected:
+    AVFoundation() = default;
+};
+
+} // namespace vistrane

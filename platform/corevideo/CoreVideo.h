@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/foundation/NSDictionary.h"
+
+namespace vistrane {
+
+/// A picture in memory; made by `CVPixelBufferCreate`, counted, given back by `CVBufferRelease`.
+class CVPixelBuffer {
+public:
+    CVPixelBuffer(const CVPixelBuffer&) = delete;
+    CVPixelBuffer& operator=(const CVPixelBuffer&) = delete;
+
+protected:
+    CVPixelBuffer() = default;
+    ~CVPixelBuffer() = default;
+};
+using CVPixelBufferRef = CVPixelBuffer*;
+
+/// The buffers that a pixel buffer adaptor keeps for its caller's use.
+class CVPixelBufferPool {
+public:
+    CVPixelBufferPool(const CVPixelBufferPool&) = delete;
+    CVPixelBufferPool& operator=(const CVPixelBufferPool&) = delete;
+
+protected:
+    CVPixelBufferPool() = default;
+    ~CVPixelBufferPool() = default;
+};
+using CVPixelBufferPoolRef = CVPixelBufferPool*;
+
+using CVReturn = std::int32_t;
+inline constexpr CVReturn kCVReturnSuccess = 0;
+inline constexpr CVReturn kCVReturnInvalidArgument = -6661;
+inline constexpr CVReturn kCVReturnAllocationFailed = -6662;
+inline constexpr CVReturn kCVReturnInvalidSize = -6681;
+
+/// 8 bits a component; in memory order: one byte of alpha or padding, red, green, blue.
+inline constexpr std::uint32_t kCVPixelFormatType_32ARGB = 32;
+
+inline constexpr char kCVPixelBufferPixelFormatTypeKey[] = "PixelFormatType";
+inline constexpr char kCVPixelBufferWidthKey[] = "Width";
+inline constexpr char kCVPixelBufferHeightKey[] = "Height";
+inline constexpr char kCVPixelBufferCGImageCompatibilityKey[] = "CGImageCompatibility";
+inline constexpr char kCVPixelBufferCGBitmapContextCompatibilityKey[] =
+    "CGBitmapContextCompatibility";
+
+/// Functions of the CoreVideo kit. Any thread; one buffer by one thread at a time. Null buffers
+/// are legal everywhere and answer with nothing.
+class CoreVideo {
+public:
+    virtual ~CoreVideo() = default;
+    CoreVideo(const CoreVideo&) = delete;
+    CoreVideo& operator=(const CoreVideo&) = delete;
+
+    /// Makes a buffer of `width` x `height` pixels with a count of one, owned by the caller. On
+    /// failure `*buffer` is left as it is.
+    virtual CVReturn CVPixelBufferCreate(std::size_t width, std::size_t height,
+                                         std::uint32_t pixelFormat, const NSDictionary& attributes,
+                                         CVPixelBufferRef* buffer) = 0;
+
+    /// The pixels may be touched between lock and unlock only.
+    virtual CVReturn CVPixelBufferLockBaseAddress(CVPixelBufferRef buffer, std::uint64_t flags) = 0;
+    virtual CVReturn CVPixelBufferUnlockBaseAddress(CVPixelBufferRef buffer,
+                                                    std::uint64_t flags) = 0;
+
+    /// The first byte of the top row; null when not locked.
+    virtual void* CVPixelBufferGetBaseAddress(CVPixelBufferRef buffer) = 0;
+    /// Bytes from one row to the next; may exceed four times the width.
+    virtual std::size_t CVPixelBufferGetBytesPerRow(CVPixelBufferRef buffer) = 0;
+
+    /// Counts one down; the last count frees the buffer.
+    virtual void CVBufferRelease(CVPixelBufferRef buffer) = 0;
+
+    /// Lets the pool's idle buffers go. The pool object itself stays its adaptor's: releasing it
+    /// without having retained it is harmless.
+    virtual void CVPixelBufferPoolRelease(CVPixelBufferPoolRef pool) = 0;
+
+protected:
+    CoreVideo() = default;
+};
+
+} // namespace vistrane

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSDateFormatter.h"
+#include "platform/foundation/NSDistributedNotificationCenter.h"
+#include "platform/foundation/NSError.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLocale.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/NSThread.h"
+#include "platform/foundation/NSTimer.h"
+#include "platform/foundation/NSURL.h"
+#include "platform/foundation/NSUserDefaults.h"
+
+namespace vistrane {
+
+enum NSURLBookmarkResolutionOptions : std::uint64_t {
+    NSURLBookmarkResolutionWithSecurityScope = 1024
+};
+enum NSURLBookmarkCreationOptions : std::uint64_t { NSURLBookmarkCreationWithSecurityScope = 2048 };
+
+/// Bookmark bytes, or why there are none.
+struct BookmarkDataResult {
+    std::vector<std::uint8_t> data;
+    std::optional<NSError> error;
+};
+
+/// A resolved bookmark, or why there is none.
+struct BookmarkURLResult {
+    std::optional<NSURL> url;
+    std::optional<NSError> error;
+};
+
+/// Class messages of the Foundation kit. Main thread only, except where a line says more.
+class Foundation {
+public:
+    virtual ~Foundation() = default;
+    Foundation(const Foundation&) = delete;
+    Foundation& operator=(const Foundation&) = delete;
+
+    virtual NSUserDefaults& standardUserDefaults() = 0;
+    /// Any thread.
+    virtual NSFileManager& defaultManager() = 0;
+    virtual NSDistributedNotificationCenter& defaultCenter() = 0;
+    virtual NSRunLoop& currentRunLoop() = 0;
+
+    /// Schedules `tick` every `interval` seconds from one interval after this call on. An interval
+    /// of 0 or less counts as 0.0001 s. `tick` gets the timer itself.
+    virtual std::shared_ptr<NSTimer>
+    scheduledTimerWithTimeInterval(NSTimeInterval interval, std::function<void(NSTimer&)> tick,
+                                   bool repeats) = 0;
+
+    /// Now. Any thread.
+    virtual NSDate date() = 0;
+    virtual NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds) = 0;
+
+    /// A formatter of its own with the user's locale, calendar and time zone of this moment.
+    virtual std::unique_ptr<NSDateFormatter> dateFormatter() = 0;
+    virtual std::shared_ptr<const NSLocale> currentLocale() = 0;
+
+    /// A thread that will run `entry`; not started.
+    virtual std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) = 0;
+    /// The running thread's own object. Any thread made by `threadWithEntry`.
+    virtual std::shared_ptr<NSThread> currentThread() = 0;
+
+    /// Opaque bytes from which `url` can be found again after a restart.
+    virtual BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) = 0;
+    /// The address that a bookmark stands for. Never looks whether anything is there.
+    virtual BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
+                                                         std::uint64_t options) = 0;
+    /// Opens access to the address for the rest of the process's life.
+    virtual bool startAccessingSecurityScopedResource(const NSURL& url) = 0;
+
+    /// Writes one message to the system log. Any thread.
+    virtual void NSLog(const std::string& message) = 0;
+
+protected:
+    Foundation() = default;
+};
+
+} // namespace vistrane

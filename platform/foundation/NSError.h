@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace vistrane {
+
+/// Why an operation failed. Expected failures are values, never exceptions.
+struct NSError {
+    /// The family of codes, for instance "NSPOSIXErrorDomain".
+    std::string domain;
+    std::int64_t code = 0;
+    /// For people: what failed, where, and what to do about it. One line, no full stop needed.
+    std::string localizedDescription;
+
+    /// For the log: domain, code and text.
+    std::string description() const {
+        return "Error Domain=" + domain + " Code=" + std::to_string(code) + " \"" +
+               localizedDescription + "\"";
+    }
+
+    bool operator==(const NSError&) const = default;
+};
+
+/// What "%@" prints for an error that may be missing.
+inline std::string describe(const std::optional<NSError>& error) {
+    return error ? error->description() : "(null)";
+}
+
+} // namespace vistrane

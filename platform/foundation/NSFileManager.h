@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/NSObject.h"
+
+namespace vistrane {
+
+/// The file system. Paths are bytes. Any thread.
+class NSFileManager : public NSObject {
+public:
+    /// Follows links. `isDirectory` is written only for a path that exists.
+    virtual bool fileExistsAtPath(const std::string& path, bool& isDirectory) const = 0;
+
+    /// The names of a folder's entries, hidden ones included, "." and ".." left out, in no
+    /// promised order, every byte of a name kept. Nothing when the folder cannot be listed.
+    virtual std::optional<std::vector<std::string>>
+    contentsOfDirectoryAtPath(const std::string& path) const = 0;
+};
+
+} // namespace vistrane

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "platform/foundation/NSObject.h"
+
+namespace vistrane {
+
+enum NSComparisonResult : int {
+    NSOrderedAscending = -1,
+    NSOrderedSame = 0,
+    NSOrderedDescending = 1
+};
+
+/// Options of a string comparison, added up.
+enum NSStringCompareOptions : std::uint32_t {
+    NSCaseInsensitiveSearch = 1,
+    NSNumericSearch = 64,
+    NSWidthInsensitiveSearch = 256,
+    NSForcedOrderingSearch = 512,
+};
+
+/// A range of a string, in bytes.
+struct NSRange {
+    std::size_t location = 0;
+    std::size_t length = 0;
+};
+
+/// The user's language rules for comparing strings. Immutable; any thread.
+class NSLocale : public NSObject {
+public:
+    /// Compares the `range` of `first` with the whole of `second` (`compare:options:range:locale:`
+    /// of a string). With `NSForcedOrderingSearch` only equal byte strings are the same: strings
+    /// that the other options call equal are ordered by code point. The result is a strict weak
+    /// order over any bytes, valid UTF-8 or not.
+    virtual NSComparisonResult compare(const std::string& first, const std::string& second,
+                                       std::uint32_t options, NSRange range) const = 0;
+};
+
+} // namespace vistrane

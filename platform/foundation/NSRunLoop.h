@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSObject.h"
+
+namespace vistrane {
+
+/// The main thread's run loop. Main thread only.
+class NSRunLoop : public NSObject {
+public:
+    /// Runs timers, the main queue and input until the date has come, then returns. May be called
+    /// from within a timer or an action.
+    virtual void runUntilDate(NSDate date) = 0;
+};
+
+} // namespace vistrane

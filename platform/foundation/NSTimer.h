@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/foundation/NSObject.h"
+
+namespace vistrane {
+
+/// A repeating call on the main run loop, in its default mode.
+///
+/// Fire dates lie on the grid first + n * interval: a late tick never shifts the later ones. Dates
+/// that pass while the loop is busy or a modal alert is up merge into one late tick. Main thread
+/// only. The run loop keeps a valid timer alive; `invalidate` ends that.
+class NSTimer : public NSObject {
+public:
+    /// Ticks at once, without moving the grid. Does nothing once invalid.
+    virtual void fire() = 0;
+
+    /// No tick starts after this returns. Legal inside the tick.
+    virtual void invalidate() = 0;
+
+    virtual bool isValid() const = 0;
+};
+
+} // namespace vistrane

@@ -1,0 +1,23 @@
+#pragma once
+
+namespace vistrane {
+
+class AppKit;
+class AVFoundation;
+class CoreGraphics;
+class CoreVideo;
+class Dispatch;
+class Foundation;
+
+/// All that the program asks of the system it runs on: one interface for each kit. A backend
+/// builds the kits; they outlive everything that was given this bundle.
+struct Platform {
+    Foundation& foundation;
+    AppKit& appKit;
+    AVFoundation& avFoundation;
+    CoreVideo& coreVideo;
+    CoreGraphics& coreGraphics;
+    Dispatch& dispatch;
+};
+
+} // namespace vistrane
