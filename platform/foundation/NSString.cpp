@@ -1,5 +1,6 @@
 #include "platform/foundation/NSString.h"
 
+#include <cassert>
 #include <limits>
 
 namespace vistrane {
@@ -48,6 +49,35 @@ std::int32_t intValue(std::string_view text) {
         return Limits::min();
     }
     return static_cast<std::int32_t>(value);
+}
+
+std::string_view pathExtension(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
+}
+
+std::string stringWithFormat(std::string_view format,
+                             std::initializer_list<FormatArgument> arguments) {
+    std::string text;
+    auto argument = arguments.begin();
+    for (std::size_t at = 0; at < format.size(); ++at) {
+        if (format[at] != '%' || at + 1 == format.size()) {
+            text += format[at];
+            continue;
+        }
+        assert(argument != arguments.end());
+        assert(format[at + 1] == (argument->index() == 0 ? '@' : 'd'));
+        if (const auto* part = std::get_if<std::string_view>(argument)) {
+            text += *part;
+        } else {
+            text += std::to_string(std::get<std::int32_t>(*argument));
+        }
+        ++argument;
+        ++at;
+    }
+    assert(argument == arguments.end());
+    return text;
 }
 
 } // namespace vistrane
