@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace vistrane {
+
+class AppKit;
+
+/// The program's standard alert: a message, an informative text, one button "Got it" and a
+/// transparent title bar. Returns when it was answered. Any thread.
+void runStandardAlert(AppKit& appKit, const std::string& message, const std::string& informative);
+
+} // namespace vistrane
