@@ -1,0 +1,6 @@
+int foreign();
+int plantedPartOfTheCore();
+
+int plantedPartOfTheCore() {
+    return foreign();
+}

@@ -1,0 +1,5 @@
+int foreign();
+
+int foreign() {
+    return 0;
+}
