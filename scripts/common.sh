@@ -1,0 +1,97 @@
+# Shared by run and test; sourced, with root set to the folder of the tree and log to the file
+# that takes what the tools say.
+
+say() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+}
+
+# fail MESSAGE: ends the script with the end of the log, which holds the reason.
+fail() {
+    say "$1"
+    if [ -s "$log" ]; then
+        tail -n "${2:-40}" "$log" >&2
+        say "the whole log is $log"
+    fi
+    exit 1
+}
+
+# startLog: an empty log file in the build folder.
+startLog() {
+    mkdir -p "${log%/*}" 2>/dev/null && : >"$log" 2>/dev/null || {
+        say "cannot write $log; give this user the folder ${log%/*}, or remove it"
+        exit 1
+    }
+}
+
+# lockBuild / unlockBuild: two calls at the same time install and build one after the other. The
+# lock ends with the process at the latest.
+lockBuild() {
+    exec 9>>"$root/build/lock"
+    flock 9
+}
+
+unlockBuild() {
+    exec 9>&-
+}
+
+# packagesOf LIST...: the names in the lists, one a line.
+packagesOf() {
+    sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$@"
+}
+
+# missingPackages LIST...: the names in the lists that are not installed.
+missingPackages() {
+    local wanted
+    mapfile -t wanted < <(packagesOf "$@")
+    dpkg-query -W -f '${Package} ${db:Status-Status}\n' "${wanted[@]}" 2>/dev/null |
+        awk -v wanted="${wanted[*]}" '
+            $2 == "installed" { installed[$1] = 1 }
+            END {
+                count = split(wanted, names, " ")
+                for (i = 1; i <= count; i++)
+                    if (!(names[i] in installed)) print names[i]
+            }'
+}
+
+# installPackages LIST...: installs what is missing and nothing else. Where the package tools are
+# absent the build itself will tell what it misses.
+installPackages() {
+    local missing become=()
+    command -v dpkg-query >/dev/null && command -v apt-get >/dev/null || return 0
+    mapfile -t missing < <(missingPackages "$@")
+    [ ${#missing[@]} -gt 0 ] || return 0
+
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            say "these packages are missing and installing them needs root:"
+            printf '  %s\n' "${missing[@]}" >&2
+            say "as root: apt-get update && apt-get install --no-install-recommends ${missing[*]}"
+            exit 1
+        fi
+        become=(sudo)
+    fi
+    say "installing ${#missing[@]} packages (log: $log)"
+    local apt=("${become[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600)
+    "${apt[@]}" update >>"$log" 2>&1 9>&- ||
+        fail "could not fetch the package lists; wanted: ${missing[*]}"
+    "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >>"$log" 2>&1 9>&- </dev/null ||
+        fail "could not install: ${missing[*]}"
+}
+
+# configure PRESET OPTION...: prepares build/PRESET. A folder that was configured for a tree in
+# another place starts afresh.
+configure() {
+    local preset=$1 cache="$root/build/$1/CMakeCache.txt" fresh=()
+    shift
+    if [ -f "$cache" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then
+        fresh=(--fresh)
+    fi
+    (cd "$root" && cmake "${fresh[@]}" --preset "$preset" "$@") >>"$log" 2>&1 9>&-
+}
+
+# build PRESET TARGET...
+build() {
+    local preset=$1
+    shift
+    ninja -C "$root/build/$preset" "$@" >>"$log" 2>&1 9>&-
+}
