@@ -1,0 +1,89 @@
+#include "commandline/demo_folder.h"
+
+#include <array>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace vistrane {
+
+namespace {
+
+std::string environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+std::string homeFolder() {
+    const std::string home = environment("HOME");
+    if (!home.empty() && home.front() == '/') {
+        return home;
+    }
+    const passwd* const user = ::getpwuid(::getuid());
+    return user && user->pw_dir ? user->pw_dir : "/tmp";
+}
+
+std::string configurationFolder(const std::string& home) {
+    const std::string folder = environment("XDG_CONFIG_HOME");
+    return !folder.empty() && folder.front() == '/' ? folder : home + "/.config";
+}
+
+/// The value of a line of the form `XDG_VIDEOS_DIR="$HOME/Videos"` or `..."/absolute"`; empty for
+/// any other line.
+std::string videosOfLine(const std::string& line, const std::string& home) {
+    const std::string before = "XDG_VIDEOS_DIR=\"";
+    if (line.rfind(before, 0) != 0 || line.size() <= before.size() || line.back() != '"') {
+        return {};
+    }
+    const std::string value = line.substr(before.size(), line.size() - before.size() - 1);
+    if (value.rfind("$HOME/", 0) == 0) {
+        return home + value.substr(5);
+    }
+    return !value.empty() && value.front() == '/' ? value : std::string();
+}
+
+std::string localTime() {
+    const std::time_t now = std::time(nullptr);
+    std::tm parts{};
+    ::localtime_r(&now, &parts);
+    std::array<char, 64> text{};
+    std::strftime(text.data(), text.size(), "%Y-%m-%d %H.%M.%S", &parts);
+    return text.data();
+}
+
+} // namespace
+
+std::string videosFolder() {
+    const std::string home = homeFolder();
+    std::ifstream list(configurationFolder(home) + "/user-dirs.dirs");
+    std::string found = home + "/Videos";
+    for (std::string line; std::getline(list, line);) {
+        const std::string value = videosOfLine(line, home);
+        if (!value.empty()) {
+            found = value;
+        }
+    }
+    return found;
+}
+
+NewFolder createDemoFolder(const std::string& parent) {
+    std::error_code error;
+    std::filesystem::create_directories(parent, error);
+    const std::string first = parent + "/Vistrane demo " + localTime();
+    std::string path = first;
+    for (int number = 2; !error; ++number) {
+        if (std::filesystem::create_directory(path, error)) {
+            return {path, {}};
+        }
+        path = first + " " + std::to_string(number);
+    }
+    return {{},
+            "Cannot create a folder in '" + parent + "': " + error.message() +
+                ". Name a folder: vistrane demo FOLDER."};
+}
+
+} // namespace vistrane
