@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2154
 # Shared by run and test; sourced, with root set to the folder of the tree and log to the file
 # that takes what the tools say.
 
@@ -15,23 +16,22 @@ fail() {
     exit 1
 }
 
-# startLog: an empty log file in the build folder.
-startLog() {
-    mkdir -p "${log%/*}" 2>/dev/null && : >"$log" 2>/dev/null || {
-        say "cannot write $log; give this user the folder ${log%/*}, or remove it"
-        exit 1
-    }
-}
-
 # lockBuild / unlockBuild: two calls at the same time install and build one after the other. The
 # lock ends with the process at the latest.
 lockBuild() {
-    exec 9>>"$root/build/lock"
+    if ! { mkdir -p "$root/build" && exec 9>>"$root/build/lock"; } 2>/dev/null; then
+        say "cannot write in $root/build: remove it, or give it to the user $(id -un)"
+        exit 1
+    fi
     flock 9
 }
 
 unlockBuild() {
     exec 9>&-
+}
+
+startLog() {
+    : >"$log"
 }
 
 # packagesOf LIST...: the names in the lists, one a line.
@@ -89,9 +89,10 @@ configure() {
     (cd "$root" && cmake "${fresh[@]}" --preset "$preset" "$@") >>"$log" 2>&1 9>&-
 }
 
-# build PRESET TARGET...
+# build PRESET TARGET...: through the launcher, if the tests that are asked for their names need one.
+launcher=()
 build() {
     local preset=$1
     shift
-    ninja -C "$root/build/$preset" "$@" >>"$log" 2>&1 9>&-
+    "${launcher[@]}" ninja -C "$root/build/$preset" "$@" >>"$log" 2>&1 9>&-
 }
