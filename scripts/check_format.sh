@@ -1,7 +1,12 @@
 #!/usr/bin/env bash
-# check_format.sh: tells every source and header that clang-format would change, and fails if there
-# is one.
+# check_format.sh: tells how to format every source and header that clang-format would change, and
+# fails if there is one.
 set -eu
 cd "$(dirname "$(dirname "$(readlink -f "$0")")")"
-find . \( -path ./build -o -path './.?*' \) -prune -o -type f \( -name '*.cpp' -o -name '*.h' \) -print0 |
-    sort -z | xargs -0 -r clang-format-14 --dry-run --Werror
+clang-format-14 --version >/dev/null
+mapfile -d '' -t files < <(find . \( -path ./build -o -path './.?*' \) -prune -o \
+    -type f \( -name '*.cpp' -o -name '*.h' \) -print0 | sort -z)
+if ! found=$(clang-format-14 --dry-run --Werror "${files[@]}" 2>&1); then
+    sed -n 's|^\./\([^:]*\):[0-9]*:[0-9]*: .*|clang-format-14 -i \1|p' <<<"$found" | uniq
+    exit 1
+fi

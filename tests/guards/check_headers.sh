@@ -1,14 +1,11 @@
 #!/usr/bin/env bash
-# check_headers.sh ROOT COMPILER [OPTION...]: compiles every header of the program and of platform/
+# check_headers.sh ROOT FOLDERS COMPILER [OPTION...]: compiles every header in the FOLDERS (one word)
 # under ROOT on its own, twice in a row, and fails if one does not stand alone.
 set -eu
 cd "$1"
-shift
+read -r -a folders <<<"$2"
+shift 2
 export LC_ALL=C
-folders=()
-for folder in app folder capture preview compiler infopanel platform; do
-    [ ! -d "$folder" ] || folders+=("$folder")
-done
 mapfile -t headers < <(find "${folders[@]}" -name '*.h' | sort)
 if [ ${#headers[@]} -eq 0 ]; then
     echo 'no header found'

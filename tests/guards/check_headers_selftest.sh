@@ -9,7 +9,7 @@ mkdir -p "$tree/platform/foundation"
 failures=0
 
 check() {
-    bash "$here/check_headers.sh" "$tree" "$@" 2>&1
+    bash "$here/check_headers.sh" "$tree" platform "$@" 2>&1
 }
 
 finds() { # TEXT COMPILER [OPTION...]
