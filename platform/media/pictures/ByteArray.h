@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace vistrane {
+
+/// Bytes whose number is known only while running. Unlike a vector, the memory is not cleared
+/// first (pictures are overwritten whole anyway), and being out of memory is a value.
+class ByteArray {
+public:
+    ByteArray() = default;
+
+    /// `length` bytes of any content; nothing when there is no memory for them.
+    static std::optional<ByteArray> ofLength(std::size_t length) {
+        ByteArray result;
+        if (!result.reserve(length)) {
+            return std::nullopt;
+        }
+        result.length_ = length;
+        return result;
+    }
+
+    static std::optional<ByteArray> copyOf(std::span<const std::uint8_t> bytes) {
+        ByteArray result;
+        if (!result.append(bytes)) {
+            return std::nullopt;
+        }
+        return result;
+    }
+
+    std::uint8_t* data() { return memory_.get(); }
+    const std::uint8_t* data() const { return memory_.get(); }
+    std::size_t length() const { return length_; }
+    std::span<const std::uint8_t> bytes() const { return {memory_.get(), length_}; }
+
+    /// False, with nothing changed, when there is no memory.
+    [[nodiscard]] bool append(std::span<const std::uint8_t> more) {
+        if (more.empty()) {
+            return true;
+        }
+        if (more.size() > SIZE_MAX / 2 - length_ || !reserve(length_ + more.size())) {
+            return false;
+        }
+        std::memcpy(memory_.get() + length_, more.data(), more.size());
+        length_ += more.size();
+        return true;
+    }
+
+    /// Forgets the bytes from `length` on; never adds any.
+    void shorten(std::size_t length) {
+        if (length < length_) {
+            length_ = length;
+        }
+    }
+
+private:
+    struct Free {
+        void operator()(std::uint8_t* memory) const { std::free(memory); }
+    };
+
+    bool reserve(std::size_t length) {
+        if (length <= capacity_ && memory_) {
+            return true;
+        }
+        // The first size is taken as it is; whoever appends gets room to grow.
+        std::size_t wanted = capacity_ == 0 ? length : length + length / 2;
+        wanted = wanted < 1 ? 1 : wanted;
+        auto* larger = static_cast<std::uint8_t*>(std::realloc(memory_.get(), wanted));
+        if (larger == nullptr) {
+            return false;
+        }
+        static_cast<void>(memory_.release());
+        memory_.reset(larger);
+        capacity_ = wanted;
+        return true;
+    }
+
+    std::unique_ptr<std::uint8_t, Free> memory_;
+    std::size_t length_ = 0;
+    std::size_t capacity_ = 0;
+};
+
+} // namespace vistrane
