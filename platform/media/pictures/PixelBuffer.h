@@ -1,0 +1,73 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "platform/corevideo/CoreVideo.h"
+#include "platform/foundation/NSError.h"
+
+namespace vistrane {
+
+/// The pixel buffer of `MediaCoreVideo`, as a movie writer sees it: `height` rows of `width`
+/// pixels, the top row first, 4 bytes a pixel: one that means nothing, red, green, blue. sRGB
+/// values, opaque. Rows start at multiples of 64 bytes.
+///
+/// One thread at a time; only the count may be changed by several.
+class PixelBuffer final : public CVPixelBuffer {
+public:
+    /// A black buffer with a count of one, owned by the caller. Null without pixels, with more
+    /// than a picture may have (see `PictureLimits`), or without memory.
+    static PixelBuffer* make(std::size_t width, std::size_t height);
+
+    /// What a reference stands for. Every buffer of this process comes from `make`.
+    static PixelBuffer* from(CVPixelBufferRef buffer) { return static_cast<PixelBuffer*>(buffer); }
+
+    void retain();
+    /// Counts one down; the last count frees the buffer.
+    void release();
+
+    std::size_t width() const { return width_; }
+    std::size_t height() const { return height_; }
+    std::size_t bytesPerRow() const { return bytesPerRow_; }
+    const std::uint8_t* bytes() const { return rows_; }
+    std::uint8_t* bytes() { return rows_; }
+
+    /// Why the pixels are not to be used: something drawn here could not be decoded. The first
+    /// reason stays.
+    const std::optional<NSError>& damage() const { return damage_; }
+    void markDamaged(NSError reason);
+
+private:
+    struct Free {
+        void operator()(void* memory) const;
+    };
+    using Memory = std::unique_ptr<void, Free>;
+
+    PixelBuffer(std::size_t width, std::size_t height, std::size_t bytesPerRow, Memory memory,
+                std::uint8_t* rows)
+        : width_(width), height_(height), bytesPerRow_(bytesPerRow), memory_(std::move(memory)),
+          rows_(rows) {}
+    ~PixelBuffer() = default;
+
+    std::atomic<std::size_t> count_{1};
+    std::size_t width_;
+    std::size_t height_;
+    std::size_t bytesPerRow_;
+    Memory memory_;
+    std::uint8_t* rows_;
+    std::optional<NSError> damage_;
+};
+
+/// The pool of a pixel buffer adaptor. It keeps no idle buffers: whoever needs one makes it with
+/// `CVPixelBufferCreate`. Owned by its adaptor alone, whatever releases it.
+class PixelBufferPool final : public CVPixelBufferPool {
+public:
+    PixelBufferPool() = default;
+    ~PixelBufferPool() = default;
+};
+
+} // namespace vistrane
