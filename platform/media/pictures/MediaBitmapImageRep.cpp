@@ -1,0 +1,24 @@
+#include "platform/media/pictures/MediaBitmapImageRep.h"
+
+#include <utility>
+
+#include "platform/media/pictures/DataBytes.h"
+#include "platform/media/pictures/png_encoding.h"
+
+namespace vistrane {
+
+MediaBitmapImageRep::MediaBitmapImageRep(std::shared_ptr<const PictureSource> source,
+                                         MediaObserver& observer)
+    : source_(std::move(source)), observer_(observer) {}
+
+std::shared_ptr<NSData>
+MediaBitmapImageRep::representationUsingType(NSBitmapImageFileType type,
+                                             const NSBitmapImageProperties&) const {
+    if (type != NSBitmapImageFileTypePNG) {
+        return nullptr;
+    }
+    auto file = encodePng(*source_);
+    return file ? std::make_shared<DataBytes>(std::move(*file), &observer_) : nullptr;
+}
+
+} // namespace vistrane

@@ -1,0 +1,38 @@
+#include "platform/media/pictures/MediaImage.h"
+
+#include <utility>
+#include <variant>
+
+#include "platform/media/pictures/BitmapContext.h"
+#include "platform/media/pictures/DataBytes.h"
+#include "platform/media/pictures/drawing.h"
+#include "platform/media/pictures/graphics_state.h"
+#include "platform/media/pictures/tiff.h"
+
+namespace vistrane {
+
+MediaImage::MediaImage(std::shared_ptr<const PictureSource> source) : source_(std::move(source)) {}
+
+NSSize MediaImage::size() const {
+    return source_->shape().sizeInPoints();
+}
+
+std::shared_ptr<NSData> MediaImage::TIFFRepresentation() const {
+    auto file = tiffFile(*source_);
+    auto* bytes = std::get_if<ByteArray>(&file);
+    return bytes != nullptr ? std::make_shared<DataBytes>(std::move(*bytes)) : nullptr;
+}
+
+void MediaImage::drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
+                             double fraction) const {
+    const auto context = std::dynamic_pointer_cast<MediaGraphicsContext>(currentGraphicsContext());
+    if (!context) {
+        return;
+    }
+    if (const auto error =
+            drawPicture(*source_, context->surface(), {point, fromRect, operation, fraction})) {
+        context->context().markDamaged(*error);
+    }
+}
+
+} // namespace vistrane

@@ -1,0 +1,83 @@
+#include "platform/media/pictures/Pictures.h"
+
+#include <utility>
+#include <variant>
+
+#include "platform/media/pictures/BitmapContext.h"
+#include "platform/media/pictures/MediaBitmapImageRep.h"
+#include "platform/media/pictures/MediaImage.h"
+#include "platform/media/pictures/PictureSource.h"
+#include "platform/media/pictures/file_bytes.h"
+#include "platform/media/pictures/graphics_state.h"
+
+namespace vistrane {
+
+namespace {
+
+constexpr char dataName[] = "in memory";
+
+std::shared_ptr<const PictureSource> sourceOf(const PictureSourceResult& result) {
+    const auto* source = std::get_if<std::shared_ptr<const PictureSource>>(&result);
+    return source != nullptr ? *source : nullptr;
+}
+
+std::shared_ptr<const PictureSource> pngOrPpm(const std::shared_ptr<NSData>& data,
+                                              const PictureLimits& limits) {
+    if (auto source = sourceOf(pictureFromPng(data, dataName, limits))) {
+        return source;
+    }
+    return sourceOf(pictureFromPpm(data, dataName, limits));
+}
+
+} // namespace
+
+Pictures::Pictures(MediaObserver& observer, PictureLimits limits)
+    : observer_(observer), limits_(limits) {}
+
+std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& path) const {
+    FileBytesResult file = readFile(path, limits_.largestFile);
+    if (file.error) {
+        observer_.imageCouldNotBeRead(path, *file.error);
+        return nullptr;
+    }
+    const auto result = pictureFromPng(std::move(file.bytes), path, limits_);
+    if (const auto* error = std::get_if<NSError>(&result)) {
+        observer_.imageCouldNotBeRead(path, *error);
+        return nullptr;
+    }
+    return std::make_shared<MediaImage>(sourceOf(result));
+}
+
+std::shared_ptr<NSImage> Pictures::imageWithData(std::shared_ptr<NSData> data) const {
+    auto source = data ? pngOrPpm(data, limits_) : nullptr;
+    return source ? std::make_shared<MediaImage>(std::move(source)) : nullptr;
+}
+
+std::shared_ptr<NSBitmapImageRep> Pictures::imageRepWithData(std::shared_ptr<NSData> data) const {
+    auto source = data ? sourceOf(pictureFromTiff(data, dataName, limits_)) : nullptr;
+    if (data && !source) {
+        source = pngOrPpm(data, limits_);
+    }
+    return source ? std::make_shared<MediaBitmapImageRep>(std::move(source), observer_) : nullptr;
+}
+
+std::shared_ptr<NSGraphicsContext> Pictures::graphicsContextWithCGContext(CGContextRef context,
+                                                                          bool flipped) const {
+    return context != nullptr ? std::make_shared<MediaGraphicsContext>(
+                                    static_cast<BitmapContext*>(context), flipped)
+                              : nullptr;
+}
+
+void Pictures::saveGraphicsState() const {
+    pushGraphicsContext();
+}
+
+void Pictures::setCurrentContext(std::shared_ptr<NSGraphicsContext> context) const {
+    setCurrentGraphicsContext(std::move(context));
+}
+
+void Pictures::restoreGraphicsState() const {
+    popGraphicsContext();
+}
+
+} // namespace vistrane
