@@ -1,0 +1,52 @@
+#include "commandline/EndingSignals.h"
+
+#include <thread>
+#include <utility>
+
+#include <csignal>
+#include <ctime>
+
+namespace vistrane {
+
+namespace {
+
+/// How long the main thread may take to answer, in seconds. It answers at once unless it is held
+/// up by a camera or a reader of its output.
+constexpr std::time_t patience = 1;
+
+sigset_t endingSignals() {
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    ::sigaddset(&signals, SIGINT);
+    ::sigaddset(&signals, SIGHUP);
+    ::sigaddset(&signals, SIGTERM);
+    return signals;
+}
+
+void waitForSignals(const EndingSignals::Handlers& handlers) {
+    const sigset_t signals = endingSignals();
+    int signal = 0;
+    while (::sigwait(&signals, &signal) != 0) {
+    }
+    handlers.ask(128 + signal);
+    // A second signal cuts the patience short.
+    const std::timespec limit{patience, 0};
+    ::sigtimedwait(&signals, nullptr, &limit);
+    handlers.force(128 + signal);
+}
+
+} // namespace
+
+void EndingSignals::block() {
+    const sigset_t signals = endingSignals();
+    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    // A closed pipe or a full file is an error of the call that writes.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void EndingSignals::handle(Handlers handlers) {
+    std::thread([handlers = std::move(handlers)] { waitForSignals(handlers); }).detach();
+}
+
+} // namespace vistrane

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+
+namespace vistrane {
+
+/// Interrupts, hang-ups and terminations, as the exit status 128 + the signal.
+///
+/// Made before any other thread: the signals are blocked in this and every later thread, and a
+/// thread of its own waits for them.
+class EndingSignals {
+public:
+    struct Handlers {
+        /// Asks the main thread to end the process with that status.
+        std::function<void(int status)> ask;
+        /// Ends the process without the main thread, which has not answered.
+        std::function<void(int status)> force;
+    };
+
+    /// Blocks the signals; they wait until `handle` is called.
+    static void block();
+    /// Handles signals from now on, for ever.
+    static void handle(Handlers handlers);
+};
+
+} // namespace vistrane

@@ -1,0 +1,293 @@
+#include "commandline/Session.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+
+#include <unistd.h>
+
+#include "app/AppDelegate.h"
+#include "commandline/EndingSignals.h"
+#include "commandline/SessionAppKit.h"
+#include "commandline/SessionObserver.h"
+#include "platform/console/ConsoleDispatch.h"
+#include "platform/console/ConsoleFoundation.h"
+#include "platform/console/ConsoleInterface.h"
+#include "platform/console/ConsoleWorkspace.h"
+#include "platform/console/MemoryUserDefaults.h"
+#include "platform/media/MediaAVFoundation.h"
+#include "platform/media/pictures/MediaCoreGraphics.h"
+#include "platform/media/pictures/MediaCoreVideo.h"
+
+namespace vistrane {
+
+namespace {
+
+CameraOptions cameraOptions(const SessionOptions& options) {
+    CameraOptions result;
+    result.findsCameras = options.findsCameras;
+    result.demoCamera = options.demoCamera;
+    return result;
+}
+
+MovieOptions movieOptions(const MovieArguments& movie) {
+    MovieOptions result;
+    if (!movie.preset.empty()) {
+        result.preset = movie.preset;
+    }
+    if (movie.rateFactor) {
+        result.constantRateFactor = *movie.rateFactor;
+    }
+    return result;
+}
+
+} // namespace
+
+/// The backend and the controller, in the order in which they need each other.
+struct Session::Parts {
+    explicit Parts(const SessionOptions& options)
+        : cameras(dispatch, observer, cameraOptions(options)),
+          movies(observer, movieOptions(options.movie)) {
+        interface.addTo(nib);
+        interface.progressBar->setObserver(
+            [this](double value, double maximum) { output.showProgress(value, maximum); });
+    }
+
+    NSModalResponse answer(const ConsoleAlert& alert) {
+        if (alert.isOnMainThread()) {
+            alertWasShown = true;
+            return NSAlertFirstButtonReturn;
+        }
+        // The movie cannot be created. Nobody is there to answer: the command ends, and until then
+        // the compile thread waits.
+        loop.mainQueue().async([this] { movieWasRefused = true; });
+        for (;;) {
+            ::pause();
+        }
+    }
+
+    ConsoleOutput output{STDERR_FILENO};
+    ConsoleRunLoop loop;
+    ConsoleDispatch dispatch{loop};
+    MemoryUserDefaults defaults;
+    ConsoleFoundation foundation{loop, defaults, output};
+    CompileReport report;
+    SessionObserver observer{output, loop, report};
+    Pictures pictures{observer};
+    MediaCoreVideo coreVideo;
+    MediaCoreGraphics coreGraphics{coreVideo};
+    Cameras cameras;
+    Movies movies;
+    MediaAVFoundation avFoundation{cameras, movies};
+    /// A finished movie is this program's output; no other program is opened for it.
+    ConsoleWorkspace workspace{[](const NSURL&) { return true; }};
+    SessionAppKit appKit{std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{
+                             loop, [this](const std::string& text) { output.writeLine(text); },
+                             [this](const ConsoleAlert& alert) { return answer(alert); }}),
+                         workspace,
+                         output,
+                         loop,
+                         pictures,
+                         report};
+    ConsoleInterface interface;
+    ConsoleNib nib;
+    AppDelegate controller{
+        Platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch}};
+    bool isLaunched = false;
+    bool alertWasShown = false;
+    bool movieWasRefused = false;
+};
+
+Session::Session(const SessionOptions& options) : parts_(*new Parts(options)) {
+    EndingSignals::handle(
+        {[this](int status) { parts_.loop.mainQueue().async([this, status] { end(status); }); },
+         [this](int status) {
+             parts_.movies.abandonAll();
+             std::_Exit(status);
+         }});
+
+    // The settings of a program that has run before and whose user has confirmed the folder.
+    MemoryUserDefaults& defaults = parts_.defaults;
+    defaults.setInteger(1, "firstTimeRunning");
+    defaults.setInteger(30, "iFPS");
+    defaults.setInteger(5, "iSecond");
+    if (options.folder) {
+        const BookmarkDataResult bookmark = parts_.foundation.bookmarkDataWithOptions(
+            NSURL::fileURLWithPath(*options.folder), NSURLBookmarkCreationWithSecurityScope);
+        if (bookmark.error) {
+            fail(bookmark.error->localizedDescription);
+        }
+        defaults.setObject(bookmark.data, "iData");
+    }
+}
+
+void Session::launch() {
+    const std::vector<std::string> missing = parts_.controller.connectInterface(parts_.nib);
+    if (!missing.empty()) {
+        fail("The interface has no control '" + missing.front() + "'.");
+    }
+    parts_.controller.awakeFromNib();
+    parts_.controller.applicationDidFinishLaunching();
+    parts_.isLaunched = true;
+}
+
+std::vector<std::string> Session::deviceNames() const {
+    return parts_.interface.AVDevicePopUp->itemTitles();
+}
+
+std::vector<std::string> Session::frames() {
+    // Ten listings: one that fails may work again, but not for ever.
+    const NSDate limit = parts_.foundation.dateWithTimeIntervalSinceNow(1.0);
+    AppDelegate& controller = parts_.controller;
+    waitUntil([&] {
+        return controller.pictureArray.load() ||
+               parts_.foundation.date().timeIntervalSince1970 > limit.timeIntervalSince1970;
+    });
+    const auto list = controller.pictureArray.load();
+    if (!list) {
+        fail("Cannot list the folder '" + parts_.interface.outfolderB->title() +
+             "'. See that it is there and that you may read it.");
+    }
+    return *list;
+}
+
+void Session::pickDevice(const std::string& name) {
+    const std::vector<std::string> names = deviceNames();
+    const auto found = std::find(names.begin(), names.end(), name);
+    if (found == names.end()) {
+        std::string message = "There is no camera '" + name + "'. ";
+        message += names.empty() ? "No camera is offered." : "The cameras offered are:";
+        for (const std::string& each : names) {
+            message += "\n  " + each;
+        }
+        fail(message);
+    }
+    parts_.interface.AVDevicePopUp->userPicks(found - names.begin());
+    if (parts_.alertWasShown) {
+        end(1);
+    }
+    if (!parts_.controller.aSession->isRunning()) {
+        fail("The camera '" + name + "' does not start. See that no other program uses it.");
+    }
+}
+
+void Session::enterInterval(const IntervalTexts& texts) {
+    const ConsoleInterface& interface = parts_.interface;
+    interface.hInput->userTypes(texts[0]);
+    interface.mInput->userTypes(texts[1]);
+    interface.sInput->userTypes(texts[2]);
+    say(interface.timeD->stringValue());
+}
+
+bool Session::capture(std::optional<int> count,
+                      const std::function<void(const std::string&)>& saved) {
+    ConsoleButton& startButton = *parts_.interface.startB;
+    std::set<std::string> paths;
+    int failures = 0;
+    bool isOver = false;
+    const auto endWhenEnough = [&] {
+        const auto stills = static_cast<int>(paths.size()) + failures;
+        if (!isOver && count && stills >= *count) {
+            isOver = true;
+            startButton.performClick();
+        }
+    };
+    parts_.observer.frameWasSaved = [&](const std::string& path) {
+        saved(path);
+        paths.insert(path);
+        endWhenEnough();
+    };
+    parts_.observer.frameCouldNotBeSaved = [&] {
+        ++failures;
+        endWhenEnough();
+    };
+
+    waitForStampBoundary();
+    startButton.performClick();
+    waitUntil([&] { return isOver; });
+
+    parts_.observer.frameWasSaved = nullptr;
+    parts_.observer.frameCouldNotBeSaved = nullptr;
+    // The list catches up with the last frame.
+    if (!paths.empty()) {
+        waitUntil([&] {
+            const auto list = parts_.controller.pictureArray.load();
+            return list && std::find(list->begin(), list->end(), *paths.rbegin()) != list->end();
+        });
+    }
+    return failures == 0;
+}
+
+std::string Session::compile(int framesPerSecond) {
+    frames();
+    const ConsoleInterface& interface = parts_.interface;
+    interface.fpsS->userMoves(framesPerSecond);
+    interface.compilingB->performClick();
+    if (parts_.alertWasShown) {
+        end(1);
+    }
+    const std::optional<MovieOutcome>& outcome = parts_.observer.movieOutcome;
+    waitUntil(
+        [&] { return parts_.movieWasRefused || (outcome && interface.compilingB->isEnabled()); });
+    if (parts_.movieWasRefused) {
+        end(1);
+    }
+    for (const std::string& line : parts_.report.lines()) {
+        say(line);
+    }
+    if (outcome->error) {
+        fail(outcome->error->localizedDescription);
+    }
+    return outcome->path;
+}
+
+void Session::print(const std::string& result, char end) {
+    const std::string text = result + end;
+    for (std::size_t written = 0; written < text.size();) {
+        const ssize_t count = ::write(STDOUT_FILENO, text.data() + written, text.size() - written);
+        if (count >= 0) {
+            written += static_cast<std::size_t>(count);
+        } else if (errno != EINTR) {
+            fail(std::string("Cannot write to standard output: ") + std::strerror(errno) + ".");
+        }
+    }
+}
+
+void Session::say(const std::string& message) {
+    parts_.output.writeLine(message);
+}
+
+void Session::end(int status) {
+    parts_.output.showProgress(0.0, 0.0);
+    if (parts_.isLaunched) {
+        parts_.controller.applicationWillTerminate();
+    }
+    parts_.movies.abandonAll();
+    // Threads may still be at work, so nothing is taken apart.
+    std::_Exit(status);
+}
+
+void Session::fail(const std::string& message) {
+    say("vistrane: " + message);
+    end(1);
+}
+
+void Session::waitUntil(const std::function<bool()>& condition) {
+    while (!condition()) {
+        parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(0.02));
+    }
+}
+
+void Session::waitForStampBoundary() {
+    // Frames are named by the second. With an interval of whole seconds every still falls into
+    // the same part of its second; started early in one, none slips into a neighbour's.
+    const double now = parts_.foundation.date().timeIntervalSince1970;
+    const double fraction = now - std::floor(now);
+    const double delay = fraction < 0.1 ? 0.1 - fraction : fraction > 0.4 ? 1.1 - fraction : 0.0;
+    parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(delay));
+}
+
+} // namespace vistrane

@@ -1,0 +1,37 @@
+#include "commandline/SessionObserver.h"
+
+namespace vistrane {
+
+void SessionObserver::imageCouldNotBeRead(const std::string&, const NSError& reason) {
+    // The main thread loads frames to show them; only the movie's own loads count.
+    if (!loop_.isMainThread()) {
+        report_.frameCouldNotBeRead(reason);
+    }
+}
+
+void SessionObserver::fileWasWritten(const std::string& path) {
+    if (frameWasSaved) {
+        frameWasSaved(path);
+    }
+}
+
+void SessionObserver::fileCouldNotBeWritten(const std::string&, const NSError& reason) {
+    output_.writeLine("A frame is lost: " + reason.localizedDescription);
+    if (frameCouldNotBeSaved) {
+        frameCouldNotBeSaved();
+    }
+}
+
+void SessionObserver::movieIsWhole(const std::string& path) {
+    setOutcome({path, std::nullopt});
+}
+
+void SessionObserver::movieFailed(const std::string& path, const NSError& reason) {
+    setOutcome({path, reason});
+}
+
+void SessionObserver::setOutcome(MovieOutcome outcome) {
+    loop_.mainQueue().async([this, outcome = std::move(outcome)] { movieOutcome = outcome; });
+}
+
+} // namespace vistrane

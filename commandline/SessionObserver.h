@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "commandline/CompileReport.h"
+#include "platform/console/ConsoleOutput.h"
+#include "platform/console/ConsoleRunLoop.h"
+#include "platform/media/MediaObserver.h"
+
+namespace vistrane {
+
+/// How a movie ended: whole, or the reason why there is none.
+struct MovieOutcome {
+    std::string path;
+    std::optional<NSError> error;
+};
+
+/// Tells the command line what the media report, on the main thread, and the user what went wrong.
+class SessionObserver final : public MediaObserver {
+public:
+    SessionObserver(ConsoleOutput& output, ConsoleRunLoop& loop, CompileReport& report)
+        : output_(output), loop_(loop), report_(report) {}
+
+    // ---- Main thread ---------------------------------------------------------------------------
+    std::function<void(const std::string& path)> frameWasSaved;
+    std::function<void()> frameCouldNotBeSaved;
+    std::optional<MovieOutcome> movieOutcome;
+
+    // ---- Any thread ----------------------------------------------------------------------------
+    void imageCouldNotBeRead(const std::string& path, const NSError& reason) override;
+    void fileWasWritten(const std::string& path) override;
+    void fileCouldNotBeWritten(const std::string& path, const NSError& reason) override;
+    void pictureWasAppended() override { report_.frameWasAppended(); }
+    void pictureWasRefused(const NSError& reason) override { report_.frameWasRefused(reason); }
+    void movieIsWhole(const std::string& path) override;
+    void movieFailed(const std::string& path, const NSError& reason) override;
+    void cameraChanged(const std::string& message) override { output_.writeLine(message); }
+
+private:
+    void setOutcome(MovieOutcome outcome);
+
+    ConsoleOutput& output_;
+    ConsoleRunLoop& loop_;
+    CompileReport& report_;
+};
+
+} // namespace vistrane

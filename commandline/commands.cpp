@@ -1,0 +1,130 @@
+#include "commandline/commands.h"
+
+#include <cstdio>
+#include <iostream>
+
+#include "commandline/Session.h"
+#include "commandline/demo_folder.h"
+#include "commandline/project_folder_argument.h"
+#include "commandline/version.h"
+
+namespace vistrane {
+
+namespace {
+
+constexpr char demoCameraName[] = "Demo Camera";
+constexpr int demoStills = 10;
+constexpr int demoFramesPerSecond = 10;
+
+int refuse(const std::string& reason) {
+    std::cerr << "vistrane: " << reason << '\n';
+    return 1;
+}
+
+/// A launched session; it ends with the process.
+Session& startSession(const SessionOptions& options) {
+    Session& session = *new Session(options);
+    session.launch();
+    return session;
+}
+
+[[noreturn]] void captureAndCompile(Session& session, const CaptureCommand& command,
+                                    const std::function<void(const std::string&)>& saved) {
+    session.pickDevice(command.device);
+    if (command.interval) {
+        session.enterInterval(*command.interval);
+    }
+    const bool isComplete = session.capture(command.count, saved);
+    if (command.compiles) {
+        session.print(session.compile(command.movie.framesPerSecond));
+    }
+    session.end(isComplete ? 0 : 1);
+}
+
+int run(const HelpCommand&) {
+    std::cout << helpText() << std::flush;
+    return std::cout ? 0 : 1;
+}
+
+int run(const VersionCommand&) {
+    std::cout << "vistrane " << version << std::endl;
+    return std::cout ? 0 : 1;
+}
+
+int run(const DevicesCommand& command) {
+    Session& session = startSession({.findsCameras = true, .demoCamera = command.demoCamera});
+    for (const std::string& name : session.deviceNames()) {
+        session.print(name);
+    }
+    session.end(0);
+}
+
+int run(const FramesCommand& command) {
+    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
+    if (!folder.error.empty()) {
+        return refuse(folder.error);
+    }
+    Session& session = startSession({.folder = folder.path});
+    const char end = command.endsWithNul ? '\0' : '\n';
+    for (const std::string& path : session.frames()) {
+        session.print(path, end);
+    }
+    session.end(0);
+}
+
+int run(const CompileCommand& command) {
+    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
+    if (!folder.error.empty()) {
+        return refuse(folder.error);
+    }
+    Session& session = startSession({.folder = folder.path, .movie = command.movie});
+    session.print(session.compile(command.movie.framesPerSecond));
+    session.end(0);
+}
+
+int run(const CaptureCommand& command) {
+    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
+    if (!folder.error.empty()) {
+        return refuse(folder.error);
+    }
+    Session& session = startSession({.folder = folder.path,
+                                     .findsCameras = true,
+                                     .demoCamera = command.demoCamera,
+                                     .movie = command.movie});
+    captureAndCompile(session, command,
+                      [&session](const std::string& path) { session.print(path); });
+}
+
+int run(const DemoCommand& command) {
+    std::string path;
+    if (command.folder) {
+        const ProjectFolderArgument folder = projectFolderArgument(*command.folder);
+        if (!folder.error.empty()) {
+            return refuse(folder.error);
+        }
+        path = folder.path;
+    } else {
+        const NewFolder folder = createDemoFolder(videosFolder());
+        if (!folder.error.empty()) {
+            return refuse(folder.error);
+        }
+        path = folder.path;
+    }
+    CaptureCommand capture;
+    capture.device = demoCameraName;
+    capture.interval = IntervalTexts{"0", "0", "1"};
+    capture.count = demoStills;
+    capture.compiles = true;
+    capture.movie.framesPerSecond = demoFramesPerSecond;
+    Session& session = startSession({.folder = path, .demoCamera = true});
+    captureAndCompile(session, capture,
+                      [&session](const std::string& frame) { session.say(frame); });
+}
+
+} // namespace
+
+int runCommand(const Command& command) {
+    return std::visit([](const auto& each) { return run(each); }, command);
+}
+
+} // namespace vistrane
