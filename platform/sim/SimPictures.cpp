@@ -1,0 +1,80 @@
+#include "platform/sim/SimPictures.h"
+
+#include "platform/sim/SimDrawing.h"
+#include "platform/sim/SimFiles.h"
+
+namespace vistrane {
+
+namespace {
+
+bool isDamaged(const std::shared_ptr<NSData>& data) {
+    return !data || nameOf(data.get()).compare(0, 7, "damaged") == 0;
+}
+
+} // namespace
+
+const std::uint8_t* SimData::bytes() const {
+    return reinterpret_cast<const std::uint8_t*>(name().data());
+}
+
+bool SimData::writeToFile(const std::string& path, bool atomically) const {
+    call("writeToFile: " + path + " atomically: " + yesNo(atomically));
+    return files_.write(path, name());
+}
+
+NSSize SimImage::size() const {
+    log_.recordGetter(name() + " size");
+    return size_;
+}
+
+std::shared_ptr<NSData> SimImage::TIFFRepresentation() const {
+    call("TIFFRepresentation");
+    return std::make_shared<SimData>(log_, files_, "TIFF(" + name() + ")");
+}
+
+void SimImage::drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
+                           double fraction) const {
+    call("drawAtPoint: " + describe(point) + " fromRect: " + describe(fromRect) +
+         " operation: " + std::to_string(operation) + " fraction: " + decimal(fraction));
+    drawing_.draw(point, size_);
+}
+
+std::shared_ptr<NSData>
+SimBitmapImageRep::representationUsingType(NSBitmapImageFileType type,
+                                           const NSBitmapImageProperties& properties) const {
+    call("representationUsingType: " + std::to_string(type) + " NSImageCompressionFactor: " +
+         decimal(static_cast<double>(properties.NSImageCompressionFactor)));
+    return std::make_shared<SimData>(log_, files_, "PNG(" + name() + ")");
+}
+
+std::shared_ptr<NSImage> SimPictures::named(const std::string& name) {
+    log_.recordGetter("imageNamed: " + name);
+    return resources.count(name) != 0 ? picture(name, {16.0, 16.0}) : nullptr;
+}
+
+std::shared_ptr<NSImage> SimPictures::withContentsOfFile(const std::string& path) {
+    log_.record("imageWithContentsOfFile: " + path);
+    const std::optional<NSSize> size = files_.pictureSize(path);
+    return size ? picture(path, *size) : nullptr;
+}
+
+std::shared_ptr<NSImage> SimPictures::withData(const std::shared_ptr<NSData>& data) {
+    log_.record("imageWithData: " + nameOf(data.get()));
+    return isDamaged(data) ? nullptr : picture(nameOf(data.get()), {640.0, 480.0});
+}
+
+std::shared_ptr<NSBitmapImageRep> SimPictures::repWithData(const std::shared_ptr<NSData>& data) {
+    log_.record("imageRepWithData: " + nameOf(data.get()));
+    return isDamaged(data) ? nullptr
+                           : std::make_shared<SimBitmapImageRep>(log_, files_, nameOf(data.get()));
+}
+
+std::shared_ptr<SimData> SimPictures::data(const std::string& contents) {
+    return std::make_shared<SimData>(log_, files_, contents);
+}
+
+std::shared_ptr<SimImage> SimPictures::picture(const std::string& name, NSSize size) {
+    return std::make_shared<SimImage>(log_, files_, drawing_, name, size);
+}
+
+} // namespace vistrane
