@@ -1,0 +1,77 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/Foundation.h"
+#include "platform/sim/CallLog.h"
+#include "platform/sim/SimDateFormatter.h"
+#include "platform/sim/SimFiles.h"
+#include "platform/sim/SimLocale.h"
+#include "platform/sim/SimLoop.h"
+#include "platform/sim/SimThreads.h"
+#include "platform/sim/SimUserDefaults.h"
+
+namespace vistrane {
+
+/// Notices that the test posts.
+class SimNotificationCenter final : public NSDistributedNotificationCenter, public SimObject {
+public:
+    SimNotificationCenter(CallLog& log, SimLoop& loop)
+        : SimObject(log, "defaultCenter"), loop_(loop) {}
+
+    void addObserver(std::function<void()> observer, const std::string& name) override;
+    /// Calls the observers from the run loop, before this returns.
+    void post(const std::string& name);
+
+private:
+    SimLoop& loop_;
+    std::multimap<std::string, std::function<void()>> observers_;
+};
+
+/// How bookmarks turn out. A bookmark holds the bytes of its path.
+struct SimBookmarks {
+    std::optional<NSError> creationError;
+    std::optional<NSError> resolutionError;
+    bool grantsAccess = true;
+};
+
+class SimFoundation final : public Foundation {
+public:
+    SimFoundation(CallLog& log, SimLoop& loop, SimThreads& threads, SimFiles& files);
+
+    NSUserDefaults& standardUserDefaults() override { return defaults; }
+    NSFileManager& defaultManager() override { return files_; }
+    NSDistributedNotificationCenter& defaultCenter() override { return notifications; }
+    NSRunLoop& currentRunLoop() override { return loop_; }
+    std::shared_ptr<NSTimer> scheduledTimerWithTimeInterval(NSTimeInterval interval,
+                                                            std::function<void(NSTimer&)> tick,
+                                                            bool repeats) override;
+    NSDate date() override;
+    NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds) override;
+    std::unique_ptr<NSDateFormatter> dateFormatter() override;
+    std::shared_ptr<const NSLocale> currentLocale() override;
+    std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) override;
+    std::shared_ptr<NSThread> currentThread() override { return threads_.current(); }
+    BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) override;
+    BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
+                                                 std::uint64_t options) override;
+    bool startAccessingSecurityScopedResource(const NSURL& url) override;
+    void NSLog(const std::string& message) override;
+
+    SimUserDefaults defaults;
+    SimNotificationCenter notifications;
+    SimBookmarks bookmarks;
+    SimDateRules dateRules;
+
+private:
+    CallLog& log_;
+    SimLoop& loop_;
+    SimThreads& threads_;
+    SimFiles& files_;
+    std::shared_ptr<SimLocale> locale_;
+};
+
+} // namespace vistrane
