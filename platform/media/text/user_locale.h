@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace vistrane {
+
+/// Which part of the user's language settings is asked for.
+enum class LocaleCategory { time, collation };
+
+/// The user's locale as an ICU locale identifier, such as "de_DE" or "sr_Latn_RS".
+///
+/// Read from the environment by POSIX precedence: LC_ALL, then LC_TIME or LC_COLLATE, then LANG;
+/// an empty variable counts as unset. The C library's own locale is not asked: it knows only the
+/// locales that were installed for it, while ICU brings its own. No setting, "C" and "POSIX" give
+/// "en_US_POSIX".
+std::string userLocale(LocaleCategory category);
+
+/// The ICU identifier for a POSIX locale name such as "de_DE.UTF-8@euro". ICU's own keywords
+/// ("th_TH@calendar=gregorian") are kept.
+std::string icuLocaleOfPosixName(const std::string& name);
+
+} // namespace vistrane
