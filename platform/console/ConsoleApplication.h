@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/appkit/NSApplication.h"
+
+namespace vistrane {
+
+/// A program without windows: there is nothing to miniaturise or to bring to the front.
+class ConsoleApplication final : public NSApplication {
+public:
+    void miniaturizeAll(NSObject*) override {}
+    void activateIgnoringOtherApps(bool) override {}
+};
+
+} // namespace vistrane

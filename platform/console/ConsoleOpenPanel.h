@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/appkit/NSOpenPanel.h"
+
+namespace vistrane {
+
+/// Nobody is there to choose: the panel always answers as if it was cancelled.
+class ConsoleOpenPanel final : public NSOpenPanel {
+public:
+    void setTitle(const std::string&) override {}
+    void setCanChooseDirectories(bool) override {}
+    void setCanCreateDirectories(bool) override {}
+    void setAllowsMultipleSelection(bool) override {}
+    void setCanChooseFiles(bool) override {}
+    void setPrompt(const std::string&) override {}
+    NSModalResponse runModal() override { return NSModalResponseCancel; }
+    std::optional<NSURL> URL() const override { return std::nullopt; }
+};
+
+} // namespace vistrane

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "platform/TimerGrid.h"
+#include "platform/foundation/NSTimer.h"
+
+namespace vistrane {
+
+class ConsoleRunLoop;
+
+/// A timer of the console's run loop. A tick that runs the loop is not ticked again within: the
+/// dates that pass meanwhile merge into the tick that follows.
+class ConsoleTimer final : public NSTimer, public std::enable_shared_from_this<ConsoleTimer> {
+public:
+    /// `now` in nanoseconds of the loop's clock.
+    ConsoleTimer(ConsoleRunLoop& loop, std::int64_t now, double interval,
+                 std::function<void(NSTimer&)> tick, bool repeats);
+
+    void fire() override;
+    void invalidate() override;
+    bool isValid() const override { return loop_ != nullptr; }
+
+    /// When the loop is to tick it.
+    std::int64_t nextDate() const { return grid_.next(); }
+    bool isTicking() const { return ticking_ > 0; }
+    /// Ticks for every date up to `now`.
+    void tick(std::int64_t now);
+
+private:
+    void callOut();
+
+    /// Null once invalid.
+    ConsoleRunLoop* loop_;
+    TimerGrid grid_;
+    /// Shared with a running tick, which must outlive an invalidation from within.
+    std::shared_ptr<const std::function<void(NSTimer&)>> tick_;
+    bool repeats_;
+    int ticking_ = 0;
+};
+
+} // namespace vistrane

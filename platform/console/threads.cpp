@@ -1,0 +1,40 @@
+#include "platform/console/threads.h"
+
+#include <csignal>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace vistrane {
+
+namespace {
+
+/// A thread inherits the mask of the thread that starts it.
+class SignalsBlocked {
+public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before_);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
+} // namespace
+
+bool startDetachedThread(std::function<void()> entry) {
+    const SignalsBlocked blocked;
+    try {
+        std::thread(std::move(entry)).detach();
+    } catch (const std::system_error&) {
+        return false;
+    }
+    return true;
+}
+
+} // namespace vistrane
