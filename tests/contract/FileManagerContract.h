@@ -1,0 +1,90 @@
+#pragma once
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "platform/foundation/NSFileManager.h"
+#include "tests/contract/contract.h"
+
+namespace vistrane {
+
+/// The file system. A backend has
+///
+///     NSFileManager& fileManager();
+///     std::string emptyFolder();                   a fresh folder's path
+///     void addFile(const std::string& path);
+///     void addFolder(const std::string& path);
+template <typename Backend>
+class FileManagerContract : public ::testing::Test {
+protected:
+    NSFileManager& manager() { return backend_.fileManager(); }
+
+    Backend backend_;
+    std::string folder_ = backend_.emptyFolder();
+};
+
+TYPED_TEST_SUITE_P(FileManagerContract);
+
+TYPED_TEST_P(FileManagerContract, AnEmptyFolderHasNoNames) {
+    const auto names = this->manager().contentsOfDirectoryAtPath(this->folder_);
+    ASSERT_TRUE(names);
+    EXPECT_THAT(*names, ::testing::IsEmpty());
+}
+
+TYPED_TEST_P(FileManagerContract, EveryNameIsListedAndNoDots) {
+    this->backend_.addFile(this->folder_ + "/b.png");
+    this->backend_.addFile(this->folder_ + "/.hidden.png");
+    this->backend_.addFile(this->folder_ + "/...");
+    this->backend_.addFolder(this->folder_ + "/folder.png");
+    const auto names = this->manager().contentsOfDirectoryAtPath(this->folder_);
+    ASSERT_TRUE(names);
+    EXPECT_THAT(*names,
+                ::testing::UnorderedElementsAre("b.png", ".hidden.png", "...", "folder.png"));
+}
+
+TYPED_TEST_P(FileManagerContract, NamesThatAreNoTextAreListed) {
+    this->backend_.addFile(this->folder_ + "/\xff\xfe.png");
+    const auto names = this->manager().contentsOfDirectoryAtPath(this->folder_);
+    ASSERT_TRUE(names);
+    EXPECT_THAT(*names, ::testing::ElementsAre("\xff\xfe.png"));
+}
+
+TYPED_TEST_P(FileManagerContract, TheListingIsShallow) {
+    this->backend_.addFolder(this->folder_ + "/sub");
+    this->backend_.addFile(this->folder_ + "/sub/deep.png");
+    const auto names = this->manager().contentsOfDirectoryAtPath(this->folder_);
+    ASSERT_TRUE(names);
+    EXPECT_THAT(*names, ::testing::ElementsAre("sub"));
+}
+
+TYPED_TEST_P(FileManagerContract, WhatIsNoFolderGivesNoListing) {
+    this->backend_.addFile(this->folder_ + "/file");
+    EXPECT_FALSE(this->manager().contentsOfDirectoryAtPath(this->folder_ + "/file"));
+    EXPECT_FALSE(this->manager().contentsOfDirectoryAtPath(this->folder_ + "/missing"));
+    EXPECT_FALSE(this->manager().contentsOfDirectoryAtPath(""));
+}
+
+TYPED_TEST_P(FileManagerContract, ExistingPathsAreToldApart) {
+    this->backend_.addFile(this->folder_ + "/file");
+    bool isDirectory = false;
+    EXPECT_TRUE(this->manager().fileExistsAtPath(this->folder_, isDirectory));
+    EXPECT_TRUE(isDirectory);
+    EXPECT_TRUE(this->manager().fileExistsAtPath(this->folder_ + "/file", isDirectory));
+    EXPECT_FALSE(isDirectory);
+}
+
+TYPED_TEST_P(FileManagerContract, AMissingPathLeavesTheFlagAlone) {
+    for (const bool before : {false, true}) {
+        bool isDirectory = before;
+        EXPECT_FALSE(this->manager().fileExistsAtPath(this->folder_ + "/missing", isDirectory));
+        EXPECT_EQ(isDirectory, before);
+    }
+}
+
+REGISTER_TYPED_TEST_SUITE_P(FileManagerContract, AnEmptyFolderHasNoNames,
+                            EveryNameIsListedAndNoDots, NamesThatAreNoTextAreListed,
+                            TheListingIsShallow, WhatIsNoFolderGivesNoListing,
+                            ExistingPathsAreToldApart, AMissingPathLeavesTheFlagAlone);
+
+} // namespace vistrane
