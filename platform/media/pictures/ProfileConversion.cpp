@@ -80,15 +80,15 @@ cmsUInt32Number pixelType(PixelForm form) {
 }
 
 Transform makeTransform(cmsContext context, const Profile& from, cmsUInt32Number fromType,
-                        cmsUInt32Number toType) {
+                        cmsUInt32Number toType, cmsUInt32Number flags = 0) {
     const Profile to(cmsCreate_sRGBProfileTHR(context));
     if (!to) {
         return nullptr;
     }
     // Colours that both spaces have stay what they are. No cache: it saves nothing in pictures.
-    return Transform(cmsCreateTransformTHR(context, from.get(), fromType, to.get(), toType,
-                                           INTENT_RELATIVE_COLORIMETRIC,
-                                           cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE));
+    return Transform(cmsCreateTransformTHR(
+        context, from.get(), fromType, to.get(), toType, INTENT_RELATIVE_COLORIMETRIC,
+        cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE | flags));
 }
 
 bool isSame(std::uint8_t first, std::uint8_t second) {
@@ -153,8 +153,9 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
         return std::nullopt;
     }
     if (grey) {
-        const Transform transform =
-            makeTransform(tables->context.get(), profile, TYPE_GRAY_8, TYPE_RGB_8);
+        // For 256 values nothing needs to be shortened, which would cost the dark ones some steps.
+        const Transform transform = makeTransform(tables->context.get(), profile, TYPE_GRAY_8,
+                                                  TYPE_RGB_8, cmsFLAGS_NOOPTIMIZE);
         if (!transform) {
             return std::nullopt;
         }
