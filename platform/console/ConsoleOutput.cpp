@@ -39,7 +39,8 @@ void ConsoleOutput::showProgress(double value, double maximum) {
         return;
     }
     const std::lock_guard lock(mutex_);
-    std::string bar = value > 0.0 && maximum > 0.0 ? barFor(value, maximum) : std::string();
+    const bool hasBar = value > 0.0 && maximum > 0.0 && std::isfinite(maximum);
+    std::string bar = hasBar ? barFor(value, maximum) : std::string();
     if (bar == bar_) {
         return;
     }

@@ -21,8 +21,8 @@ public:
     /// Writes the text, unchanged, and a line end. What cannot be written is lost.
     void writeLine(std::string_view text);
 
-    /// Draws the bar at `value` of `maximum`, or takes it away when `value` is 0 or less or
-    /// `maximum` is.
+    /// Draws the bar at `value` of `maximum`, or takes it away unless both are above 0
+    /// and the maximum is finite.
     void showProgress(double value, double maximum);
 
     /// Sounds the terminal's bell.

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "platform/console/ConsoleDispatch.h"
+#include "platform/console/ConsoleFoundation.h"
+#include "platform/console/ConsoleInterface.h"
+#include "platform/console/MemoryUserDefaults.h"
+
+namespace vistrane {
+
+/// The console for the contract suites, on the real clock.
+class ConsoleBackend {
+public:
+    ~ConsoleBackend() { close(nowhere_); }
+
+    Foundation& foundation() { return foundation_; }
+    Dispatch& dispatch() { return dispatch_; }
+    void stall(double seconds) {
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    }
+
+    NSUserDefaults& userDefaults() { return defaults_; }
+
+    std::shared_ptr<NSButton> button() { return std::make_shared<ConsoleButton>(""); }
+    std::shared_ptr<NSTextField> textField() { return std::make_shared<ConsoleTextField>(); }
+    std::string text(NSTextField& field) {
+        return dynamic_cast<ConsoleTextField&>(field).stringValue();
+    }
+    std::shared_ptr<NSSlider> slider() { return std::make_shared<ConsoleSlider>(0.0, 0.0, 0.0); }
+    std::shared_ptr<NSPopUpButton> popUp() { return std::make_shared<ConsolePopUpButton>(); }
+    std::vector<std::string> titles(NSPopUpButton& popUp) {
+        return dynamic_cast<ConsolePopUpButton&>(popUp).itemTitles();
+    }
+    void pick(NSPopUpButton& popUp, NSInteger index) {
+        dynamic_cast<ConsolePopUpButton&>(popUp).userPicks(index);
+    }
+    std::shared_ptr<NSImageView> imageView() { return std::make_shared<ConsoleImageView>(); }
+    std::shared_ptr<NSWindow> window() { return std::make_shared<ConsoleWindow>(); }
+
+private:
+    int nowhere_ = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    ConsoleOutput output_{nowhere_};
+    MemoryUserDefaults defaults_;
+    ConsoleRunLoop loop_;
+    ConsoleDispatch dispatch_{loop_};
+    ConsoleFoundation foundation_{loop_, defaults_, output_};
+};
+
+} // namespace vistrane
