@@ -1,0 +1,93 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "app/AppDelegate.h"
+#include "app/appearance.h"
+#include "compiler/compile_job.h"
+#include "platform/sim/Sim.h"
+
+namespace vistrane {
+
+/// A controller whose outlets are connected to a sim's controls. Every test of it also proves that
+/// nothing was done against an interface's contract.
+class ControllerTest : public ::testing::Test {
+protected:
+    ControllerTest() {
+        interfaceStyle() = "Dark";
+        compileFrameRate() = 25;
+        delegate.connectInterface(sim.nib());
+    }
+
+    void TearDown() override {
+        sim.threads().end();
+        EXPECT_THAT(sim.misuses(), ::testing::IsEmpty());
+    }
+
+    /// The folder is there, and a bookmark of it is saved.
+    void saveFolder(const std::string& path = "/f") {
+        sim.files().addFolder(path);
+        sim.defaults().values["iData"] = std::vector<std::uint8_t>(path.begin(), path.end());
+    }
+
+    /// Starts the program and forgets the calls that this took.
+    void launch() {
+        delegate.awakeFromNib();
+        delegate.applicationDidFinishLaunching();
+        sim.takeCalls();
+    }
+
+    /// Starts the program with one camera, and opens that.
+    void launchWithCamera() {
+        sim.cameras().add("Camera");
+        launch();
+        delegate.selectAVDevice(nullptr);
+        sim.takeCalls();
+    }
+
+    /// The calls so far without the setting up of alerts, which may come in any order: what an
+    /// alert said in the end is in `sim.alerts().shown()`.
+    std::vector<std::string> takeProcedure() {
+        std::vector<std::string> procedure;
+        for (std::string& call : sim.takeCalls()) {
+            const bool isAlerts = call.compare(0, 5, "alert") == 0;
+            if (!isAlerts || call.find("runModal") != std::string::npos ||
+                call.compare(0, 15, "alertWithError:") == 0) {
+                procedure.push_back(std::move(call));
+            }
+        }
+        return procedure;
+    }
+
+    static void expectStandardAlert(const SimShownAlert& alert, const std::string& message,
+                                    const std::string& informativeText) {
+        EXPECT_EQ(alert.message, message);
+        EXPECT_EQ(alert.informativeText, informativeText);
+        EXPECT_THAT(alert.buttons, ::testing::ElementsAre("Got it"));
+        EXPECT_TRUE(alert.transparentTitleBar);
+        EXPECT_FALSE(alert.error);
+    }
+
+    SimTextField& textField(const std::string& name) { return sim.nib().textField(name); }
+    SimButton& button(const std::string& name) { return sim.nib().button(name); }
+    SimSlider& slider(const std::string& name) { return sim.nib().slider(name); }
+    SimPopUpButton& devicePopUp() { return sim.nib().popUp("AVDevicePopUp"); }
+    SimImageView& display() { return sim.nib().imageView("myDisplay"); }
+    SimProgressIndicator& progressBar() { return sim.nib().progress("progressBar"); }
+    std::string folderTitle() { return button("outfolderB").currentTitle; }
+
+    void setInterval(const std::string& hours, const std::string& minutes,
+                     const std::string& seconds) {
+        textField("hInput").text = hours;
+        textField("mInput").text = minutes;
+        textField("sInput").text = seconds;
+    }
+
+    Sim sim;
+    AppDelegate delegate{sim.platform()};
+};
+
+} // namespace vistrane
