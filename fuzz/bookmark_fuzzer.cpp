@@ -1,0 +1,21 @@
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+#include "platform/media/text/bookmark.h"
+
+// Any bytes as a bookmark: refused, or an address whose own bookmark finds it again.
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace vistrane;
+    const auto found = resolveBookmark(std::vector<std::uint8_t>(data, data + size));
+    if (!found.url) {
+        return 0;
+    }
+    const auto again = makeBookmark(*found.url);
+    if (again.error || resolveBookmark(again.data).url != found.url) {
+        std::abort();
+    }
+    return 0;
+}

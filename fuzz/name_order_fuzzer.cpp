@@ -1,0 +1,51 @@
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "folder/frame_list.h"
+#include "platform/media/text/IcuLocale.h"
+
+// Any three names, parted by NUL bytes: they have one order, in which only equal names are the
+// same.
+
+namespace {
+
+using namespace vistrane;
+
+std::string nextName(std::string_view& rest) {
+    const std::size_t end = rest.find('\0');
+    std::string name(rest.substr(0, end));
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    return name;
+}
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const IcuLocale locale("en_US");
+    std::string_view rest(reinterpret_cast<const char*>(data), size);
+    const std::string a = nextName(rest);
+    const std::string b = nextName(rest);
+    const std::string c = nextName(rest);
+
+    const int ab = frameNameCompare(a, b, locale);
+    const int bc = frameNameCompare(b, c, locale);
+    const int ac = frameNameCompare(a, c, locale);
+    require(ab == -frameNameCompare(b, a, locale));
+    require((ab == NSOrderedSame) == (a == b));
+    if (ab <= 0 && bc <= 0) {
+        require(ac == (ab < 0 || bc < 0 ? NSOrderedAscending : NSOrderedSame));
+    }
+    if (ab >= 0 && bc >= 0) {
+        require(ac == (ab > 0 || bc > 0 ? NSOrderedDescending : NSOrderedSame));
+    }
+    return 0;
+}
