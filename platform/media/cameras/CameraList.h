@@ -1,0 +1,55 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/media/cameras/camera_facts.h"
+#include "platform/media/cameras/camera_modes.h"
+
+namespace vistrane {
+
+/// A camera as one listing found it.
+struct Camera {
+    CameraFacts facts;
+    /// What opens it; null for the demo camera.
+    std::shared_ptr<GstDevice> device;
+    std::shared_ptr<const std::vector<CameraMode>> modes;
+
+    bool isDemo() const { return device == nullptr; }
+};
+
+/// Asks this system's providers which cameras there are. Any thread.
+///
+/// Each question goes to the providers afresh and in parallel: watching them instead would miss
+/// the cameras of a PipeWire that was restarted, and PipeWire's watcher, at least up to 0.3.65,
+/// damages the heap when it is stopped. A provider that hangs costs the waiting time and one
+/// thread, however often it is asked.
+class CameraList {
+public:
+    CameraList();
+    ~CameraList();
+    CameraList(const CameraList&) = delete;
+    CameraList& operator=(const CameraList&) = delete;
+
+    /// Every camera once, in the platform's order, without the demo camera. Waits for slow
+    /// providers at most `patience`, then goes on without them.
+    std::vector<Camera> list(std::chrono::milliseconds patience);
+
+    /// Every camera of one provider.
+    std::vector<Camera> listOf(const std::string& provider, std::chrono::milliseconds patience);
+
+private:
+    struct Provider;
+    std::vector<std::shared_ptr<Provider>> providers_;
+};
+
+/// The moving test picture.
+Camera demoCamera();
+
+/// Starts GStreamer with the first call, without a look at the program's arguments. Whether it
+/// works.
+bool startGStreamer();
+
+} // namespace vistrane

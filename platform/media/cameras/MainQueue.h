@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <utility>
+
+#include "platform/dispatch/Dispatch.h"
+
+namespace vistrane {
+
+/// The way to the main thread, until it is closed: a thread that comes back late from a camera
+/// driver then finds no queue any more. Any thread.
+class MainQueue {
+public:
+    explicit MainQueue(Dispatch& dispatch) : dispatch_(&dispatch) {}
+
+    /// Work that comes after `close` is dropped.
+    void post(std::function<void()> work) {
+        std::lock_guard lock(mutex_);
+        if (dispatch_ != nullptr) {
+            dispatch_async(dispatch_->dispatch_get_main_queue(), std::move(work));
+        }
+    }
+
+    void close() {
+        std::lock_guard lock(mutex_);
+        dispatch_ = nullptr;
+    }
+
+private:
+    std::mutex mutex_;
+    Dispatch* dispatch_;
+};
+
+} // namespace vistrane

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/avfoundation/AVCaptureSession.h"
+
+namespace vistrane {
+
+/// A small picture for the live preview: rows from the top, each pixel four bytes blue, green, red
+/// and one to pass over. Full-range RGB. All fields 0 or null: nothing to show.
+struct PreviewPicture {
+    /// The first row; the rows lie `stride` bytes apart. Immutable, lives as long as somebody
+    /// holds it. Holding it costs the camera a buffer, so not for long.
+    std::shared_ptr<const std::uint8_t> pixels;
+    int width = 0;
+    int height = 0;
+    std::size_t stride = 0;
+};
+
+/// A layer whose pictures a front end draws, aspect kept. Main thread only.
+class MediaPreviewLayer final : public AVCaptureVideoPreviewLayer {
+public:
+    using PictureHandler = std::function<void(PreviewPicture)>;
+
+    /// `wanted` is told whether there is a handler.
+    explicit MediaPreviewLayer(std::function<void(bool)> wanted);
+
+    void setFrame(CGRect frame) override;
+    void setBackgroundColor(CGColor color) override;
+    void addSublayer(std::shared_ptr<CALayer> layer) override;
+
+    CGRect frame() const;
+    CGColor backgroundColor() const;
+    const std::vector<std::shared_ptr<CALayer>>& sublayers() const;
+
+    /// From now on called with each picture from the main queue, at most 640 pixels a side. While
+    /// one waits there, further ones are dropped. An empty picture comes when the session stops
+    /// or the camera is gone. Without a handler no preview is made. The handler may replace itself.
+    void setPictureHandler(PictureHandler handler);
+
+    /// Hands `picture` to the handler.
+    void show(const PreviewPicture& picture) const;
+
+private:
+    std::function<void(bool)> wanted_;
+    CGRect frame_;
+    CGColor backgroundColor_{0.0, 0.0, 0.0, 1.0};
+    std::vector<std::shared_ptr<CALayer>> sublayers_;
+    PictureHandler handler_;
+};
+
+} // namespace vistrane
