@@ -1,0 +1,297 @@
+#include "platform/media/movies/H264Encoder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "platform/media/movies/movie_errors.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavutil/dict.h>
+#include <libavutil/error.h>
+#include <libavutil/frame.h>
+#include <libavutil/log.h>
+}
+
+namespace vistrane {
+
+namespace {
+
+// NAL unit types (ITU-T H.264, table 7-1).
+constexpr unsigned sequenceParameterType = 7;
+constexpr unsigned pictureParameterType = 8;
+constexpr unsigned delimiterType = 9;
+
+bool takesPlanar420(const AVCodec& codec) {
+    for (const AVPixelFormat* format = codec.pix_fmts; format && *format != AV_PIX_FMT_NONE;
+         ++format) {
+        if (*format == AV_PIX_FMT_YUV420P) {
+            return true;
+        }
+    }
+    return false;
+}
+
+const AVCodec* findEncoder(const std::string& name) {
+    if (!name.empty()) {
+        const AVCodec* codec = avcodec_find_encoder_by_name(name.c_str());
+        return codec && codec->id == AV_CODEC_ID_H264 && takesPlanar420(*codec) ? codec : nullptr;
+    }
+    if (const AVCodec* codec = avcodec_find_encoder_by_name("libx264")) {
+        return codec;
+    }
+    void* position = nullptr;
+    while (const AVCodec* codec = av_codec_iterate(&position)) {
+        if (av_codec_is_encoder(codec) && codec->id == AV_CODEC_ID_H264 && takesPlanar420(*codec) &&
+            (codec->capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0) {
+            return codec;
+        }
+    }
+    return nullptr;
+}
+
+NSError encoderError(int number, const std::string& what, const std::string& advice) {
+    char reason[AV_ERROR_MAX_STRING_SIZE] = {};
+    av_strerror(number, reason, sizeof reason);
+    return movieError(AVErrorUnknown, what + ": " + reason + ". " + advice);
+}
+
+NSError encodingError(int number) {
+    return encoderError(number, "The H.264 encoder failed",
+                        "Close some programs and compile again");
+}
+
+/// Calls `take(first, end)` for each NAL unit of a byte stream with start codes.
+template <typename Take>
+void forEachUnit(const std::uint8_t* bytes, std::size_t count, const Take& take) {
+    const std::uint8_t* const end = bytes + count;
+    const auto startCode = [end](const std::uint8_t* from) {
+        static constexpr std::uint8_t code[] = {0, 0, 1};
+        return std::search(from, end, std::begin(code), std::end(code));
+    };
+    for (const std::uint8_t* at = startCode(bytes); at != end;) {
+        const std::uint8_t* const first = at + 3;
+        at = startCode(first);
+        const std::uint8_t* last = at;
+        while (last != first && last[-1] == 0) { // no unit ends with a zero byte
+            --last;
+        }
+        if (last != first) {
+            take(first, last);
+        }
+    }
+}
+
+void appendBigEndian(std::vector<std::uint8_t>& bytes, std::size_t value, int width) {
+    for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
+        bytes.push_back(static_cast<std::uint8_t>(value >> shift & 0xFF));
+    }
+}
+
+/// Profiles whose configuration record tells the chroma format and the bit depths as well.
+bool isHighProfile(unsigned profile) {
+    return profile == 100 || profile == 110 || profile == 122 || profile == 144;
+}
+
+} // namespace
+
+void FrameDeleter::operator()(AVFrame* frame) const {
+    av_frame_free(&frame);
+}
+
+FramePointer makeFrame(int width, int height) {
+    FramePointer frame(av_frame_alloc());
+    if (!frame) {
+        return nullptr;
+    }
+    frame->format = AV_PIX_FMT_YUV420P;
+    frame->width = width;
+    frame->height = height;
+    frame->color_range = AVCOL_RANGE_MPEG;
+    frame->color_primaries = AVCOL_PRI_BT709;
+    frame->color_trc = AVCOL_TRC_BT709;
+    frame->colorspace = AVCOL_SPC_BT709;
+    frame->chroma_location = AVCHROMA_LOC_LEFT;
+    return av_frame_get_buffer(frame.get(), 0) == 0 ? std::move(frame) : nullptr;
+}
+
+bool isFrameUnshared(const AVFrame& frame) {
+    // The parameter has lacked its const in some versions of the library.
+    return av_frame_is_writable(const_cast<AVFrame*>(&frame)) > 0;
+}
+
+void H264Encoder::ContextDeleter::operator()(AVCodecContext* context) const {
+    avcodec_free_context(&context);
+}
+
+void H264Encoder::PacketDeleter::operator()(AVPacket* packet) const {
+    av_packet_free(&packet);
+}
+
+std::optional<NSError> H264Encoder::availability(const MovieOptions& options) {
+    if (findEncoder(options.encoder)) {
+        return std::nullopt;
+    }
+    const std::string wanted = options.encoder.empty() ? "" : " \"" + options.encoder + "\"";
+    return movieError(AVErrorEncoderNotFound,
+                      "The movie cannot be made: there is no H.264 encoder" + wanted +
+                          " on this system. Install libavcodec with libx264");
+}
+
+H264Encoder::H264Encoder(MovieOptions options) : options_(std::move(options)) {}
+
+H264Encoder::~H264Encoder() = default;
+
+std::optional<NSError> H264Encoder::open(int width, int height, std::int32_t timescale) {
+    if (auto error = availability(options_)) {
+        return error;
+    }
+    const AVCodec* codec = findEncoder(options_.encoder);
+    std::unique_ptr<AVCodecContext, ContextDeleter> context(avcodec_alloc_context3(codec));
+    packet_.reset(av_packet_alloc());
+    if (!context || !packet_) {
+        return encodingError(AVERROR(ENOMEM));
+    }
+    // Its messages are for developers; what fails is told by the results.
+    context->log_level_offset = AV_LOG_TRACE;
+    context->width = width;
+    context->height = height;
+    context->time_base = {1, timescale};
+    context->framerate = {timescale, 1};
+    context->sample_aspect_ratio = {1, 1};
+    context->pix_fmt = AV_PIX_FMT_YUV420P;
+    context->color_range = AVCOL_RANGE_MPEG;
+    context->color_primaries = AVCOL_PRI_BT709;
+    context->color_trc = AVCOL_TRC_BT709;
+    context->colorspace = AVCOL_SPC_BT709;
+    context->chroma_sample_location = AVCHROMA_LOC_LEFT;
+    context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    context->thread_count = options_.threads;
+    const bool isX264 = std::string(codec->name) == "libx264";
+    if (!isX264) {
+        // A plentiful rate for encoders that know no constant quality: 0.2 bits a pixel.
+        context->bit_rate = std::min<std::int64_t>(
+            std::int64_t{width} * height * std::min(timescale, 60) / 5, 400'000'000);
+    }
+
+    AVDictionary* settings = nullptr;
+    if (isX264) {
+        char factor[32];
+        std::snprintf(factor, sizeof factor, "%.3f", options_.constantRateFactor);
+        av_dict_set(&settings, "preset", options_.preset.c_str(), 0);
+        av_dict_set(&settings, "crf", factor, 0);
+    }
+    const int result = avcodec_open2(context.get(), codec, &settings);
+    av_dict_free(&settings);
+    if (result < 0) {
+        return encoderError(result,
+                            "The H.264 encoder cannot be set up for " + std::to_string(width) +
+                                " x " + std::to_string(height) + " pixels",
+                            "Use smaller frames, or close some programs");
+    }
+    context_ = std::move(context);
+    if (context_->extradata_size > 0) {
+        takeParameterSets(context_->extradata, static_cast<std::size_t>(context_->extradata_size));
+    }
+    return std::nullopt;
+}
+
+std::optional<NSError> H264Encoder::encode(AVFrame& frame, std::int64_t time, const Sink& sink) {
+    frame.pts = time;
+    frame.pict_type = AV_PICTURE_TYPE_NONE;
+    return send(&frame, sink);
+}
+
+std::optional<NSError> H264Encoder::finish(const Sink& sink) {
+    return send(nullptr, sink);
+}
+
+std::optional<NSError> H264Encoder::send(const AVFrame* frame, const Sink& sink) {
+    int result = avcodec_send_frame(context_.get(), frame);
+    if (result == AVERROR(EAGAIN)) {
+        if (auto error = receive(sink)) {
+            return error;
+        }
+        result = avcodec_send_frame(context_.get(), frame);
+    }
+    if (result < 0) {
+        return encodingError(result);
+    }
+    return receive(sink);
+}
+
+std::optional<NSError> H264Encoder::receive(const Sink& sink) {
+    while (true) {
+        const int result = avcodec_receive_packet(context_.get(), packet_.get());
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) {
+            return std::nullopt;
+        }
+        if (result < 0) {
+            return encodingError(result);
+        }
+        repackage();
+        av_packet_unref(packet_.get());
+        if (auto error = sink(picture_)) {
+            return error;
+        }
+    }
+}
+
+void H264Encoder::takeParameterSets(const std::uint8_t* bytes, std::size_t count) {
+    forEachUnit(bytes, count, [this](const std::uint8_t* first, const std::uint8_t* last) {
+        const unsigned type = *first & 0x1FU;
+        if (type == sequenceParameterType && sequenceParameters_.empty()) {
+            sequenceParameters_.assign(first, last);
+        } else if (type == pictureParameterType && pictureParameters_.empty()) {
+            pictureParameters_.assign(first, last);
+        }
+    });
+}
+
+/// Parameter sets belong into the configuration record, not among the pictures.
+void H264Encoder::repackage() {
+    const std::uint8_t* bytes = packet_->data;
+    const auto count = static_cast<std::size_t>(packet_->size);
+    if (sequenceParameters_.empty() || pictureParameters_.empty()) {
+        takeParameterSets(bytes, count);
+    }
+    picture_.bytes.clear();
+    forEachUnit(bytes, count, [this](const std::uint8_t* first, const std::uint8_t* last) {
+        const unsigned type = *first & 0x1FU;
+        if (type == sequenceParameterType || type == pictureParameterType ||
+            type == delimiterType) {
+            return;
+        }
+        appendBigEndian(picture_.bytes, static_cast<std::size_t>(last - first), 4);
+        picture_.bytes.insert(picture_.bytes.end(), first, last);
+    });
+    picture_.time = packet_->pts;
+    picture_.isKey = (packet_->flags & AV_PKT_FLAG_KEY) != 0;
+}
+
+std::vector<std::uint8_t> H264Encoder::configuration() const {
+    if (sequenceParameters_.size() < 4 || pictureParameters_.empty()) {
+        return {};
+    }
+    std::vector<std::uint8_t> record = {1, sequenceParameters_[1], sequenceParameters_[2],
+                                        sequenceParameters_[3]};
+    record.push_back(0xFF); // lengths have 4 bytes
+    record.push_back(0xE1); // one sequence parameter set
+    appendBigEndian(record, sequenceParameters_.size(), 2);
+    record.insert(record.end(), sequenceParameters_.begin(), sequenceParameters_.end());
+    record.push_back(1); // one picture parameter set
+    appendBigEndian(record, pictureParameters_.size(), 2);
+    record.insert(record.end(), pictureParameters_.begin(), pictureParameters_.end());
+    if (isHighProfile(sequenceParameters_[1])) {
+        record.push_back(0xFD); // 4:2:0
+        record.push_back(0xF8); // 8 bits of luma
+        record.push_back(0xF8); // and of chroma
+        record.push_back(0);    // no extension
+    }
+    return record;
+}
+
+} // namespace vistrane
