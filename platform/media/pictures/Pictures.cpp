@@ -48,12 +48,13 @@ std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& pa
     return std::make_shared<MediaImage>(sourceOf(result));
 }
 
-std::shared_ptr<NSImage> Pictures::imageWithData(std::shared_ptr<NSData> data) const {
+std::shared_ptr<NSImage> Pictures::imageWithData(const std::shared_ptr<NSData>& data) const {
     auto source = data ? pngOrPpm(data, limits_) : nullptr;
     return source ? std::make_shared<MediaImage>(std::move(source)) : nullptr;
 }
 
-std::shared_ptr<NSBitmapImageRep> Pictures::imageRepWithData(std::shared_ptr<NSData> data) const {
+std::shared_ptr<NSBitmapImageRep>
+Pictures::imageRepWithData(const std::shared_ptr<NSData>& data) const {
     auto source = data ? sourceOf(pictureFromTiff(data, dataName, limits_)) : nullptr;
     if (data && !source) {
         source = pngOrPpm(data, limits_);

@@ -25,10 +25,10 @@ public:
     /// Tells the observer why when it returns null. The name's ending does not matter.
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) const;
     /// PNG or PPM.
-    std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) const;
+    std::shared_ptr<NSImage> imageWithData(const std::shared_ptr<NSData>& data) const;
     /// PNG, PPM or what `NSImage::TIFFRepresentation` made. Data that it encodes report their
     /// writing to the observer.
-    std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) const;
+    std::shared_ptr<NSBitmapImageRep> imageRepWithData(const std::shared_ptr<NSData>& data) const;
 
     /// Null without a context. The context is one of `MediaCoreGraphics`.
     std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,

