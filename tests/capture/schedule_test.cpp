@@ -1,0 +1,202 @@
+#include "tests/support/ControllerTest.h"
+
+namespace vistrane {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+class Schedule : public ControllerTest {
+protected:
+    void SetUp() override {
+        launchWithCamera();
+        setInterval("0", "0", "5");
+    }
+    void click() { delegate.startRunning(nullptr); }
+    std::size_t stills() { return sim.cameras().pendingStills().size(); }
+    std::string title() { return button("startB").currentTitle; }
+};
+
+TEST_F(Schedule, StartingTakesItsStepsInOrder) {
+    click();
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("startB setState: 1", "session1 isRunning", "hInput setIntValue: 0",
+                            "mInput setIntValue: 0", "sInput setIntValue: 5",
+                            "timeD setStringValue: ( t = 5 s )",
+                            "myWindow makeFirstResponder: (null)",
+                            "photoSettingsFromPhotoSettings: photoSettings1 -> photoSettings2",
+                            "photoOutput1 capturePhotoWithSettings: photoSettings2",
+                            "scheduledTimerWithTimeInterval: 5 repeats: YES -> timer1",
+                            "startB setTitle: Stop Auto Capture"));
+    EXPECT_TRUE(delegate.myTimer->isValid());
+}
+
+TEST_F(Schedule, StoppingTakesItsStepsInOrder) {
+    click();
+    sim.takeCalls();
+    click();
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("startB setState: 1", "session1 isRunning", "hInput setIntValue: 0",
+                            "mInput setIntValue: 0", "sInput setIntValue: 5",
+                            "timeD setStringValue: ( t = 5 s )",
+                            "myWindow makeFirstResponder: (null)", "timer1 invalidate",
+                            "startB setTitle: Start Auto Capture"));
+    sim.advance(60.0);
+    EXPECT_EQ(stills(), 1U);
+}
+
+TEST_F(Schedule, StoppingKeepsTheTimerObjectAndStartingAgainReplacesIt) {
+    click();
+    const auto first = delegate.myTimer;
+    click();
+    EXPECT_EQ(delegate.myTimer, first);
+    EXPECT_FALSE(first->isValid());
+    click();
+    EXPECT_NE(delegate.myTimer, first);
+    EXPECT_TRUE(delegate.myTimer->isValid());
+    EXPECT_EQ(title(), "Stop Auto Capture");
+}
+
+TEST_F(Schedule, AClickTurnsTheButtonOnWhateverItWas) {
+    button("startB").currentState = 0;
+    click();
+    EXPECT_EQ(button("startB").currentState, 1);
+    button("startB").currentState = 0;
+    click();
+    EXPECT_EQ(button("startB").currentState, 1);
+}
+
+TEST_F(Schedule, TheFirstFrameComesAtOnceAndTheSecondOneIntervalLater) {
+    click();
+    EXPECT_EQ(stills(), 1U);
+    sim.advance(4.999);
+    EXPECT_EQ(stills(), 1U);
+    sim.advance(0.001);
+    EXPECT_EQ(stills(), 2U);
+    sim.advance(50.0);
+    EXPECT_EQ(stills(), 12U);
+}
+
+TEST_F(Schedule, TheLongestIntervalIsKeptToTheSecond) {
+    setInterval("999", "59", "59");
+    click();
+    EXPECT_THAT(sim.takeCalls(),
+                Contains("scheduledTimerWithTimeInterval: 3599999 repeats: YES -> timer1"));
+    sim.advance(3599998.999);
+    EXPECT_EQ(stills(), 1U);
+    sim.advance(0.001);
+    EXPECT_EQ(stills(), 2U);
+}
+
+TEST_F(Schedule, FieldsAreClampedBeforeTheTimerIsMade) {
+    setInterval("-1", "", "0");
+    click();
+    EXPECT_THAT(sim.takeCalls(),
+                Contains("scheduledTimerWithTimeInterval: 1 repeats: YES -> timer1"));
+}
+
+TEST_F(Schedule, AnEditThatTheClickEndsCountsForTheTimer) {
+    sim.nib().window("myWindow").endEditing = [&] {
+        textField("sInput").text = "9";
+        sim.nib().send("timeIntervalchanged:");
+    };
+    click();
+    EXPECT_THAT(sim.takeCalls(),
+                Contains("scheduledTimerWithTimeInterval: 9 repeats: YES -> timer1"));
+}
+
+TEST_F(Schedule, AClickWithoutARunningSessionSetsTheStateOnly) {
+    sim.cameras().session()->runs = false;
+    click();
+    EXPECT_THAT(sim.takeCalls(), ElementsAre("startB setState: 1", "session1 isRunning"));
+    EXPECT_EQ(delegate.myTimer, nullptr);
+    EXPECT_THAT(sim.alerts().shown(), IsEmpty());
+}
+
+TEST_F(Schedule, AClickIsIgnoredWhenTheSessionHasStoppedAndTheTimerGoesOn) {
+    click();
+    sim.cameras().session()->runs = false;
+    sim.takeCalls();
+    click();
+    EXPECT_THAT(sim.takeCalls(), ElementsAre("startB setState: 1", "session1 isRunning"));
+    EXPECT_EQ(title(), "Stop Auto Capture");
+    sim.advance(5.0);
+    EXPECT_EQ(stills(), 2U);
+}
+
+TEST_F(Schedule, ATickAsksForAStillAndForNothingElse) {
+    click();
+    sim.cameras().session()->runs = false;
+    sim.takeCalls();
+    sim.advance(5.0);
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("photoSettingsFromPhotoSettings: photoSettings1 -> photoSettings3",
+                            "photoOutput1 capturePhotoWithSettings: photoSettings3"));
+    delegate.startTheTimer(nullptr);
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("photoSettingsFromPhotoSettings: photoSettings1 -> photoSettings4",
+                            "photoOutput1 capturePhotoWithSettings: photoSettings4"));
+}
+
+TEST_F(Schedule, ChangedFieldsChangeTheReadOutButNotTheRunningTimer) {
+    click();
+    setInterval("0", "0", "2");
+    sim.nib().send("timeIntervalchanged:");
+    EXPECT_EQ(delegate.realInterval, 2);
+    EXPECT_EQ(textField("timeD").text, "( t = 2 s )");
+    sim.advance(4.999);
+    EXPECT_EQ(stills(), 1U);
+    sim.advance(0.001);
+    EXPECT_EQ(stills(), 2U);
+    click();
+    click();
+    sim.advance(2.0);
+    EXPECT_EQ(stills(), 4U);
+}
+
+TEST_F(Schedule, MissedTicksAreGivenOnceAndTheGridStays) {
+    click();
+    sim.stall(17.0);
+    EXPECT_EQ(stills(), 2U);
+    sim.advance(2.999);
+    EXPECT_EQ(stills(), 2U);
+    sim.advance(0.001);
+    EXPECT_EQ(stills(), 3U);
+}
+
+TEST_F(Schedule, AnAlertHoldsTheTicksBackAndOneFollowsIt) {
+    sim.alerts().stayUp(12.0);
+    click();
+    sim.cameras().deliverPhoto("picture"); // There is no folder: an alert.
+    EXPECT_EQ(stills(), 0U);
+    sim.advance(0.0);
+    EXPECT_EQ(stills(), 1U);
+    sim.advance(3.0);
+    EXPECT_EQ(stills(), 2U);
+}
+
+TEST_F(Schedule, StartingDisablesNothing) {
+    click();
+    EXPECT_THAT(sim.calls(), Not(Contains(::testing::HasSubstr("setEnabled"))));
+}
+
+TEST_F(Schedule, TheTitleIsNotTouchedBeforeTheFirstClick) {
+    EXPECT_EQ(title(), "");
+    EXPECT_EQ(delegate.myTimer, nullptr);
+}
+
+TEST_F(Schedule, SampleAccurateRecordingIsNeverWanted) {
+    EXPECT_FALSE(delegate.captureOutputShouldProvideSampleAccurateRecordingStart(nullptr));
+    EXPECT_THAT(sim.calls(), IsEmpty());
+}
+
+TEST_F(ControllerTest, AClickBeforeTheLaunchSetsTheStateOnly) {
+    delegate.startRunning(nullptr);
+    delegate.addFrameClick(nullptr);
+    EXPECT_THAT(sim.takeCalls(), ElementsAre("startB setState: 1", "oneB setState: 1"));
+}
+
+} // namespace
+} // namespace vistrane
