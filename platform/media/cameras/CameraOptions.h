@@ -20,7 +20,9 @@ struct CameraOptions {
     /// How long `startRunning` and `stopRunning` hold up the main thread at most.
     std::chrono::milliseconds patience{3000};
     /// How long a started camera may take for its first picture.
-    std::chrono::milliseconds firstPicture{6000};
+    std::chrono::milliseconds firstPicture{8000};
+    /// A start without a picture for so long is begun anew once; less than `firstPicture`.
+    std::chrono::milliseconds secondTry{3000};
     /// A camera without a picture for so long is looked for in a fresh list.
     std::chrono::milliseconds doubt{700};
     /// A camera without a picture for so long is gone, even if it is still listed.

@@ -88,7 +88,11 @@ struct CaptureEngine::Core : std::enable_shared_from_this<CaptureEngine::Core> {
     /// The cameras beside the wanted one when it was last seen.
     std::vector<std::string> others;
     CameraFacts current;
-    Clock::time_point phaseEnd;
+    /// The attempts since the wish that opened the camera, and when the last one is given up.
+    std::uint64_t attempts = 0;
+    Clock::time_point attemptEnd;
+    /// When a camera that never gave a picture counts as gone.
+    Clock::time_point startEnd;
     Clock::time_point nextAttempt;
     Clock::time_point nextLook;
 
@@ -236,8 +240,9 @@ void CaptureEngine::Core::serveWish(Lock& lock) {
     if (wish) {
         current = wish->camera.facts;
         others.clear();
-        phaseEnd = Clock::now() + options.firstPicture;
+        startEnd = Clock::now() + options.firstPicture;
         nextAttempt = Clock::now();
+        attempts = 0;
     }
     changed.notify_all();
 }
@@ -289,9 +294,11 @@ void CaptureEngine::Core::attempt(Lock& lock) {
     pipeline->wantStills(!requests.empty());
     pipeline->wantPreview(previewWanted);
     nextLook = Clock::now() + options.doubt;
-    if (phase == Phase::gone) {
-        phaseEnd = Clock::now() + options.firstPicture;
-    }
+    // Some cameras stay silent after one start in many and speak after the next, others are only
+    // slow: so a short attempt is followed by a long one.
+    const bool isShort = ++attempts % 2 == 1;
+    attemptEnd =
+        Clock::now() + (isShort ? options.secondTry : options.firstPicture - options.secondTry);
     pipeline->start();
 }
 
@@ -345,7 +352,7 @@ void CaptureEngine::Core::confirm(Lock& lock) {
 /// Not lost yet: a virtual camera that restarts is back in a moment.
 void CaptureEngine::Core::tryAgain(Lock& lock) {
     dropPipeline(lock);
-    nextAttempt = Clock::now() + moment;
+    nextAttempt = Clock::now() + (phase == Phase::starting ? moment : options.retry);
 }
 
 void CaptureEngine::Core::goLive() {
@@ -362,7 +369,7 @@ void CaptureEngine::Core::watch(Lock& lock) {
         return;
     }
     const auto now = Clock::now();
-    if (phase != Phase::live && now >= phaseEnd && (pipeline || phase == Phase::starting)) {
+    if (phase == Phase::starting && now >= startEnd) {
         lose(lock, "");
     } else if (!pipeline) {
         if (now >= nextAttempt) {
@@ -378,6 +385,8 @@ void CaptureEngine::Core::watch(Lock& lock) {
         }
     } else if (phase != Phase::live && pictureCame) {
         confirm(lock);
+    } else if (phase != Phase::live && now >= attemptEnd) {
+        tryAgain(lock);
     } else if (phase == Phase::live && now >= lastPicture + options.silence) {
         lose(lock, "");
     } else if (now >= nextLook && now >= lastPicture + options.doubt) {
@@ -469,16 +478,15 @@ Clock::time_point CaptureEngine::Core::nextTime() const {
         if (!requests.empty()) {
             next = std::min(next, requests.front().deadline);
         }
-        if (phase != Phase::live && (pipeline || phase == Phase::starting)) {
-            next = std::min(next, phaseEnd);
+        if (phase == Phase::starting) {
+            next = std::min(next, startEnd);
         }
         if (!pipeline) {
             next = std::min(next, nextAttempt);
         } else {
             next = std::min(next, std::max(nextLook, lastPicture + options.doubt));
-            if (phase == Phase::live) {
-                next = std::min(next, lastPicture + options.silence);
-            }
+            next =
+                std::min(next, phase == Phase::live ? lastPicture + options.silence : attemptEnd);
         }
     }
     return next;

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
+#include <cstdio>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -158,6 +162,7 @@ struct CameraTestBed {
     std::shared_ptr<AVCapturePhotoOutput> output;
     std::shared_ptr<AVCapturePhotoSettings> settings;
     RecordingDelegate delegate;
+    std::map<std::string, std::shared_ptr<AVCaptureDevice>> listed;
 
     explicit CameraTestBed(CameraOptions options)
         : cameras(std::make_unique<Cameras>(dispatch, observer, options)),
@@ -184,13 +189,15 @@ struct CameraTestBed {
         return nullptr;
     }
 
-    /// As picking it in the list does. Whether it runs.
+    /// As picking it in a list that was made once. Whether it runs.
     bool pick(const std::string& name) {
+        auto& picked = listed[name];
+        picked = picked ? picked : device(name);
         session->stopRunning();
         for (const auto& input : session->inputs()) {
             session->removeInput(*input);
         }
-        const auto result = cameras->deviceInputWithDevice(device(name));
+        const auto result = cameras->deviceInputWithDevice(picked);
         if (!result.input) {
             return false;
         }

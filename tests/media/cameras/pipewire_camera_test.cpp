@@ -21,6 +21,7 @@ CameraOptions impatient() {
     CameraOptions options;
     options.retry = std::chrono::milliseconds(100);
     options.doubt = std::chrono::milliseconds(300);
+    options.secondTry = std::chrono::milliseconds(1500);
     return options;
 }
 
@@ -81,7 +82,8 @@ TEST_F(PipeWireCamera, StillShowsWhatTheCameraSees) {
 TEST_F(PipeWireCamera, JpegCameraGivesStillsOfTheSameColours) {
     ASSERT_TRUE(testcam("start", "Othercam",
                         "TESTCAM_SOURCE='videotestsrc is-live=true pattern=blue ! "
-                        "video/x-raw,format=I420,width=640,height=480,framerate=30/1 ! jpegenc' "
+                        "video/x-raw,format=RGB,width=640,height=480,framerate=30/1 ! "
+                        "videoconvert ! video/x-raw,format=I420,colorimetry=1:4:0:0 ! jpegenc' "
                         "TESTCAM_CAPS=image/jpeg,width=640,height=480,framerate=30/1"));
     ASSERT_TRUE(bed.pick("Othercam"));
     for (std::size_t i = 1; i <= 3; ++i) {
