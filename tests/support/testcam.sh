@@ -1,12 +1,13 @@
 #!/bin/bash
-# testcam.sh start|stop [NAME]: a camera of PipeWire, called NAME (one word; "Testcam" if none is
-# given); to be used inside with_pipewire.sh. "start" returns when the camera is listed, "stop" when it is gone
-# as if it had been unplugged. TESTCAM_SOURCE and TESTCAM_CAPS change the picture:
+# testcam.sh start|stop|wait [NAME]: a camera of PipeWire, called NAME (one word; "Testcam" if none
+# is given); to be used inside with_pipewire.sh. "start" returns when the camera is listed, "stop"
+# when it is gone as if it had been unplugged. TESTCAM_SOURCE and TESTCAM_CAPS change the picture:
 #
 #     TESTCAM_SOURCE='videotestsrc is-live=true pattern=red' testcam.sh start Redcam
 #
 # GStreamer's provider stands still for good when its last reader leaves. A real camera does not,
 # so the provider is started afresh then; for some tenths of a second the camera is not listed.
+# "wait" returns when it is listed again: to be used between two programs that read the camera.
 set -u
 
 verb=${1:-}
@@ -101,6 +102,14 @@ case $verb in
             exit 1
         fi
         ;;
+    wait)
+        # A provider that has just lost its reader may still be listed for a moment.
+        sleep 0.2
+        if ! waitUntil isListed; then
+            echo "testcam.sh: $name is not there" >&2
+            exit 1
+        fi
+        ;;
     stop)
         if [ -e "$pidFile" ]; then
             kill -KILL -- "-$(cat "$pidFile")" 2>/dev/null
@@ -115,7 +124,7 @@ case $verb in
         superviseProvider
         ;;
     *)
-        echo "usage: testcam.sh start|stop [NAME]" >&2
+        echo "usage: testcam.sh start|stop|wait [NAME]" >&2
         exit 2
         ;;
 esac
