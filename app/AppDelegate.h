@@ -32,6 +32,7 @@ namespace vistrane {
 class AVAssetWriter;
 class AVAssetWriterInputPixelBufferAdaptor;
 class NSNib;
+struct PictureSize;
 
 /// The application controller: owns the main window's controls and all state of capture, project
 /// folder, frame list, preview and compile, and carries out every action.
@@ -205,7 +206,8 @@ public:
     CVPixelBufferRef fastImageFromNSImage(const std::shared_ptr<NSImage>& image);
 
 private:
-    void writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImage>& firstImage);
+    void writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImage>& firstImage,
+                    PictureSize size);
     void movieCouldNotBeCreated(const NSError& error);
     void appendOtherFrames(AVAssetWriter& writer, AVAssetWriterInputPixelBufferAdaptor& adaptor);
     void postProgressReset();

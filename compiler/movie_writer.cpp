@@ -1,5 +1,7 @@
 #include "app/AppDelegate.h"
 
+#include <algorithm>
+
 #include "app/standard_alert.h"
 #include "compiler/compile_job.h"
 #include "compiler/frame_time.h"
@@ -32,17 +34,22 @@ std::shared_ptr<NSImage> loadFrame(AppKit& appKit, const std::optional<std::stri
     return path ? appKit.imageWithContentsOfFile(*path) : nullptr;
 }
 
+/// A side as a signed 32-bit number, in the form that settings have.
+std::int64_t signedSide(std::uint64_t side) {
+    return static_cast<std::int64_t>(std::min<std::uint64_t>(side, INT32_MAX));
+}
+
 NSDictionary outputSettings(PictureSize size) {
     return {{AVVideoCodecKey, AVVideoCodecTypeH264},
             {AVVideoScalingModeKey, AVVideoScalingModeResizeAspect},
-            {AVVideoWidthKey, static_cast<std::int64_t>(size.width)},
-            {AVVideoHeightKey, static_cast<std::int64_t>(size.height)}};
+            {AVVideoWidthKey, signedSide(size.width)},
+            {AVVideoHeightKey, signedSide(size.height)}};
 }
 
 NSDictionary sourceAttributes(PictureSize size) {
     return {{kCVPixelBufferPixelFormatTypeKey, std::uint64_t{kCVPixelFormatType_32ARGB}},
-            {kCVPixelBufferWidthKey, size.width},
-            {kCVPixelBufferHeightKey, size.height}};
+            {kCVPixelBufferWidthKey, static_cast<std::uint64_t>(signedSide(size.width))},
+            {kCVPixelBufferHeightKey, static_cast<std::uint64_t>(signedSide(size.height))}};
 }
 
 void release(CoreVideo& video, CVPixelBufferRef buffer) {
@@ -55,6 +62,7 @@ void release(CoreVideo& video, CVPixelBufferRef buffer) {
 
 void AppDelegate::crateMovieFile() {
     const auto firstImage = loadFrame(platform_.appKit, frameAt(pictureArray, 0));
+    const PictureSize size = truncatedSize(firstImage);
     const auto path = finalMoviePath.load();
     const AVAssetWriterResult created = platform_.avFoundation.assetWriterWithURL(
         NSURL::fileURLWithPath(*path), AVFileTypeQuickTimeMovie);
@@ -62,7 +70,7 @@ void AppDelegate::crateMovieFile() {
         movieCouldNotBeCreated(*created.error);
         return;
     }
-    writeMovie(*created.writer, firstImage);
+    writeMovie(*created.writer, firstImage, size);
 }
 
 void AppDelegate::movieCouldNotBeCreated(const NSError& error) {
@@ -73,8 +81,8 @@ void AppDelegate::movieCouldNotBeCreated(const NSError& error) {
     compilingB->setEnabled(true);
 }
 
-void AppDelegate::writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImage>& firstImage) {
-    const PictureSize size = truncatedSize(firstImage);
+void AppDelegate::writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImage>& firstImage,
+                             PictureSize size) {
     AVFoundation& avFoundation = platform_.avFoundation;
     const auto input =
         avFoundation.assetWriterInputWithMediaType(AVMediaTypeVideo, outputSettings(size));

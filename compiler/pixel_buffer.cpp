@@ -9,12 +9,13 @@ namespace vistrane {
 
 namespace {
 
-/// Sides are limited to what a signed 32-bit size can say; a buffer of that size is refused anyway.
+/// A side in points as whole pixels; what no number of pixels can be gives the nearest one.
 std::uint64_t truncated(double side) {
+    constexpr double limit = 18446744073709551616.0; // 2 to the 64th
     if (!(side >= 1.0)) {
         return 0;
     }
-    return side < INT32_MAX ? static_cast<std::uint64_t>(side) : INT32_MAX;
+    return side < limit ? static_cast<std::uint64_t>(side) : UINT64_MAX;
 }
 
 } // namespace
