@@ -62,7 +62,8 @@ void AppDelegate::selectAVDevice(NSObject*) {
     // video connection.
     con = stillPhotoOutput ? stillPhotoOutput->connectionWithMediaType(AVMediaTypeVideo) : nullptr;
 
-    // Two devices of one name share an item, so the index may name another device or none.
+    // Two devices of one name share an item, so the index may name another device: nothing is done
+    // about it here. Without an item it names none.
     const NSInteger index = AVDevicePopUp->indexOfSelectedItem();
     const auto count = static_cast<NSInteger>(allAVdevices.size());
     const auto device =
