@@ -17,7 +17,9 @@ public:
         (void)path, (void)reason;
     }
 
-    /// `NSData::writeToFile` has written every byte, or has failed.
+    /// `NSData::writeToFile` begins to write, has written every byte, or has failed (also before
+    /// it began).
+    virtual void fileIsBeingWritten(const std::string& path) { (void)path; }
     virtual void fileWasWritten(const std::string& path) { (void)path; }
     virtual void fileCouldNotBeWritten(const std::string& path, const NSError& reason) {
         (void)path, (void)reason;

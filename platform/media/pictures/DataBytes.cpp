@@ -24,6 +24,9 @@ std::size_t DataBytes::length() const {
 }
 
 bool DataBytes::writeToFile(const std::string& path, bool atomically) const {
+    if (observer_ != nullptr) {
+        observer_->fileIsBeingWritten(path);
+    }
     const auto error =
         atomically ? replaceFile(path, bytes_.bytes()) : writeFileInPlace(path, bytes_.bytes());
     if (observer_ != nullptr && error) {
