@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <set>
+#include <thread>
 
+#include <poll.h>
 #include <unistd.h>
 
 #include "app/AppDelegate.h"
@@ -69,6 +72,20 @@ struct Session::Parts {
         }
     }
 
+    /// The main thread is held up. A frame that it is just writing is waited for, and movies that
+    /// are not whole are taken away, neither of them for ever: the folder's disk may not answer.
+    [[noreturn]] void endWithoutMainThread(int status) {
+        std::thread([status] {
+            std::this_thread::sleep_for(std::chrono::seconds(5));
+            std::_Exit(status);
+        }).detach();
+        while (observer.isWritingFile()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        movies.abandonAll();
+        std::_Exit(status);
+    }
+
     ConsoleOutput output{STDERR_FILENO};
     ConsoleRunLoop loop;
     ConsoleDispatch dispatch{loop};
@@ -96,6 +113,7 @@ struct Session::Parts {
     ConsoleNib nib;
     AppDelegate controller{
         Platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch}};
+    std::string folder;
     bool isLaunched = false;
     bool alertWasShown = false;
     bool movieWasRefused = false;
@@ -115,6 +133,7 @@ Session::Session(const SessionOptions& options) : parts_(*new Parts(options)) {
     defaults.setInteger(30, "iFPS");
     defaults.setInteger(5, "iSecond");
     if (options.folder) {
+        parts_.folder = *options.folder;
         const BookmarkDataResult bookmark = parts_.foundation.bookmarkDataWithOptions(
             NSURL::fileURLWithPath(*options.folder), NSURLBookmarkCreationWithSecurityScope);
         if (bookmark.error) {
@@ -148,7 +167,7 @@ std::vector<std::string> Session::frames() {
     });
     const auto list = controller.pictureArray.load();
     if (!list) {
-        fail("Cannot list the folder '" + parts_.interface.outfolderB->title() +
+        fail("Cannot list the folder '" + parts_.folder +
              "'. See that it is there and that you may read it.");
     }
     return *list;
@@ -165,7 +184,14 @@ void Session::pickDevice(const std::string& name) {
         }
         fail(message);
     }
-    parts_.interface.AVDevicePopUp->userPicks(found - names.begin());
+    // Two cameras of one name share an item, and the items after it belong to other cameras than
+    // they say.
+    const auto index = static_cast<std::size_t>(found - names.begin());
+    if (parts_.controller.allAVdevices.at(index)->localizedName() != name) {
+        fail("Two cameras have the same name, so that the camera '" + name +
+             "' cannot be told from another one. Unplug one of the two.");
+    }
+    parts_.interface.AVDevicePopUp->userPicks(static_cast<NSInteger>(index));
     if (parts_.alertWasShown) {
         end(1);
     }
@@ -186,6 +212,7 @@ bool Session::capture(std::optional<int> count,
                       const std::function<void(const std::string&)>& saved) {
     ConsoleButton& startButton = *parts_.interface.startB;
     std::set<std::string> paths;
+    std::string lastPath;
     int failures = 0;
     bool isOver = false;
     const auto endWhenEnough = [&] {
@@ -198,6 +225,7 @@ bool Session::capture(std::optional<int> count,
     parts_.observer.frameWasSaved = [&](const std::string& path) {
         saved(path);
         paths.insert(path);
+        lastPath = path;
         endWhenEnough();
     };
     parts_.observer.frameCouldNotBeSaved = [&] {
@@ -209,16 +237,22 @@ bool Session::capture(std::optional<int> count,
     startButton.performClick();
     waitUntil([&] { return isOver; });
 
-    parts_.observer.frameWasSaved = nullptr;
+    // Stills that were asked for before the end may still come.
+    parts_.observer.frameWasSaved = saved;
     parts_.observer.frameCouldNotBeSaved = nullptr;
-    // The list catches up with the last frame.
-    if (!paths.empty()) {
-        waitUntil([&] {
-            const auto list = parts_.controller.pictureArray.load();
-            return list && std::find(list->begin(), list->end(), *paths.rbegin()) != list->end();
-        });
-    }
+    waitForListing(lastPath);
     return failures == 0;
+}
+
+/// The frame list follows the folder within a tenth of a second; a frame that was taken away
+/// meanwhile is not waited for.
+void Session::waitForListing(const std::string& path) {
+    const double limit = parts_.foundation.date().timeIntervalSince1970 + 1.0;
+    waitUntil([&] {
+        const auto list = parts_.controller.pictureArray.load();
+        const bool isListed = list && std::find(list->begin(), list->end(), path) != list->end();
+        return isListed || parts_.foundation.date().timeIntervalSince1970 > limit;
+    });
 }
 
 std::string Session::compile(int framesPerSecond) {
@@ -250,6 +284,9 @@ void Session::print(const std::string& result, char end) {
         const ssize_t count = ::write(STDOUT_FILENO, text.data() + written, text.size() - written);
         if (count >= 0) {
             written += static_cast<std::size_t>(count);
+        } else if (errno == EAGAIN) {
+            pollfd output{STDOUT_FILENO, POLLOUT, 0};
+            ::poll(&output, 1, -1);
         } else if (errno != EINTR) {
             fail(std::string("Cannot write to standard output: ") + std::strerror(errno) + ".");
         }

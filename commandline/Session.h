@@ -71,6 +71,7 @@ private:
 
     void waitUntil(const std::function<bool()>& condition);
     void waitForStampBoundary();
+    void waitForListing(const std::string& path);
 
     Parts& parts_;
 };

@@ -10,12 +10,14 @@ void SessionObserver::imageCouldNotBeRead(const std::string&, const NSError& rea
 }
 
 void SessionObserver::fileWasWritten(const std::string& path) {
+    isWritingFile_ = false;
     if (frameWasSaved) {
         frameWasSaved(path);
     }
 }
 
 void SessionObserver::fileCouldNotBeWritten(const std::string&, const NSError& reason) {
+    isWritingFile_ = false;
     output_.writeLine("A frame is lost: " + reason.localizedDescription);
     if (frameCouldNotBeSaved) {
         frameCouldNotBeSaved();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
@@ -30,6 +31,7 @@ public:
 
     // ---- Any thread ----------------------------------------------------------------------------
     void imageCouldNotBeRead(const std::string& path, const NSError& reason) override;
+    void fileIsBeingWritten(const std::string&) override { isWritingFile_ = true; }
     void fileWasWritten(const std::string& path) override;
     void fileCouldNotBeWritten(const std::string& path, const NSError& reason) override;
     void pictureWasAppended() override { report_.frameWasAppended(); }
@@ -38,12 +40,16 @@ public:
     void movieFailed(const std::string& path, const NSError& reason) override;
     void cameraChanged(const std::string& message) override { output_.writeLine(message); }
 
+    /// Whether a frame's file is not whole yet.
+    bool isWritingFile() const { return isWritingFile_; }
+
 private:
     void setOutcome(MovieOutcome outcome);
 
     ConsoleOutput& output_;
     ConsoleRunLoop& loop_;
     CompileReport& report_;
+    std::atomic<bool> isWritingFile_{false};
 };
 
 } // namespace vistrane
