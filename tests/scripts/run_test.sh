@@ -23,7 +23,7 @@ cat >"$tree/CMakeLists.txt" <<'END'
 cmake_minimum_required(VERSION 3.25)
 project(stand_in LANGUAGES CXX)
 add_executable(vistrane commandline/main.cpp)
-set_target_properties(vistrane PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/commandline)
+set_target_properties(vistrane PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
 END
 cat >"$tree/commandline/main.cpp" <<'END'
 #include <cstdio>
@@ -49,7 +49,7 @@ expect 'exit status' 7 $?
 expect 'folder and arguments' "$(printf '%s\n' "$work/elsewhere" '[two words]' '[]' '[*]')" "$out"
 
 stamp() {
-    stat -c %y "$tree/build/release/build.ninja" "$tree/build/release/commandline/vistrane"
+    stat -c %y "$tree/build/release/build.ninja" "$tree/build/release/vistrane"
 }
 before=$(stamp)
 out=$("$tree/run" 2>&1)
