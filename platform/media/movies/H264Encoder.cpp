@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/media/movies/movie_errors.h"
@@ -35,22 +36,25 @@ bool takesPlanar420(const AVCodec& codec) {
     return false;
 }
 
-const AVCodec* findEncoder(const std::string& name) {
-    if (!name.empty()) {
-        const AVCodec* codec = avcodec_find_encoder_by_name(name.c_str());
-        return codec && codec->id == AV_CODEC_ID_H264 && takesPlanar420(*codec) ? codec : nullptr;
-    }
-    if (const AVCodec* codec = avcodec_find_encoder_by_name("libx264")) {
-        return codec;
+bool isUsable(const AVCodec& codec) {
+    return av_codec_is_encoder(&codec) && codec.id == AV_CODEC_ID_H264 && takesPlanar420(codec) &&
+           (codec.capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0;
+}
+
+/// The encoders to try, the best first. Some that are there work with certain hardware only.
+std::vector<const AVCodec*> findEncoders(const std::string& name) {
+    std::vector<const AVCodec*> encoders;
+    const AVCodec* wanted = avcodec_find_encoder_by_name(name.empty() ? "libx264" : name.c_str());
+    if (wanted && isUsable(*wanted)) {
+        encoders.push_back(wanted);
     }
     void* position = nullptr;
-    while (const AVCodec* codec = av_codec_iterate(&position)) {
-        if (av_codec_is_encoder(codec) && codec->id == AV_CODEC_ID_H264 && takesPlanar420(*codec) &&
-            (codec->capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0) {
-            return codec;
+    while (const AVCodec* codec = name.empty() ? av_codec_iterate(&position) : nullptr) {
+        if (codec != wanted && isUsable(*codec)) {
+            encoders.push_back(codec);
         }
     }
-    return nullptr;
+    return encoders;
 }
 
 NSError encoderError(int number, const std::string& what, const std::string& advice) {
@@ -62,6 +66,26 @@ NSError encoderError(int number, const std::string& what, const std::string& adv
 NSError encodingError(int number) {
     return encoderError(number, "The H.264 encoder failed",
                         "Close some programs and compile again");
+}
+
+void describePictures(AVCodecContext& context, int width, int height, std::int32_t timescale) {
+    context.width = width;
+    context.height = height;
+    context.time_base = {1, timescale};
+    context.framerate = {timescale, 1};
+    context.sample_aspect_ratio = {1, 1};
+    context.pix_fmt = AV_PIX_FMT_YUV420P;
+    context.color_range = AVCOL_RANGE_MPEG;
+    context.color_primaries = AVCOL_PRI_BT709;
+    context.color_trc = AVCOL_TRC_BT709;
+    context.colorspace = AVCOL_SPC_BT709;
+    context.chroma_sample_location = AVCHROMA_LOC_LEFT;
+}
+
+/// For encoders that know no constant quality: a fifth of a bit for each pixel.
+std::int64_t plentifulBitRate(int width, int height, std::int32_t timescale) {
+    constexpr std::int64_t limit = 400'000'000;
+    return std::min(std::int64_t{width} * height * std::min(timescale, 60) / 5, limit);
 }
 
 /// Calls `take(first, end)` for each NAL unit of a byte stream with start codes.
@@ -132,7 +156,7 @@ void H264Encoder::PacketDeleter::operator()(AVPacket* packet) const {
 }
 
 std::optional<NSError> H264Encoder::availability(const MovieOptions& options) {
-    if (findEncoder(options.encoder)) {
+    if (!findEncoders(options.encoder).empty()) {
         return std::nullopt;
     }
     const std::string wanted = options.encoder.empty() ? "" : " \"" + options.encoder + "\"";
@@ -146,50 +170,48 @@ H264Encoder::H264Encoder(MovieOptions options) : options_(std::move(options)) {}
 H264Encoder::~H264Encoder() = default;
 
 std::optional<NSError> H264Encoder::open(int width, int height, std::int32_t timescale) {
-    if (auto error = availability(options_)) {
-        return error;
+    std::optional<NSError> firstError;
+    for (const AVCodec* codec : findEncoders(options_.encoder)) {
+        const auto error = openWith(*codec, width, height, timescale);
+        if (!error) {
+            return std::nullopt;
+        }
+        if (!firstError) {
+            firstError = error;
+        }
     }
-    const AVCodec* codec = findEncoder(options_.encoder);
-    std::unique_ptr<AVCodecContext, ContextDeleter> context(avcodec_alloc_context3(codec));
+    return firstError ? firstError : availability(options_);
+}
+
+std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, int height,
+                                             std::int32_t timescale) {
+    std::unique_ptr<AVCodecContext, ContextDeleter> context(avcodec_alloc_context3(&codec));
     packet_.reset(av_packet_alloc());
     if (!context || !packet_) {
         return encodingError(AVERROR(ENOMEM));
     }
+    describePictures(*context, width, height, timescale);
     // Its messages are for developers; what fails is told by the results.
     context->log_level_offset = AV_LOG_TRACE;
-    context->width = width;
-    context->height = height;
-    context->time_base = {1, timescale};
-    context->framerate = {timescale, 1};
-    context->sample_aspect_ratio = {1, 1};
-    context->pix_fmt = AV_PIX_FMT_YUV420P;
-    context->color_range = AVCOL_RANGE_MPEG;
-    context->color_primaries = AVCOL_PRI_BT709;
-    context->color_trc = AVCOL_TRC_BT709;
-    context->colorspace = AVCOL_SPC_BT709;
-    context->chroma_sample_location = AVCHROMA_LOC_LEFT;
     context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     context->thread_count = options_.threads;
-    const bool isX264 = std::string(codec->name) == "libx264";
-    if (!isX264) {
-        // A plentiful rate for encoders that know no constant quality: 0.2 bits a pixel.
-        context->bit_rate = std::min<std::int64_t>(
-            std::int64_t{width} * height * std::min(timescale, 60) / 5, 400'000'000);
-    }
 
     AVDictionary* settings = nullptr;
-    if (isX264) {
+    if (std::string_view(codec.name) == "libx264") {
         char factor[32];
         std::snprintf(factor, sizeof factor, "%.3f", options_.constantRateFactor);
         av_dict_set(&settings, "preset", options_.preset.c_str(), 0);
         av_dict_set(&settings, "crf", factor, 0);
+    } else {
+        context->bit_rate = plentifulBitRate(width, height, timescale);
     }
-    const int result = avcodec_open2(context.get(), codec, &settings);
+    const int result = avcodec_open2(context.get(), &codec, &settings);
     av_dict_free(&settings);
     if (result < 0) {
         return encoderError(result,
-                            "The H.264 encoder cannot be set up for " + std::to_string(width) +
-                                " x " + std::to_string(height) + " pixels",
+                            "The H.264 encoder " + std::string(codec.name) +
+                                " cannot be set up for " + std::to_string(width) + " x " +
+                                std::to_string(height) + " pixels",
                             "Use smaller frames, or close some programs");
     }
     context_ = std::move(context);

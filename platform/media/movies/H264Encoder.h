@@ -74,6 +74,8 @@ private:
         void operator()(AVPacket* packet) const;
     };
 
+    std::optional<NSError> openWith(const AVCodec& codec, int width, int height,
+                                    std::int32_t timescale);
     std::optional<NSError> send(const AVFrame* frame, const Sink& sink);
     std::optional<NSError> receive(const Sink& sink);
     void takeParameterSets(const std::uint8_t* bytes, std::size_t count);
