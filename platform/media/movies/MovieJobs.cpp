@@ -46,9 +46,9 @@ void MovieJobs::ended(const MovieJob& job, const std::optional<NSError>& error) 
 }
 
 void MovieJobs::abandonAll() {
-    const auto creation = lockCreation();
     std::vector<std::shared_ptr<MovieJob>> jobs;
     {
+        const auto creation = lockCreation();
         const std::lock_guard lock(mutex_);
         isEnded_ = true;
         for (const Entry& entry : entries_) {
