@@ -14,12 +14,21 @@ namespace {
 /// up by a camera or a reader of its output.
 constexpr std::time_t patience = 1;
 
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 sigset_t endingSignals() {
     sigset_t signals;
     ::sigemptyset(&signals);
     ::sigaddset(&signals, SIGINT);
-    ::sigaddset(&signals, SIGHUP);
     ::sigaddset(&signals, SIGTERM);
+    // Who is started with hang-ups ignored is to outlive its terminal. Waiting for the signal
+    // would take it nevertheless.
+    if (!isIgnored(SIGHUP)) {
+        ::sigaddset(&signals, SIGHUP);
+    }
     return signals;
 }
 

@@ -4,7 +4,8 @@
 
 namespace vistrane {
 
-/// Interrupts, hang-ups and terminations, as the exit status 128 + the signal.
+/// Interrupts, hang-ups and terminations, as the exit status 128 + the signal. Hang-ups that were
+/// ignored when the program started, as nohup has it, stay ignored.
 ///
 /// Made before any other thread: the signals are blocked in this and every later thread, and a
 /// thread of its own waits for them.
