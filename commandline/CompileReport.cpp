@@ -22,14 +22,29 @@ void CompileReport::frameWasRefused(const NSError& reason) {
     const std::lock_guard lock(mutex_);
     // Why the file is no picture says more than that there is no picture to append.
     const std::string& why = reason_.empty() ? reason.localizedDescription : reason_;
-    leftOut_.push_back("Not in the movie: " + path_ + ": " + why);
+    const bool namesFrame = why.find(path_) != std::string::npos;
+    leftOut_.push_back({"Not in the movie: " + (namesFrame ? why : path_ + ": " + why), why});
 }
 
 std::vector<std::string> CompileReport::lines() const {
     const std::lock_guard lock(mutex_);
-    std::vector<std::string> lines = leftOut_;
+    std::vector<std::string> lines;
+    for (const LeftOut& each : leftOut_) {
+        lines.push_back(each.line);
+    }
     lines.push_back(std::to_string(appended_) + " of " +
                     std::to_string(appended_ + leftOut_.size()) + " frames went into the movie.");
+    return lines;
+}
+
+std::vector<std::string> CompileReport::linesWithoutMovie(const NSError& reason) const {
+    const std::lock_guard lock(mutex_);
+    std::vector<std::string> lines;
+    for (const LeftOut& each : leftOut_) {
+        if (each.reason != reason.localizedDescription) {
+            lines.push_back(each.line);
+        }
+    }
     return lines;
 }
 

@@ -22,13 +22,21 @@ public:
 
     /// One line for each frame that was left out, then one that counts.
     std::vector<std::string> lines() const;
+    /// The same without a movie, for which there is nothing to count: the frames that were refused
+    /// for the reason why there is none are not to blame and not named.
+    std::vector<std::string> linesWithoutMovie(const NSError& reason) const;
 
 private:
+    struct LeftOut {
+        std::string line;
+        std::string reason;
+    };
+
     mutable std::mutex mutex_;
     std::string path_;
     std::string reason_;
     std::size_t appended_ = 0;
-    std::vector<std::string> leftOut_;
+    std::vector<LeftOut> leftOut_;
 };
 
 } // namespace vistrane

@@ -269,7 +269,9 @@ std::string Session::compile(int framesPerSecond) {
     if (parts_.movieWasRefused) {
         end(1);
     }
-    for (const std::string& line : parts_.report.lines()) {
+    const CompileReport& report = parts_.report;
+    for (const std::string& line :
+         outcome->error ? report.linesWithoutMovie(*outcome->error) : report.lines()) {
         say(line);
     }
     if (outcome->error) {

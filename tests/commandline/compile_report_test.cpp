@@ -40,5 +40,27 @@ TEST(CompileReport, ARefusalOfAReadableFrameGivesItsOwnReason) {
                                             "0 of 2 frames went into the movie."));
 }
 
+TEST(CompileReport, AReasonThatNamesTheFrameStandsAlone) {
+    CompileReport report;
+    report.frameIsLoaded("/f/a.png");
+    report.frameCouldNotBeRead({"d", 1, "The picture /f/a.png is empty"});
+    report.frameWasRefused({"d", 2, "there is no picture"});
+    EXPECT_THAT(report.lines(), ElementsAre("Not in the movie: The picture /f/a.png is empty",
+                                            "0 of 1 frames went into the movie."));
+}
+
+TEST(CompileReport, WithoutAMovieOnlyTheFramesThatHaveAReasonOfTheirOwnAreNamed) {
+    CompileReport report;
+    report.frameIsLoaded("/f/a.png");
+    report.frameCouldNotBeRead({"d", 1, "it is cut short"});
+    report.frameWasRefused({"d", 2, "there is no picture"});
+    report.frameIsLoaded("/f/b.png");
+    report.frameWasAppended();
+    report.frameIsLoaded("/f/c.png");
+    report.frameWasRefused({"d", 3, "the disk is full"});
+    EXPECT_THAT(report.linesWithoutMovie({"d", 3, "the disk is full"}),
+                ElementsAre("Not in the movie: /f/a.png: it is cut short"));
+}
+
 } // namespace
 } // namespace vistrane
