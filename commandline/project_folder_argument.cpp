@@ -19,7 +19,8 @@ std::string shortened(const std::filesystem::path& path) {
     for (const auto& component : path) {
         const std::string& name = component.native();
         goesUp = goesUp || name == "..";
-        if (!name.empty() && name != "." && name != "/") {
+        const bool isSlashes = name.find_first_not_of('/') == std::string::npos;
+        if (!isSlashes && name != ".") {
             text += "/" + name;
         }
     }
