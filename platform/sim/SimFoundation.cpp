@@ -4,6 +4,17 @@
 
 namespace vistrane {
 
+namespace {
+
+const std::string bookmarkStart = "bookmark of ";
+
+} // namespace
+
+std::vector<std::uint8_t> SimBookmarks::of(const std::string& path) {
+    const std::string text = bookmarkStart + path;
+    return {text.begin(), text.end()};
+}
+
 void SimNotificationCenter::addObserver(std::function<void()> observer, const std::string& name) {
     mainCall("addObserver: " + name);
     observers_.emplace(name, std::move(observer));
@@ -60,18 +71,20 @@ BookmarkDataResult SimFoundation::bookmarkDataWithOptions(const NSURL& url, std:
     if (bookmarks.creationError) {
         return {{}, bookmarks.creationError};
     }
-    const std::string path = url.path();
-    return {{path.begin(), path.end()}, std::nullopt};
+    return {SimBookmarks::of(url.path()), std::nullopt};
 }
 
 BookmarkURLResult SimFoundation::URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
                                                             std::uint64_t options) {
-    const std::string path(data.begin(), data.end());
+    const std::string text(data.begin(), data.end());
     const std::string call =
-        "URLByResolvingBookmarkData: " + path + " options: " + std::to_string(options);
+        "URLByResolvingBookmarkData: " + text + " options: " + std::to_string(options);
     log_.requireMain(call);
     log_.record(call);
-    return {NSURL::fileURLWithPath(path), bookmarks.resolutionError};
+    if (text.compare(0, bookmarkStart.size(), bookmarkStart) != 0) {
+        return {std::nullopt, NSError{"SimBookmarks", 1, "The bytes are no bookmark."}};
+    }
+    return {NSURL::fileURLWithPath(text.substr(bookmarkStart.size())), bookmarks.resolutionError};
 }
 
 bool SimFoundation::startAccessingSecurityScopedResource(const NSURL& url) {

@@ -31,9 +31,12 @@ private:
     std::multimap<std::string, std::function<void()>> observers_;
 };
 
-/// How bookmarks turn out. A bookmark holds the bytes of its path.
+/// How bookmarks turn out. A bookmark spells "bookmark of " and the path; other bytes are none.
 struct SimBookmarks {
+    static std::vector<std::uint8_t> of(const std::string& path);
+
     std::optional<NSError> creationError;
+    /// Given beside the address, so that it shows whether the error is heeded.
     std::optional<NSError> resolutionError;
     bool grantsAccess = true;
 };

@@ -1,5 +1,6 @@
 #include "platform/sim/SimLocale.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace vistrane {
@@ -99,11 +100,9 @@ NSComparisonResult SimLocale::compare(const std::string& first, const std::strin
         call("compare: " + first + " with: " + second + " options: " + std::to_string(options) +
              " range: " + std::to_string(range.location) + "," + std::to_string(range.length));
     }
-    if (range.location > first.size() || range.length > first.size() - range.location) {
-        log_.misuse("compare: the range is outside of the string");
-        range = {0, first.size()};
-    }
-    const std::string_view part = std::string_view(first).substr(range.location, range.length);
+    // The part of the range that lies in the string.
+    const std::string_view part =
+        std::string_view(first).substr(std::min(range.location, first.size()), range.length);
     const NSComparisonResult result = orderTexts(Reader(part, options), Reader(second, options));
     if (result == NSOrderedSame && (options & NSForcedOrderingSearch) != 0) {
         return order(part, std::string_view(second));

@@ -208,7 +208,7 @@ TEST_F(Stills, APictureThatCannotBeReadEmptiesTheDisplayAndIsNotSaved) {
 }
 
 TEST_F(Stills, ATickReachesTheFolderAndTheFrameList) {
-    sim.defaults().values["iData"] = std::vector<std::uint8_t>{'/', 'f'};
+    saveFolder();
     delegate.checkUserFolder(nullptr);
     delegate.startMonitoringFolder(nullptr);
     setInterval("0", "0", "5");

@@ -16,10 +16,6 @@ const std::string rejectionText =
     "working folder. Please make sure it is not located on any removable volume and make selection "
     "again.\n";
 
-std::vector<std::uint8_t> bytes(const std::string& text) {
-    return {text.begin(), text.end()};
-}
-
 class ProjectFolder : public ControllerTest {
 protected:
     SimUserDefaults::Value& iData() { return sim.defaults().values["iData"]; }
@@ -51,13 +47,13 @@ protected:
 
 TEST_F(ProjectFolder, CancellingThePanelClearsTheFolderWithoutAnAlert) {
     button("outfolderB").currentTitle = "/old";
-    iData() = bytes("/old");
+    iData() = SimBookmarks::of("/old");
     sim.openPanels().cancel();
     delegate.outputFolder(nullptr);
     EXPECT_THAT(takeCallsAfterThePanel(),
                 ElementsAre("outfolderB setTitle: " + placeholder, "outfolderB setState: 1"));
     expectNoFolder();
-    EXPECT_EQ(iData(), SimUserDefaults::Value(bytes("/old")));
+    EXPECT_EQ(iData(), SimUserDefaults::Value(SimBookmarks::of("/old")));
     EXPECT_THAT(sim.alerts().shown(), IsEmpty());
 }
 
@@ -66,7 +62,7 @@ class RejectedChoice : public ProjectFolder,
 
 TEST_P(RejectedChoice, ShowsTheAlertAndClearsTheFolder) {
     button("outfolderB").currentTitle = "/old";
-    iData() = bytes("/old");
+    iData() = SimBookmarks::of("/old");
     sim.openPanels().confirmWith(GetParam());
     sim.alerts().whileUp([&](const SimShownAlert&) { EXPECT_EQ(folderTitle(), "/old"); });
     delegate.outputFolder(nullptr);
@@ -76,7 +72,7 @@ TEST_P(RejectedChoice, ShowsTheAlertAndClearsTheFolder) {
     ASSERT_EQ(sim.alerts().shown().size(), 1U);
     expectStandardAlert(sim.alerts().shown().at(0), "Not a valid working folder", rejectionText);
     expectNoFolder();
-    EXPECT_EQ(iData(), SimUserDefaults::Value(bytes("/old")));
+    EXPECT_EQ(iData(), SimUserDefaults::Value(SimBookmarks::of("/old")));
 }
 
 INSTANTIATE_TEST_SUITE_P(NoPath, RejectedChoice, ::testing::Values(std::nullopt));
@@ -90,11 +86,12 @@ INSTANTIATE_TEST_SUITE_P(RootFolder, RejectedChoice,
 TEST_F(ProjectFolder, AConfirmedChoiceIsShownAndRemembered) {
     sim.openPanels().choose("/Users/a/Frames");
     delegate.outputFolder(nullptr);
-    EXPECT_THAT(takeCallsAfterThePanel(),
-                ElementsAre("alert1 runModal", "outfolderB setTitle: /Users/a/Frames",
-                            "bookmarkDataWithOptions: 2048 of: file:///Users/a/Frames",
-                            "standardUserDefaults setObject: /Users/a/Frames forKey: iData",
-                            "standardUserDefaults synchronize", "outfolderB setState: 1"));
+    EXPECT_THAT(
+        takeCallsAfterThePanel(),
+        ElementsAre("alert1 runModal", "outfolderB setTitle: /Users/a/Frames",
+                    "bookmarkDataWithOptions: 2048 of: file:///Users/a/Frames",
+                    "standardUserDefaults setObject: bookmark of /Users/a/Frames forKey: iData",
+                    "standardUserDefaults synchronize", "outfolderB setState: 1"));
     EXPECT_EQ(folderTitle(), "/Users/a/Frames");
     EXPECT_EQ(delegate.gotFolder, "/Users/a/Frames");
     EXPECT_EQ(sim.defaults().durableValues.count("iData"), 1U);
@@ -123,7 +120,7 @@ TEST_F(ProjectFolder, APathWithPlaceholdersOfAFormatIsTakenLiterally) {
 TEST_F(ProjectFolder, AnyAnswerButOkClearsTheFolderAndKeepsTheSavedOne) {
     for (const NSModalResponse answer : {1001, 999, 1, 0, -1000}) {
         button("outfolderB").currentTitle = "/old";
-        iData() = bytes("/old");
+        iData() = SimBookmarks::of("/old");
         sim.openPanels().choose("/new");
         sim.alerts().answer(answer);
         delegate.outputFolder(nullptr);
@@ -131,7 +128,7 @@ TEST_F(ProjectFolder, AnyAnswerButOkClearsTheFolderAndKeepsTheSavedOne) {
         EXPECT_THAT(std::vector<std::string>(calls.begin() + 1, calls.end()),
                     ElementsAre("outfolderB setTitle: " + placeholder, "outfolderB setState: 1"));
         expectNoFolder();
-        EXPECT_EQ(iData(), SimUserDefaults::Value(bytes("/old")));
+        EXPECT_EQ(iData(), SimUserDefaults::Value(SimBookmarks::of("/old")));
     }
 }
 
@@ -145,7 +142,7 @@ TEST_F(ProjectFolder, AFolderOnAnotherVolumeOrNoFolderAtAllIsAcceptedLikeAnyOthe
 }
 
 TEST_F(ProjectFolder, ABookmarkThatCannotBeMadeKeepsTheOlderOneAndSaysNothing) {
-    iData() = bytes("/old");
+    iData() = SimBookmarks::of("/old");
     sim.bookmarks().creationError = NSError{"d", 1, "no bookmark"};
     sim.openPanels().choose("/new");
     delegate.outputFolder(nullptr);
@@ -154,7 +151,7 @@ TEST_F(ProjectFolder, ABookmarkThatCannotBeMadeKeepsTheOlderOneAndSaysNothing) {
                             "bookmarkDataWithOptions: 2048 of: file:///new",
                             "outfolderB setState: 1"));
     EXPECT_EQ(folderTitle(), "/new");
-    EXPECT_EQ(iData(), SimUserDefaults::Value(bytes("/old")));
+    EXPECT_EQ(iData(), SimUserDefaults::Value(SimBookmarks::of("/old")));
     EXPECT_EQ(sim.alerts().shown().size(), 1U);
 }
 
@@ -200,7 +197,7 @@ TEST_F(RestoredFolder, ASavedOneIsOpenedShownAndLeavesTheButtonsStateAlone) {
     delegate.checkUserFolder(nullptr);
     EXPECT_THAT(sim.takeCalls(),
                 ElementsAre("standardUserDefaults objectForKey: iData",
-                            "URLByResolvingBookmarkData: /f options: 1024",
+                            "URLByResolvingBookmarkData: bookmark of /f options: 1024",
                             "startAccessingSecurityScopedResource: file:///f",
                             "outfolderB setTitle: /f", "defaultManager fileExistsAtPath: /f"));
     EXPECT_EQ(folderTitle(), "/f");
@@ -222,10 +219,10 @@ TEST_F(RestoredFolder, ABookmarkThatDoesNotResolveGivesNoFolderAndSaysNothing) {
     delegate.checkUserFolder(nullptr);
     EXPECT_THAT(sim.takeCalls(),
                 ElementsAre("standardUserDefaults objectForKey: iData",
-                            "URLByResolvingBookmarkData: /f options: 1024",
+                            "URLByResolvingBookmarkData: bookmark of /f options: 1024",
                             "outfolderB setTitle: " + placeholder, "outfolderB setState: 1"));
     EXPECT_EQ(delegate.bookmarkFileURL, std::nullopt);
-    EXPECT_EQ(iData(), SimUserDefaults::Value(bytes("/f")));
+    EXPECT_EQ(iData(), SimUserDefaults::Value(SimBookmarks::of("/f")));
 }
 
 TEST_F(RestoredFolder, AnOldAddressIsForgottenFirst) {
@@ -236,22 +233,29 @@ TEST_F(RestoredFolder, AnOldAddressIsForgottenFirst) {
 
 TEST_F(RestoredFolder, AFileInItsPlaceIsAccepted) {
     sim.files().addFile("/f");
-    iData() = bytes("/f");
+    iData() = SimBookmarks::of("/f");
     delegate.checkUserFolder(nullptr);
     EXPECT_EQ(folderTitle(), "/f");
     EXPECT_EQ(button("outfolderB").currentState, 0);
 }
 
 TEST_F(RestoredFolder, OneThatHasVanishedIsGivenUpButStaysSaved) {
-    iData() = bytes("/f");
+    iData() = SimBookmarks::of("/f");
     delegate.checkUserFolder(nullptr);
     EXPECT_THAT(sim.takeCalls(),
                 ElementsAre("standardUserDefaults objectForKey: iData",
-                            "URLByResolvingBookmarkData: /f options: 1024",
+                            "URLByResolvingBookmarkData: bookmark of /f options: 1024",
                             "startAccessingSecurityScopedResource: file:///f",
                             "outfolderB setTitle: /f", "defaultManager fileExistsAtPath: /f",
                             "outfolderB setTitle: " + placeholder, "outfolderB setState: 1"));
-    EXPECT_EQ(iData(), SimUserDefaults::Value(bytes("/f")));
+    EXPECT_EQ(iData(), SimUserDefaults::Value(SimBookmarks::of("/f")));
+}
+
+TEST_F(RestoredFolder, BytesThatAreNoBookmarkGiveNoFolder) {
+    iData() = std::vector<std::uint8_t>{'/', 'f'};
+    delegate.checkUserFolder(nullptr);
+    EXPECT_EQ(folderTitle(), placeholder);
+    EXPECT_EQ(delegate.bookmarkFileURL, std::nullopt);
 }
 
 TEST_F(RestoredFolder, AValueOfAnotherKindCountsAsNone) {

@@ -30,7 +30,7 @@ protected:
     /// The folder is there, and a bookmark of it is saved.
     void saveFolder(const std::string& path = "/f") {
         sim.files().addFolder(path);
-        sim.defaults().values["iData"] = std::vector<std::uint8_t>(path.begin(), path.end());
+        sim.defaults().values["iData"] = SimBookmarks::of(path);
     }
 
     /// Starts the program and forgets the calls that this took.
