@@ -251,6 +251,18 @@ TEST_F(Monitor, ListsTenTimesASecondAndNotBefore) {
     EXPECT_THAT(sim.takeCalls(), ::testing::AllOf(::testing::SizeIs(10), Each(listing)));
 }
 
+TEST_F(Monitor, ANewFrameMovesAPlayingPreviewToTheLastOne) {
+    add({"1.png", "2.png", "3.png"});
+    refresh();
+    delegate.playTimer = sim.platform().foundation.scheduledTimerWithTimeInterval(
+        1.0, [](NSTimer&) {}, true);
+    delegate.playing = 0;
+    add({"4.png"});
+    refresh();
+    EXPECT_EQ(delegate.playing, 3);
+    EXPECT_TRUE(delegate.playTimer->isValid());
+}
+
 TEST_F(Monitor, TheTimersCallbackRefreshesOnce) {
     add({"1.png"});
     delegate.startArrayTimer(nullptr);
