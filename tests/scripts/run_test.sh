@@ -83,6 +83,15 @@ mv "$tree" "$work/moved"
 tree=$work/moved
 expect 'a tree that was moved' "$(printf '%s\n' "$work/elsewhere" '[x]')" "$("$tree/run" x 2>/dev/null)"
 
+cat >>"$tree/CMakeLists.txt" <<'END'
+option(VISTRANE_WERROR "" ON)
+if(VISTRANE_WERROR)
+    target_compile_options(vistrane PRIVATE -Wall -Werror)
+endif()
+END
+echo 'static int unused;' >>"$tree/commandline/main.cpp"
+expect 'a compiler that warns' "$(printf '%s\n' "$work/elsewhere" '[x]')" "$("$tree/run" x 2>/dev/null)"
+
 echo 'a mistake here' >>"$tree/commandline/main.cpp"
 out=$("$tree/run" x 2>"$work/errors")
 expect 'status of a build that fails' 1 $?
