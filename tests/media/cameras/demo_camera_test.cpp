@@ -219,9 +219,10 @@ TEST_F(DemoCamera, ManyStartsAndStopsLeaveNoFileAndNoThreadBehind) {
 TEST_F(DemoCamera, CamerasMayGoWhileTheSessionRuns) {
     ASSERT_TRUE(bed.pick(demo));
     bed.request();
+    const auto settings = bed.cameras->photoSettingsFromPhotoSettings(*bed.settings);
     bed.cameras.reset();
     EXPECT_FALSE(bed.session->isRunning());
-    bed.request();
+    bed.output->capturePhotoWithSettings(settings, bed.delegate);
 }
 
 class Preview : public DemoCamera {

@@ -175,7 +175,7 @@ TEST_F(PictureEncoding, OtherFileTypesAreNotMade) {
 
 TEST_F(PictureEncoding, TheWholeWayFromStillToFrameFileKeepsEveryPixel) {
     Bytes pixels;
-    for (int i = 0; i < 320 * 180 * 3; ++i) {
+    for (std::uint32_t i = 0; i < 320 * 180 * 3; ++i) {
         pixels.push_back(static_cast<std::uint8_t>(i * i / 7));
     }
     const auto png = encode(load(ppm(ppmHead(320, 180), pixels)));
