@@ -164,9 +164,14 @@ TEST_F(Devices, ADeviceWithoutPhotoSupportLeavesTheHighPresetForTheRestOfTheRun)
 
 TEST_F(Devices, TheLowerQualityBoxPlaysNoPart) {
     sim.defaults().values = {{"firstTimeRunning", NSInteger{1}}, {"iSlow", NSInteger{1}}};
-    launchWithCamera();
+    sim.cameras().add("Photo");
+    sim.cameras().add("Stream", {AVMediaTypeVideo}, false);
+    launch();
     ASSERT_EQ(button("slowB").currentState, 1);
+    select(0);
     EXPECT_EQ(sim.cameras().session()->preset, AVCaptureSessionPresetPhoto);
+    select(1);
+    EXPECT_EQ(sim.cameras().session()->preset, AVCaptureSessionPresetHigh);
 }
 
 TEST_F(Devices, ADeviceThatCannotBeOpenedIsLoggedAndShownInTwoAlerts) {

@@ -48,6 +48,9 @@ TEST_F(Interval, AThousandHoursBecomeTheHighestInterval) {
 
 TEST_F(Interval, OneSecondAloneStays) {
     change("0", "0", "1");
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("hInput setIntValue: 0", "mInput setIntValue: 0",
+                            "sInput setIntValue: 1", "timeD setStringValue: ( t = 1 s )"));
     EXPECT_EQ(delegate.realInterval, 1);
     EXPECT_EQ(textField("sInput").text, "1");
 }
