@@ -137,7 +137,11 @@ struct Answers {
 
 } // namespace
 
-CameraList::CameraList() {
+CameraList::CameraList() = default;
+
+CameraList::~CameraList() = default;
+
+void CameraList::findProviders() {
     if (!startGStreamer()) {
         return;
     }
@@ -157,8 +161,6 @@ CameraList::CameraList() {
     gst_plugin_feature_list_free(factories);
 }
 
-CameraList::~CameraList() = default;
-
 std::vector<Camera> CameraList::list(std::chrono::milliseconds patience) {
     const std::vector<Camera> all = listOf("", patience);
     std::vector<CameraFacts> facts;
@@ -174,6 +176,7 @@ std::vector<Camera> CameraList::list(std::chrono::milliseconds patience) {
 
 std::vector<Camera> CameraList::listOf(const std::string& name,
                                        std::chrono::milliseconds patience) {
+    std::call_once(providersFound_, [this] { findProviders(); });
     const auto deadline = std::chrono::steady_clock::now() + patience;
     auto answers = std::make_shared<Answers>();
     answers->byProvider.resize(providers_.size());

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,7 @@ struct Camera {
 /// thread, however often it is asked.
 class CameraList {
 public:
+    /// Starts nothing: that happens with the first question.
     CameraList();
     ~CameraList();
     CameraList(const CameraList&) = delete;
@@ -42,6 +44,10 @@ public:
 
 private:
     struct Provider;
+
+    void findProviders();
+
+    std::once_flag providersFound_;
     std::vector<std::shared_ptr<Provider>> providers_;
 };
 

@@ -53,7 +53,8 @@ std::optional<Camera> listedNow(CameraList& list, const CameraFacts& wanted,
 } // namespace
 
 Cameras::Cameras(Dispatch& dispatch, MediaObserver& observer, CameraOptions options)
-    : observer_(observer), options_(options), mainQueue_(std::make_shared<MainQueue>(dispatch)) {}
+    : observer_(observer), options_(options),
+      mainQueue_(std::make_shared<MainThreadGate>(dispatch)) {}
 
 Cameras::~Cameras() {
     mainQueue_->close();
@@ -70,8 +71,10 @@ std::shared_ptr<AVCaptureDeviceDiscoverySession> Cameras::discoverySessionWithDe
     std::vector<std::shared_ptr<AVCaptureDevice>> devices;
     const bool anyType =
         std::any_of(types.begin(), types.end(), [](const auto& type) { return type.has_value(); });
-    std::vector<Camera> cameras =
-        anyType ? cameraList()->list(options_.listing) : std::vector<Camera>();
+    std::vector<Camera> cameras;
+    if (anyType && options_.findsCameras) {
+        cameras = cameraList()->list(options_.listing);
+    }
     if (anyType && options_.demoCamera) {
         cameras.push_back(demoCamera());
     }

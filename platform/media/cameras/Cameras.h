@@ -14,7 +14,7 @@
 namespace vistrane {
 
 class CameraList;
-class MainQueue;
+class MainThreadGate;
 
 /// The capture half of the AVFoundation kit on GStreamer: v4l2, PipeWire and libcamera cameras,
 /// whichever of them this system has. The methods are those of `AVFoundation` and keep its
@@ -56,7 +56,7 @@ private:
 
     MediaObserver& observer_;
     CameraOptions options_;
-    std::shared_ptr<MainQueue> mainQueue_;
+    std::shared_ptr<MainThreadGate> mainQueue_;
     std::shared_ptr<CameraList> list_;
     std::vector<std::weak_ptr<AVCaptureSession>> sessions_;
 };

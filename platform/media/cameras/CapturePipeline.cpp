@@ -160,8 +160,9 @@ struct Source {
 Source demoSource() {
     GstElement* element = gst_element_factory_make("videotestsrc", nullptr);
     if (element != nullptr) {
-        gst_util_set_object_arg(G_OBJECT(element), "pattern", "ball");
-        g_object_set(element, "is-live", TRUE, nullptr);
+        // Colour bars that wander, so that successive stills differ.
+        gst_util_set_object_arg(G_OBJECT(element), "pattern", "smpte");
+        g_object_set(element, "is-live", TRUE, "horizontal-speed", 4, nullptr);
     }
     return {element, nullptr};
 }
@@ -417,10 +418,11 @@ void CapturePipeline::wantPreview(bool wanted) {
 std::optional<std::string> whyNotOpen(const Camera& camera, std::chrono::milliseconds patience) {
     auto reason = std::make_shared<std::optional<std::string>>();
     const bool answered = runWithin(patience, [camera, reason] {
+        // Made first, as its connection has to outlive its element.
+        const Source source = sourceOf(camera);
         const GstPointer<GstElement> pipeline(
             GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
         Builder builder(pipeline.get());
-        const Source source = sourceOf(camera);
         if (builder.addMade(source.element) == nullptr) {
             *reason = "its GStreamer element is not installed";
             return;

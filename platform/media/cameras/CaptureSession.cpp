@@ -90,9 +90,9 @@ const Camera& CameraInput::camera() const {
 }
 
 struct CaptureSession::Shared : std::enable_shared_from_this<CaptureSession::Shared> {
-    explicit Shared(std::shared_ptr<MainQueue> queue) : mainQueue(std::move(queue)) {}
+    explicit Shared(std::shared_ptr<MainThreadGate> queue) : mainQueue(std::move(queue)) {}
 
-    const std::shared_ptr<MainQueue> mainQueue;
+    const std::shared_ptr<MainThreadGate> mainQueue;
     std::mutex mutex;
     /// Requests without an outcome, by number. Under the mutex.
     std::map<std::uint64_t, Waiting> waiting;
@@ -150,7 +150,8 @@ void CaptureSession::Shared::show(const PreviewPicture& picture) {
 }
 
 CaptureSession::CaptureSession(std::shared_ptr<CameraList> list, MediaObserver& observer,
-                               const CameraOptions& options, std::shared_ptr<MainQueue> mainQueue)
+                               const CameraOptions& options,
+                               std::shared_ptr<MainThreadGate> mainQueue)
     : shared_(std::make_shared<Shared>(std::move(mainQueue))),
       engine_(std::move(list), observer, options,
               {[shared = shared_](std::uint64_t request, StillOutcome outcome) {

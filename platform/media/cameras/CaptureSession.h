@@ -9,7 +9,7 @@
 
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/media/cameras/CaptureEngine.h"
-#include "platform/media/cameras/MainQueue.h"
+#include "platform/media/cameras/MainThreadGate.h"
 #include "platform/media/cameras/MediaPreviewLayer.h"
 #include "platform/media/cameras/PhotoOutput.h"
 
@@ -47,7 +47,7 @@ class CaptureSession final : public AVCaptureSession,
                              public std::enable_shared_from_this<CaptureSession> {
 public:
     CaptureSession(std::shared_ptr<CameraList> list, MediaObserver& observer,
-                   const CameraOptions& options, std::shared_ptr<MainQueue> mainQueue);
+                   const CameraOptions& options, std::shared_ptr<MainThreadGate> mainQueue);
     ~CaptureSession() override;
 
     void setSessionPreset(AVCaptureSessionPreset preset) override;

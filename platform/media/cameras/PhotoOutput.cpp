@@ -22,7 +22,8 @@ std::int64_t PhotoSettings::uniqueID() const {
     return uniqueID_;
 }
 
-PhotoOutput::PhotoOutput(std::shared_ptr<MainQueue> mainQueue) : mainQueue_(std::move(mainQueue)) {}
+PhotoOutput::PhotoOutput(std::shared_ptr<MainThreadGate> mainQueue)
+    : mainQueue_(std::move(mainQueue)) {}
 
 std::shared_ptr<AVCaptureConnection> PhotoOutput::connectionWithMediaType(AVMediaType type) {
     const auto source = source_.lock();

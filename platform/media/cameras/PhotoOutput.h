@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "platform/avfoundation/AVCapturePhotoOutput.h"
-#include "platform/media/cameras/MainQueue.h"
+#include "platform/media/cameras/MainThreadGate.h"
 
 namespace vistrane {
 
@@ -32,7 +32,7 @@ private:
 class PhotoOutput final : public AVCapturePhotoOutput,
                           public std::enable_shared_from_this<PhotoOutput> {
 public:
-    explicit PhotoOutput(std::shared_ptr<MainQueue> mainQueue);
+    explicit PhotoOutput(std::shared_ptr<MainThreadGate> mainQueue);
 
     std::shared_ptr<AVCaptureConnection> connectionWithMediaType(AVMediaType type) override;
     void capturePhotoWithSettings(std::shared_ptr<AVCapturePhotoSettings> settings,
@@ -42,7 +42,7 @@ public:
     bool isAttached() const;
 
 private:
-    std::shared_ptr<MainQueue> mainQueue_;
+    std::shared_ptr<MainThreadGate> mainQueue_;
     std::weak_ptr<StillSource> source_;
 };
 

@@ -10,9 +10,9 @@ namespace vistrane {
 
 /// The way to the main thread, until it is closed: a thread that comes back late from a camera
 /// driver then finds no queue any more. Any thread.
-class MainQueue {
+class MainThreadGate {
 public:
-    explicit MainQueue(Dispatch& dispatch) : dispatch_(&dispatch) {}
+    explicit MainThreadGate(Dispatch& dispatch) : dispatch_(&dispatch) {}
 
     /// Work that comes after `close` is dropped.
     void post(std::function<void()> work) {
