@@ -1,6 +1,8 @@
 #include "tests/media/cameras/CameraTestBed.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 
 #include <gmock/gmock.h>
 
@@ -180,6 +182,29 @@ TEST_F(PipeWireCamera, EachReplugIsSurvived) {
     bed.request();
     ASSERT_TRUE(bed.awaitOutcomes(1));
     EXPECT_EQ(bed.delegate.outcomes.back(), "");
+}
+
+TEST_F(PipeWireCamera, ReplugsLeaveNoFileAndNoThreadBehind) {
+    const auto count = [](const char* what) {
+        return std::distance(std::filesystem::directory_iterator(what),
+                             std::filesystem::directory_iterator());
+    };
+    ASSERT_TRUE(bed.pick("Testcam"));
+    std::ptrdiff_t files = 0;
+    std::ptrdiff_t threads = 0;
+    for (std::size_t i = 1; i <= 8; ++i) {
+        ASSERT_TRUE(testcam("stop", "Testcam"));
+        ASSERT_TRUE(awaitMessages(2 * i - 1));
+        ASSERT_TRUE(testcam("start", "Testcam", red));
+        ASSERT_TRUE(awaitMessages(2 * i));
+        if (i == 3) {
+            files = count("/proc/self/fd");
+            threads = count("/proc/self/task");
+        }
+    }
+    // Less than one for each of the five replugs.
+    EXPECT_LE(count("/proc/self/fd"), files + 4);
+    EXPECT_LE(count("/proc/self/task"), threads + 4);
 }
 
 TEST_F(PipeWireCamera, TheOtherOfTwoCamerasCanBePicked) {
