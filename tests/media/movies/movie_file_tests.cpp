@@ -344,12 +344,16 @@ protected:
     }
     void TearDown() override { ::unsetenv("VISTRANE_TEST_MOVIE"); }
 
+    /// In the new process, which never comes to tidy up.
+    void dropOwnFolder() { std::filesystem::remove(folder.path()); }
+
     std::string shared;
 };
 
 TEST_F(MovieProcess, ThatIsKilledLeavesAFileThatTheNextWriterRemoves) {
     EXPECT_EXIT(
         {
+            dropOwnFolder();
             OpenMovie movie(movies, shared, 160, 120);
             for (int i = 0; i < 30; ++i) {
                 movie.append(noise(160, 120, static_cast<std::uint32_t>(i)), frameTime(i, 25));
@@ -369,6 +373,7 @@ TEST_F(MovieProcess, ThatIsKilledLeavesAFileThatTheNextWriterRemoves) {
 TEST_F(MovieProcess, ThatExitsDuringTheWritingNeitherHangsNorCrashes) {
     EXPECT_EXIT(
         {
+            dropOwnFolder();
             auto* movie = new OpenMovie(movies, shared, 320, 240);
             for (int i = 0; i < 30; ++i) {
                 movie->append(noise(320, 240, static_cast<std::uint32_t>(i)), frameTime(i, 25));
