@@ -143,7 +143,9 @@ TYPED_TEST_P(TimerContract, DatesThatPassInATicksOwnTimeMergeIntoOneTick) {
             stalledUntil = this->now();
         }
     });
-    contract::runUntil(this->foundation(), [&] { return ticks > 1; });
+    contract::runUntil(this->foundation(), [&] { return ticks > 0; });
+    contract::runOnePass(this->foundation());
+    EXPECT_GE(ticks, 2);
     EXPECT_LE(ticks, 3 + (this->now() - stalledUntil) / 0.02);
     this->stop({timer});
 }

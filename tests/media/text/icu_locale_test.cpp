@@ -100,6 +100,8 @@ TEST(IcuLocale, CaseAndWidthAreIgnoredAndAccentsCount) {
     EXPECT_EQ(compare("en_US", "カ", "ｶ", options), NSOrderedSame);
     EXPECT_NE(compare("en_US", "e", "é", options), NSOrderedSame);
     EXPECT_EQ(compare("en_US", "é", "e\u0301", options), NSOrderedSame);
+    // The marks in either order are one and the same letter.
+    EXPECT_EQ(compare("en_US", "a\u0327\u0301", "a\u0301\u0327", options), NSOrderedSame);
 }
 
 TEST(IcuLocale, PunctuationCounts) {
