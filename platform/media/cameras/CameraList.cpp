@@ -186,13 +186,16 @@ std::vector<Camera> CameraList::listOf(const std::string& name,
             continue;
         }
         ++answers->missing;
-        startThread([answers, deadline, i, provider = providers_[i]] {
+        const bool asked = startDetached([answers, deadline, i, provider = providers_[i]] {
             std::vector<Camera> cameras = provider->askBefore(deadline);
             std::lock_guard answersLock(answers->mutex);
             answers->byProvider[i] = std::move(cameras);
             --answers->missing;
             answers->changed.notify_all();
-        }).detach();
+        });
+        if (!asked) {
+            --answers->missing; // No thread now counts as no answer.
+        }
     }
     answers->changed.wait_until(lock, deadline, [&] { return answers->missing == 0; });
 

@@ -5,6 +5,8 @@
 namespace vistrane {
 
 /// What `Cameras` can be told. The times are those of a patient front end; tests take shorter ones.
+/// For a camera that says that it is slow, those that wait for a picture are at least three of its
+/// periods.
 struct CameraOptions {
     /// Looks for the machine's own cameras; without it nothing is asked and nothing waited for.
     bool findsCameras = true;

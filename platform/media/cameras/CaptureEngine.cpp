@@ -80,6 +80,8 @@ struct CaptureEngine::Core : std::enable_shared_from_this<CaptureEngine::Core> {
     GstClockTime lastPictureTime = GST_CLOCK_TIME_NONE;
     std::optional<std::string> failure;
     GstPointer<GstSample> taken;
+    /// Between two pictures, as the camera's mode has it; 0 when that is not known.
+    std::chrono::milliseconds period{0};
     std::shared_ptr<CapturePipeline> pipeline;
 
     // Only the engine's thread.
@@ -95,6 +97,11 @@ struct CaptureEngine::Core : std::enable_shared_from_this<CaptureEngine::Core> {
     Clock::time_point startEnd;
     Clock::time_point nextAttempt;
     Clock::time_point nextLook;
+
+    /// A waiting time, or more of it for a camera that is slow by itself.
+    std::chrono::milliseconds patient(std::chrono::milliseconds time) const {
+        return std::max(time, 3 * period);
+    }
 
     // The engine's thread, in running order. Those with a lock let go of it for whatever may last.
     using Lock = std::unique_lock<std::mutex>;
@@ -130,6 +137,8 @@ CaptureEngine::CaptureEngine(std::shared_ptr<CameraList> list, MediaObserver& ob
                              CameraOptions options, Receiver receiver)
     : core_(std::make_shared<Core>(std::move(list), observer, options, std::move(receiver))) {
     thread_ = startThread([core = core_] { core->work(); });
+    // Without a thread every still fails: as if the camera were not running.
+    core_->threadHasEnded = !thread_.joinable();
 }
 
 CaptureEngine::~CaptureEngine() {
@@ -144,6 +153,9 @@ CaptureEngine::~CaptureEngine() {
     const bool ended = core_->changed.wait_for(lock, core_->options.patience,
                                                [this] { return core_->threadHasEnded; });
     lock.unlock();
+    if (!thread_.joinable()) {
+        return;
+    }
     if (ended) {
         thread_.join();
     } else {
@@ -176,12 +188,12 @@ void CaptureEngine::stop() {
 
 bool CaptureEngine::isRunning() const {
     std::lock_guard lock(core_->mutex);
-    return core_->wish.has_value();
+    return core_->wish.has_value() && !core_->threadHasEnded;
 }
 
 void CaptureEngine::requestStill(std::uint64_t request) {
     std::lock_guard lock(core_->mutex);
-    if (!core_->wish) {
+    if (!core_->wish || core_->threadHasEnded) {
         core_->receiver.still(request, StillOutcome{{}, sessionNotRunning()});
         return;
     }
@@ -190,8 +202,8 @@ void CaptureEngine::requestStill(std::uint64_t request) {
             request, StillOutcome{{}, cameraGivesNoPictures(core_->wish->camera.facts.name, "")});
         return;
     }
-    core_->requests.push_back(
-        Request{request, Clock::now() + core_->options.still, core_->lastPictureTime});
+    core_->requests.push_back(Request{request, Clock::now() + core_->patient(core_->options.still),
+                                      core_->lastPictureTime});
     if (core_->pipeline) {
         core_->pipeline->wantStills(true);
     }
@@ -262,11 +274,11 @@ void CaptureEngine::Core::attempt(Lock& lock) {
 
     std::string reason;
     std::shared_ptr<CapturePipeline> made;
+    const CameraMode* mode = nullptr;
     const auto camera = lookForCamera(wanted);
     if (camera) {
         const auto& modes = *camera->modes;
-        const CameraMode* mode =
-            wanted.preset == AVCaptureSessionPresetPhoto ? photoMode(modes) : nullptr;
+        mode = wanted.preset == AVCaptureSessionPresetPhoto ? photoMode(modes) : nullptr;
         mode = mode != nullptr ? mode : movingPictureMode(modes);
         made = mode != nullptr ? CapturePipeline::create(*camera, *mode, events(newRun), reason)
                                : nullptr;
@@ -293,13 +305,22 @@ void CaptureEngine::Core::attempt(Lock& lock) {
     pipeline = std::move(made);
     pipeline->wantStills(!requests.empty());
     pipeline->wantPreview(previewWanted);
-    nextLook = Clock::now() + options.doubt;
+    period = mode->period();
+    for (Request& request : requests) {
+        request.deadline = std::max(request.deadline, Clock::now() + patient(options.still));
+    }
+    nextLook = Clock::now() + patient(options.doubt);
     // Some cameras stay silent after one start in many and speak after the next, others are only
     // slow: so a short attempt is followed by a long one.
     const bool isShort = ++attempts % 2 == 1;
-    attemptEnd =
-        Clock::now() + (isShort ? options.secondTry : options.firstPicture - options.secondTry);
-    pipeline->start();
+    attemptEnd = Clock::now() +
+                 patient(isShort ? options.secondTry : options.firstPicture - options.secondTry);
+    if (attempts == 1) {
+        startEnd = std::max(startEnd, Clock::now() + patient(options.firstPicture));
+    }
+    if (!pipeline->start()) {
+        failure = "the system grants no more threads";
+    }
 }
 
 std::optional<Camera> CaptureEngine::Core::lookForCamera(const Wish& wanted) {
@@ -387,10 +408,10 @@ void CaptureEngine::Core::watch(Lock& lock) {
         confirm(lock);
     } else if (phase != Phase::live && now >= attemptEnd) {
         tryAgain(lock);
-    } else if (phase == Phase::live && now >= lastPicture + options.silence) {
+    } else if (phase == Phase::live && now >= lastPicture + patient(options.silence)) {
         lose(lock, "");
-    } else if (now >= nextLook && now >= lastPicture + options.doubt) {
-        nextLook = now + options.doubt;
+    } else if (now >= nextLook && now >= lastPicture + patient(options.doubt)) {
+        nextLook = now + patient(options.doubt);
         const auto listed = isStillListed(lock);
         if (listed && !*listed && phase == Phase::live) {
             lose(lock, "");
@@ -448,8 +469,9 @@ void CaptureEngine::Core::expireRequests() {
     while (!requests.empty() && now >= requests.front().deadline) {
         const std::uint64_t number = requests.front().number;
         requests.pop_front();
-        receiver.still(number,
-                       StillOutcome{{}, noPictureInTime(wish->camera.facts.name, options.still)});
+        receiver.still(
+            number,
+            StillOutcome{{}, noPictureInTime(wish->camera.facts.name, patient(options.still))});
     }
 }
 
@@ -484,9 +506,9 @@ Clock::time_point CaptureEngine::Core::nextTime() const {
         if (!pipeline) {
             next = std::min(next, nextAttempt);
         } else {
-            next = std::min(next, std::max(nextLook, lastPicture + options.doubt));
-            next =
-                std::min(next, phase == Phase::live ? lastPicture + options.silence : attemptEnd);
+            next = std::min(next, std::max(nextLook, lastPicture + patient(options.doubt)));
+            next = std::min(next, phase == Phase::live ? lastPicture + patient(options.silence)
+                                                       : attemptEnd);
         }
     }
     return next;

@@ -358,8 +358,9 @@ CapturePipeline::~CapturePipeline() {
     // Elements that go while they run cannot be freed; so they are never left running.
     if (!elements_->wasStarted) {
         elements_->end();
-    } else if (!elements_->stopping) {
-        startThread([elements = elements_] { elements->end(); }).detach();
+    } else if (!elements_->stopping &&
+               !startDetached([elements = elements_] { elements->end(); })) {
+        elements_->end();
     }
 }
 
@@ -400,10 +401,14 @@ std::shared_ptr<CapturePipeline> CapturePipeline::create(const Camera& camera,
     return std::shared_ptr<CapturePipeline>(new CapturePipeline(std::move(elements)));
 }
 
-void CapturePipeline::start() {
+bool CapturePipeline::start() {
     elements_->wasStarted = true;
     elements_->starting = true;
-    startThread([elements = elements_] { elements->start(); }).detach();
+    if (!startDetached([elements = elements_] { elements->start(); })) {
+        elements_->starting = false;
+        elements_->wasStarted = false;
+    }
+    return elements_->wasStarted;
 }
 
 bool CapturePipeline::stop(std::chrono::milliseconds patience) {

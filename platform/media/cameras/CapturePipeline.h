@@ -42,8 +42,9 @@ public:
     CapturePipeline(const CapturePipeline&) = delete;
     CapturePipeline& operator=(const CapturePipeline&) = delete;
 
-    /// Opens the camera and lets it run, in the background.
-    void start();
+    /// Opens the camera and lets it run, in the background. False when the system grants no thread
+    /// for that.
+    bool start();
 
     /// Ends what goes on and frees the camera. False when a driver has not let go within
     /// `patience`: that goes on in the background, and `hasEnded` tells when it is over.

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -20,6 +23,12 @@ struct CameraMode {
     double rate = 0.0;
     /// What to ask the camera for: this mode and no other.
     GstPointer<GstCaps> caps;
+
+    /// Between two pictures; 0 when the camera does not tell. At most a minute.
+    std::chrono::milliseconds period() const {
+        const double seconds = rate > 0.0 ? std::min(1.0 / rate, 60.0) : 0.0;
+        return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000.0));
+    }
 
     bool givesPictures() const { return kind == Kind::raw || kind == Kind::jpeg; }
 };
