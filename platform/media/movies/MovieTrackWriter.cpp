@@ -72,6 +72,7 @@ std::optional<NSError> MovieTrackWriter::take(CVPixelBufferRef buffer, CMTime ti
     if (auto error = stateError()) {
         return error;
     }
+    clock_.noteRate(time);
     if (buffer == nullptr) {
         return movieError(AVErrorUnknown, "There is no picture to append: the frame could not be "
                                           "read. Check its file");

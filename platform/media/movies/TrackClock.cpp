@@ -61,10 +61,19 @@ TrackClock::Reading TrackClock::take(CMTime time) {
     return {sinceStart, std::nullopt};
 }
 
+void TrackClock::noteRate(CMTime time) {
+    if (CMTimeIsValid(time) && time.value != 0) {
+        notedTimescale_ = time.timescale;
+    }
+}
+
 std::int32_t TrackClock::finalTimescale() const {
     constexpr std::int32_t usualFrameRate = 25;
     if (timescale_) {
         return *timescale_;
+    }
+    if (notedTimescale_ > 0) {
+        return notedTimescale_;
     }
     return timescaleOfZero_ > 1 ? timescaleOfZero_ : usualFrameRate;
 }
