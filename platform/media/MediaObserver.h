@@ -11,8 +11,9 @@ namespace vistrane {
 /// returns soon and throws nothing. The observer outlives every media object.
 class MediaObserver {
 public:
-    /// A file was asked for as a picture and is none. Called before the null result is returned,
-    /// on the thread that asked.
+    /// A file was asked for as a picture and is none, or, with an empty path, a picture in memory
+    /// could not be decoded or encoded. Called before the null result is returned, on the thread
+    /// that asked.
     virtual void imageCouldNotBeRead(const std::string& path, const NSError& reason) {
         (void)path, (void)reason;
     }

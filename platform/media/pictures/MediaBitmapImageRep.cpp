@@ -18,6 +18,12 @@ MediaBitmapImageRep::representationUsingType(NSBitmapImageFileType type,
         return nullptr;
     }
     auto file = encodePng(*source_);
+    if (!file) {
+        observer_.imageCouldNotBeRead(
+            "", {"NSCocoaErrorDomain", 0,
+                 "The picture could not be encoded as PNG. Close some programs: there may be too "
+                 "little memory"});
+    }
     return file ? std::make_shared<DataBytes>(std::move(*file), &observer_) : nullptr;
 }
 

@@ -50,6 +50,12 @@ std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& pa
 
 std::shared_ptr<NSImage> Pictures::imageWithData(const std::shared_ptr<NSData>& data) const {
     auto source = data ? pngOrPpm(data, limits_) : nullptr;
+    if (data && !source) {
+        const auto result = pictureFromPpm(data, dataName, limits_);
+        if (const auto* error = std::get_if<NSError>(&result)) {
+            observer_.imageCouldNotBeRead("", *error);
+        }
+    }
     return source ? std::make_shared<MediaImage>(std::move(source)) : nullptr;
 }
 
