@@ -13,6 +13,9 @@ namespace vistrane {
 
 class ConsoleDispatch::GlobalQueue final : public DispatchQueue {
 public:
+    /// The thread is there from the beginning: a shortage of threads later on stops nothing.
+    GlobalQueue() { startThread(); }
+
     ~GlobalQueue() override {
         std::deque<std::function<void()>> dropped;
         const std::lock_guard lock(shared_->mutex);
@@ -25,13 +28,17 @@ public:
         const std::lock_guard lock(shared_->mutex);
         shared_->items.push_back(std::move(work));
         shared_->changed.notify_one();
+        startThread();
+    }
+
+private:
+    /// Tried again with the next item when the system grants no thread now.
+    void startThread() {
         if (!shared_->started) {
-            // Tried again with the next item when the system grants no thread now.
             shared_->started = startDetachedThread([shared = shared_] { shared->runItems(); });
         }
     }
 
-private:
     /// Belongs to the queue and to its thread, whichever lasts longer.
     struct Shared {
         void runItems() {

@@ -7,7 +7,7 @@
 
 namespace vistrane {
 
-/// The run loop's main queue, and one thread for the global queue, started with the first item.
+/// The run loop's main queue, and one thread for the global queue.
 ///
 /// Nobody waits for that thread. An object that other threads may still use when the program ends
 /// is made with `new` and never deleted; one that is deleted drops the items that wait and lets the

@@ -32,8 +32,12 @@ std::unique_ptr<NSDateFormatter> ConsoleFoundation::dateFormatter() {
 }
 
 std::shared_ptr<NSThread> ConsoleFoundation::threadWithEntry(std::function<void()> entry) {
-    return ConsoleThread::withEntry(
-        std::move(entry), [this](const NSError& error) { NSLog(error.localizedDescription); });
+    return ConsoleThread::withEntry(std::move(entry), [this](const NSError& error) {
+        NSLog(error.localizedDescription);
+        if (threadFailed_) {
+            threadFailed_();
+        }
+    });
 }
 
 std::shared_ptr<NSThread> ConsoleFoundation::currentThread() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "platform/console/ConsoleOutput.h"
 #include "platform/console/ConsoleRunLoop.h"
 #include "platform/console/SilentNotificationCenter.h"
@@ -31,6 +33,11 @@ public:
     /// One and the same for the whole run.
     std::shared_ptr<const NSLocale> currentLocale() override { return locale_; }
 
+    /// Called, within `start`, when a thread cannot be started.
+    void setThreadFailureHandler(std::function<void()> handler) {
+        threadFailed_ = std::move(handler);
+    }
+
     /// A thread that cannot be started says so in the log.
     std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) override;
     std::shared_ptr<NSThread> currentThread() override;
@@ -47,6 +54,7 @@ private:
     ConsoleRunLoop& loop_;
     NSUserDefaults& defaults_;
     ConsoleOutput& output_;
+    std::function<void()> threadFailed_;
     PosixFileManager fileManager_;
     SilentNotificationCenter notificationCenter_;
     const std::shared_ptr<const NSLocale> locale_ = std::make_shared<const IcuLocale>();
