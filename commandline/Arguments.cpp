@@ -85,11 +85,16 @@ std::string readOptions(const std::vector<std::string>& arguments,
     const int count = static_cast<int>(copies.size());
 
     ::optind = 0; // starts over, whatever was read before
+    // The leading "-" gives operands in their place, whatever the environment says of the order.
     int index = 0;
     for (;;) {
-        const int result = ::getopt_long(count, pointers.data(), ":", table.data(), &index);
+        const int result = ::getopt_long(count, pointers.data(), "-:", table.data(), &index);
         if (result == -1) {
             break;
+        }
+        if (result == 1) {
+            operands.emplace_back(::optarg);
+            continue;
         }
         const std::string written = pointers[static_cast<std::size_t>(std::max(::optind - 1, 0))];
         if (result == ':') {

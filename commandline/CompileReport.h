@@ -22,8 +22,8 @@ public:
 
     /// One line for each frame that was left out, then one that counts.
     std::vector<std::string> lines() const;
-    /// The same without a movie, for which there is nothing to count: the frames that were refused
-    /// for the reason why there is none are not to blame and not named.
+    /// The same without a movie: the frames that were refused for the reason why there is none are
+    /// not to blame and not named.
     std::vector<std::string> linesWithoutMovie(const NSError& reason) const;
 
 private:

@@ -1,10 +1,11 @@
 #include "commandline/EndingSignals.h"
 
-#include <thread>
 #include <utility>
 
 #include <csignal>
 #include <ctime>
+
+#include "platform/console/threads.h"
 
 namespace vistrane {
 
@@ -55,7 +56,11 @@ void EndingSignals::block() {
 }
 
 void EndingSignals::handle(Handlers handlers) {
-    std::thread([handlers = std::move(handlers)] { waitForSignals(handlers); }).detach();
+    if (!startDetachedThread([handlers = std::move(handlers)] { waitForSignals(handlers); })) {
+        // Nobody waits for them: they end the process as they do any other.
+        const sigset_t signals = endingSignals();
+        ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    }
 }
 
 } // namespace vistrane

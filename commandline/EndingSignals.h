@@ -5,7 +5,8 @@
 namespace vistrane {
 
 /// Interrupts, hang-ups and terminations, as the exit status 128 + the signal. Hang-ups that were
-/// ignored when the program started, as nohup has it, stay ignored.
+/// ignored when the program started, as nohup has it, stay ignored; interrupts do not, as shells
+/// ignore them for every program that a script puts into the background.
 ///
 /// Made before any other thread: the signals are blocked in this and every later thread, and a
 /// thread of its own waits for them.

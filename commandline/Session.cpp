@@ -9,11 +9,11 @@
 #include <set>
 #include <thread>
 
-#include <poll.h>
 #include <unistd.h>
 
 #include "app/AppDelegate.h"
 #include "commandline/EndingSignals.h"
+#include "commandline/ResultWriter.h"
 #include "commandline/SessionAppKit.h"
 #include "commandline/SessionObserver.h"
 #include "platform/console/ConsoleDispatch.h"
@@ -47,6 +47,10 @@ MovieOptions movieOptions(const MovieArguments& movie) {
     return result;
 }
 
+std::string outputError(int number) {
+    return std::string("vistrane: Cannot write to standard output: ") + std::strerror(number) + ".";
+}
+
 } // namespace
 
 /// The backend and the controller, in the order in which they need each other.
@@ -55,6 +59,7 @@ struct Session::Parts {
         : cameras(dispatch, observer, cameraOptions(options)),
           movies(observer, movieOptions(options.movie)) {
         interface.addTo(nib);
+        foundation.setThreadFailureHandler([this] { threadIsMissing = true; });
         interface.progressBar->setObserver(
             [this](double value, double maximum) { output.showProgress(value, maximum); });
     }
@@ -86,8 +91,14 @@ struct Session::Parts {
         std::_Exit(status);
     }
 
+    /// Nobody reads the results any more.
+    void resultsFailed() {
+        loop.mainQueue().async([this] { outputIsClosed = true; });
+    }
+
     ConsoleOutput output{STDERR_FILENO};
     ConsoleRunLoop loop;
+    ResultWriter results{STDOUT_FILENO, [this](int) { resultsFailed(); }};
     ConsoleDispatch dispatch{loop};
     MemoryUserDefaults defaults;
     ConsoleFoundation foundation{loop, defaults, output};
@@ -117,15 +128,19 @@ struct Session::Parts {
     bool isLaunched = false;
     bool alertWasShown = false;
     bool movieWasRefused = false;
+    bool threadIsMissing = false;
+    bool outputIsClosed = false;
+    bool isInterrupted = false;
 };
 
 Session::Session(const SessionOptions& options) : parts_(*new Parts(options)) {
-    EndingSignals::handle(
-        {[this](int status) { parts_.loop.mainQueue().async([this, status] { end(status); }); },
-         [this](int status) {
-             parts_.movies.abandonAll();
-             std::_Exit(status);
-         }});
+    EndingSignals::handle({[this](int status) {
+                               parts_.loop.mainQueue().async([this, status] {
+                                   parts_.isInterrupted = true;
+                                   end(status);
+                               });
+                           },
+                           [this](int status) { parts_.endWithoutMainThread(status); }});
 
     // The settings of a program that has run before and whose user has confirmed the folder.
     MemoryUserDefaults& defaults = parts_.defaults;
@@ -159,12 +174,10 @@ std::vector<std::string> Session::deviceNames() const {
 
 std::vector<std::string> Session::frames() {
     // Ten listings: one that fails may work again, but not for ever.
-    const NSDate limit = parts_.foundation.dateWithTimeIntervalSinceNow(1.0);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
     AppDelegate& controller = parts_.controller;
-    waitUntil([&] {
-        return controller.pictureArray.load() ||
-               parts_.foundation.date().timeIntervalSince1970 > limit.timeIntervalSince1970;
-    });
+    waitUntil(
+        [&] { return controller.pictureArray.load() || std::chrono::steady_clock::now() > limit; });
     const auto list = controller.pictureArray.load();
     if (!list) {
         fail("Cannot list the folder '" + parts_.folder +
@@ -224,8 +237,10 @@ bool Session::capture(std::optional<int> count,
     };
     parts_.observer.frameWasSaved = [&](const std::string& path) {
         saved(path);
-        paths.insert(path);
         lastPath = path;
+        if (count) {
+            paths.insert(path);
+        }
         endWhenEnough();
     };
     parts_.observer.frameCouldNotBeSaved = [&] {
@@ -247,11 +262,11 @@ bool Session::capture(std::optional<int> count,
 /// The frame list follows the folder within a tenth of a second; a frame that was taken away
 /// meanwhile is not waited for.
 void Session::waitForListing(const std::string& path) {
-    const double limit = parts_.foundation.date().timeIntervalSince1970 + 1.0;
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
     waitUntil([&] {
         const auto list = parts_.controller.pictureArray.load();
         const bool isListed = list && std::find(list->begin(), list->end(), path) != list->end();
-        return isListed || parts_.foundation.date().timeIntervalSince1970 > limit;
+        return isListed || std::chrono::steady_clock::now() > limit;
     });
 }
 
@@ -260,7 +275,7 @@ std::string Session::compile(int framesPerSecond) {
     const ConsoleInterface& interface = parts_.interface;
     interface.fpsS->userMoves(framesPerSecond);
     interface.compilingB->performClick();
-    if (parts_.alertWasShown) {
+    if (parts_.alertWasShown || parts_.threadIsMissing) {
         end(1);
     }
     const std::optional<MovieOutcome>& outcome = parts_.observer.movieOutcome;
@@ -281,18 +296,7 @@ std::string Session::compile(int framesPerSecond) {
 }
 
 void Session::print(const std::string& result, char end) {
-    const std::string text = result + end;
-    for (std::size_t written = 0; written < text.size();) {
-        const ssize_t count = ::write(STDOUT_FILENO, text.data() + written, text.size() - written);
-        if (count >= 0) {
-            written += static_cast<std::size_t>(count);
-        } else if (errno == EAGAIN) {
-            pollfd output{STDOUT_FILENO, POLLOUT, 0};
-            ::poll(&output, 1, -1);
-        } else if (errno != EINTR) {
-            fail(std::string("Cannot write to standard output: ") + std::strerror(errno) + ".");
-        }
-    }
+    parts_.results.write(result + end);
 }
 
 void Session::say(const std::string& message) {
@@ -305,6 +309,12 @@ void Session::end(int status) {
         parts_.controller.applicationWillTerminate();
     }
     parts_.movies.abandonAll();
+    if (parts_.isInterrupted) {
+        parts_.results.flush(std::chrono::milliseconds(200));
+    } else if (!parts_.results.flush()) {
+        say(outputError(parts_.results.failure()));
+        status = 1;
+    }
     // Threads may still be at work, so nothing is taken apart.
     std::_Exit(status);
 }
@@ -316,6 +326,9 @@ void Session::fail(const std::string& message) {
 
 void Session::waitUntil(const std::function<bool()>& condition) {
     while (!condition()) {
+        if (parts_.outputIsClosed) {
+            end(1);
+        }
         parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(0.02));
     }
 }

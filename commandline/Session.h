@@ -55,7 +55,8 @@ public:
     std::string compile(int framesPerSecond);
 
     // ---- Output ------------------------------------------------------------------------------
-    /// One result to standard output, ended by `end`. Ends the process when nobody can read it.
+    /// One result to standard output, ended by `end`. Returns at once, read or not; the process
+    /// ends with status 1 when nobody can read it.
     void print(const std::string& result, char end = '\n');
     /// One message to standard error.
     void say(const std::string& message);

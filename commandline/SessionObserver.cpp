@@ -2,9 +2,11 @@
 
 namespace vistrane {
 
-void SessionObserver::imageCouldNotBeRead(const std::string&, const NSError& reason) {
-    // The main thread loads frames to show them; only the movie's own loads count.
-    if (!loop_.isMainThread()) {
+void SessionObserver::imageCouldNotBeRead(const std::string& path, const NSError& reason) {
+    if (path.empty()) {
+        stillIsLost(reason);
+    } else if (!loop_.isMainThread()) {
+        // The main thread loads frames to show them; only the movie's own loads count.
         report_.frameCouldNotBeRead(reason);
     }
 }
@@ -18,6 +20,10 @@ void SessionObserver::fileWasWritten(const std::string& path) {
 
 void SessionObserver::fileCouldNotBeWritten(const std::string&, const NSError& reason) {
     isWritingFile_ = false;
+    stillIsLost(reason);
+}
+
+void SessionObserver::stillIsLost(const NSError& reason) {
     output_.writeLine("A frame is lost: " + reason.localizedDescription);
     if (frameCouldNotBeSaved) {
         frameCouldNotBeSaved();

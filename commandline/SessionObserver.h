@@ -44,6 +44,7 @@ public:
     bool isWritingFile() const { return isWritingFile_; }
 
 private:
+    void stillIsLost(const NSError& reason);
     void setOutcome(MovieOutcome outcome);
 
     ConsoleOutput& output_;

@@ -32,7 +32,7 @@ int NSApplicationMain(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const ParsedArguments parsed = parseArguments(arguments);
     if (!parsed.command) {
-        std::cerr << "vistrane: " << parsed.error << "\n\n" << helpText();
+        std::cerr << "vistrane: " << parsed.error << " 'vistrane --help' tells the usage.\n";
         return 2;
     }
     return runCommand(*parsed.command);

@@ -53,7 +53,11 @@ int run(const VersionCommand&) {
 
 int run(const DevicesCommand& command) {
     Session& session = startSession({.findsCameras = true, .demoCamera = command.demoCamera});
-    for (const std::string& name : session.deviceNames()) {
+    const std::vector<std::string> names = session.deviceNames();
+    if (names.empty()) {
+        session.say("No camera was found.");
+    }
+    for (const std::string& name : names) {
         session.print(name);
     }
     session.end(0);
