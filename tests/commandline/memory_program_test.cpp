@@ -1,0 +1,40 @@
+#include "tests/commandline/CommandLineTest.h"
+#include "tests/commandline/frame_files.h"
+
+namespace vistrane {
+namespace {
+
+class MemoryProgram : public CommandLineTest {
+protected:
+    /// The most memory that a movie of so many frames takes, in KiB.
+    long peakFor(int count) {
+        FrameForm form;
+        form.width = 1920;
+        form.height = 1080;
+        const std::string place = work.makeFolder(std::to_string(count));
+        for (int number = 0; number < count; ++number) {
+            const std::string path = place + "/f" + std::to_string(number) + ".png";
+            if (number < 4) {
+                form.colour = {60 * number, 255 - 60 * number, 100};
+                writeFrame(path, form);
+            } else {
+                std::filesystem::create_symlink("f" + std::to_string(number % 4) + ".png", path);
+            }
+        }
+        const Ended ended = run({"compile", place, "--x264-preset", "ultrafast"});
+        EXPECT_EQ(ended.status, 0) << ended.errors;
+        return ended.peakKibibytes;
+    }
+};
+
+TEST_F(MemoryProgram, DoesNotGrowWithTheNumberOfFrames) {
+    if (std::string(VISTRANE_TEST_SANITIZE) != "") {
+        GTEST_SKIP() << "Sanitizers keep memory of their own.";
+    }
+    const long few = peakFor(50);
+    const long many = peakFor(400);
+    EXPECT_LT(many, few + 20 * 1024);
+}
+
+} // namespace
+} // namespace vistrane

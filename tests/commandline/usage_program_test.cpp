@@ -1,0 +1,133 @@
+#include "tests/commandline/CommandLineTest.h"
+
+namespace vistrane {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class UsageProgram : public CommandLineTest {};
+
+TEST_F(UsageProgram, HelpGoesToStandardOutput) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--help"}, {"-h"}, {"compile", "--help"}}) {
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.status, 0);
+        EXPECT_THAT(ended.output, HasSubstr("vistrane compile FOLDER"));
+        EXPECT_EQ(ended.errors, "");
+    }
+}
+
+TEST_F(UsageProgram, VersionGoesToStandardOutput) {
+    const Ended ended = run({"--version"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.output, testing::MatchesRegex("vistrane [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+    EXPECT_EQ(ended.errors, "");
+}
+
+TEST_F(UsageProgram, WrongUsageIsTwoWithTheReasonAndTheHelpOnStandardError) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{},
+          {"convert"},
+          {"--version", "x"},
+          {"devices", "x"},
+          {"devices", "--fast"},
+          {"frames"},
+          {"frames", ""},
+          {"frames", "a", "b"},
+          {"compile"},
+          {"compile", folder, "--fps", "0"},
+          {"compile", folder, "--fps", "61"},
+          {"compile", folder, "--fps", "ten"},
+          {"compile", folder, "--fps"},
+          {"compile", folder, "--crf", "52"},
+          {"compile", folder, "--crf", "-1"},
+          {"compile", folder, "--x264-preset", "quick"},
+          {"compile", folder, "--count", "2"},
+          {"capture", folder},
+          {"capture", "--device", "x"},
+          {"capture", folder, "--device", ""},
+          {"capture", folder, "--device", "x", "--count", "0"},
+          {"capture", folder, "--device", "x", "--count", "1.5"},
+          {"capture", folder, "--device", "x", "--interval", "1:2"},
+          {"capture", folder, "--device", "x", "--interval", "1:2:3:4"},
+          {"capture", folder, "--device", "x", "--fps", "10"},
+          {"demo", "a", "b"},
+          {"demo", "--fps", "10"}}) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.status, 2);
+        EXPECT_EQ(ended.output, "");
+        EXPECT_THAT(ended.errors, StartsWith("vistrane: "));
+        EXPECT_THAT(ended.errors, Not(StartsWith("vistrane: \n")));
+        EXPECT_THAT(ended.errors, HasSubstr("\n\nVistrane makes"));
+    }
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+}
+
+/// Every command with a folder, and the folder's place.
+std::vector<std::vector<std::string>> commandsFor(const std::string& folder) {
+    return {{"frames", folder},
+            {"compile", folder},
+            {"capture", folder, "--demo-camera", "--device", "Demo Camera", "--count", "1"},
+            {"demo", folder}};
+}
+
+class FolderArgument : public CommandLineTest {
+protected:
+    void expectRefusal(const std::string& argument, const std::string& reason,
+                       const std::vector<std::string>& launcher = {}) {
+        for (const auto& arguments : commandsFor(argument)) {
+            SCOPED_TRACE(testing::PrintToString(arguments));
+            const Ended ended = runIn(launcher, arguments);
+            EXPECT_EQ(ended.status, 1);
+            EXPECT_EQ(ended.output, "");
+            EXPECT_THAT(ended.errors, StartsWith("vistrane: Cannot use the folder '"));
+            EXPECT_THAT(ended.errors, HasSubstr(reason));
+            EXPECT_EQ(count(ended.errors, "\n"), 1U);
+        }
+    }
+};
+
+TEST_F(FolderArgument, AMissingFolderIsRefusedAndNotMade) {
+    expectRefusal(work / "missing", "No such file or directory. Name an existing folder.");
+    EXPECT_FALSE(std::filesystem::exists(work / "missing"));
+}
+
+TEST_F(FolderArgument, AFileIsRefused) {
+    writeFile(work / "file.png", "x");
+    expectRefusal(work / "file.png", "Not a directory");
+    EXPECT_EQ(contentsOf(work / "file.png"), "x");
+}
+
+TEST_F(FolderArgument, TheRootIsRefusedHoweverItIsWritten) {
+    std::filesystem::create_directory_symlink("/", work / "link");
+    for (const std::string& root : {std::string("/"), std::string("//"), std::string("/."),
+                                    std::string("/usr/.."), work / "link"}) {
+        expectRefusal(root, "the root folder is not a valid working folder");
+    }
+}
+
+TEST_F(FolderArgument, ALinkThatLeadsNowhereOrToItselfIsRefused) {
+    std::filesystem::create_symlink("missing", work / "dangling");
+    std::filesystem::create_symlink("loop", work / "loop");
+    expectRefusal(work / "dangling", "No such file or directory");
+    expectRefusal(work / "loop", "Too many levels of symbolic links");
+}
+
+TEST_F(FolderArgument, AFolderThatMayNotBeReadIsRefused) {
+    const auto launcher = unprivilegedLauncher();
+    if (!launcher) {
+        GTEST_SKIP() << "There is no user without privileges here.";
+    }
+    std::filesystem::permissions(work.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(folder, std::filesystem::perms::none);
+    expectRefusal(folder, "Permission denied. Name a folder that you may read.", *launcher);
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+}
+
+} // namespace
+} // namespace vistrane
