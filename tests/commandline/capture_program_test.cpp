@@ -128,7 +128,7 @@ TEST_F(CaptureProgram, DevicesAreOnlyTheDemoCameraAndThatOnRequest) {
     const Ended none = run({"devices"});
     EXPECT_EQ(none.status, 0);
     EXPECT_EQ(none.output, "");
-    EXPECT_EQ(none.errors, "");
+    EXPECT_EQ(none.errors, "No camera was found.\n");
     const Ended demo = run({"devices", "--demo-camera"});
     EXPECT_EQ(demo.status, 0);
     EXPECT_EQ(demo.output, "Demo Camera\n");
