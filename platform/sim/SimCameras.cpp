@@ -64,7 +64,7 @@ public:
 
 bool SimCamera::hasMediaType(AVMediaType type) const {
     mainGetter("hasMediaType: " + describe(type));
-    return media_.count(type) != 0;
+    return offers(type);
 }
 
 std::string SimCamera::localizedName() const {
@@ -75,6 +75,21 @@ std::string SimCamera::localizedName() const {
 bool SimCamera::supportsAVCaptureSessionPreset(AVCaptureSessionPreset preset) const {
     mainGetter("supportsAVCaptureSessionPreset: " + describe(preset));
     return preset == AVCaptureSessionPresetHigh || supportsPhoto_;
+}
+
+SimCaptureInput::SimCaptureInput(CallLog& log, std::shared_ptr<AVCaptureDevice> device)
+    : SimObject(log, nameOf(device.get())), device_(std::move(device)) {}
+
+bool SimCaptureInput::offers(AVMediaType type) const {
+    const auto* camera = dynamic_cast<const SimCamera*>(device_.get());
+    return camera != nullptr && camera->offers(type);
+}
+
+bool SimCaptureSession::offers(AVMediaType type) const {
+    return std::any_of(currentInputs.begin(), currentInputs.end(), [type](const auto& held) {
+        const auto* input = dynamic_cast<const SimCaptureInput*>(held.get());
+        return input != nullptr && input->offers(type);
+    });
 }
 
 void SimCaptureSession::setSessionPreset(AVCaptureSessionPreset newPreset) {
@@ -138,15 +153,8 @@ public:
 
     std::shared_ptr<AVCaptureConnection> connectionWithMediaType(AVMediaType type) override {
         mainCall("connectionWithMediaType: " + describe(type));
-        for (const std::shared_ptr<SimCaptureSession>& session : cameras_.sessions_) {
-            const auto found =
-                std::find_if(session->outputs.begin(), session->outputs.end(),
-                             [this](const auto& output) { return output.get() == this; });
-            if (found != session->outputs.end() && !session->currentInputs.empty()) {
-                return std::make_shared<SimConnection>();
-            }
-        }
-        return nullptr;
+        const SimCaptureSession* session = attachedSession();
+        return session && session->offers(type) ? std::make_shared<SimConnection>() : nullptr;
     }
 
     void capturePhotoWithSettings(std::shared_ptr<AVCapturePhotoSettings> settings,
@@ -155,10 +163,24 @@ public:
         if (!settings || !cameras_.usedSettings_.insert(settings->uniqueID()).second) {
             log_.misuse(name() + " capturePhotoWithSettings: settings serve one capture only");
         }
-        cameras_.stills_.push_back({this, std::move(settings), &delegate});
+        const SimCaptureSession* session = attachedSession();
+        cameras_.stills_.push_back(
+            {this, std::move(settings), &delegate, session && session->runs});
     }
 
 private:
+    /// Null when no session has it.
+    const SimCaptureSession* attachedSession() const {
+        for (const std::shared_ptr<SimCaptureSession>& session : cameras_.sessions_) {
+            for (const std::shared_ptr<AVCapturePhotoOutput>& output : session->outputs) {
+                if (output.get() == this) {
+                    return session.get();
+                }
+            }
+        }
+        return nullptr;
+    }
+
     SimCameras& cameras_;
 };
 
@@ -206,6 +228,11 @@ void SimCameras::finish(const AVCapturePhoto* photo, const std::optional<NSError
     const Still still = std::move(stills_.front());
     stills_.pop_front();
     const ScopedSimRole role = ScopedSimRole::main();
+    if (!still.ran && !error) {
+        still.delegate->captureOutputDidFinishProcessingPhoto(
+            *still.output, nullptr, NSError{"SimCameras", 2, "The session does not run."});
+        return;
+    }
     still.delegate->captureOutputDidFinishProcessingPhoto(*still.output, photo, error);
 }
 

@@ -27,6 +27,9 @@ public:
     std::string localizedName() const override;
     bool supportsAVCaptureSessionPreset(AVCaptureSessionPreset preset) const override;
 
+    /// As `hasMediaType`, not recorded.
+    bool offers(AVMediaType type) const { return media_.count(type) != 0; }
+
     /// Why an input for it cannot be made; nothing when it can.
     std::optional<NSError> refusal;
 
@@ -37,10 +40,10 @@ private:
 
 class SimCaptureInput final : public AVCaptureDeviceInput, public SimObject {
 public:
-    SimCaptureInput(CallLog& log, std::shared_ptr<AVCaptureDevice> device)
-        : SimObject(log, nameOf(device.get())), device_(std::move(device)) {}
+    SimCaptureInput(CallLog& log, std::shared_ptr<AVCaptureDevice> device);
 
     std::shared_ptr<AVCaptureDevice> device() const override { return device_; }
+    bool offers(AVMediaType type) const;
 
 private:
     std::shared_ptr<AVCaptureDevice> device_;
@@ -60,6 +63,8 @@ public:
     void startRunning() override;
     void stopRunning() override;
     bool isRunning() const override;
+    /// Whether an input has that medium.
+    bool offers(AVMediaType type) const;
 
     /// Nothing until it is set.
     std::optional<AVCaptureSessionPreset> preset;
@@ -102,6 +107,7 @@ public:
     /// The names of the settings of the stills that were asked for and not delivered yet.
     std::vector<std::string> pendingStills() const;
     /// Ends the oldest request: with the bytes of a picture, without any bytes, or with an error.
+    /// A request to a session that did not run ends with an error, whatever is delivered.
     void deliverPhoto(const std::string& contents);
     void deliverPhotoWithoutData();
     void deliverError(const NSError& error);
@@ -126,6 +132,8 @@ private:
         AVCapturePhotoOutput* output;
         std::shared_ptr<AVCapturePhotoSettings> settings;
         AVCapturePhotoCaptureDelegate* delegate;
+        /// Whether the session ran when the still was asked for.
+        bool ran;
     };
     void finish(const AVCapturePhoto* photo, const std::optional<NSError>& error);
 

@@ -198,7 +198,7 @@ CGContextRef SimDrawing::CGBitmapContextCreate(void* data, std::size_t width, st
         " space: " + (colors == spaces_.end() ? "(null)" : colors->second->name) +
         " bitmapInfo: " + std::to_string(bitmapInfo) + " -> ";
     const bool drawable = data && width > 0 && height > 0 && bitsPerComponent == 8 &&
-                          bytesPerRow >= width * 4 && colors != spaces_.end() &&
+                          bytesPerRow / 4 >= width && colors != spaces_.end() &&
                           bitmapInfo == kCGImageAlphaNoneSkipFirst;
     if (!drawable || failingContexts_ > 0) {
         failingContexts_ = std::max(failingContexts_ - 1, 0);

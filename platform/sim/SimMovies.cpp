@@ -18,6 +18,10 @@ bool isBefore(CMTime a, CMTime b) {
     return static_cast<double>(a.value) / a.timescale < static_cast<double>(b.value) / b.timescale;
 }
 
+NSError nameTaken() {
+    return {"SimMovies", 17, "There is a file of that name already."};
+}
+
 } // namespace
 
 class SimWriterInput final : public AVAssetWriterInput, public SimObject {
@@ -105,13 +109,18 @@ public:
     void finishWritingWithCompletionHandler(std::function<void()> handler) override {
         call("finishWritingWithCompletionHandler");
         const std::lock_guard lock(movies_.mutex_);
-        movies_.finishing_.push_back({path_, std::move(handler)});
+        if (!isFinishing_) {
+            movies_.finishing_.push_back(
+                {path_, input_ ? input_->track : nullptr, std::move(handler)});
+        }
+        isFinishing_ = true;
     }
 
 private:
     SimMovies& movies_;
     std::string path_;
     std::shared_ptr<SimWriterInput> input_;
+    bool isFinishing_ = false;
 };
 
 SimMovies::SimMovies(CallLog& log, SimFiles& files, SimDrawing& drawing)
@@ -168,7 +177,11 @@ void SimMovies::finish() {
         ended = std::move(finishing_.front());
         finishing_.pop_front();
     }
-    files_.write(ended.path, "movie");
+    if (!files_.exists(ended.path)) {
+        files_.write(ended.path, "movie");
+    } else if (ended.track) {
+        ended.track->error = nameTaken();
+    }
     const ScopedSimRole role = ScopedSimRole::globalQueue();
     ended.handler();
 }
@@ -184,7 +197,7 @@ AVAssetWriterResult SimMovies::makeWriter(const NSURL& url, AVFileType fileType)
             creation = std::move(creations_.front());
             creations_.pop_front();
         } else if (files_.exists(url.path())) {
-            creation = {NSError{"SimMovies", 17, "There is a file of that name already."}, false};
+            creation = {nameTaken(), false};
         }
     }
     if (creation.error && !creation.withWriter) {
@@ -234,13 +247,14 @@ bool SimMovies::judge(CVPixelBufferRef buffer, CMTime time, Track& track) {
         beforeAppend_(appends().size());
     }
     SimAppend append{track.writer, drawing_.pixels(buffer), time, false};
-    if (!track.started || track.finished) {
+    const bool isOpen = track.started && !track.finished;
+    if (!isOpen) {
         log_.misuse(track.writer + ": a picture outside of writing");
     }
     const bool inOrder =
         CMTimeIsValid(time) && (!track.lastTime || isBefore(*track.lastTime, time));
     const std::lock_guard lock(mutex_);
-    append.accepted = append.pixels.has_value() && inOrder;
+    append.accepted = append.pixels.has_value() && inOrder && isOpen;
     if (!verdicts_.empty()) {
         append.accepted = verdicts_.front();
         verdicts_.pop_front();

@@ -38,7 +38,8 @@ public:
     void allowCreation();
     /// The answers to the next questions for readiness; then always yes.
     void answerReadiness(std::vector<bool> answers);
-    /// The verdict on the next pictures; then those without a buffer are refused, others taken.
+    /// The verdict on the next pictures; then those without a buffer, out of order or outside of
+    /// writing are refused, others taken.
     void judgeAppends(std::vector<bool> verdicts);
     /// Called on the writer's thread before a picture is judged, with its number from 0.
     void beforeAppend(std::function<void(std::size_t number)> action);
@@ -48,7 +49,8 @@ public:
     std::vector<SimAppend> appends() const;
     /// The writers that were told to finish and have not.
     std::size_t finishingWriters() const;
-    /// Lets the oldest of them end: its file is there, and its handler is called on another thread.
+    /// Lets the oldest of them end: its file is there, unless another one has taken the name, and
+    /// its handler is called on another thread.
     void finish();
 
     AVAssetWriterResult makeWriter(const NSURL& url, AVFileType fileType);
@@ -65,10 +67,6 @@ private:
         std::optional<NSError> error;
         bool withWriter = true;
     };
-    struct Finishing {
-        std::string path;
-        std::function<void()> handler;
-    };
     /// What the writer, its input and its adaptor share. One thread.
     struct Track {
         std::string writer;
@@ -76,6 +74,12 @@ private:
         bool started = false;
         bool finished = false;
         std::optional<CMTime> lastTime;
+    };
+    struct Finishing {
+        std::string path;
+        /// Null for a writer without an input.
+        std::shared_ptr<Track> track;
+        std::function<void()> handler;
     };
 
     bool takeReadiness();

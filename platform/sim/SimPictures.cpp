@@ -1,5 +1,7 @@
 #include "platform/sim/SimPictures.h"
 
+#include <optional>
+
 #include "platform/sim/SimDrawing.h"
 #include "platform/sim/SimFiles.h"
 
@@ -7,8 +9,13 @@ namespace vistrane {
 
 namespace {
 
-bool isDamaged(const std::shared_ptr<NSData>& data) {
-    return !data || nameOf(data.get()).compare(0, 7, "damaged") == 0;
+/// The size of the picture in those bytes; nothing when they are none.
+std::optional<NSSize> sizeOf(const std::shared_ptr<NSData>& data) {
+    const auto* bytes = dynamic_cast<const SimData*>(data.get());
+    if (!bytes || bytes->length() == 0 || bytes->name().compare(0, 7, "damaged") == 0) {
+        return std::nullopt;
+    }
+    return bytes->pictureSize();
 }
 
 } // namespace
@@ -29,7 +36,7 @@ NSSize SimImage::size() const {
 
 std::shared_ptr<NSData> SimImage::TIFFRepresentation() const {
     call("TIFFRepresentation");
-    return std::make_shared<SimData>(log_, files_, "TIFF(" + name() + ")");
+    return std::make_shared<SimData>(log_, files_, "TIFF(" + name() + ")", size_);
 }
 
 void SimImage::drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
@@ -44,7 +51,7 @@ SimBitmapImageRep::representationUsingType(NSBitmapImageFileType type,
                                            const NSBitmapImageProperties& properties) const {
     call("representationUsingType: " + std::to_string(type) + " NSImageCompressionFactor: " +
          decimal(static_cast<double>(properties.NSImageCompressionFactor)));
-    return std::make_shared<SimData>(log_, files_, "PNG(" + name() + ")");
+    return std::make_shared<SimData>(log_, files_, "PNG(" + name() + ")", size_);
 }
 
 std::shared_ptr<NSImage> SimPictures::named(const std::string& name) {
@@ -60,13 +67,15 @@ std::shared_ptr<NSImage> SimPictures::withContentsOfFile(const std::string& path
 
 std::shared_ptr<NSImage> SimPictures::withData(const std::shared_ptr<NSData>& data) {
     log_.record("imageWithData: " + nameOf(data.get()));
-    return isDamaged(data) ? nullptr : picture(nameOf(data.get()), {640.0, 480.0});
+    const std::optional<NSSize> size = sizeOf(data);
+    return size ? picture(nameOf(data.get()), *size) : nullptr;
 }
 
 std::shared_ptr<NSBitmapImageRep> SimPictures::repWithData(const std::shared_ptr<NSData>& data) {
     log_.record("imageRepWithData: " + nameOf(data.get()));
-    return isDamaged(data) ? nullptr
-                           : std::make_shared<SimBitmapImageRep>(log_, files_, nameOf(data.get()));
+    const std::optional<NSSize> size = sizeOf(data);
+    return size ? std::make_shared<SimBitmapImageRep>(log_, files_, nameOf(data.get()), *size)
+                : nullptr;
 }
 
 std::shared_ptr<SimData> SimPictures::data(const std::string& contents) {

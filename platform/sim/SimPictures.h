@@ -12,18 +12,21 @@ namespace vistrane {
 class SimDrawing;
 class SimFiles;
 
-/// Bytes; named by what they spell.
+/// Bytes; named by what they spell. As a picture they have that size in points.
 class SimData final : public NSData, public SimObject {
 public:
-    SimData(CallLog& log, SimFiles& files, const std::string& contents)
-        : SimObject(log, contents), files_(files) {}
+    SimData(CallLog& log, SimFiles& files, const std::string& contents,
+            NSSize size = {640.0, 480.0})
+        : SimObject(log, contents), files_(files), size_(size) {}
 
     const std::uint8_t* bytes() const override;
     std::size_t length() const override { return name().size(); }
     bool writeToFile(const std::string& path, bool atomically) const override;
+    NSSize pictureSize() const { return size_; }
 
 private:
     SimFiles& files_;
+    NSSize size_;
 };
 
 /// A picture with a name and a size in points, and pixels that tell their own place: red is the
@@ -48,8 +51,8 @@ private:
 
 class SimBitmapImageRep final : public NSBitmapImageRep, public SimObject {
 public:
-    SimBitmapImageRep(CallLog& log, SimFiles& files, const std::string& contents)
-        : SimObject(log, contents), files_(files) {}
+    SimBitmapImageRep(CallLog& log, SimFiles& files, const std::string& contents, NSSize size)
+        : SimObject(log, contents), files_(files), size_(size) {}
 
     /// Spells "PNG(name)".
     std::shared_ptr<NSData>
@@ -58,6 +61,7 @@ public:
 
 private:
     SimFiles& files_;
+    NSSize size_;
 };
 
 /// Where pictures come from. Files: any thread.
@@ -70,7 +74,7 @@ public:
 
     std::shared_ptr<NSImage> named(const std::string& name);
     std::shared_ptr<NSImage> withContentsOfFile(const std::string& path);
-    /// Bytes that begin with "damaged" are no picture.
+    /// No bytes, and those that begin with "damaged", are no picture.
     std::shared_ptr<NSImage> withData(const std::shared_ptr<NSData>& data);
     std::shared_ptr<NSBitmapImageRep> repWithData(const std::shared_ptr<NSData>& data);
     std::shared_ptr<SimData> data(const std::string& contents);

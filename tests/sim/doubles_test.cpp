@@ -286,6 +286,8 @@ TEST_F(SimDoubles, SettingsThatServeTwiceAreAMisuse) {
         std::vector<std::string> outcomes;
     } delegate;
     const auto output = platform.avFoundation.photoOutput();
+    platform.avFoundation.captureSession()->addOutput(output);
+    sim.cameras().session()->runs = true;
     const auto settings = platform.avFoundation.photoSettings();
     output->capturePhotoWithSettings(
         platform.avFoundation.photoSettingsFromPhotoSettings(*settings), delegate);
