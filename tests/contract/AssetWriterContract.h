@@ -1,0 +1,236 @@
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/avfoundation/AVAssetWriter.h"
+#include "platform/corevideo/CoreVideo.h"
+#include "platform/foundation/NSURL.h"
+#include "tests/contract/contract.h"
+
+namespace vistrane {
+
+/// Movie writers. A backend has
+///
+///     auto& movies();                              an AVFoundation, or its movie half
+///     CoreVideo& coreVideo();
+///     std::string emptyFolder();                   a fresh folder's path
+///     void addFile(const std::string& path);
+///     bool exists(const std::string& path);
+///     void awaitEnd(const std::string& path);      the movie was told to finish: until it has
+///                                                  ended and its handler has been called
+template <typename Backend>
+class AssetWriterContract : public ::testing::Test {
+protected:
+    static constexpr std::size_t width = 64;
+    static constexpr std::size_t height = 48;
+
+    /// The time of that frame at 25 frames a second.
+    static CMTime frame(std::int64_t number) { return CMTimeMake(number, 25); }
+
+    AVAssetWriterResult make() {
+        return backend_.movies().assetWriterWithURL(NSURL::fileURLWithPath(path_),
+                                                    AVFileTypeQuickTimeMovie);
+    }
+
+    /// A writer with its track, not started.
+    void open() {
+        AVAssetWriterResult result = make();
+        ASSERT_FALSE(result.error) << result.error->localizedDescription;
+        writer_ = std::move(result.writer);
+        input_ = backend_.movies().assetWriterInputWithMediaType(
+            AVMediaTypeVideo, {{AVVideoCodecKey, std::string(AVVideoCodecTypeH264)},
+                               {AVVideoScalingModeKey, std::string(AVVideoScalingModeResizeAspect)},
+                               {AVVideoWidthKey, std::int64_t{width}},
+                               {AVVideoHeightKey, std::int64_t{height}}});
+        adaptor_ =
+            backend_.movies().assetWriterInputPixelBufferAdaptorWithAssetWriterInput(input_, {});
+        writer_->addInput(input_);
+        input_->setExpectsMediaDataInRealTime(true);
+    }
+
+    void start() {
+        open();
+        ASSERT_TRUE(writer_);
+        ASSERT_TRUE(writer_->startWriting());
+        writer_->startSessionAtSourceTime(kCMTimeZero);
+    }
+
+    /// Appends a grey picture and lets it go at once.
+    bool append(CMTime time) {
+        CoreVideo& video = backend_.coreVideo();
+        CVPixelBufferRef buffer = nullptr;
+        EXPECT_EQ(video.CVPixelBufferCreate(width, height, kCVPixelFormatType_32ARGB, {}, &buffer),
+                  kCVReturnSuccess);
+        video.CVPixelBufferLockBaseAddress(buffer, 0);
+        std::fill_n(static_cast<std::uint8_t*>(video.CVPixelBufferGetBaseAddress(buffer)),
+                    video.CVPixelBufferGetBytesPerRow(buffer) * height, std::uint8_t{128});
+        video.CVPixelBufferUnlockBaseAddress(buffer, 0);
+        const bool taken = adaptor_->appendPixelBuffer(buffer, time);
+        video.CVBufferRelease(buffer);
+        return taken;
+    }
+
+    void finish() {
+        input_->markAsFinished();
+        writer_->finishWritingWithCompletionHandler([this] { ++handlerCalls_; });
+    }
+    void finishAndWait() {
+        finish();
+        backend_.awaitEnd(path_);
+    }
+
+    /// Outlives the backend, which may call the handler until it has gone.
+    std::atomic<int> handlerCalls_{0};
+    Backend backend_;
+    std::string path_ = backend_.emptyFolder() + "/movie.mov";
+    std::shared_ptr<AVAssetWriter> writer_;
+    std::shared_ptr<AVAssetWriterInput> input_;
+    std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor> adaptor_;
+};
+
+TYPED_TEST_SUITE_P(AssetWriterContract);
+
+TYPED_TEST_P(AssetWriterContract, ATakenNameGivesAnError) {
+    this->backend_.addFile(this->path_);
+    const AVAssetWriterResult result = this->make();
+    ASSERT_TRUE(result.error);
+    EXPECT_FALSE(result.error->localizedDescription.empty());
+}
+
+TYPED_TEST_P(AssetWriterContract, AFreeNameGivesAWriterAndNoError) {
+    const AVAssetWriterResult result = this->make();
+    EXPECT_FALSE(result.error);
+    ASSERT_TRUE(result.writer);
+    EXPECT_FALSE(result.writer->error());
+}
+
+TYPED_TEST_P(AssetWriterContract, ACleanRunLeavesAMovieAndNoError) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    for (int number = 0; number < 5; ++number) {
+        EXPECT_TRUE(this->append(this->frame(number)));
+    }
+    EXPECT_FALSE(this->backend_.exists(this->path_));
+    this->finishAndWait();
+    EXPECT_FALSE(this->writer_->error());
+    EXPECT_TRUE(this->backend_.exists(this->path_));
+}
+
+TYPED_TEST_P(AssetWriterContract, WithoutATrackNothingStarts) {
+    const AVAssetWriterResult result = this->make();
+    ASSERT_TRUE(result.writer);
+    EXPECT_FALSE(result.writer->startWriting());
+}
+
+TYPED_TEST_P(AssetWriterContract, ThePoolComesWithTheStart) {
+    ASSERT_NO_FATAL_FAILURE(this->open());
+    EXPECT_EQ(this->adaptor_->pixelBufferPool(), nullptr);
+    ASSERT_TRUE(this->writer_->startWriting());
+    EXPECT_NE(this->adaptor_->pixelBufferPool(), nullptr);
+}
+
+TYPED_TEST_P(AssetWriterContract, TheAdaptorKnowsItsTrack) {
+    ASSERT_NO_FATAL_FAILURE(this->open());
+    EXPECT_EQ(&this->adaptor_->assetWriterInput(), this->input_.get());
+}
+
+TYPED_TEST_P(AssetWriterContract, ANullBufferIsRefusedAndTheWriterGoesOn) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    EXPECT_TRUE(this->append(this->frame(0)));
+    EXPECT_FALSE(this->writer_->error());
+    EXPECT_FALSE(this->adaptor_->appendPixelBuffer(nullptr, this->frame(1)));
+    ASSERT_TRUE(this->writer_->error());
+    EXPECT_FALSE(this->writer_->error()->localizedDescription.empty());
+    EXPECT_TRUE(this->append(this->frame(2)));
+    this->finishAndWait();
+    EXPECT_TRUE(this->backend_.exists(this->path_));
+}
+
+TYPED_TEST_P(AssetWriterContract, ATimeThatDoesNotRiseIsRefusedAndTheWriterGoesOn) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    EXPECT_TRUE(this->append(this->frame(0)));
+    EXPECT_TRUE(this->append(this->frame(3)));
+    EXPECT_FALSE(this->writer_->error());
+    EXPECT_FALSE(this->append(this->frame(3)));
+    EXPECT_TRUE(this->writer_->error());
+    EXPECT_FALSE(this->append(this->frame(2)));
+    EXPECT_FALSE(this->append(CMTimeMake(6, 50))); // frame 3 on another scale
+    EXPECT_TRUE(this->append(this->frame(4)));
+    this->finishAndWait();
+    EXPECT_TRUE(this->backend_.exists(this->path_));
+}
+
+TYPED_TEST_P(AssetWriterContract, ATimeThatIsNoneIsRefused) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    EXPECT_FALSE(this->append(CMTimeMake(1, 0)));
+    EXPECT_TRUE(this->writer_->error());
+}
+
+TYPED_TEST_P(AssetWriterContract, NothingIsTakenBeforeTheStart) {
+    ASSERT_NO_FATAL_FAILURE(this->open());
+    EXPECT_FALSE(this->append(this->frame(0)));
+    EXPECT_TRUE(this->writer_->error());
+}
+
+TYPED_TEST_P(AssetWriterContract, NothingIsTakenAfterTheTrackHasEnded) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    EXPECT_TRUE(this->append(this->frame(0)));
+    this->input_->markAsFinished();
+    EXPECT_FALSE(this->append(this->frame(1)));
+    EXPECT_TRUE(this->writer_->error());
+}
+
+TYPED_TEST_P(AssetWriterContract, TheHandlerIsCalledOnce) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    EXPECT_TRUE(this->append(this->frame(0)));
+    EXPECT_EQ(this->handlerCalls_, 0);
+    this->finishAndWait();
+    EXPECT_EQ(this->handlerCalls_, 1);
+}
+
+TYPED_TEST_P(AssetWriterContract, TheHandlerIsCalledOnceWithoutTheWriter) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    EXPECT_TRUE(this->append(this->frame(0)));
+    this->finish();
+    this->adaptor_.reset();
+    this->input_.reset();
+    this->writer_.reset();
+    this->backend_.awaitEnd(this->path_);
+    EXPECT_EQ(this->handlerCalls_, 1);
+    EXPECT_TRUE(this->backend_.exists(this->path_));
+}
+
+TYPED_TEST_P(AssetWriterContract, ANameThatIsTakenMeanwhileGivesAnErrorInTheEnd) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    EXPECT_TRUE(this->append(this->frame(0)));
+    this->backend_.addFile(this->path_);
+    this->finishAndWait();
+    EXPECT_TRUE(this->writer_->error());
+    EXPECT_EQ(this->handlerCalls_, 1);
+}
+
+TYPED_TEST_P(AssetWriterContract, AWriterThatGoesAwayUnfinishedLeavesTheNameFree) {
+    ASSERT_NO_FATAL_FAILURE(this->start());
+    EXPECT_TRUE(this->append(this->frame(0)));
+    this->adaptor_.reset();
+    this->input_.reset();
+    this->writer_.reset();
+    EXPECT_FALSE(this->backend_.exists(this->path_));
+    EXPECT_FALSE(this->make().error);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(AssetWriterContract, ATakenNameGivesAnError,
+                            AFreeNameGivesAWriterAndNoError, ACleanRunLeavesAMovieAndNoError,
+                            WithoutATrackNothingStarts, ThePoolComesWithTheStart,
+                            TheAdaptorKnowsItsTrack, ANullBufferIsRefusedAndTheWriterGoesOn,
+                            ATimeThatDoesNotRiseIsRefusedAndTheWriterGoesOn,
+                            ATimeThatIsNoneIsRefused, NothingIsTakenBeforeTheStart,
+                            NothingIsTakenAfterTheTrackHasEnded, TheHandlerIsCalledOnce,
+                            TheHandlerIsCalledOnceWithoutTheWriter,
+                            ANameThatIsTakenMeanwhileGivesAnErrorInTheEnd,
+                            AWriterThatGoesAwayUnfinishedLeavesTheNameFree);
+
+} // namespace vistrane
