@@ -289,7 +289,10 @@ void CapturePipeline::Elements::end() {
 void CapturePipeline::Elements::hurrySource() {
     if (source && GST_IS_BASE_SRC(source.get()) && GST_STATE(source.get()) >= GST_STATE_READY) {
         auto* base = GST_BASE_SRC(source.get());
-        GST_BASE_SRC_GET_CLASS(base)->unlock(base);
+        // A source that never waits has nothing to be unlocked, the demo's among them.
+        if (const auto unlock = GST_BASE_SRC_GET_CLASS(base)->unlock) {
+            unlock(base);
+        }
     }
 }
 
