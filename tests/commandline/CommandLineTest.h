@@ -67,7 +67,7 @@ std::optional<std::vector<std::string>> unprivilegedLauncher();
 std::optional<std::vector<std::string>> mountingLauncher(const std::string& script);
 
 /// The clock stands still at that local time, which is the universal time; what measures time runs
-/// on. Nothing when faketime is not installed.
+/// on. Nothing when faketime is not installed or does not get on with the program's sanitizer.
 std::optional<std::vector<std::string>> frozenClock(const std::string& time);
 
 } // namespace vistrane

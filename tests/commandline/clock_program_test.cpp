@@ -14,7 +14,7 @@ class ClockProgram : public CommandLineTest {
 protected:
     void SetUp() override {
         if (!frozenClock("2026-02-05 14:03:09")) {
-            GTEST_SKIP() << "faketime is not installed.";
+            GTEST_SKIP() << "The clock cannot be set: faketime is missing, or a sanitizer is in.";
         }
     }
 
