@@ -40,7 +40,8 @@ Option flag(const std::string& name, bool& target) {
             }};
 }
 
-Option number(const std::string& name, int lowest, int highest, std::function<void(int)> set) {
+Option number(const std::string& name, int lowest, int highest,
+              const std::function<void(int)>& set) {
     return {name, true, [=](const std::string& value) {
                 const auto parsed = parseNumber(value, lowest, highest);
                 if (!parsed) {
@@ -104,7 +105,7 @@ std::string readOptions(const std::vector<std::string>& arguments,
             return "There is no option '" + written + "' here, or it takes no value.";
         }
         const Option& option = options[static_cast<std::size_t>(index)];
-        const std::string error = option.take(option.hasValue ? ::optarg : "");
+        std::string error = option.take(option.hasValue ? ::optarg : "");
         if (!error.empty()) {
             return error;
         }

@@ -71,7 +71,7 @@ struct ResultWriter::Shared {
 ResultWriter::ResultWriter(int descriptor, std::function<void(int error)> failed)
     : shared_(new Shared{descriptor, std::move(failed), {}, {}, {}}) {}
 
-void ResultWriter::write(std::string text) {
+void ResultWriter::write(const std::string& text) {
     std::unique_lock lock(shared_->mutex);
     if (shared_->error != 0) {
         return;

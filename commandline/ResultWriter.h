@@ -15,7 +15,7 @@ public:
     /// error number when the descriptor takes no more; what is written after that is dropped.
     ResultWriter(int descriptor, std::function<void(int error)> failed);
 
-    void write(std::string text);
+    void write(const std::string& text);
 
     /// Waits until all is written. False when that failed or took longer than `patience`.
     bool flush(std::chrono::milliseconds patience);

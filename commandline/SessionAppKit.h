@@ -27,10 +27,10 @@ public:
         return pictures_.imageWithContentsOfFile(path);
     }
     std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) override {
-        return pictures_.imageWithData(std::move(data));
+        return pictures_.imageWithData(data);
     }
     std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) override {
-        return pictures_.imageRepWithData(std::move(data));
+        return pictures_.imageRepWithData(data);
     }
 
     std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,

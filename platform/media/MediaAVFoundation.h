@@ -34,7 +34,7 @@ public:
     }
     std::shared_ptr<AVCaptureVideoPreviewLayer>
     layerWithSession(std::shared_ptr<AVCaptureSession> session) override {
-        return cameras_.layerWithSession(std::move(session));
+        return cameras_.layerWithSession(session);
     }
 
     AVAssetWriterResult assetWriterWithURL(const NSURL& url, AVFileType fileType) override {

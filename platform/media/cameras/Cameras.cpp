@@ -127,7 +127,7 @@ Cameras::photoSettingsFromPhotoSettings(const AVCapturePhotoSettings&) {
 }
 
 std::shared_ptr<AVCaptureVideoPreviewLayer>
-Cameras::layerWithSession(std::shared_ptr<AVCaptureSession> session) {
+Cameras::layerWithSession(const std::shared_ptr<AVCaptureSession>& session) {
     if (const auto own = std::dynamic_pointer_cast<CaptureSession>(session)) {
         return own->makeLayer();
     }

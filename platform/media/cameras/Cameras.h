@@ -48,7 +48,7 @@ public:
 
     /// Always a `MediaPreviewLayer`.
     std::shared_ptr<AVCaptureVideoPreviewLayer>
-    layerWithSession(std::shared_ptr<AVCaptureSession> session);
+    layerWithSession(const std::shared_ptr<AVCaptureSession>& session);
 
 private:
     /// Made with the first use: starting GStreamer takes a moment.

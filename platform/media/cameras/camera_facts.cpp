@@ -84,7 +84,7 @@ std::string usbIdOfLibcamera(const std::string& libcameraId) {
     if (libcameraId.size() <= length || libcameraId[libcameraId.size() - length - 1] != '-') {
         return {};
     }
-    const std::string id = libcameraId.substr(libcameraId.size() - length);
+    std::string id = libcameraId.substr(libcameraId.size() - length);
     for (std::size_t i = 0; i < length; ++i) {
         if (i == 4 ? id[i] != ':' : std::isxdigit(static_cast<unsigned char>(id[i])) == 0) {
             return {};
