@@ -237,7 +237,7 @@ MovieFile::~MovieFile() {
 }
 
 std::optional<NSError> MovieFile::write(const void* bytes, std::size_t count) {
-    if (const auto error = writeAt(size_, bytes, count)) {
+    if (auto error = writeAt(size_, bytes, count)) {
         return error;
     }
     size_ += count;
@@ -272,7 +272,7 @@ std::optional<NSError> MovieFile::giveName() {
         }
         return writeFailure(errno);
     }
-    if (const auto error = rename()) {
+    if (auto error = rename()) {
         return error;
     }
     ::fsync(folder_); // the movie is whole either way; some file systems refuse this for a folder
