@@ -12,10 +12,10 @@ namespace {
 std::optional<std::int64_t> exactTicks(CMTime time, std::int32_t timescale) {
     const std::int32_t common = std::gcd(time.timescale, timescale);
     const std::int64_t divisor = time.timescale / common;
-    if (divisor < 1) { // No timescale of a valid time; said here for the analyzer.
+    const std::int64_t factor = timescale / common;
+    if (divisor < 1 || factor < 1) { // Not with valid times; said here for the analyzer.
         return std::nullopt;
     }
-    const std::int64_t factor = timescale / common;
     if (time.value % divisor != 0) {
         return std::nullopt;
     }
