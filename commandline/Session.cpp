@@ -292,6 +292,10 @@ std::string Session::compile(int framesPerSecond) {
     if (outcome->error) {
         fail(outcome->error->localizedDescription);
     }
+    if (::access(outcome->path.c_str(), F_OK) != 0) {
+        fail("The movie is whole, but not at '" + outcome->path +
+             "': the project folder was moved meanwhile. Look for it there.");
+    }
     return outcome->path;
 }
 

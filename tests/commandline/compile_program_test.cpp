@@ -471,6 +471,20 @@ TEST_F(EndedCompile, WhatAKilledOneLeavesIsTakenAwayByTheNextOne) {
     EXPECT_THAT(namesIn(folder), SizeIs(6));
 }
 
+TEST_F(EndedCompile, NoPathIsPrintedWhenTheFolderIsMovedMeanwhile) {
+    writeSlowFrames();
+    Program program(command({"compile", folder, "--x264-preset", "ultrafast"}), options);
+    ASSERT_TRUE(program.waitForError("moviePath="));
+    std::filesystem::rename(folder, work / "moved");
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_FALSE(std::filesystem::exists(folder));
+    for (const std::string& movie : namesEndingIn(".mov", work / "moved")) {
+        EXPECT_THAT(movieFacts(work / "moved/" + movie).times, Not(IsEmpty()));
+    }
+}
+
 TEST_F(EndedCompile, TwoAtATimeDoNotDisturbEachOther) {
     writeFrames(30);
     Program first(command({"compile", folder, "--fps", "10"}), options);
