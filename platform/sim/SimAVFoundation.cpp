@@ -53,7 +53,7 @@ SimAVFoundation::assetWriterInputWithMediaType(AVMediaType mediaType,
 std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor>
 SimAVFoundation::assetWriterInputPixelBufferAdaptorWithAssetWriterInput(
     std::shared_ptr<AVAssetWriterInput> input, const NSDictionary& attributes) {
-    return movies_.makeAdaptor(std::move(input), attributes);
+    return movies_.makeAdaptor(input, attributes);
 }
 
 } // namespace vistrane

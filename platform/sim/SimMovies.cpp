@@ -220,7 +220,8 @@ std::shared_ptr<AVAssetWriterInput> SimMovies::makeInput(AVMediaType mediaType,
 }
 
 std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor>
-SimMovies::makeAdaptor(std::shared_ptr<AVAssetWriterInput> input, const NSDictionary& attributes) {
+SimMovies::makeAdaptor(const std::shared_ptr<AVAssetWriterInput>& input,
+                       const NSDictionary& attributes) {
     auto adaptor = std::make_shared<SimAdaptor>(log_, log_.nextName("adaptor"), *this,
                                                 std::dynamic_pointer_cast<SimWriterInput>(input));
     log_.record("adaptorWithAssetWriterInput: " + nameOf(input.get()) +

@@ -57,7 +57,7 @@ public:
     std::shared_ptr<AVAssetWriterInput> makeInput(AVMediaType mediaType,
                                                   const NSDictionary& outputSettings);
     std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor>
-    makeAdaptor(std::shared_ptr<AVAssetWriterInput> input, const NSDictionary& attributes);
+    makeAdaptor(const std::shared_ptr<AVAssetWriterInput>& input, const NSDictionary& attributes);
 
 private:
     friend class SimAssetWriter;
