@@ -9,7 +9,6 @@
 namespace vistrane {
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 using testing::Ge;
 using testing::HasSubstr;

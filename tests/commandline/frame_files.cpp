@@ -1,5 +1,6 @@
 #include "tests/commandline/frame_files.h"
 
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <random>
@@ -99,7 +100,7 @@ void writeFrame(const std::string& path, const FrameForm& form) {
                  form.isInterlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     if (form.density > 0) {
-        const auto perMetre = static_cast<png_uint_32>(form.density / 0.0254 + 0.5);
+        const auto perMetre = static_cast<png_uint_32>(std::lround(form.density / 0.0254));
         png_set_pHYs(png, info, perMetre, perMetre, PNG_RESOLUTION_METER);
     }
     const auto byte = [&](std::size_t i) { return static_cast<png_byte>(form.colour[i]); };

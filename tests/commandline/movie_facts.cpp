@@ -15,10 +15,10 @@ namespace {
 
 /// "key=value" lines, the values of each key in order.
 std::map<std::string, std::vector<std::string>> probe(const std::string& path) {
-    const Ended ended = runTool({"ffprobe", "-v", "error", "-show_entries",
-                                 "format=nb_streams:format_tags=major_brand:stream=codec_name,"
-                                 "width,height,time_base:packet=pts,duration",
-                                 "-of", "default=noprint_wrappers=1", "file:" + path});
+    const std::string entries = "format=nb_streams:format_tags=major_brand:"
+                                "stream=codec_name,width,height,time_base:packet=pts,duration";
+    const Ended ended = runTool({"ffprobe", "-v", "error", "-show_entries", entries, "-of",
+                                 "default=noprint_wrappers=1", "file:" + path});
     EXPECT_EQ(ended.status, 0) << ended.errors;
     EXPECT_EQ(ended.errors, "");
     std::map<std::string, std::vector<std::string>> values;
@@ -67,7 +67,8 @@ std::vector<int> greysOf(const std::string& path) {
                                  "-fps_mode", "passthrough", "-f", "rawvideo", "-"});
     EXPECT_EQ(ended.status, 0) << ended.errors;
     const MovieFacts facts = movieFacts(path);
-    const auto frameBytes = static_cast<std::size_t>(3 * facts.width * facts.height);
+    const auto frameBytes = std::size_t{3} * static_cast<std::size_t>(facts.width) *
+                            static_cast<std::size_t>(facts.height);
     std::vector<int> greys;
     for (std::size_t first = 0; first < ended.output.size(); first += frameBytes) {
         std::uint64_t sum = 0;
