@@ -16,6 +16,7 @@
 #include "commandline/ResultWriter.h"
 #include "commandline/SessionAppKit.h"
 #include "commandline/SessionObserver.h"
+#include "commandline/version.h"
 #include "platform/console/ConsoleDispatch.h"
 #include "platform/console/ConsoleFoundation.h"
 #include "platform/console/ConsoleInterface.h"
@@ -101,7 +102,7 @@ struct Session::Parts {
     ResultWriter results{STDOUT_FILENO, [this](int) { resultsFailed(); }};
     ConsoleDispatch dispatch{loop};
     MemoryUserDefaults defaults;
-    ConsoleFoundation foundation{loop, defaults, output};
+    ConsoleFoundation foundation{loop, defaults, output, programVersion};
     CompileReport report;
     SessionObserver observer{output, loop, report};
     Pictures pictures{observer};

@@ -47,7 +47,7 @@ int run(const HelpCommand&) {
 }
 
 int run(const VersionCommand&) {
-    std::cout << "vistrane " << version << std::endl;
+    std::cout << "vistrane " << programVersion << std::endl;
     return std::cout ? 0 : 1;
 }
 

@@ -8,6 +8,7 @@
 #include "platform/appkit/NSBitmapImageRep.h"
 #include "platform/appkit/NSGraphicsContext.h"
 #include "platform/appkit/NSImage.h"
+#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSOpenPanel.h"
 #include "platform/appkit/NSWorkspace.h"
 #include "platform/coregraphics/CoreGraphics.h"
@@ -32,6 +33,9 @@ public:
     /// The platform's standard alert for an error, complete.
     virtual std::unique_ptr<NSAlert> alertWithError(const NSError& error) = 0;
     virtual std::unique_ptr<NSOpenPanel> openPanel() = 0;
+
+    /// An empty menu.
+    virtual std::shared_ptr<NSMenu> menu() = 0;
 
     /// A picture of the program's resources; null when there is none of that name.
     virtual std::shared_ptr<NSImage> imageNamed(const std::string& name) = 0;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
+#include "platform/appkit/NSView.h"
 #include "platform/appkit/NSWindow.h"
 #include "platform/foundation/NSObject.h"
 
@@ -26,6 +28,9 @@ public:
     /// Buttons answer in the order in which they were added; the first is the default. An alert
     /// without buttons has one that confirms.
     virtual void addButtonWithTitle(const std::string& title) = 0;
+
+    /// Shown below the texts. The view belongs to the interface file and goes back to it.
+    virtual void setAccessoryView(std::shared_ptr<NSView> view) = 0;
 
     virtual NSWindow& window() = 0;
 

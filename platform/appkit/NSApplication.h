@@ -18,10 +18,19 @@ protected:
     ~NSApplicationDelegate() = default;
 };
 
+enum NSApplicationActivationPolicy : NSInteger {
+    /// A task-bar entry and a menu bar.
+    NSApplicationActivationPolicyRegular = 0,
+    /// Neither.
+    NSApplicationActivationPolicyAccessory = 1
+};
+
 /// The program as its desktop sees it. Main thread only.
 class NSApplication : public NSObject {
 public:
     virtual void miniaturizeAll(NSObject* sender) = 0;
+    /// Takes effect at once. Returns whether it did.
+    virtual bool setActivationPolicy(NSApplicationActivationPolicy policy) = 0;
     virtual void activateIgnoringOtherApps(bool ignoring) = 0;
 };
 

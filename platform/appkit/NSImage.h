@@ -30,6 +30,11 @@ public:
     /// was drawn into is marked, and a movie writer refuses it with the reason.
     virtual void drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                              double fraction) const = 0;
+
+    /// Draws into the thread's current graphics context, stretched to fill `rect` whatever the
+    /// picture's own shape. A zero `fromRect` means the whole picture.
+    virtual void drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
+                            double fraction) const = 0;
 };
 
 } // namespace vistrane

@@ -6,22 +6,23 @@
 
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSImageView.h"
+#include "platform/appkit/NSMenu.h"
+#include "platform/appkit/NSPanel.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSProgressIndicator.h"
 #include "platform/appkit/NSSlider.h"
+#include "platform/appkit/NSSliderCell.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSView.h"
 #include "platform/appkit/NSWindow.h"
 
 namespace vistrane {
 
-/// An action of an object: gets the control that sends it, or the object that calls it.
-using NSAction = std::function<void(NSObject* sender)>;
-
-/// A loaded interface file, while its objects are connected. Main thread only.
+/// A loaded interface file as one of its objects sees it while that is connected. Main thread only.
 ///
 /// An object asks for its outlets and offers its actions, each by name. The file decides which
-/// control an outlet means and which control sends which action.
+/// control an outlet means and which control sends which action. Each object has names of its own:
+/// one outlet name may mean different controls to two objects.
 class NSNib {
 public:
     virtual ~NSNib() = default;
@@ -37,8 +38,19 @@ public:
     virtual void outlet(const std::string& name, std::shared_ptr<NSPopUpButton>& field) = 0;
     virtual void outlet(const std::string& name, std::shared_ptr<NSView>& field) = 0;
     virtual void outlet(const std::string& name, std::shared_ptr<NSProgressIndicator>& field) = 0;
+    virtual void outlet(const std::string& name, std::shared_ptr<NSMenu>& field) = 0;
+    virtual void outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) = 0;
 
-    /// Offers an action under its selector, for instance "startRunning:".
+    /// Gives an object that is a panel itself the window that the file describes for it.
+    virtual void window(NSPanel& panel) = 0;
+
+    /// Offers a class of slider cells under its name. The file makes one for each slider that is
+    /// to have it, and wakes it.
+    virtual void sliderCell(const std::string& className,
+                            std::function<std::shared_ptr<NSSliderCell>()> make) = 0;
+
+    /// Offers an action under its selector, for instance "startRunning:", or a message to a
+    /// window's delegate, for instance "windowWillClose:".
     virtual void action(const std::string& selector, NSAction method) = 0;
 
 protected:

@@ -19,6 +19,8 @@ public:
     /// Sets the text to the number's decimal digits.
     virtual void setIntValue(std::int32_t value) = 0;
     virtual void setIntegerValue(NSInteger value) = 0;
+
+    virtual void setNeedsDisplay(bool needed) = 0;
 };
 
 } // namespace vistrane

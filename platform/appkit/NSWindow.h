@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "platform/foundation/NSObject.h"
 
 namespace vistrane {
@@ -10,6 +12,7 @@ public:
     /// Null ends any edit: the edited field takes over its text and sends its action.
     virtual bool makeFirstResponder(NSObject* responder) = 0;
     virtual void makeKeyAndOrderFront(NSObject* sender) = 0;
+    virtual void setTitle(const std::string& title) = 0;
     virtual void setTitlebarAppearsTransparent(bool transparent) = 0;
 };
 

@@ -35,6 +35,7 @@ public:
     void setMessageText(const std::string& text) override { messageText_ = text; }
     void setInformativeText(const std::string& text) override { informativeText_ = text; }
     void addButtonWithTitle(const std::string& title) override { buttons_.push_back(title); }
+    void setAccessoryView(std::shared_ptr<NSView>) override {}
     NSWindow& window() override { return window_; }
 
     /// Timers hold back while the main thread waits for the answer.

@@ -6,6 +6,7 @@
 #include "platform/appkit/AppKit.h"
 #include "platform/console/ConsoleAlert.h"
 #include "platform/console/ConsoleApplication.h"
+#include "platform/console/ConsoleMenu.h"
 #include "platform/console/ConsoleOpenPanel.h"
 #include "platform/console/ConsoleOutput.h"
 #include "platform/console/ConsoleWorkspace.h"
@@ -31,6 +32,7 @@ public:
     std::unique_ptr<NSOpenPanel> openPanel() override {
         return std::make_unique<ConsoleOpenPanel>();
     }
+    std::shared_ptr<NSMenu> menu() override { return std::make_shared<ConsoleMenu>(); }
     void NSBeep() override { output_.beep(); }
 
 private:

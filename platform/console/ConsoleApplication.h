@@ -8,6 +8,7 @@ namespace vistrane {
 class ConsoleApplication final : public NSApplication {
 public:
     void miniaturizeAll(NSObject*) override {}
+    bool setActivationPolicy(NSApplicationActivationPolicy) override { return false; }
     void activateIgnoringOtherApps(bool) override {}
 };
 

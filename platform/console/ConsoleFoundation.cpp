@@ -10,8 +10,8 @@
 namespace vistrane {
 
 ConsoleFoundation::ConsoleFoundation(ConsoleRunLoop& loop, NSUserDefaults& defaults,
-                                     ConsoleOutput& output)
-    : loop_(loop), defaults_(defaults), output_(output) {}
+                                     ConsoleOutput& output, const std::string& version)
+    : loop_(loop), defaults_(defaults), output_(output), bundle_(version) {}
 
 std::shared_ptr<NSTimer> ConsoleFoundation::scheduledTimerWithTimeInterval(
     NSTimeInterval interval, std::function<void(NSTimer&)> tick, bool repeats) {

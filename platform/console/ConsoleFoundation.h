@@ -8,6 +8,8 @@
 #include "platform/foundation/Foundation.h"
 #include "platform/media/text/IcuLocale.h"
 #include "platform/media/text/PosixFileManager.h"
+#include "platform/media/text/ProgramBundle.h"
+#include "platform/media/text/SystemProcessInfo.h"
 
 namespace vistrane {
 
@@ -15,12 +17,15 @@ namespace vistrane {
 /// the system log is the output.
 class ConsoleFoundation final : public Foundation {
 public:
-    ConsoleFoundation(ConsoleRunLoop& loop, NSUserDefaults& defaults, ConsoleOutput& output);
+    ConsoleFoundation(ConsoleRunLoop& loop, NSUserDefaults& defaults, ConsoleOutput& output,
+                      const std::string& version);
 
     NSUserDefaults& standardUserDefaults() override { return defaults_; }
     NSFileManager& defaultManager() override { return fileManager_; }
     NSDistributedNotificationCenter& defaultCenter() override { return notificationCenter_; }
     NSRunLoop& currentRunLoop() override { return loop_; }
+    const NSBundle& mainBundle() const override { return bundle_; }
+    const NSProcessInfo& processInfo() const override { return processInfo_; }
 
     std::shared_ptr<NSTimer> scheduledTimerWithTimeInterval(NSTimeInterval interval,
                                                             std::function<void(NSTimer&)> tick,
@@ -55,6 +60,8 @@ private:
     NSUserDefaults& defaults_;
     ConsoleOutput& output_;
     std::function<void()> threadFailed_;
+    const ProgramBundle bundle_;
+    const SystemProcessInfo processInfo_;
     PosixFileManager fileManager_;
     SilentNotificationCenter notificationCenter_;
     const std::shared_ptr<const NSLocale> locale_ = std::make_shared<const IcuLocale>();

@@ -51,6 +51,14 @@ void ConsoleNib::outlet(const std::string& name, std::shared_ptr<NSProgressIndic
     fill(name, field);
 }
 
+void ConsoleNib::outlet(const std::string& name, std::shared_ptr<NSMenu>& field) {
+    fill(name, field);
+}
+
+void ConsoleNib::outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) {
+    fill(name, field);
+}
+
 void ConsoleNib::action(const std::string& selector, NSAction method) {
     const auto senders = senders_.find(selector);
     if (senders != senders_.end()) {

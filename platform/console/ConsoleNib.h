@@ -34,6 +34,13 @@ public:
     void outlet(const std::string& name, std::shared_ptr<NSView>& field) override;
     void outlet(const std::string& name, std::shared_ptr<NSProgressIndicator>& field) override;
 
+    void outlet(const std::string& name, std::shared_ptr<NSMenu>& field) override;
+    void outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) override;
+
+    /// Panels have no window here, and no slider draws itself.
+    void window(NSPanel&) override {}
+    void sliderCell(const std::string&, std::function<std::shared_ptr<NSSliderCell>()>) override {}
+
     void action(const std::string& selector, NSAction method) override;
 
     /// Sends an action that was offered, also one that no control sends. Returns whether there is

@@ -17,6 +17,8 @@ public:
     void setIntValue(std::int32_t value) override;
     void setIntegerValue(NSInteger value) override;
 
+    void setNeedsDisplay(bool) override {}
+
     void setAction(NSAction action) { action_ = std::move(action); }
     const std::string& stringValue() const { return text_; }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,7 @@ public:
         return true;
     }
     void makeKeyAndOrderFront(NSObject*) override {}
+    void setTitle(const std::string&) override {}
     void setTitlebarAppearsTransparent(bool) override {}
 
 private:

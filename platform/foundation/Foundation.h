@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDateFormatter.h"
 #include "platform/foundation/NSDistributedNotificationCenter.h"
 #include "platform/foundation/NSError.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLocale.h"
+#include "platform/foundation/NSProcessInfo.h"
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/NSThread.h"
 #include "platform/foundation/NSTimer.h"
@@ -50,6 +52,10 @@ public:
     virtual NSFileManager& defaultManager() = 0;
     virtual NSDistributedNotificationCenter& defaultCenter() = 0;
     virtual NSRunLoop& currentRunLoop() = 0;
+    /// Any thread.
+    virtual const NSBundle& mainBundle() const = 0;
+    /// Any thread.
+    virtual const NSProcessInfo& processInfo() const = 0;
 
     /// Schedules `tick` every `interval` seconds from one interval after this call on. An interval
     /// of 0 or less counts as 0.0001 s. `tick` gets the timer itself.

@@ -81,6 +81,8 @@ public:
     SimMovies& movies() { return movies_; }
     SimUserDefaults& defaults() { return foundation_.defaults; }
     SimBookmarks& bookmarks() { return foundation_.bookmarks; }
+    SimBundle& bundle() { return foundation_.bundle; }
+    SimProcessInfo& processInfo() { return foundation_.process; }
     SimDateRules& dateRules() { return foundation_.dateRules; }
     SimNib& nib() { return nib_; }
 

@@ -12,6 +12,7 @@ class SimApplication final : public NSApplication, public SimObject {
 public:
     explicit SimApplication(CallLog& log) : SimObject(log, "sharedApplication") {}
     void miniaturizeAll(NSObject* sender) override;
+    bool setActivationPolicy(NSApplicationActivationPolicy policy) override;
     void activateIgnoringOtherApps(bool ignoring) override;
 };
 
@@ -35,6 +36,7 @@ public:
         return alerts_.makeForError(error);
     }
     std::unique_ptr<NSOpenPanel> openPanel() override { return panels_.make(); }
+    std::shared_ptr<NSMenu> menu() override;
     std::shared_ptr<NSImage> imageNamed(const std::string& name) override {
         return pictures_.named(name);
     }

@@ -21,6 +21,11 @@ void SimWindow::makeKeyAndOrderFront(NSObject*) {
     mainCall("makeKeyAndOrderFront");
 }
 
+void SimWindow::setTitle(const std::string& newTitle) {
+    mainCall("setTitle: " + newTitle);
+    title = newTitle;
+}
+
 void SimWindow::setTitlebarAppearsTransparent(bool transparent) {
     call("setTitlebarAppearsTransparent: " + yesNo(transparent));
     titlebarAppearsTransparent = transparent;

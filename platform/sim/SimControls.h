@@ -26,8 +26,10 @@ public:
 
     bool makeFirstResponder(NSObject* responder) override;
     void makeKeyAndOrderFront(NSObject* sender) override;
+    void setTitle(const std::string& newTitle) override;
     void setTitlebarAppearsTransparent(bool transparent) override;
 
+    std::string title;
     bool titlebarAppearsTransparent = false;
     /// What ending an edit does.
     std::function<void()> endEditing;
@@ -42,6 +44,7 @@ public:
     NSInteger integerValue() const override;
     void setIntValue(std::int32_t value) override;
     void setIntegerValue(NSInteger value) override;
+    void setNeedsDisplay(bool needed) override { mainCall("setNeedsDisplay: " + yesNo(needed)); }
 
     std::string text;
 };

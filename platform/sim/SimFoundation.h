@@ -41,6 +41,24 @@ struct SimBookmarks {
     bool grantsAccess = true;
 };
 
+class SimBundle final : public NSBundle {
+public:
+    std::optional<std::string> objectForInfoDictionaryKey(const std::string& key) const override {
+        const auto found = information.find(key);
+        return found == information.end() ? std::nullopt : std::optional(found->second);
+    }
+
+    std::map<std::string, std::string> information{{"CFBundleShortVersionString", "2.1"},
+                                                   {"CFBundleVersion", "5"}};
+};
+
+class SimProcessInfo final : public NSProcessInfo {
+public:
+    std::string operatingSystemVersionString() const override { return version; }
+
+    std::string version = "Version 13.1 (Build 22C65)";
+};
+
 class SimFoundation final : public Foundation {
 public:
     SimFoundation(CallLog& log, SimLoop& loop, SimThreads& threads, SimFiles& files);
@@ -49,6 +67,8 @@ public:
     NSFileManager& defaultManager() override { return files_; }
     NSDistributedNotificationCenter& defaultCenter() override { return notifications; }
     NSRunLoop& currentRunLoop() override { return loop_; }
+    const NSBundle& mainBundle() const override { return bundle; }
+    const NSProcessInfo& processInfo() const override { return process; }
     std::shared_ptr<NSTimer> scheduledTimerWithTimeInterval(NSTimeInterval interval,
                                                             std::function<void(NSTimer&)> tick,
                                                             bool repeats) override;
@@ -68,6 +88,8 @@ public:
     SimNotificationCenter notifications;
     SimBookmarks bookmarks;
     SimDateRules dateRules;
+    SimBundle bundle;
+    SimProcessInfo process;
 
 private:
     CallLog& log_;

@@ -66,6 +66,33 @@ void SimNib::outlet(const std::string& name, std::shared_ptr<NSProgressIndicator
     fill<SimProgressIndicator>(name, field);
 }
 
+void SimNib::outlet(const std::string& name, std::shared_ptr<NSMenu>& field) {
+    fill<SimMenu>(name, field);
+}
+
+void SimNib::outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) {
+    fill<SimMenuItem>(name, field);
+}
+
+void SimNib::window(NSPanel& panel) {
+    panel.setContents(absent_.count("panel") == 0 ? control<SimWindow>("panel") : nullptr);
+}
+
+void SimNib::sliderCell(const std::string& className,
+                        std::function<std::shared_ptr<NSSliderCell>()> make) {
+    cells_[className] = std::move(make);
+}
+
+std::shared_ptr<NSSliderCell> SimNib::makeSliderCell(const std::string& className) const {
+    const auto found = cells_.find(className);
+    if (found == cells_.end()) {
+        return nullptr;
+    }
+    auto cell = found->second();
+    cell->awakeFromNib();
+    return cell;
+}
+
 void SimNib::action(const std::string& selector, NSAction method) {
     if (!actions_.emplace(selector, std::move(method)).second) {
         log_.misuse("action: " + selector + " is offered twice");
@@ -101,6 +128,8 @@ template std::shared_ptr<SimButton> SimNib::control(const std::string&);
 template std::shared_ptr<SimImageView> SimNib::control(const std::string&);
 template std::shared_ptr<SimPopUpButton> SimNib::control(const std::string&);
 template std::shared_ptr<SimView> SimNib::control(const std::string&);
+template std::shared_ptr<SimMenu> SimNib::control(const std::string&);
+template std::shared_ptr<SimMenuItem> SimNib::control(const std::string&);
 template std::shared_ptr<SimProgressIndicator> SimNib::control(const std::string&);
 
 } // namespace vistrane

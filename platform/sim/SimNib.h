@@ -5,6 +5,7 @@
 
 #include "platform/appkit/NSNib.h"
 #include "platform/sim/SimControls.h"
+#include "platform/sim/SimMenus.h"
 
 namespace vistrane {
 
@@ -22,6 +23,12 @@ public:
     void outlet(const std::string& name, std::shared_ptr<NSPopUpButton>& field) override;
     void outlet(const std::string& name, std::shared_ptr<NSView>& field) override;
     void outlet(const std::string& name, std::shared_ptr<NSProgressIndicator>& field) override;
+    void outlet(const std::string& name, std::shared_ptr<NSMenu>& field) override;
+    void outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) override;
+    /// Gives the panel the window "panel".
+    void window(NSPanel& panel) override;
+    void sliderCell(const std::string& className,
+                    std::function<std::shared_ptr<NSSliderCell>()> make) override;
     void action(const std::string& selector, NSAction method) override;
 
     /// Leaves an outlet out; before the objects are connected.
@@ -36,9 +43,14 @@ public:
     SimImageView& imageView(const std::string& name) { return *control<SimImageView>(name); }
     SimPopUpButton& popUp(const std::string& name) { return *control<SimPopUpButton>(name); }
     SimView& view(const std::string& name) { return *control<SimView>(name); }
+    SimMenu& menu(const std::string& name) { return *control<SimMenu>(name); }
+    SimMenuItem& menuItem(const std::string& name) { return *control<SimMenuItem>(name); }
     SimProgressIndicator& progress(const std::string& name) {
         return *control<SimProgressIndicator>(name);
     }
+
+    /// Makes a cell of that class, awake; null when nobody offers it.
+    std::shared_ptr<NSSliderCell> makeSliderCell(const std::string& className) const;
 
     /// Sends the action of that selector; a misuse when nobody offers it.
     void send(const std::string& selector, NSObject* sender = nullptr);
@@ -55,6 +67,7 @@ private:
     std::set<std::string> absent_;
     std::set<std::string> asked_;
     std::map<std::string, std::shared_ptr<NSObject>> controls_;
+    std::map<std::string, std::function<std::shared_ptr<NSSliderCell>()>> cells_;
     std::map<std::string, NSAction> actions_;
 };
 

@@ -41,6 +41,11 @@ public:
         alert_.buttons.push_back(title);
     }
 
+    void setAccessoryView(std::shared_ptr<NSView> view) override {
+        call("setAccessoryView: " + nameOf(view.get()));
+        alert_.accessoryView = std::move(view);
+    }
+
     NSWindow& window() override { return window_; }
 
     NSModalResponse runModal() override {

@@ -23,6 +23,7 @@ struct SimShownAlert {
     std::string informativeText;
     std::vector<std::string> buttons;
     bool transparentTitleBar = false;
+    std::shared_ptr<NSView> accessoryView;
     bool onMainThread = true;
     /// Of a standard alert for an error.
     std::optional<NSError> error;

@@ -46,6 +46,12 @@ void SimImage::drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperatio
     drawing_.draw(point, size_);
 }
 
+void SimImage::drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
+                          double fraction) const {
+    call("drawInRect: " + describe(rect) + " fromRect: " + describe(fromRect) +
+         " operation: " + std::to_string(operation) + " fraction: " + decimal(fraction));
+}
+
 std::shared_ptr<NSData>
 SimBitmapImageRep::representationUsingType(NSBitmapImageFileType type,
                                            const NSBitmapImageProperties& properties) const {

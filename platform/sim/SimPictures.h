@@ -42,6 +42,9 @@ public:
     std::shared_ptr<NSData> TIFFRepresentation() const override;
     void drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                      double fraction) const override;
+    /// Recorded only.
+    void drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
+                    double fraction) const override;
 
 private:
     SimFiles& files_;

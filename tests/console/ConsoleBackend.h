@@ -51,7 +51,7 @@ private:
     MemoryUserDefaults defaults_;
     ConsoleRunLoop loop_;
     ConsoleDispatch dispatch_{loop_};
-    ConsoleFoundation foundation_{loop_, defaults_, output_};
+    ConsoleFoundation foundation_{loop_, defaults_, output_, "1.2.3"};
 };
 
 } // namespace vistrane

@@ -23,7 +23,7 @@ protected:
     ConsoleOutput output_{pipe_.ends[1]};
     MemoryUserDefaults defaults_;
     ConsoleRunLoop loop_;
-    ConsoleFoundation foundation_{loop_, defaults_, output_};
+    ConsoleFoundation foundation_{loop_, defaults_, output_, "1.2.3"};
 };
 
 TEST_F(ConsoleFoundationTest, TheLogGetsTheMessageUnchanged) {

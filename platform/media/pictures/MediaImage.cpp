@@ -25,12 +25,27 @@ std::shared_ptr<NSData> MediaImage::TIFFRepresentation() const {
 
 void MediaImage::drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                              double fraction) const {
+    draw({point, fromRect, operation, fraction});
+}
+
+void MediaImage::drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
+                            double fraction) const {
+    const NSSize part = fromRect == NSZeroRect ? size() : fromRect.size;
+    if (part.width > 0.0 && part.height > 0.0) {
+        draw({rect.origin,
+              fromRect,
+              operation,
+              fraction,
+              {rect.size.width / part.width, rect.size.height / part.height}});
+    }
+}
+
+void MediaImage::draw(const Drawing& drawing) const {
     const auto context = std::dynamic_pointer_cast<MediaGraphicsContext>(currentGraphicsContext());
     if (!context) {
         return;
     }
-    if (const auto error =
-            drawPicture(*source_, context->surface(), {point, fromRect, operation, fraction})) {
+    if (const auto error = drawPicture(*source_, context->surface(), drawing)) {
         context->context().markDamaged(*error);
     }
 }

@@ -7,6 +7,8 @@
 
 namespace vistrane {
 
+struct Drawing;
+
 /// A picture as this folder makes it. Its pixels are decoded each time they are drawn.
 class MediaImage final : public NSImage {
 public:
@@ -16,11 +18,15 @@ public:
     std::shared_ptr<NSData> TIFFRepresentation() const override;
     void drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                      double fraction) const override;
+    void drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
+                    double fraction) const override;
 
     /// The picture's pixels, for a view that shows them; any thread.
     const std::shared_ptr<const PictureSource>& source() const { return source_; }
 
 private:
+    void draw(const Drawing& drawing) const;
+
     std::shared_ptr<const PictureSource> source_;
 };
 

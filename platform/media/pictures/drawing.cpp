@@ -57,9 +57,19 @@ Axis axisOf(double place, Stretch part, double points, std::size_t pixels, std::
     return axis;
 }
 
+// Beyond that, a double no longer holds a part of a point.
+constexpr double farthest = 1e9;
+
+NSSize scaled(NSSize size, NSSize scale) {
+    return {size.width * scale.width, size.height * scale.height};
+}
+
+bool isLength(NSSize size) {
+    return size.width > 0.0 && size.width <= farthest && size.height > 0.0 &&
+           size.height <= farthest;
+}
+
 bool isPlace(const Drawing& drawing) {
-    // Beyond that, a double no longer holds a part of a point.
-    constexpr double farthest = 1e9;
     const auto sane = [](double value) { return std::abs(value) <= farthest; };
     return sane(drawing.point.x) && sane(drawing.point.y) && sane(drawing.from.origin.x) &&
            sane(drawing.from.origin.y) && sane(drawing.from.size.width) &&
@@ -199,9 +209,12 @@ std::optional<NSError> drawScaled(const PictureSource& picture, const Surface& s
 std::optional<NSError> drawPicture(const PictureSource& picture, const Surface& surface,
                                    const Drawing& drawing) {
     const PictureShape& shape = picture.shape();
-    const NSSize size = shape.sizeInPoints();
-    const NSRect from = drawing.from == NSZeroRect ? NSRect{{0.0, 0.0}, size} : drawing.from;
-    if (!isPlace({drawing.point, from, drawing.operation, drawing.fraction})) {
+    const NSSize points = shape.sizeInPoints();
+    const NSRect part = drawing.from == NSZeroRect ? NSRect{{0.0, 0.0}, points} : drawing.from;
+    const NSSize size = scaled(points, drawing.scale);
+    const NSRect from{{part.origin.x * drawing.scale.width, part.origin.y * drawing.scale.height},
+                      scaled(part.size, drawing.scale)};
+    if (!isPlace({drawing.point, from, drawing.operation, drawing.fraction}) || !isLength(size)) {
         return std::nullopt;
     }
     const Stretch acrossPart = within(from.origin.x, from.size.width, size.width);

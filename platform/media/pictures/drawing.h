@@ -21,19 +21,21 @@ struct Surface {
     std::ptrdiff_t stride = 0;
 };
 
-/// Where and how a picture is drawn; see `NSImage::drawAtPoint`.
+/// Where and how a picture is drawn; see `NSImage::drawAtPoint` and `drawInRect`.
 struct Drawing {
     NSPoint point;
     /// In points of the picture; zero means the whole picture.
     NSRect from;
     NSCompositingOperation operation = NSCompositingOperationCopy;
     double fraction = 1.0;
+    /// How many times as wide and high as its size in points the picture is drawn.
+    NSSize scale{1.0, 1.0};
 };
 
 /// Draws a picture; what lies outside the surface or the picture is left out, and numbers that are
 /// no place draw nothing. The meaningless byte of each pixel drawn becomes 255.
 ///
-/// A picture whose size in points is its size in pixels is drawn without any change of its values.
+/// A picture that is drawn at its size in pixels is drawn without any change of its values.
 /// Others are scaled: down by the average of the area that falls on a pixel, up by a bicubic
 /// curve (Catmull-Rom), both on sRGB values multiplied by alpha. A pixel is drawn when its middle
 /// lies in the picture.

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "platform/appkit/NSWindow.h"
+
+namespace vistrane {
+
+/// A window of a class of the program's own, a small one beside the main window. The interface
+/// file says what is in it: `NSNib::window` gives it the window that the backend made, and all
+/// that is asked of the panel goes there. Main thread only.
+class NSPanel : public NSWindow {
+public:
+    void setContents(std::shared_ptr<NSWindow> contents) { contents_ = std::move(contents); }
+
+    bool makeFirstResponder(NSObject* responder) override {
+        return contents_ && contents_->makeFirstResponder(responder);
+    }
+    void makeKeyAndOrderFront(NSObject* sender) override {
+        if (contents_) {
+            contents_->makeKeyAndOrderFront(sender);
+        }
+    }
+    void setTitle(const std::string& title) override {
+        if (contents_) {
+            contents_->setTitle(title);
+        }
+    }
+    void setTitlebarAppearsTransparent(bool transparent) override {
+        if (contents_) {
+            contents_->setTitlebarAppearsTransparent(transparent);
+        }
+    }
+
+private:
+    std::shared_ptr<NSWindow> contents_;
+};
+
+} // namespace vistrane

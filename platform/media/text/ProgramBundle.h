@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "platform/foundation/NSBundle.h"
+
+namespace vistrane {
+
+/// The bundle information of a program whose version is "MAJOR.MINOR.PATCH": the short version is
+/// what stands before the last point, the bundle version what stands behind it.
+class ProgramBundle final : public NSBundle {
+public:
+    explicit ProgramBundle(std::string version) : version_(std::move(version)) {}
+
+    std::optional<std::string> objectForInfoDictionaryKey(const std::string& key) const override {
+        const std::size_t point = version_.rfind('.');
+        if (key == "CFBundleShortVersionString") {
+            return version_.substr(0, point);
+        }
+        if (key == "CFBundleVersion" && point != std::string::npos) {
+            return version_.substr(point + 1);
+        }
+        return std::nullopt;
+    }
+
+private:
+    std::string version_;
+};
+
+} // namespace vistrane
