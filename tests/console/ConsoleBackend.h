@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "platform/console/ConsoleAlert.h"
 #include "platform/console/ConsoleDispatch.h"
 #include "platform/console/ConsoleFoundation.h"
 #include "platform/console/ConsoleInterface.h"
@@ -29,6 +30,17 @@ public:
 
     NSUserDefaults& userDefaults() { return defaults_; }
 
+    std::unique_ptr<NSAlert> alert() { return std::make_unique<ConsoleAlert>(alertRules_); }
+    std::unique_ptr<NSAlert> alertWithError(const NSError& error) {
+        return std::make_unique<ConsoleAlert>(alertRules_, error);
+    }
+    std::shared_ptr<NSView> view() { return std::make_shared<ConsoleView>(); }
+    void answerNextAlert(NSInteger button, double seconds) {
+        button_ = button;
+        secondsUp_ = seconds;
+    }
+    void confirmNextAlert(double seconds) { answerNextAlert(0, seconds); }
+
     std::shared_ptr<NSButton> button() { return std::make_shared<ConsoleButton>(""); }
     std::shared_ptr<NSTextField> textField() { return std::make_shared<ConsoleTextField>(); }
     std::string text(NSTextField& field) {
@@ -46,12 +58,26 @@ public:
     std::shared_ptr<NSWindow> window() { return std::make_shared<ConsoleWindow>(); }
 
 private:
+    NSModalResponse answer(const ConsoleAlert& alert) {
+        if (alert.isOnMainThread()) {
+            loop_.runUntilDate(foundation_.dateWithTimeIntervalSinceNow(secondsUp_));
+        } else {
+            stall(secondsUp_);
+        }
+        return NSAlertFirstButtonReturn + button_;
+    }
+
     int nowhere_ = open("/dev/null", O_WRONLY | O_CLOEXEC);
     ConsoleOutput output_{nowhere_};
     MemoryUserDefaults defaults_;
     ConsoleRunLoop loop_;
     ConsoleDispatch dispatch_{loop_};
     ConsoleFoundation foundation_{loop_, defaults_, output_, "1.2.3"};
+    NSInteger button_ = 0;
+    double secondsUp_ = 0.0;
+    std::shared_ptr<const ConsoleAlertRules> alertRules_ =
+        std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{
+            loop_, {}, [this](const ConsoleAlert& alert) { return answer(alert); }});
 };
 
 } // namespace vistrane

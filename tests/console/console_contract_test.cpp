@@ -1,4 +1,5 @@
 #include "tests/console/ConsoleBackend.h"
+#include "tests/contract/AlertContract.h"
 #include "tests/contract/BookmarkContract.h"
 #include "tests/contract/ControlContract.h"
 #include "tests/contract/DispatchContract.h"
@@ -8,6 +9,7 @@
 
 namespace vistrane {
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Console, AlertContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, BookmarkContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, ControlContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, DispatchContract, ConsoleBackend, contract::Names);

@@ -1,4 +1,5 @@
 #include "platform/sim/Sim.h"
+#include "tests/contract/AlertContract.h"
 #include "tests/contract/BookmarkContract.h"
 #include "tests/contract/ControlContract.h"
 #include "tests/contract/DateFormatterContract.h"
@@ -54,6 +55,18 @@ public:
     std::shared_ptr<NSImageView> imageView() { return outlet<NSImageView>("myDisplay"); }
     std::shared_ptr<NSWindow> window() { return outlet<NSWindow>("myWindow"); }
 
+    std::unique_ptr<NSAlert> alert() { return sim_.platform().appKit.alert(); }
+    std::unique_ptr<NSAlert> alertWithError(const NSError& error) {
+        return sim_.platform().appKit.alertWithError(error);
+    }
+    std::shared_ptr<NSView> view() { return outlet<NSView>("previewView"); }
+    void answerNextAlert(NSInteger button, double seconds) {
+        sim_.alerts().answer(NSAlertFirstButtonReturn + button);
+        sim_.alerts().stayUp(seconds);
+    }
+    /// Without an answer of the script it is the first button that is pressed.
+    void confirmNextAlert(double seconds) { sim_.alerts().stayUp(seconds); }
+
 private:
     template <typename Control>
     std::shared_ptr<Control> outlet(const std::string& name) {
@@ -65,6 +78,7 @@ private:
     Sim sim_;
 };
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Sim, AlertContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, BookmarkContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, ControlContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DateFormatterContract, SimBackend, contract::Names);
