@@ -12,8 +12,6 @@
 #include <unistd.h>
 
 #include "app/AppDelegate.h"
-#include "commandline/EndingSignals.h"
-#include "commandline/ResultWriter.h"
 #include "commandline/SessionAppKit.h"
 #include "commandline/SessionObserver.h"
 #include "commandline/version.h"
@@ -25,6 +23,8 @@
 #include "platform/media/MediaAVFoundation.h"
 #include "platform/media/pictures/MediaCoreGraphics.h"
 #include "platform/media/pictures/MediaCoreVideo.h"
+#include "platform/posix/BackgroundWriter.h"
+#include "platform/posix/EndingSignals.h"
 
 namespace vistrane {
 
@@ -99,7 +99,7 @@ struct Session::Parts {
 
     ConsoleOutput output{STDERR_FILENO};
     ConsoleRunLoop loop;
-    ResultWriter results{STDOUT_FILENO, [this](int) { resultsFailed(); }};
+    BackgroundWriter results{STDOUT_FILENO, [this](int) { resultsFailed(); }};
     ConsoleDispatch dispatch{loop};
     MemoryUserDefaults defaults;
     ConsoleFoundation foundation{loop, defaults, output, programVersion};

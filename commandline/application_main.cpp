@@ -5,9 +5,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "commandline/EndingSignals.h"
 #include "commandline/commands.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/posix/EndingSignals.h"
 
 namespace vistrane {
 

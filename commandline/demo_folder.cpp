@@ -1,36 +1,15 @@
 #include "commandline/demo_folder.h"
 
 #include <array>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 
-#include <pwd.h>
-#include <unistd.h>
+#include "platform/posix/user_folders.h"
 
 namespace vistrane {
 
 namespace {
-
-std::string environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value ? value : "";
-}
-
-std::string homeFolder() {
-    std::string home = environment("HOME");
-    if (!home.empty() && home.front() == '/') {
-        return home;
-    }
-    const passwd* const user = ::getpwuid(::getuid());
-    return user && user->pw_dir ? user->pw_dir : "/tmp";
-}
-
-std::string configurationFolder(const std::string& home) {
-    const std::string folder = environment("XDG_CONFIG_HOME");
-    return !folder.empty() && folder.front() == '/' ? folder : home + "/.config";
-}
 
 /// The value of a line of the form `XDG_VIDEOS_DIR="$HOME/Videos"` or `..."/absolute"`; empty for
 /// any other line.
@@ -59,7 +38,7 @@ std::string localTime() {
 
 std::string videosFolder() {
     const std::string home = homeFolder();
-    std::ifstream list(configurationFolder(home) + "/user-dirs.dirs");
+    std::ifstream list(configurationFolder() + "/user-dirs.dirs");
     std::string found = home + "/Videos";
     for (std::string line; std::getline(list, line);) {
         const std::string value = videosOfLine(line, home);

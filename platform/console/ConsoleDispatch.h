@@ -1,31 +1,26 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/console/ConsoleRunLoop.h"
 #include "platform/dispatch/Dispatch.h"
+#include "platform/posix/GlobalQueue.h"
 
 namespace vistrane {
 
-/// The run loop's main queue, and one thread for the global queue.
-///
-/// Nobody waits for that thread. An object that other threads may still use when the program ends
-/// is made with `new` and never deleted; one that is deleted drops the items that wait and lets the
-/// running one end by itself.
+/// The run loop's main queue, and one thread for the global queue. What `GlobalQueue` says of its
+/// end holds for this object as well.
 class ConsoleDispatch final : public Dispatch {
 public:
-    explicit ConsoleDispatch(ConsoleRunLoop& loop);
-    ~ConsoleDispatch() override;
+    explicit ConsoleDispatch(ConsoleRunLoop& loop) : loop_(loop) {}
 
     /// One queue, whatever the priority.
-    DispatchQueue& dispatch_get_global_queue(std::intptr_t priority, std::uintptr_t flags) override;
+    DispatchQueue& dispatch_get_global_queue(std::intptr_t, std::uintptr_t) override {
+        return globalQueue_;
+    }
     DispatchQueue& dispatch_get_main_queue() override { return loop_.mainQueue(); }
 
 private:
-    class GlobalQueue;
-
     ConsoleRunLoop& loop_;
-    std::unique_ptr<GlobalQueue> globalQueue_;
+    GlobalQueue globalQueue_;
 };
 
 } // namespace vistrane

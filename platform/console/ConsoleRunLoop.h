@@ -7,14 +7,14 @@
 #include <thread>
 #include <vector>
 
+#include "platform/console/WakePipe.h"
 #include "platform/dispatch/Dispatch.h"
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/NSTimer.h"
+#include "platform/posix/RunLoopTimers.h"
+#include "platform/posix/WorkQueue.h"
 
 namespace vistrane {
-
-class ConsoleTimer;
-class MainQueue;
 
 /// The main thread's run loop: timers, the main queue and readable file descriptors.
 ///
@@ -23,9 +23,9 @@ class MainQueue;
 /// setting the wall clock moves none of them.
 class ConsoleRunLoop final : public NSRunLoop {
 public:
-    ConsoleRunLoop();
+    ConsoleRunLoop() = default;
     /// Timers that are still valid become invalid; waiting work is dropped.
-    ~ConsoleRunLoop() override;
+    ~ConsoleRunLoop() override = default;
 
     /// Makes at least one pass over what is due. Comes back before the date only after `stop`.
     void runUntilDate(NSDate date) override;
@@ -41,7 +41,7 @@ public:
                                            bool repeats);
 
     /// Work for the main thread. The queue may be posted to as long as the run loop lives.
-    DispatchQueue& mainQueue();
+    DispatchQueue& mainQueue() { return mainQueue_; }
 
     /// Calls `readable` whenever `descriptor` has something to read or was closed at its other
     /// end. The descriptor stays the caller's and should not block: with a nested run loop the
@@ -54,38 +54,28 @@ public:
     bool isMainThread() const;
 
     /// While one lives, timers hold back: a modal alert is up on the main thread.
-    class ModalScope {
+    class ModalScope : public RunLoopTimers::ModalScope {
     public:
-        explicit ModalScope(ConsoleRunLoop& loop) : loop_(loop) { ++loop_.modalDepth_; }
-        ~ModalScope() { --loop_.modalDepth_; }
-        ModalScope(const ModalScope&) = delete;
-        ModalScope& operator=(const ModalScope&) = delete;
-
-    private:
-        ConsoleRunLoop& loop_;
+        explicit ModalScope(ConsoleRunLoop& loop) : RunLoopTimers::ModalScope(loop.timers_) {}
     };
 
 private:
-    friend class ConsoleTimer;
     struct Input {
         int descriptor;
         std::shared_ptr<const std::function<void()>> readable;
     };
 
     void runUntil(std::int64_t deadline);
-    void runWaitingWork();
-    void runDueTimers();
-    std::shared_ptr<ConsoleTimer> nextTimer() const;
     int waitingTime(std::int64_t deadline) const;
     void waitForInput(int milliseconds);
     void serve(int descriptor, short events);
 
     const std::thread::id mainThread_ = std::this_thread::get_id();
-    const std::unique_ptr<MainQueue> mainQueue_;
-    std::vector<std::shared_ptr<ConsoleTimer>> timers_;
+    const WakePipe wakePipe_;
+    WorkQueue mainQueue_{[this] { wakePipe_.wake(); }};
+    RunLoopTimers timers_;
     std::vector<Input> inputs_;
     std::atomic<bool> stopped_{false};
-    int modalDepth_ = 0;
     /// How many passes were begun, nested ones included.
     std::uint64_t passes_ = 0;
 };

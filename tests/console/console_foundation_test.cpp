@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "platform/console/MemoryUserDefaults.h"
-#include "tests/console/Pipe.h"
+#include "tests/posix/Pipe.h"
 
 namespace vistrane {
 namespace {

@@ -12,7 +12,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "tests/console/Pipe.h"
+#include "tests/posix/Pipe.h"
 
 namespace vistrane {
 namespace {

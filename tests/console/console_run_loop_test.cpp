@@ -9,7 +9,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "tests/console/Pipe.h"
+#include "tests/posix/Pipe.h"
 
 namespace vistrane {
 namespace {

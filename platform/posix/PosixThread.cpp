@@ -1,9 +1,9 @@
-#include "platform/console/ConsoleThread.h"
+#include "platform/posix/PosixThread.h"
 
 #include <cerrno>
 #include <utility>
 
-#include "platform/console/threads.h"
+#include "platform/posix/threads.h"
 
 namespace vistrane {
 
@@ -13,23 +13,22 @@ thread_local std::shared_ptr<NSThread> runningThread;
 
 } // namespace
 
-std::shared_ptr<ConsoleThread>
-ConsoleThread::withEntry(std::function<void()> entry, std::function<void(const NSError&)> failed) {
-    return std::shared_ptr<ConsoleThread>(new ConsoleThread(std::move(entry), std::move(failed)));
+std::shared_ptr<PosixThread> PosixThread::withEntry(std::function<void()> entry,
+                                                    std::function<void(const NSError&)> failed) {
+    return std::shared_ptr<PosixThread>(new PosixThread(std::move(entry), std::move(failed)));
 }
 
-std::shared_ptr<NSThread> ConsoleThread::current() {
+std::shared_ptr<NSThread> PosixThread::current() {
     if (!runningThread) {
         runningThread = withEntry({});
     }
     return runningThread;
 }
 
-ConsoleThread::ConsoleThread(std::function<void()> entry,
-                             std::function<void(const NSError&)> failed)
+PosixThread::PosixThread(std::function<void()> entry, std::function<void(const NSError&)> failed)
     : entry_(std::move(entry)), failed_(std::move(failed)) {}
 
-void ConsoleThread::start() {
+void PosixThread::start() {
     if (started_.exchange(true)) {
         return;
     }
@@ -40,7 +39,7 @@ void ConsoleThread::start() {
     }
 }
 
-void ConsoleThread::run() {
+void PosixThread::run() {
     runningThread = shared_from_this();
     {
         const std::function<void()> entry = std::exchange(entry_, {});

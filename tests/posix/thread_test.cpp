@@ -1,4 +1,4 @@
-#include "platform/console/ConsoleThread.h"
+#include "platform/posix/PosixThread.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -10,17 +10,17 @@
 namespace vistrane {
 namespace {
 
-TEST(ConsoleThread, RunsOnAThreadOfItsOwn) {
+TEST(PosixThread, RunsOnAThreadOfItsOwn) {
     std::promise<std::thread::id> where;
-    ConsoleThread::withEntry([&] { where.set_value(std::this_thread::get_id()); })->start();
+    PosixThread::withEntry([&] { where.set_value(std::this_thread::get_id()); })->start();
     EXPECT_NE(where.get_future().get(), std::this_thread::get_id());
 }
 
-TEST(ConsoleThread, ASecondStartDoesNothing) {
+TEST(PosixThread, ASecondStartDoesNothing) {
     std::atomic<int> runs{0};
     std::promise<void> released;
     const auto captured = std::shared_ptr<void>(nullptr, [&](void*) { released.set_value(); });
-    auto thread = ConsoleThread::withEntry([&runs, held = captured] { ++runs; });
+    auto thread = PosixThread::withEntry([&runs, held = captured] { ++runs; });
     thread->start();
     thread->start();
     while (captured.use_count() > 1) {
@@ -30,10 +30,10 @@ TEST(ConsoleThread, ASecondStartDoesNothing) {
     EXPECT_EQ(runs, 1);
 }
 
-TEST(ConsoleThread, AnotherThreadMayCancelIt) {
+TEST(PosixThread, AnotherThreadMayCancelIt) {
     std::promise<void> ended;
-    const auto thread = ConsoleThread::withEntry([&] {
-        while (!ConsoleThread::current()->isCancelled()) {
+    const auto thread = PosixThread::withEntry([&] {
+        while (!PosixThread::current()->isCancelled()) {
             std::this_thread::yield();
         }
         ended.set_value();
@@ -45,31 +45,31 @@ TEST(ConsoleThread, AnotherThreadMayCancelIt) {
     EXPECT_TRUE(thread->isCancelled());
 }
 
-TEST(ConsoleThread, AThreadThatCapturesItselfIsLetGoOf) {
+TEST(PosixThread, AThreadThatCapturesItselfIsLetGoOf) {
     std::promise<void> released;
     {
         const auto captured = std::shared_ptr<void>(nullptr, [&](void*) { released.set_value(); });
         auto own = std::make_shared<std::shared_ptr<NSThread>>();
-        const auto thread = ConsoleThread::withEntry([captured, own] {});
+        const auto thread = PosixThread::withEntry([captured, own] {});
         *own = thread;
         thread->start();
     }
     released.get_future().wait();
 }
 
-TEST(ConsoleThread, EveryThreadHasOneObject) {
-    const std::shared_ptr<NSThread> own = ConsoleThread::current();
+TEST(PosixThread, EveryThreadHasOneObject) {
+    const std::shared_ptr<NSThread> own = PosixThread::current();
     ASSERT_TRUE(own);
-    EXPECT_EQ(ConsoleThread::current(), own);
-    std::thread([&] { EXPECT_NE(ConsoleThread::current(), own); }).join();
+    EXPECT_EQ(PosixThread::current(), own);
+    std::thread([&] { EXPECT_NE(PosixThread::current(), own); }).join();
 }
 
 [[noreturn]] void exitWhileAThreadRuns() {
     std::promise<void> started;
-    ConsoleThread::withEntry([&started] {
+    PosixThread::withEntry([&started] {
         started.set_value();
         for (;;) {
-            if (ConsoleThread::current()->isCancelled()) {
+            if (PosixThread::current()->isCancelled()) {
                 return;
             }
         }
@@ -78,7 +78,7 @@ TEST(ConsoleThread, EveryThreadHasOneObject) {
     std::exit(0);
 }
 
-TEST(ConsoleThreadDeathTest, TheProcessEndsWhileAThreadRuns) {
+TEST(PosixThreadDeathTest, TheProcessEndsWhileAThreadRuns) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitWhileAThreadRuns(), ::testing::ExitedWithCode(0), "");
 }

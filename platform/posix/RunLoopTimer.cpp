@@ -1,9 +1,9 @@
-#include "platform/console/ConsoleTimer.h"
+#include "platform/posix/RunLoopTimer.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "platform/console/ConsoleRunLoop.h"
+#include "platform/posix/RunLoopTimers.h"
 
 namespace vistrane {
 
@@ -14,44 +14,48 @@ constexpr double longestInterval = 4e9;
 
 } // namespace
 
-ConsoleTimer::ConsoleTimer(ConsoleRunLoop& loop, std::int64_t now, double interval,
+RunLoopTimer::RunLoopTimer(RunLoopTimers& timers, std::int64_t now, double interval,
                            std::function<void(NSTimer&)> tick, bool repeats)
-    : loop_(&loop), grid_(now, std::min(interval, longestInterval)),
+    : timers_(&timers), grid_(now, std::min(interval, longestInterval)),
       tick_(std::make_shared<const std::function<void(NSTimer&)>>(std::move(tick))),
       repeats_(repeats) {}
 
-void ConsoleTimer::fire() {
+void RunLoopTimer::fire() {
     if (isValid()) {
         callOut();
     }
 }
 
-void ConsoleTimer::invalidate() {
+void RunLoopTimer::invalidate() {
     if (!isValid()) {
         return;
     }
     // The loop's reference may be the last one, and what the tick had captured may come back here
     // when it is let go of: everything is in order before that.
-    const std::shared_ptr<ConsoleTimer> self = shared_from_this();
+    const std::shared_ptr<RunLoopTimer> self = shared_from_this();
     const auto tick = std::move(tick_);
-    auto& timers = std::exchange(loop_, nullptr)->timers_;
-    timers.erase(std::find(timers.begin(), timers.end(), self));
+    std::exchange(timers_, nullptr)->remove(*this);
 }
 
-void ConsoleTimer::tick(std::int64_t now) {
+void RunLoopTimer::tick(std::int64_t now) {
     // Before the call: a tick that takes longer than the interval is followed by one late tick.
     grid_.passUpTo(now);
     callOut();
 }
 
-void ConsoleTimer::callOut() {
-    const std::shared_ptr<ConsoleTimer> self = shared_from_this();
+void RunLoopTimer::callOut() {
+    const std::shared_ptr<RunLoopTimer> self = shared_from_this();
     const auto tick = tick_;
     ++ticking_;
+    if (timers_ != nullptr) {
+        timers_->changed();
+    }
     (*tick)(*this);
     --ticking_;
     if (!repeats_) {
         invalidate();
+    } else if (timers_ != nullptr) {
+        timers_->changed();
     }
 }
 

@@ -1,4 +1,4 @@
-#include "platform/console/threads.h"
+#include "platform/posix/threads.h"
 
 #include <csignal>
 #include <system_error>

@@ -1,11 +1,11 @@
-#include "commandline/EndingSignals.h"
+#include "platform/posix/EndingSignals.h"
 
 #include <utility>
 
 #include <csignal>
 #include <ctime>
 
-#include "platform/console/threads.h"
+#include "platform/posix/threads.h"
 
 namespace vistrane {
 

@@ -1,19 +1,23 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 
 namespace vistrane {
 
-/// Writes results to a descriptor on a thread of its own, in their order: a reader that does not
-/// read holds up nobody else, and no frame is lost for it.
-class ResultWriter {
+/// Writes text to a descriptor on a thread of its own, in its order: a reader that does not read
+/// holds up nobody else, and no frame is lost for it. Any thread.
+class BackgroundWriter {
 public:
     /// `descriptor` stays the caller's. `failed` is called once, on the writer's thread, with the
     /// error number when the descriptor takes no more; what is written after that is dropped.
-    ResultWriter(int descriptor, std::function<void(int error)> failed);
+    /// A text is dropped when it comes while more than `limit` bytes wait.
+    BackgroundWriter(int descriptor, std::function<void(int error)> failed,
+                     std::size_t limit = std::numeric_limits<std::size_t>::max());
 
     void write(const std::string& text);
 

@@ -11,12 +11,12 @@ namespace vistrane {
 
 /// A thread of its own that nobody joins. The entry and its captures are let go of on that thread,
 /// right after the entry has returned.
-class ConsoleThread final : public NSThread, public std::enable_shared_from_this<ConsoleThread> {
+class PosixThread final : public NSThread, public std::enable_shared_from_this<PosixThread> {
 public:
     /// `failed` is told, within `start`, that the system grants no thread; the entry never runs
     /// then. A second `start` does nothing.
-    static std::shared_ptr<ConsoleThread>
-    withEntry(std::function<void()> entry, std::function<void(const NSError&)> failed = {});
+    static std::shared_ptr<PosixThread> withEntry(std::function<void()> entry,
+                                                  std::function<void(const NSError&)> failed = {});
 
     /// The running thread's own object; one made for the purpose on a thread of other origin.
     static std::shared_ptr<NSThread> current();
@@ -26,7 +26,7 @@ public:
     bool isCancelled() const override { return cancelled_; }
 
 private:
-    ConsoleThread(std::function<void()> entry, std::function<void(const NSError&)> failed);
+    PosixThread(std::function<void()> entry, std::function<void(const NSError&)> failed);
     void run();
 
     std::function<void()> entry_;

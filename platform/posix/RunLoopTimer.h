@@ -9,19 +9,19 @@
 
 namespace vistrane {
 
-class ConsoleRunLoop;
+class RunLoopTimers;
 
-/// A timer of the console's run loop. A tick that runs the loop is not ticked again within: the
-/// dates that pass meanwhile merge into the tick that follows.
-class ConsoleTimer final : public NSTimer, public std::enable_shared_from_this<ConsoleTimer> {
+/// A timer of a run loop. A tick that runs the loop is not ticked again within: the dates that pass
+/// meanwhile merge into the tick that follows.
+class RunLoopTimer final : public NSTimer, public std::enable_shared_from_this<RunLoopTimer> {
 public:
     /// `now` in nanoseconds of the loop's clock.
-    ConsoleTimer(ConsoleRunLoop& loop, std::int64_t now, double interval,
+    RunLoopTimer(RunLoopTimers& timers, std::int64_t now, double interval,
                  std::function<void(NSTimer&)> tick, bool repeats);
 
     void fire() override;
     void invalidate() override;
-    bool isValid() const override { return loop_ != nullptr; }
+    bool isValid() const override { return timers_ != nullptr; }
 
     /// When the loop is to tick it.
     std::int64_t nextDate() const { return grid_.next(); }
@@ -33,7 +33,7 @@ private:
     void callOut();
 
     /// Null once invalid.
-    ConsoleRunLoop* loop_;
+    RunLoopTimers* timers_;
     TimerGrid grid_;
     /// Shared with a running tick, which must outlive an invalidation from within.
     std::shared_ptr<const std::function<void(NSTimer&)>> tick_;

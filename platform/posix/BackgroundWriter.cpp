@@ -1,4 +1,4 @@
-#include "commandline/ResultWriter.h"
+#include "platform/posix/BackgroundWriter.h"
 
 #include <cerrno>
 #include <condition_variable>
@@ -8,7 +8,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include "platform/console/threads.h"
+#include "platform/posix/threads.h"
 
 namespace vistrane {
 
@@ -33,9 +33,10 @@ int writeAll(int descriptor, const std::string& text) {
 } // namespace
 
 /// Belongs to the writer and to its thread, whichever lasts longer.
-struct ResultWriter::Shared {
+struct BackgroundWriter::Shared {
     const int descriptor;
     const std::function<void(int)> failed;
+    const std::size_t limit;
     std::mutex mutex;
     std::condition_variable changed;
     std::string waiting;
@@ -68,12 +69,13 @@ struct ResultWriter::Shared {
     }
 };
 
-ResultWriter::ResultWriter(int descriptor, std::function<void(int error)> failed)
-    : shared_(new Shared{descriptor, std::move(failed), {}, {}, {}}) {}
+BackgroundWriter::BackgroundWriter(int descriptor, std::function<void(int error)> failed,
+                                   std::size_t limit)
+    : shared_(new Shared{descriptor, std::move(failed), limit, {}, {}, {}}) {}
 
-void ResultWriter::write(const std::string& text) {
+void BackgroundWriter::write(const std::string& text) {
     std::unique_lock lock(shared_->mutex);
-    if (shared_->error != 0) {
+    if (shared_->error != 0 || shared_->waiting.size() > shared_->limit) {
         return;
     }
     shared_->waiting += text;
@@ -87,19 +89,19 @@ void ResultWriter::write(const std::string& text) {
     }
 }
 
-bool ResultWriter::flush(std::chrono::milliseconds patience) {
+bool BackgroundWriter::flush(std::chrono::milliseconds patience) {
     std::unique_lock lock(shared_->mutex);
     return shared_->changed.wait_for(lock, patience, [this] { return shared_->isDone(); }) &&
            shared_->error == 0;
 }
 
-bool ResultWriter::flush() {
+bool BackgroundWriter::flush() {
     std::unique_lock lock(shared_->mutex);
     shared_->changed.wait(lock, [this] { return shared_->isDone(); });
     return shared_->error == 0;
 }
 
-int ResultWriter::failure() const {
+int BackgroundWriter::failure() const {
     const std::lock_guard lock(shared_->mutex);
     return shared_->error;
 }
