@@ -1,0 +1,205 @@
+#include "platform/posix/FileUserDefaults.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/posix/user_folders.h"
+
+namespace vistrane {
+
+namespace {
+
+/// Far more than the program ever writes.
+constexpr off_t longestFile = 1 << 20;
+
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+    ~Descriptor() {
+        if (descriptor_ >= 0) {
+            ::close(descriptor_);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    operator int() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+/// The contents of a file; nothing, with the reason in `errno`, when it cannot be read.
+std::optional<std::string> contentsOf(const std::string& path) {
+    // What is no regular file may block who opens it.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat facts {};
+    if (file < 0 || ::fstat(file, &facts) != 0) {
+        return std::nullopt;
+    }
+    if (!S_ISREG(facts.st_mode) || facts.st_size > longestFile) {
+        errno = S_ISREG(facts.st_mode) ? EFBIG : EINVAL;
+        return std::nullopt;
+    }
+    std::string contents(static_cast<std::size_t>(longestFile), '\0');
+    std::size_t length = 0;
+    while (length < contents.size()) {
+        const ssize_t count = ::read(file, contents.data() + length, contents.size() - length);
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            return std::nullopt;
+        }
+        length += static_cast<std::size_t>(count > 0 ? count : 0);
+    }
+    contents.resize(length);
+    return contents;
+}
+
+bool writeAll(int file, const std::string& text) {
+    std::size_t written = 0;
+    while (written < text.size()) {
+        const ssize_t count = ::write(file, text.data() + written, text.size() - written);
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        written += static_cast<std::size_t>(count > 0 ? count : 0);
+    }
+    return true;
+}
+
+/// False, with the reason in `errno`, when the file still holds what it held.
+bool replaceFile(const std::string& path, const std::string& text) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    std::string temporary = path + ".XXXXXX";
+    const Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (file < 0) {
+        return false;
+    }
+    if (!writeAll(file, text) || ::fsync(file) != 0 ||
+        ::rename(temporary.c_str(), path.c_str()) != 0) {
+        const int reason = errno;
+        ::unlink(temporary.c_str());
+        errno = reason;
+        return false;
+    }
+    // The new name is to last as well. Not every file system can promise that.
+    const Descriptor directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (directory >= 0) {
+        ::fsync(directory);
+    }
+    return true;
+}
+
+/// The file behind a link, so that the link stays one.
+std::string behindLinks(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
+                                                           &std::free);
+    return real ? real.get() : path;
+}
+
+} // namespace
+
+FileUserDefaults::FileUserDefaults(std::string path, Log log)
+    : path_(std::move(path)), log_(std::move(log)) {
+    read();
+}
+
+void FileUserDefaults::read() {
+    const std::optional<std::string> text = contentsOf(path_);
+    if (!text) {
+        if (errno != ENOENT) {
+            log_("The settings in '" + path_ + "' cannot be read: " + std::strerror(errno) +
+                 ". The program goes on with its first ones and saves none.");
+            isReadable_ = false;
+        }
+        return;
+    }
+    SettingsResult result = parseSettings(*text);
+    if (!result.error.empty()) {
+        setAside(result.error);
+        return;
+    }
+    values_ = std::move(result.settings);
+}
+
+void FileUserDefaults::setAside(const std::string& reason) {
+    const std::string aside = path_ + ".damaged";
+    const bool isAside = ::rename(path_.c_str(), aside.c_str()) == 0;
+    log_("The settings in '" + path_ + "' are damaged (" + reason + ")" +
+         (isAside ? " and were set aside as '" + aside + "'" : std::string()) +
+         ". The program goes on with its first ones.");
+}
+
+template <typename Type>
+const Type* FileUserDefaults::find(const std::string& key) const {
+    const auto entry = values_.find(key);
+    return entry == values_.end() ? nullptr : std::get_if<Type>(&entry->second);
+}
+
+NSInteger FileUserDefaults::integerForKey(const std::string& key) const {
+    const NSInteger* value = find<NSInteger>(key);
+    return value == nullptr ? 0 : *value;
+}
+
+void FileUserDefaults::setInteger(NSInteger value, const std::string& key) {
+    values_[key] = value;
+    isChanged_ = true;
+}
+
+std::optional<std::string> FileUserDefaults::stringForKey(const std::string& key) const {
+    const auto system = systemStrings_.find(key);
+    if (system != systemStrings_.end()) {
+        return system->second();
+    }
+    const std::string* value = find<std::string>(key);
+    return value == nullptr ? std::nullopt : std::optional(*value);
+}
+
+std::optional<std::vector<std::uint8_t>>
+FileUserDefaults::objectForKey(const std::string& key) const {
+    const auto* value = find<std::vector<std::uint8_t>>(key);
+    return value == nullptr ? std::nullopt : std::optional(*value);
+}
+
+void FileUserDefaults::setObject(const std::vector<std::uint8_t>& value, const std::string& key) {
+    values_[key] = value;
+    isChanged_ = true;
+}
+
+void FileUserDefaults::synchronize() {
+    if (!isChanged_ || !isReadable_) {
+        return;
+    }
+    const std::string target = behindLinks(path_);
+    std::error_code error;
+    std::filesystem::create_directories(std::filesystem::path(target).parent_path(), error);
+    if (replaceFile(target, settingsText(values_))) {
+        isChanged_ = false;
+    } else {
+        log_("The settings cannot be written to '" + target + "': " + std::strerror(errno) +
+             ". They are lost when the program ends.");
+    }
+}
+
+void FileUserDefaults::setSystemString(const std::string& key,
+                                       std::function<std::optional<std::string>()> answer) {
+    systemStrings_[key] = std::move(answer);
+}
+
+std::string settingsPath() {
+    return configurationFolder() + "/vistrane/settings";
+}
+
+} // namespace vistrane
