@@ -47,6 +47,7 @@ struct PictureSize;
 ///   devices, session ... capture/devices.cpp
 ///   interval, schedule . capture/schedule.cpp
 ///   stills ............. capture/stills.cpp
+///   preview ............ preview/player.cpp
 ///   compile job ........ compiler/compile_job.cpp
 ///   movie writer ....... compiler/movie_writer.cpp
 ///   pixel buffers ...... compiler/pixel_buffer.cpp
@@ -190,6 +191,14 @@ public:
                                                const AVCapturePhoto* photo,
                                                const std::optional<NSError>& error) override;
     void saveTheimage(const std::shared_ptr<NSImage>& image);
+
+    // ---- Preview -------------------------------------------------------------------------------
+    /// Shows the frame under the frame slider. A running playback goes on from there.
+    void sliderDisplaying(NSObject* sender);
+    /// Starts the playback at the first frame, or stops it.
+    void playPictures(NSObject* sender);
+    /// Shows one frame, or ends the playback past the last.
+    void startPlayTimer(NSTimer* timer);
 
     // ---- Compile job ---------------------------------------------------------------------------
     void genneratingMovie(NSObject* sender);

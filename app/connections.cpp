@@ -1,37 +1,10 @@
 #include "app/AppDelegate.h"
 
-#include "platform/appkit/NSNib.h"
+#include "app/Outlets.h"
+#include "platform/appkit/AppKit.h"
+#include "preview/hidenSlidercell.h"
 
 namespace vistrane {
-
-namespace {
-
-/// Takes outlets by name and notes the missing ones.
-class Outlets {
-public:
-    explicit Outlets(NSNib& nib) : nib_(nib) {}
-
-    template <typename Control>
-    void require(const std::string& name, std::shared_ptr<Control>& field) {
-        nib_.outlet(name, field);
-        if (!field) {
-            missing_.push_back(name);
-        }
-    }
-
-    template <typename Control>
-    void take(const std::string& name, std::shared_ptr<Control>& field) {
-        nib_.outlet(name, field);
-    }
-
-    const std::vector<std::string>& missing() const { return missing_; }
-
-private:
-    NSNib& nib_;
-    std::vector<std::string> missing_;
-};
-
-} // namespace
 
 std::vector<std::string> AppDelegate::connectInterface(NSNib& nib) {
     Outlets outlets(nib);
@@ -65,7 +38,12 @@ std::vector<std::string> AppDelegate::connectInterface(NSNib& nib) {
     nib.action("timeIntervalchanged:", [this](NSObject* sender) { timeIntervalchanged(sender); });
     nib.action("startRunning:", [this](NSObject* sender) { startRunning(sender); });
     nib.action("addFrameClick:", [this](NSObject* sender) { addFrameClick(sender); });
+    nib.action("sliderDisplaying:", [this](NSObject* sender) { sliderDisplaying(sender); });
+    nib.action("playPictures:", [this](NSObject* sender) { playPictures(sender); });
     nib.action("genneratingMovie:", [this](NSObject* sender) { genneratingMovie(sender); });
+
+    nib.sliderCell("hidenSlidercell",
+                   [this] { return std::make_shared<hidenSlidercell>(platform_.appKit); });
     return outlets.missing();
 }
 
