@@ -1,0 +1,131 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSImageView.h"
+#include "platform/appkit/NSMenu.h"
+#include "platform/appkit/NSPanel.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSView.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/platform.h"
+
+namespace vistrane {
+
+class NSNib;
+class NSUserDefaults;
+
+/// The info panel: version, tips, links, mails and the Dock switch. It shares nothing with the
+/// controller but the user's settings.
+///
+/// Contents
+///   fields ............. who fills them
+///   set-up ............. infopanel/set_up.cpp
+///   tips ............... infopanel/tips.cpp, the pages in infopanel/tip_pages.cpp
+///   promotion menus .... infopanel/promotion_menus.cpp, their table in infopanel/promotions.cpp
+///   dock icon .......... infopanel/dock.cpp
+///   auto-start hint .... infopanel/autostart.cpp
+///   links .............. infopanel/links.cpp, the addresses in infopanel/promotions.cpp
+///   mails .............. infopanel/mails.cpp
+///
+/// Main thread only. The panel outlives its menus and queued work: it lives as long as the process.
+/// Actions take the sender and, but for `excuteMyPromo`, ignore it.
+///
+/// Several names are irregular; they are part of the interface and stay as they are.
+class mantisQRXpanel : public NSPanel {
+public:
+    explicit mantisQRXpanel(const Platform& platform);
+
+    // ---- Outlets: filled from the interface file, never replaced ------------------------------
+    // Each gets a submenu of its own: S and M with pictures, D without.
+    std::shared_ptr<NSMenuItem> mantisSubmenuS;
+    std::shared_ptr<NSMenuItem> mantisSubmenuD;
+    std::shared_ptr<NSMenuItem> mantisSubmenuM;
+    /// Shown in the auto-start hint; may be missing.
+    std::shared_ptr<NSView> tipView;
+    /// On shows the Dock icon.
+    std::shared_ptr<NSButton> dockButton;
+    /// Closed when the Dock icon goes away.
+    std::shared_ptr<NSMenu> sMenu;
+    std::shared_ptr<NSTextField> versionLabel;
+    /// Gets the name and version as its title.
+    std::shared_ptr<NSWindow> myWindow;
+    /// "Do not show again."
+    std::shared_ptr<NSButton> tipButton;
+    std::shared_ptr<NSWindow> tipWindow;
+    std::shared_ptr<NSImageView> tipImage;
+    std::shared_ptr<NSTextField> tipText;
+    std::shared_ptr<NSTextField> picCount; ///< "%d of %d"
+
+    // ---- Written by the set-up -----------------------------------------------------------------
+    std::string appVersion;
+
+    // ---- Written by all that uses the settings -------------------------------------------------
+    /// Fetched anew before each use.
+    NSUserDefaults* defaults = nullptr;
+
+    // ---- Written by the tips -------------------------------------------------------------------
+    /// The check box as last read or saved: 1 does not show the tips at the start.
+    std::int64_t neverTip = 0;
+    /// The page; 1 to 4 once the tips were opened.
+    std::int32_t demoCount = 0;
+
+    // ---- Set-up --------------------------------------------------------------------------------
+    /// Takes the window and the outlets and offers the actions. Returns the names of the outlets
+    /// that the interface file lacks although the panel cannot do without them.
+    std::vector<std::string> connectInterface(NSNib& nib);
+    /// Once, when the outlets are filled. Opens the tips unless the user did not want them again.
+    void awakeFromNib();
+
+    // ---- Tips ----------------------------------------------------------------------------------
+    void showEasyStartTip(NSObject* sender);
+    void tipNext(NSObject* sender);
+    void tipPreverious(NSObject* sender);
+    /// Shows the page of `demoCount`.
+    void changePictures(NSObject* sender);
+    void tipButtonChanged(NSObject* sender);
+    /// The tips window closes.
+    void windowWillClose(NSObject* sender);
+
+    // ---- Promotion menus -----------------------------------------------------------------------
+    /// Replaces the three submenus.
+    void addingPromoAppsOfmantisQRX(const std::vector<std::string>& titles);
+    /// Opens the store page of the application that the sender, a menu's item, stands for; the
+    /// list of all applications when it stands for none.
+    void excuteMyPromo(NSObject* sender);
+
+    // ---- Dock icon -----------------------------------------------------------------------------
+    /// Shows the saved setting in the check box and applies it, without bringing the program to
+    /// the front. Once, when the panel and the controller are awake and before a window shows.
+    void restoreDockSetting();
+    void dockIconSwitching(NSObject* sender);
+    /// Saves the Dock setting and answers yes. Nothing else saves it: whoever ends the program asks
+    /// this first.
+    bool applicationShouldTerminateAfterLastWindowClosed();
+
+    // ---- Auto-start hint -----------------------------------------------------------------------
+    void tipsForAutostart(NSObject* sender);
+
+    // ---- Links ---------------------------------------------------------------------------------
+    void rateMe(NSObject* sender);
+    void moreBYmantisqrx(NSObject* sender);
+
+    // ---- Mails ---------------------------------------------------------------------------------
+    void sendEmailtoMe(NSObject* sender);
+    void featureRequest(NSObject* sender);
+
+private:
+    NSUserDefaults& fetchDefaults();
+    void showPageNumber();
+    void saveTipSetting();
+    void open(const std::string& address);
+    void openMail(const std::string& subjectFormat, const std::string& bodyTail);
+
+    Platform platform_;
+};
+
+} // namespace vistrane

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace vistrane {
+
+inline constexpr char applicationName[] = "Vistrane";
+
+} // namespace vistrane
