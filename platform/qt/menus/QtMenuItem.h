@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <QAction>
+#include <QIcon>
+#include <QMetaObject>
+#include <QPointer>
+
+#include "platform/appkit/NSMenu.h"
+
+namespace vistrane {
+
+class QtMenu;
+
+/// Makes a picture of the program into one that a menu shows.
+using MenuIconMaker = std::function<QIcon(const NSImage&)>;
+
+/// An entry of a menu over a QAction: one that a QtMenu made, or one of the interface file. The
+/// action belongs to its menu; the entry goes quiet when that is destroyed.
+class QtMenuItem final : public NSMenuItem {
+public:
+    /// `sends` is called when the user chooses the entry, once it has a target; it may be empty.
+    QtMenuItem(QAction& item, MenuIconMaker iconMaker, NSAction sends = {});
+    ~QtMenuItem() override;
+
+    std::optional<std::string> representedObject() const override;
+    void setRepresentedObject(const std::string& object) override;
+    void setTarget(NSObject* target) override;
+    /// Shown whatever the desktop's rule on pictures in menus is.
+    void setImage(std::shared_ptr<NSImage> image) override;
+    void setSubmenu(std::shared_ptr<NSMenu> submenu) override;
+
+    /// Null when the menu is gone.
+    QAction* qtAction() const;
+
+private:
+    void send();
+
+    QPointer<QAction> item_;
+    MenuIconMaker iconMaker_;
+    NSAction sends_;
+    QMetaObject::Connection triggered_;
+    std::optional<std::string> representedObject_;
+    NSObject* target_ = nullptr;
+    std::shared_ptr<QtMenu> submenu_;
+};
+
+} // namespace vistrane
