@@ -11,16 +11,18 @@ void ConsolePopUpButton::removeAllItems() {
 
 void ConsolePopUpButton::addItemWithTitle(const std::string& title) {
     const auto same = std::find(titles_.begin(), titles_.end(), title);
-    const NSInteger removed = same == titles_.end() ? -1 : same - titles_.begin();
-    if (removed >= 0) {
+    if (same != titles_.end()) {
+        const NSInteger removed = same - titles_.begin();
         titles_.erase(same);
+        if (removed == selected_) {
+            selected_ = 0;
+        } else if (removed < selected_) {
+            --selected_;
+        }
     }
     titles_.push_back(title);
-    const auto last = static_cast<NSInteger>(titles_.size()) - 1;
-    if (last == 0 || (removed >= 0 && removed == selected_)) {
-        selected_ = last;
-    } else if (removed >= 0 && removed < selected_) {
-        --selected_;
+    if (titles_.size() == 1) {
+        selected_ = 0;
     }
 }
 

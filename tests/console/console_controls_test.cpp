@@ -148,14 +148,6 @@ TEST(ConsolePopUpButton, AnItemThatIsNotThereCannotBePicked) {
     EXPECT_EQ(popUp.indexOfSelectedItem(), 0);
 }
 
-TEST(ConsolePopUpButton, ASelectedItemThatIsReplacedStaysSelected) {
-    ConsolePopUpButton popUp;
-    for (const char* title : {"A", "B", "A"}) {
-        popUp.addItemWithTitle(title);
-    }
-    EXPECT_EQ(popUp.itemTitles()[static_cast<std::size_t>(popUp.indexOfSelectedItem())], "A");
-}
-
 TEST(ConsoleProgressIndicator, TellsItsObserver) {
     ConsoleProgressIndicator indicator;
     double value = -1.0;

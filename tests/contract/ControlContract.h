@@ -198,6 +198,19 @@ TYPED_TEST_P(ControlContract, AnOnlyItemThatIsReplacedIsSelectedAgain) {
     EXPECT_EQ(popUp->indexOfSelectedItem(), 0);
 }
 
+TYPED_TEST_P(ControlContract, WhenTheSelectedItemIsReplacedTheFirstOfTheOthersIsSelected) {
+    for (const NSInteger selected : {0, 1, 2}) {
+        const auto popUp = this->backend_.popUp();
+        popUp->removeAllItems();
+        for (const char* title : {"A", "B", "C"}) {
+            popUp->addItemWithTitle(title);
+        }
+        this->backend_.pick(*popUp, selected);
+        popUp->addItemWithTitle(std::string(1, static_cast<char>('A' + selected)));
+        EXPECT_EQ(popUp->indexOfSelectedItem(), 0) << selected;
+    }
+}
+
 TYPED_TEST_P(ControlContract, TheSelectionStaysWithItsItem) {
     const auto popUp = this->backend_.popUp();
     for (const char* title : {"A", "B", "C"}) {
@@ -241,8 +254,9 @@ REGISTER_TYPED_TEST_SUITE_P(ControlContract, AButtonKeepsItsTitleByteForByte, AB
                             ASliderRoundsToTheNearestAndHalvesAwayFromZero,
                             AnEmptyListHasNoSelection, TheFirstItemOfAnEmptyListIsSelected,
                             AnItemOfTheSameTitleIsReplacedByOneAtTheEnd,
-                            AnOnlyItemThatIsReplacedIsSelectedAgain, TheSelectionStaysWithItsItem,
-                            AViewHasALayerWhenOneIsWanted, AnImageViewTakesNoPicture,
-                            AWindowTakesNoFirstResponder);
+                            AnOnlyItemThatIsReplacedIsSelectedAgain,
+                            WhenTheSelectedItemIsReplacedTheFirstOfTheOthersIsSelected,
+                            TheSelectionStaysWithItsItem, AViewHasALayerWhenOneIsWanted,
+                            AnImageViewTakesNoPicture, AWindowTakesNoFirstResponder);
 
 } // namespace vistrane
