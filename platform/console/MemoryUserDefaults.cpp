@@ -1,5 +1,7 @@
 #include "platform/console/MemoryUserDefaults.h"
 
+#include "platform/foundation/NSString.h"
+
 namespace vistrane {
 
 template <typename Type>
@@ -9,8 +11,11 @@ const Type* MemoryUserDefaults::find(const std::string& key) const {
 }
 
 NSInteger MemoryUserDefaults::integerForKey(const std::string& key) const {
-    const NSInteger* value = find<NSInteger>(key);
-    return value == nullptr ? 0 : *value;
+    if (const NSInteger* value = find<NSInteger>(key)) {
+        return *value;
+    }
+    const auto* text = find<std::string>(key);
+    return text == nullptr ? 0 : integerValue(*text);
 }
 
 void MemoryUserDefaults::setInteger(NSInteger value, const std::string& key) {

@@ -12,7 +12,8 @@ namespace vistrane {
 /// The per-user settings: a persistent map from keys to values. Main thread only.
 class NSUserDefaults : public NSObject {
 public:
-    /// 0 for a key that is absent or holds no number.
+    /// 0 for a key that is absent or holds neither a number nor a text; a text is read as
+    /// `integerValue` reads it, its leading integer.
     virtual NSInteger integerForKey(const std::string& key) const = 0;
     virtual void setInteger(NSInteger value, const std::string& key) = 0;
 

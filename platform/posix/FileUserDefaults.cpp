@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/foundation/NSString.h"
 #include "platform/posix/user_folders.h"
 
 namespace vistrane {
@@ -149,8 +150,11 @@ const Type* FileUserDefaults::find(const std::string& key) const {
 }
 
 NSInteger FileUserDefaults::integerForKey(const std::string& key) const {
-    const NSInteger* value = find<NSInteger>(key);
-    return value == nullptr ? 0 : *value;
+    if (const NSInteger* value = find<NSInteger>(key)) {
+        return *value;
+    }
+    const std::optional<std::string> text = stringForKey(key);
+    return text ? integerValue(*text) : 0;
 }
 
 void FileUserDefaults::setInteger(NSInteger value, const std::string& key) {

@@ -1,11 +1,16 @@
 #include "platform/sim/SimUserDefaults.h"
 
+#include "platform/foundation/NSString.h"
+
 namespace vistrane {
 
 NSInteger SimUserDefaults::integerForKey(const std::string& key) const {
     mainCall("integerForKey: " + key);
-    const auto* value = find<NSInteger>(key);
-    return value ? *value : 0;
+    if (const auto* value = find<NSInteger>(key)) {
+        return *value;
+    }
+    const auto* text = find<std::string>(key);
+    return text ? integerValue(*text) : 0;
 }
 
 void SimUserDefaults::setInteger(NSInteger value, const std::string& key) {

@@ -26,6 +26,8 @@ public:
     Values values;
     /// The values as they were synchronised last.
     Values durableValues;
+    /// Another start of the program: what was not synchronised is gone.
+    void reopen() { values = durableValues; }
 
 private:
     template <class T>

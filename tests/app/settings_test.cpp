@@ -81,9 +81,19 @@ TEST_F(Settings, AnyMarkerOtherThanOneStoresTheDefaultsButNoMinute) {
 }
 
 TEST_F(Settings, AMarkerThatIsNoNumberCountsAsTheFirstRun) {
-    store() = {{"firstTimeRunning", std::string("1")}};
+    for (const auto& marker : {SimUserDefaults::Value(std::string("abc")),
+                               SimUserDefaults::Value(std::vector<std::uint8_t>{1})}) {
+        store() = {{"firstTimeRunning", marker}};
+        delegate.userDefaultsLoad();
+        EXPECT_THAT(sim.takeCalls(), Contains("NSBeep"));
+    }
+}
+
+TEST_F(Settings, AMarkerInDigitsCountsAsANumber) {
+    store() = {{"firstTimeRunning", std::string("1")}, {"iHour", std::string("7")}};
     delegate.userDefaultsLoad();
-    EXPECT_THAT(sim.calls(), Contains("NSBeep"));
+    EXPECT_THAT(sim.calls(), Not(Contains("NSBeep")));
+    expectFields("7", "0", "0");
 }
 
 TEST_F(Settings, AStoredHourBeyondTheRangeIsShownClamped) {

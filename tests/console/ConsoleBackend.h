@@ -29,6 +29,10 @@ public:
     }
 
     NSUserDefaults& userDefaults() { return defaults_; }
+    void storeText(const std::string& text, const std::string& key) {
+        defaults_.setString(text, key);
+    }
+    bool reopen() { return false; }
 
     std::unique_ptr<NSAlert> alert() { return std::make_unique<ConsoleAlert>(alertRules_); }
     std::unique_ptr<NSAlert> alertWithError(const NSError& error) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <initializer_list>
 #include <limits>
+#include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -11,7 +14,9 @@ namespace vistrane {
 
 /// The settings. A backend has
 ///
-///     NSUserDefaults& userDefaults();    empty
+///     NSUserDefaults& userDefaults();    empty at first
+///     void storeText(const std::string& text, const std::string& key);    as another program does
+///     bool reopen();      as after a crash and another start; false when nothing is ever kept
 template <typename Backend>
 class UserDefaultsContract : public ::testing::Test {
 protected:
@@ -62,14 +67,34 @@ TYPED_TEST_P(UserDefaultsContract, AKeyHoldsWhatWasSetLast) {
     EXPECT_EQ(this->defaults().objectForKey("key"), std::nullopt);
 }
 
+TYPED_TEST_P(UserDefaultsContract, ATextComesBack) {
+    this->backend_.storeText("Dark", "AppleInterfaceStyle");
+    EXPECT_EQ(this->defaults().stringForKey("AppleInterfaceStyle"), "Dark");
+    EXPECT_EQ(this->defaults().objectForKey("AppleInterfaceStyle"), std::nullopt);
+}
+
+TYPED_TEST_P(UserDefaultsContract, ATextIsReadAsItsLeadingInteger) {
+    for (const auto& [text, number] : std::initializer_list<std::pair<const char*, NSInteger>>{
+             {"1", 1}, {" 12x", 12}, {"-3", -3}, {"5.9", 5}, {"abc", 0}, {"x1", 0}, {"", 0}}) {
+        this->backend_.storeText(text, "firstTimeRunning");
+        EXPECT_EQ(this->defaults().integerForKey("firstTimeRunning"), number) << text;
+    }
+}
+
 TYPED_TEST_P(UserDefaultsContract, SynchronizeKeepsTheValues) {
     this->defaults().setInteger(7, "iHour");
+    this->defaults().setObject({0, 255}, "iData");
     this->defaults().synchronize();
+    if (!this->backend_.reopen()) {
+        GTEST_SKIP() << "These settings are kept for one run only.";
+    }
     EXPECT_EQ(this->defaults().integerForKey("iHour"), 7);
+    EXPECT_EQ(this->defaults().objectForKey("iData"), (std::vector<std::uint8_t>{0, 255}));
 }
 
 REGISTER_TYPED_TEST_SUITE_P(UserDefaultsContract, AnAbsentKeyGivesNothing, AnIntegerComesBack,
                             BytesComeBack, KeysAreToldApartByCase, AKeyHoldsWhatWasSetLast,
+                            ATextComesBack, ATextIsReadAsItsLeadingInteger,
                             SynchronizeKeepsTheValues);
 
 } // namespace vistrane

@@ -29,6 +29,13 @@ public:
     std::unique_ptr<NSDateFormatter> formatter() { return foundation().dateFormatter(); }
     std::shared_ptr<const NSLocale> locale() { return foundation().currentLocale(); }
     NSUserDefaults& userDefaults() { return foundation().standardUserDefaults(); }
+    void storeText(const std::string& text, const std::string& key) {
+        sim_.defaults().values[key] = text;
+    }
+    bool reopen() {
+        sim_.defaults().reopen();
+        return true;
+    }
 
     NSFileManager& fileManager() { return foundation().defaultManager(); }
     std::string emptyFolder() {
