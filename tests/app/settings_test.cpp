@@ -139,8 +139,13 @@ TEST_F(Settings, TheLoopRunsForAFifthOfASecondBeforeTheControlsAreSet) {
 }
 
 TEST_F(Settings, TheDefaultsAreStoredBeforeThatPause) {
-    sim.at(0.1, [&] { EXPECT_THAT(store(), Contains(Pair("iSecond", number(5)))); });
+    bool ran = false;
+    sim.at(0.1, [&] {
+        ran = true;
+        EXPECT_THAT(store(), Contains(Pair("iSecond", number(5))));
+    });
     delegate.userDefaultsLoad();
+    EXPECT_TRUE(ran);
 }
 
 TEST_F(Settings, SavingStoresWhatTheControlsHoldAndSynchronises) {
