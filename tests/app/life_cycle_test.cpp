@@ -184,7 +184,9 @@ TEST_F(LifeCycle, TheFrameRateHelpOpensOneWebPage) {
 }
 
 TEST_F(LifeCycle, AFrameRateHelpThatDoesNotOpenSaysNothing) {
+    static_cast<SimWorkspace&>(sim.platform().appKit.sharedWorkspace()).opens = false;
     delegate.whatisFPS(nullptr);
+    EXPECT_THAT(sim.calls(), ElementsAre(StartsWith("sharedWorkspace openURL: https://")));
     EXPECT_THAT(sim.alerts().shown(), IsEmpty());
     EXPECT_THAT(sim.logLines(), IsEmpty());
 }

@@ -73,6 +73,7 @@ TEST_F(CompileRace, SecondJobsMayBeStartedWhileTheFirstRuns) {
     // goes on until the program ends. Here it ends with the test.
     sim.advance(1.0);
     sim.threads().end();
+    EXPECT_EQ(sim.threads().count(), 4U);
     EXPECT_GE(sim.movies().appends().size(), 5U);
 }
 

@@ -1,4 +1,8 @@
 #include "folder/frame_list.h"
+
+#include <algorithm>
+#include <iterator>
+
 #include "tests/support/ControllerTest.h"
 
 namespace vistrane {
@@ -11,6 +15,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
+using ::testing::UnorderedElementsAre;
 
 const std::string placeholder = "click to select the output folder";
 const std::string listing = "defaultManager contentsOfDirectoryAtPath: /f";
@@ -41,6 +46,12 @@ TEST_F(FrameList, OnlyTheExactExtensionCounts) {
     add({"b.png", "a.PNG", "c.jpg", "d.Png", "e.png.txt", "png", "f.png ", "g.pngx"});
     refresh();
     EXPECT_THAT(list(), ElementsAre("/f/b.png"));
+}
+
+TEST_F(FrameList, AnExtensionWithoutANameIsAFrame) {
+    add({".png", "1.png", "png."});
+    refresh();
+    EXPECT_THAT(list(), UnorderedElementsAre("/f/.png", "/f/1.png"));
 }
 
 TEST_F(FrameList, HiddenNamesAndFoldersOfThatExtensionAreFrames) {
@@ -101,6 +112,17 @@ TEST_F(FrameList, TheFirstListingShowsTheNewestFrameStepByStep) {
     EXPECT_EQ(delegate.playing, 2);
 }
 
+TEST_F(FrameList, TheReadOutTakesItsNumberFromTheSlider) {
+    add({"1.png", "2.png", "3.png"});
+    sim.recordGetters();
+    const std::vector<std::string> calls = refresh();
+    const auto readOutIsSet =
+        std::find(calls.begin(), calls.end(), "currentS setStringValue: Displaying frame 3 of 3");
+    ASSERT_NE(readOutIsSet, calls.end());
+    ASSERT_NE(readOutIsSet, calls.begin());
+    EXPECT_EQ(*std::prev(readOutIsSet), "photoSlider intValue");
+}
+
 TEST_F(FrameList, AFourthFrameIsShownAndWidensTheSlider) {
     add({"1.png", "2.png", "3.png"});
     refresh();
@@ -114,11 +136,24 @@ TEST_F(FrameList, AFourthFrameIsShownAndWidensTheSlider) {
     EXPECT_EQ(delegate.playing, 3);
 }
 
-TEST_F(FrameList, ADeletedFrameShowsTheNewLastOne) {
+TEST_F(FrameList, WhenTheLastFrameIsDeletedTheNewLastOneIsShown) {
     add({"1.png", "2.png", "3.png", "4.png"});
     refresh();
-    sim.files().remove("/f/2.png");
+    sim.files().remove("/f/4.png");
     refresh();
+    EXPECT_EQ(shown(), "/f/3.png");
+    EXPECT_EQ(readOut(), "Displaying frame 3 of 3");
+    EXPECT_EQ(slider("photoSlider").value(), 2.0);
+    EXPECT_EQ(slider("photoSlider").maximum(), 2.0);
+    EXPECT_EQ(delegate.playing, 2);
+}
+
+TEST_F(FrameList, WhenAnotherFrameIsDeletedTheLastOneIsShown) {
+    add({"1.png", "2.png", "3.png", "4.png"});
+    refresh();
+    slider("photoSlider").drag(0.0);
+    sim.files().remove("/f/2.png");
+    EXPECT_THAT(refresh(), Contains("myDisplay setImage: /f/4.png"));
     EXPECT_EQ(shown(), "/f/4.png");
     EXPECT_EQ(readOut(), "Displaying frame 3 of 3");
     EXPECT_EQ(slider("photoSlider").maximum(), 2.0);
