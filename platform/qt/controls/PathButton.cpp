@@ -1,0 +1,60 @@
+#include "platform/qt/controls/PathButton.h"
+
+#include <QHelpEvent>
+#include <QStyleOptionButton>
+#include <QStylePainter>
+#include <QToolTip>
+
+#include "platform/qt/controls/shown_text.h"
+
+namespace vistrane {
+
+namespace {
+
+/// A path reads from left to right in every language.
+QString isolated(const QString& path) {
+    return QChar(0x2066) + path + QChar(0x2069);
+}
+
+} // namespace
+
+QSize PathButton::sizeHint() const {
+    // Of the button's own accord no wider than the shortest path; its layout gives it more.
+    constexpr int width = 240;
+    return QPushButton::sizeHint().boundedTo(QSize(width, QWIDGETSIZE_MAX));
+}
+
+QSize PathButton::minimumSizeHint() const {
+    constexpr int width = 120;
+    return sizeHint().boundedTo(QSize(width, QWIDGETSIZE_MAX));
+}
+
+QString PathButton::fittingText() const {
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    constexpr int padding = 12;
+    const int icon = option.icon.isNull() ? 0 : option.iconSize.width() + padding;
+    const QRect inside = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this);
+    return fontMetrics().elidedText(text(), Qt::ElideMiddle, inside.width() - icon - padding,
+                                    Qt::TextShowMnemonic);
+}
+
+bool PathButton::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QPushButton::event(event);
+    }
+    const QString fitting = fittingText();
+    const QString shown = fitting == text() ? toolTip() : withoutMarks(text());
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), shown, this);
+    return true;
+}
+
+void PathButton::paintEvent(QPaintEvent*) {
+    QStylePainter painter(this);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.text = isolated(fittingText());
+    painter.drawControl(QStyle::CE_PushButton, option);
+}
+
+} // namespace vistrane

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <QColor>
+#include <QImage>
+#include <QPixmap>
+#include <QWidget>
+
+#include "platform/appkit/NSImage.h"
+
+namespace vistrane {
+
+/// A place for one picture: as large as it fits with its shape kept, centred. Main thread only.
+///
+/// A picture file is decoded once, when it is first painted, and scaled once for each size and
+/// scale of the screen. One that turns out to be damaged shows as none.
+class PictureWidget : public QWidget {
+public:
+    explicit PictureWidget(QWidget* parent = nullptr);
+
+    /// Nothing lets shine through what is behind.
+    void setBackground(std::optional<QColor> color);
+
+    /// Null empties the place.
+    void setPicture(std::shared_ptr<NSImage> picture);
+    /// Moving pictures: each takes the place of the last one, painted or not.
+    void setFrame(QImage frame);
+
+    /// Called when the place comes to be seen, with true, and when it is seen no longer.
+    void setVisibilityHandler(std::function<void(bool)> handler);
+
+    QSize sizeHint() const override { return preferredSize_; }
+    void setPreferredSize(QSize size);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void decode();
+    QRect placeFor(const QSizeF& shape) const;
+    void paintPicture(QPainter& painter);
+    void paintPixels(QPainter& painter, const QRect& place);
+    void paintHint(QPainter& painter) const;
+
+    std::optional<QColor> background_;
+    /// Until it is decoded, or as long as it is made of vectors.
+    std::shared_ptr<NSImage> picture_;
+    bool isMovingPicture_ = false;
+    /// A hint makes room for the first picture and does not come back.
+    bool hadPicture_ = false;
+    QImage pixels_;
+    QSizeF shape_;
+    QPixmap scaled_;
+    std::function<void(bool)> visibilityHandler_;
+    QSize preferredSize_{320, 240};
+};
+
+} // namespace vistrane

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QPainter>
+#include <QRectF>
+
+#include "platform/appkit/NSGraphicsContext.h"
+#include "platform/coregraphics/CGGeometry.h"
+
+namespace vistrane {
+
+/// The graphics context of a widget that paints itself; in use no longer than the painter.
+class QtGraphicsContext final : public NSGraphicsContext {
+public:
+    /// The context's origin is the bottom left corner of `height` points.
+    QtGraphicsContext(QPainter& painter, double height) : painter_(painter), height_(height) {}
+
+    QPainter& painter() const { return painter_; }
+
+    /// The painter's coordinates, from the top, of a rectangle of the context, and back.
+    QRectF fromBottomLeft(const NSRect& rect) const {
+        return {rect.origin.x, height_ - rect.origin.y - rect.size.height, rect.size.width,
+                rect.size.height};
+    }
+    NSRect toBottomLeft(const QRectF& rect) const {
+        return {{rect.x(), height_ - rect.y() - rect.height()}, {rect.width(), rect.height()}};
+    }
+
+private:
+    QPainter& painter_;
+    double height_;
+};
+
+} // namespace vistrane

@@ -1,0 +1,98 @@
+#include "platform/qt/controls/QtNib.h"
+
+#include <utility>
+
+#include "platform/qt/controls/QtSlider.h"
+#include "platform/qt/controls/QtWindow.h"
+
+namespace vistrane {
+
+void QtNib::addOutlet(const std::string& name, std::shared_ptr<NSObject> control) {
+    outlets_[name] = std::move(control);
+}
+
+void QtNib::addSender(const std::string& selector, Connection connect) {
+    senders_.emplace(selector, std::move(connect));
+}
+
+void QtNib::addCellSlider(const std::string& className, std::shared_ptr<QtSlider> slider) {
+    cellSliders_.emplace(className, std::move(slider));
+}
+
+void QtNib::setPanelWindow(std::shared_ptr<QtWindow> window) {
+    panelWindow_ = std::move(window);
+}
+
+template <typename Type>
+void QtNib::fill(const std::string& name, std::shared_ptr<Type>& field) const {
+    const auto entry = outlets_.find(name);
+    if (entry == outlets_.end()) {
+        return;
+    }
+    if (std::shared_ptr<Type> control = std::dynamic_pointer_cast<Type>(entry->second)) {
+        field = std::move(control);
+    }
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSWindow>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSTextField>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSSlider>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSButton>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSImageView>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSPopUpButton>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSView>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSProgressIndicator>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSMenu>& field) {
+    fill(name, field);
+}
+
+void QtNib::outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) {
+    fill(name, field);
+}
+
+void QtNib::window(NSPanel& panel) {
+    panel.setContents(panelWindow_);
+}
+
+void QtNib::sliderCell(const std::string& className,
+                       std::function<std::shared_ptr<NSSliderCell>()> make) {
+    const auto [first, last] = cellSliders_.equal_range(className);
+    for (auto entry = first; entry != last; ++entry) {
+        const std::shared_ptr<NSSliderCell> cell = make();
+        cell->awakeFromNib();
+        entry->second->setCell(cell);
+    }
+}
+
+void QtNib::action(const std::string& selector, NSAction method) {
+    const auto [first, last] = senders_.equal_range(selector);
+    for (auto entry = first; entry != last; ++entry) {
+        entry->second(method);
+    }
+}
+
+} // namespace vistrane

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include <QProgressBar>
+
+#include "platform/appkit/NSProgressIndicator.h"
+
+namespace vistrane {
+
+/// A bar on a widget that outlives it. An empty range shows as an empty bar.
+class QtProgressIndicator final : public NSProgressIndicator {
+public:
+    explicit QtProgressIndicator(QProgressBar& widget) : widget_(widget) {
+        widget.setRange(0, steps);
+        show();
+    }
+
+    void setMaxValue(double value) override {
+        maximum_ = value;
+        show();
+    }
+    void setDoubleValue(double value) override {
+        value_ = value;
+        show();
+    }
+
+private:
+    static constexpr int steps = 1000;
+
+    void show() {
+        const double part = maximum_ > 0.0 ? value_ / maximum_ : 0.0;
+        // The comparison is false for what is no number.
+        widget_.setValue(part > 0.0 ? static_cast<int>(std::lround(std::min(part, 1.0) * steps))
+                                    : 0);
+    }
+
+    QProgressBar& widget_;
+    double maximum_ = 100.0;
+    double value_ = 0.0;
+};
+
+} // namespace vistrane

@@ -1,0 +1,150 @@
+#include "platform/qt/controls/SliderWidget.h"
+
+#include <cmath>
+#include <utility>
+
+#include <QMouseEvent>
+#include <QStyleOptionSlider>
+#include <QStylePainter>
+
+#include "platform/media/pictures/graphics_state.h"
+#include "platform/qt/controls/QtGraphicsContext.h"
+
+namespace vistrane {
+
+namespace {
+
+/// Points; the picture of a knob needs more room than the style's own.
+constexpr int knobSize = 20;
+constexpr int knobMargin = 3;
+
+} // namespace
+
+SliderWidget::SliderWidget(QWidget* parent) : QSlider(Qt::Horizontal, parent) {}
+
+void SliderWidget::setCell(std::shared_ptr<NSSliderCell> cell) {
+    cell_ = std::move(cell);
+    updateGeometry();
+    update();
+}
+
+QSize SliderWidget::sizeHint() const {
+    const QSize size = QSlider::sizeHint();
+    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * knobMargin)) : size;
+}
+
+QSize SliderWidget::minimumSizeHint() const {
+    const QSize size = QSlider::minimumSizeHint();
+    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * knobMargin)) : size;
+}
+
+QRectF SliderWidget::knobRect() const {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    const double range = width() - knobSize - 2.0 * knobMargin;
+    const int place = QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(),
+                                                      static_cast<int>(range), option.upsideDown);
+    return {static_cast<double>(knobMargin + place), (height() - knobSize) / 2.0,
+            static_cast<double>(knobSize), static_cast<double>(knobSize)};
+}
+
+int SliderWidget::valueAt(const QPointF& place) const {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    QRectF knob = knobRect();
+    double start = knobMargin;
+    double range = width() - knobSize - 2.0 * knobMargin;
+    if (!cell_) {
+        const QRect groove =
+            style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderGroove, this);
+        knob = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
+        start = groove.x();
+        range = groove.width() - knob.width();
+    }
+    return QStyle::sliderValueFromPosition(
+        minimum(), maximum(), static_cast<int>(std::lround(place.x() - start - knob.width() / 2.0)),
+        static_cast<int>(range), option.upsideDown);
+}
+
+void SliderWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || minimum() == maximum()) {
+        event->ignore();
+        return;
+    }
+    setSliderDown(true);
+    setSliderPosition(valueAt(event->position()));
+    update();
+}
+
+void SliderWidget::mouseMoveEvent(QMouseEvent* event) {
+    if (isSliderDown()) {
+        setSliderPosition(valueAt(event->position()));
+    } else {
+        event->ignore();
+    }
+}
+
+void SliderWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (isSliderDown() && event->button() == Qt::LeftButton) {
+        setSliderDown(false);
+        update();
+    } else {
+        event->ignore();
+    }
+}
+
+void SliderWidget::paintEvent(QPaintEvent* event) {
+    if (cell_) {
+        paintWithCell();
+    } else {
+        QSlider::paintEvent(event);
+    }
+}
+
+void SliderWidget::paintWithCell() {
+    QStylePainter painter(this);
+    const QRectF knob = knobRect();
+
+    constexpr double barHeight = 4.0;
+    const QRectF bar(0.0, (height() - barHeight) / 2.0, width(), barHeight);
+    const bool isReversed = layoutDirection() == Qt::RightToLeft;
+    QRectF passed = bar;
+    if (isReversed) {
+        passed.setLeft(knob.center().x());
+    } else {
+        passed.setRight(knob.center().x());
+    }
+    QColor barColor = palette().color(QPalette::WindowText);
+    constexpr double barOpacity = 0.25;
+    barColor.setAlphaF(static_cast<float>(barOpacity));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(barColor);
+    painter.drawRoundedRect(bar, barHeight / 2.0, barHeight / 2.0);
+    if (isEnabled() && maximum() > minimum()) {
+        painter.setBrush(palette().color(QPalette::Highlight));
+        painter.drawRoundedRect(passed, barHeight / 2.0, barHeight / 2.0);
+    }
+
+    const auto context = std::make_shared<QtGraphicsContext>(painter, height());
+    painter.setBrush(barColor);
+    const int ticks = property("numberOfTickMarks").toInt();
+    for (NSInteger index = 0; index < ticks; ++index) {
+        const NSRect tick = cell_->rectOfTickMarkAtIndex(index);
+        if (tick.size.width > 0.0 && tick.size.height > 0.0) {
+            painter.drawRect(context->fromBottomLeft(tick));
+        }
+    }
+
+    if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2.0));
+        painter.drawEllipse(knob.adjusted(-1.5, -1.5, 1.5, 1.5));
+    }
+    pushGraphicsContext();
+    setCurrentGraphicsContext(context);
+    cell_->drawKnob(context->toBottomLeft(knob));
+    popGraphicsContext();
+}
+
+} // namespace vistrane

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+
+#include <QSlider>
+
+#include "platform/appkit/NSSliderCell.h"
+
+namespace vistrane {
+
+/// A slider whose knob jumps to where it is clicked and follows the mouse from there.
+///
+/// With a cell it is the cell that draws the knob and says where the tick marks are; the property
+/// "numberOfTickMarks" says how many there are.
+class SliderWidget : public QSlider {
+public:
+    explicit SliderWidget(QWidget* parent = nullptr);
+
+    void setCell(std::shared_ptr<NSSliderCell> cell);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    void paintWithCell();
+    QRectF knobRect() const;
+    int valueAt(const QPointF& place) const;
+
+    std::shared_ptr<NSSliderCell> cell_;
+};
+
+} // namespace vistrane
