@@ -6,6 +6,7 @@
 #include "tests/contract/DispatchContract.h"
 #include "tests/contract/FileManagerContract.h"
 #include "tests/contract/LocaleContract.h"
+#include "tests/contract/MenuContract.h"
 #include "tests/contract/ThreadContract.h"
 #include "tests/contract/TimerContract.h"
 #include "tests/contract/UserDefaultsContract.h"
@@ -62,6 +63,13 @@ public:
     std::shared_ptr<NSImageView> imageView() { return outlet<NSImageView>("myDisplay"); }
     std::shared_ptr<NSWindow> window() { return outlet<NSWindow>("myWindow"); }
 
+    std::shared_ptr<NSMenu> menu() { return sim_.platform().appKit.menu(); }
+    std::vector<std::string> titles(NSMenu& menu) { return titlesOf(simMenu(menu)); }
+    std::vector<std::string> submenuTitles(NSMenu& menu, std::size_t index) {
+        return titlesOf(*simMenu(menu).items.at(index)->submenu);
+    }
+    void choose(NSMenu& menu, std::size_t index) { simMenu(menu).items.at(index)->choose(); }
+
     std::unique_ptr<NSAlert> alert() { return sim_.platform().appKit.alert(); }
     std::unique_ptr<NSAlert> alertWithError(const NSError& error) {
         return sim_.platform().appKit.alertWithError(error);
@@ -75,6 +83,15 @@ public:
     void confirmNextAlert(double seconds) { sim_.alerts().stayUp(seconds); }
 
 private:
+    static SimMenu& simMenu(NSMenu& menu) { return dynamic_cast<SimMenu&>(menu); }
+    static std::vector<std::string> titlesOf(const SimMenu& menu) {
+        std::vector<std::string> titles;
+        for (const auto& item : menu.items) {
+            titles.push_back(item->title);
+        }
+        return titles;
+    }
+
     template <typename Control>
     std::shared_ptr<Control> outlet(const std::string& name) {
         std::shared_ptr<Control> field;
@@ -92,6 +109,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DateFormatterContract, SimBackend, contract:
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DispatchContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, FileManagerContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, LocaleContract, SimBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Sim, MenuContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, ThreadContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, TimerContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, UserDefaultsContract, SimBackend, contract::Names);

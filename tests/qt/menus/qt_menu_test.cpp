@@ -50,15 +50,6 @@ protected:
     std::vector<NSObject*> senders_;
 };
 
-TEST_F(QtMenus, ItemsStandInTheOrderInWhichTheyWereAdded) {
-    add("first");
-    add("second");
-    const QList<QAction*> actions = menu_.qtMenu()->actions();
-    ASSERT_EQ(actions.size(), 2);
-    EXPECT_EQ(actions.at(0)->text(), "first");
-    EXPECT_EQ(actions.at(1)->text(), "second");
-}
-
 TEST_F(QtMenus, AnAmpersandInATitleIsShownAndIsNoMnemonic) {
     add("Day & Night");
     EXPECT_EQ(firstAction()->text(), "Day && Night");
@@ -77,38 +68,6 @@ TEST_F(QtMenus, AKeyEquivalentIsPressedWithTheCommandKey) {
 TEST_F(QtMenus, ACapitalKeyEquivalentIsPressedWithShiftToo) {
     add("item", "Q");
     EXPECT_EQ(firstAction()->shortcut(), QKeySequence("Ctrl+Shift+Q"));
-}
-
-TEST_F(QtMenus, AChosenItemSendsItselfToItsTarget) {
-    const auto item = add("item");
-    item->setTarget(&target_);
-    firstAction()->trigger();
-    EXPECT_EQ(senders_, std::vector<NSObject*>{item.get()});
-}
-
-TEST_F(QtMenus, AnItemWithoutATargetSendsNothing) {
-    const auto item = add("item");
-    firstAction()->trigger();
-    item->setTarget(&target_);
-    item->setTarget(nullptr);
-    firstAction()->trigger();
-    EXPECT_TRUE(senders_.empty());
-}
-
-TEST_F(QtMenus, AnItemWithoutAnActionSendsNothing) {
-    const auto item = menu_.addItemWithTitle("item", {}, "");
-    item->setTarget(&target_);
-    firstAction()->trigger();
-    EXPECT_TRUE(senders_.empty());
-}
-
-TEST_F(QtMenus, AnItemStandsForNothingUntilItIsTold) {
-    const auto item = add("item");
-    EXPECT_FALSE(item->representedObject().has_value());
-    item->setRepresentedObject("");
-    EXPECT_EQ(item->representedObject(), "");
-    item->setRepresentedObject("Day & Night");
-    EXPECT_EQ(item->representedObject(), "Day & Night");
 }
 
 TEST_F(QtMenus, APictureIsShownAndTakenAway) {
