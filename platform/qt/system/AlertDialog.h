@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+
+#include "platform/qt/system/QtAlert.h"
+
+namespace vistrane {
+
+/// The dialog of an alert. Its result is the number of the answering button, counted from 0; while
+/// it is open it borrows the accessory view's widget.
+///
+/// For whoever drives it: its object name is "alert", those of its buttons are "button0" and so on.
+class AlertDialog final : public QDialog {
+public:
+    AlertDialog(const AlertContents& contents, QWidget* accessory, QWidget* parent);
+    ~AlertDialog() override;
+
+    void reject() override;
+    /// Gives the accessory view's widget back.
+    void done(int result) override;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    QWidget* makePicture();
+    QWidget* makeTexts(const AlertContents& contents);
+    QWidget* makeButtons(const AlertContents& contents);
+    void returnAccessory();
+
+    int escapeButton_;
+    QPointer<QWidget> accessory_;
+    QPointer<QWidget> accessoryHome_;
+};
+
+} // namespace vistrane

@@ -1,0 +1,74 @@
+#include "platform/qt/system/QtAlert.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <utility>
+
+#include "platform/qt/system/AlertDialog.h"
+
+namespace vistrane {
+
+namespace {
+
+/// The answer on its way from the main thread to a waiting one.
+class Answer {
+public:
+    void set(int button) {
+        const std::lock_guard lock(mutex_);
+        button_ = button;
+        given_.notify_all();
+    }
+
+    int wait() {
+        std::unique_lock lock(mutex_);
+        given_.wait(lock, [this] { return button_.has_value(); });
+        return *button_;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable given_;
+    std::optional<int> button_;
+};
+
+AlertDialog* makeDialog(const QtDialogRules& rules, const AlertContents& contents) {
+    QWidget* const accessory =
+        contents.accessory && rules.widgetOf ? rules.widgetOf(*contents.accessory) : nullptr;
+    return new AlertDialog(contents, accessory, rules.parent ? rules.parent() : nullptr);
+}
+
+} // namespace
+
+QtAlert::QtAlert(std::shared_ptr<const QtDialogRules> rules) : rules_(std::move(rules)) {}
+
+QtAlert::QtAlert(std::shared_ptr<const QtDialogRules> rules, const NSError& error)
+    : rules_(std::move(rules)) {
+    contents_.message = error.localizedDescription;
+    contents_.informative = error.domain + " error " + std::to_string(error.code);
+}
+
+NSModalResponse QtAlert::runModal() {
+    if (contents_.buttons.empty()) {
+        contents_.buttons.emplace_back("OK");
+    }
+    return rules_->loop.isMainThread() ? runOnMainThread() : runBesideMainThread();
+}
+
+NSModalResponse QtAlert::runOnMainThread() const {
+    const QtRunLoop::ModalScope modal(rules_->loop);
+    const std::unique_ptr<AlertDialog> dialog(makeDialog(*rules_, contents_));
+    return NSAlertFirstButtonReturn + dialog->exec();
+}
+
+NSModalResponse QtAlert::runBesideMainThread() const {
+    const auto answer = std::make_shared<Answer>();
+    rules_->loop.mainQueue().async([answer, rules = rules_, contents = contents_] {
+        AlertDialog* const dialog = makeDialog(*rules, contents);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        QObject::connect(dialog, &QDialog::finished, [answer](int button) { answer->set(button); });
+        dialog->show();
+    });
+    return NSAlertFirstButtonReturn + answer->wait();
+}
+
+} // namespace vistrane
