@@ -200,6 +200,19 @@ ParsedArguments parseCapture(const std::vector<std::string>& arguments) {
     return result(command, error);
 }
 
+/// The window: no command's name stands before its options and its folder.
+ParsedArguments parseWindow(const std::vector<std::string>& arguments) {
+    std::vector<std::string> named = {"vistrane"};
+    named.insert(named.end(), arguments.begin(), arguments.end());
+    WindowCommand command;
+    std::vector<std::string> operands;
+    std::string error = readOptions(named, {flag("demo-camera", command.demoCamera)}, operands);
+    if (error.empty() && !operands.empty()) {
+        error = takeFolder(operands, command.folder.emplace());
+    }
+    return result(command, error);
+}
+
 ParsedArguments parseDemo(const std::vector<std::string>& arguments) {
     std::vector<std::string> operands;
     std::string error = readOptions(arguments, {}, operands);
@@ -231,9 +244,6 @@ std::optional<IntervalTexts> parseInterval(const std::string& text) {
 }
 
 ParsedArguments parseArguments(const std::vector<std::string>& arguments) {
-    if (arguments.empty()) {
-        return {std::nullopt, "A command is missing."};
-    }
     for (const std::string& argument : arguments) {
         if (argument == "--") {
             break;
@@ -242,7 +252,7 @@ ParsedArguments parseArguments(const std::vector<std::string>& arguments) {
             return {HelpCommand{}, {}};
         }
     }
-    const std::string& name = arguments.front();
+    const std::string name = arguments.empty() ? std::string() : arguments.front();
     if (name == "--version") {
         return arguments.size() == 1 ? ParsedArguments{VersionCommand{}, {}}
                                      : ParsedArguments{std::nullopt, "--version stands alone."};
@@ -262,13 +272,16 @@ ParsedArguments parseArguments(const std::vector<std::string>& arguments) {
     if (name == "demo") {
         return parseDemo(arguments);
     }
-    return {std::nullopt, "There is no command '" + name + "'."};
+    return parseWindow(arguments);
 }
 
 std::string helpText() {
     return R"(Vistrane makes time-lapse movies from a camera.
 
 Usage:
+  vistrane [FOLDER] [--demo-camera]
+      Open the window; with a folder, as if it had just been chosen there. A folder that has the
+      name of a command is written with its path: ./demo.
   vistrane devices [--demo-camera]
       Print the names of the cameras, one a line.
   vistrane frames FOLDER [--null]

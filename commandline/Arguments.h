@@ -23,6 +23,12 @@ struct MovieArguments {
 struct HelpCommand {};
 struct VersionCommand {};
 
+struct WindowCommand {
+    /// Nothing: the folder of the last time.
+    std::optional<std::string> folder;
+    bool demoCamera = false;
+};
+
 struct DevicesCommand {
     bool demoCamera = false;
 };
@@ -54,8 +60,8 @@ struct DemoCommand {
     std::optional<std::string> folder;
 };
 
-using Command = std::variant<HelpCommand, VersionCommand, DevicesCommand, FramesCommand,
-                             CompileCommand, CaptureCommand, DemoCommand>;
+using Command = std::variant<HelpCommand, VersionCommand, WindowCommand, DevicesCommand,
+                             FramesCommand, CompileCommand, CaptureCommand, DemoCommand>;
 
 /// What the arguments ask for, or what is wrong with them.
 struct ParsedArguments {
@@ -63,8 +69,9 @@ struct ParsedArguments {
     std::string error;
 };
 
-/// Reads the arguments after the program's name. Options may stand anywhere after the command,
-/// as "--name value" or "--name=value"; "--" ends them.
+/// Reads the arguments after the program's name. The first one is a command if there is one of that
+/// name, else a folder for the window, or an option of the window. Options may stand anywhere after
+/// the command, as "--name value" or "--name=value"; "--" ends them.
 ParsedArguments parseArguments(const std::vector<std::string>& arguments);
 
 /// "H:M:S" gives the three fields' texts as they stand; whole seconds are split into hours,

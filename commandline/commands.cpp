@@ -7,6 +7,7 @@
 #include "commandline/demo_folder.h"
 #include "commandline/project_folder_argument.h"
 #include "commandline/version.h"
+#include "window/open_window.h"
 
 namespace vistrane {
 
@@ -19,6 +20,13 @@ constexpr int demoFramesPerSecond = 10;
 int refuse(const std::string& reason) {
     std::cerr << "vistrane: " << reason << '\n';
     return 1;
+}
+
+/// For a word that cannot be told from a misspelled command.
+std::string hintOnCommands(const std::string& folder) {
+    const bool isOneWord = folder.find('/') == std::string::npos;
+    return isOneWord ? " There is no command '" + folder + "' either; 'vistrane --help' lists them."
+                     : "";
 }
 
 /// A launched session; it ends with the process.
@@ -49,6 +57,18 @@ int run(const HelpCommand&) {
 int run(const VersionCommand&) {
     std::cout << "vistrane " << programVersion << std::endl;
     return std::cout ? 0 : 1;
+}
+
+int run(const WindowCommand& command) {
+    WindowOptions options{.version = programVersion, .demoCamera = command.demoCamera};
+    if (command.folder) {
+        const ProjectFolderArgument folder = projectFolderArgument(*command.folder);
+        if (!folder.error.empty()) {
+            return refuse(folder.error + hintOnCommands(*command.folder));
+        }
+        options.folder = folder.path;
+    }
+    openWindow(options);
 }
 
 int run(const DevicesCommand& command) {

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <QApplication>
+
+#include "platform/appkit/AppKit.h"
+#include "platform/media/pictures/Pictures.h"
+#include "platform/qt/controls/QtImage.h"
+#include "platform/qt/controls/QtResources.h"
+#include "platform/qt/menus/QtMenu.h"
+#include "platform/qt/system/QtAlert.h"
+#include "platform/qt/system/QtOpenPanel.h"
+
+namespace vistrane {
+
+/// The AppKit kit of the window. What is given here outlives it.
+class WindowAppKit final : public AppKit {
+public:
+    WindowAppKit(NSApplication& application, NSWorkspace& workspace,
+                 std::shared_ptr<const QtDialogRules> dialogRules, const QtResources& resources,
+                 const Pictures& pictures)
+        : application_(application), workspace_(workspace), dialogRules_(std::move(dialogRules)),
+          resources_(resources), pictures_(pictures) {}
+
+    NSApplication& sharedApplication() override { return application_; }
+    NSWorkspace& sharedWorkspace() override { return workspace_; }
+
+    std::unique_ptr<NSAlert> alert() override { return std::make_unique<QtAlert>(dialogRules_); }
+    std::unique_ptr<NSAlert> alertWithError(const NSError& error) override {
+        return std::make_unique<QtAlert>(dialogRules_, error);
+    }
+    std::unique_ptr<NSOpenPanel> openPanel() override {
+        return std::make_unique<QtOpenPanel>(dialogRules_);
+    }
+    std::shared_ptr<NSMenu> menu() override { return std::make_shared<QtMenu>(iconOf); }
+
+    std::shared_ptr<NSImage> imageNamed(const std::string& name) override {
+        return resources_.imageNamed(name);
+    }
+    std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {
+        return pictures_.imageWithContentsOfFile(path);
+    }
+    std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) override {
+        return pictures_.imageWithData(data);
+    }
+    std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) override {
+        return pictures_.imageRepWithData(data);
+    }
+
+    std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
+                                                                    bool flipped) override {
+        return pictures_.graphicsContextWithCGContext(context, flipped);
+    }
+    void saveGraphicsState() override { pictures_.saveGraphicsState(); }
+    void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) override {
+        pictures_.setCurrentContext(std::move(context));
+    }
+    void restoreGraphicsState() override { pictures_.restoreGraphicsState(); }
+
+    void NSBeep() override { QApplication::beep(); }
+
+private:
+    NSApplication& application_;
+    NSWorkspace& workspace_;
+    const std::shared_ptr<const QtDialogRules> dialogRules_;
+    const QtResources& resources_;
+    const Pictures& pictures_;
+};
+
+} // namespace vistrane

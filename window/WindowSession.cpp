@@ -1,0 +1,243 @@
+#include "window/WindowSession.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include <QApplication>
+#include <QEvent>
+#include <QIcon>
+#include <QMenu>
+#include <QWindow>
+
+#include "app/AppDelegate.h"
+#include "infopanel/mantisQRXpanel.h"
+#include "platform/media/MediaAVFoundation.h"
+#include "platform/media/pictures/MediaCoreGraphics.h"
+#include "platform/media/pictures/MediaCoreVideo.h"
+#include "platform/posix/EndingSignals.h"
+#include "platform/posix/FileUserDefaults.h"
+#include "platform/posix/clock.h"
+#include "platform/posix/threads.h"
+#include "platform/qt/controls/QtInterface.h"
+#include "platform/qt/controls/QtView.h"
+#include "platform/qt/menus/QtApplication.h"
+#include "platform/qt/menus/StatusIcon.h"
+#include "platform/qt/system/Appearance.h"
+#include "platform/qt/system/QtDispatch.h"
+#include "platform/qt/system/QtFoundation.h"
+#include "platform/qt/system/QtWorkspace.h"
+#include "platform/qt/system/SleepInhibitor.h"
+#include "window/WindowAppKit.h"
+#include "window/WindowObserver.h"
+
+namespace vistrane {
+
+namespace {
+
+/// How often capturing is looked at, in seconds: how long the machine may stay awake too long.
+constexpr double captureLook = 1.0;
+
+/// How long the start waits for the main window to be seen before it looks for cameras.
+constexpr double patienceForDisplay = 0.5;
+
+CameraOptions cameraOptions(const WindowOptions& options) {
+    CameraOptions result;
+    result.demoCamera = options.demoCamera;
+    return result;
+}
+
+QWidget* widgetOf(NSView& view) {
+    auto* const holder = dynamic_cast<QtViewHolder*>(&view);
+    return holder != nullptr ? &holder->widget() : nullptr;
+}
+
+} // namespace
+
+/// The backend and the two objects, in the order in which they need each other.
+struct WindowSession::Parts {
+    Parts(const WindowOptions& options, WindowLog& theLog)
+        : log(theLog), cameras(dispatch, observer, cameraOptions(options)),
+          foundation(loop, defaults, notificationCenter, logLine, options.version) {
+        defaults.setSystemString("AppleInterfaceStyle",
+                                 [this] { return appearance.interfaceStyle(); });
+    }
+
+    /// The window that dialogs belong to.
+    QWidget* dialogParent() {
+        QWidget& window = interface.mainWindow();
+        return window.isVisible() && !window.isMinimized() ? &window : nullptr;
+    }
+
+    /// The main thread is held up. A frame that it is just writing is waited for, and movies that
+    /// are not whole are taken away, neither of them for ever: the folder's disk may not answer.
+    [[noreturn]] void endWithoutMainThread(int status) {
+        startDetachedThread([status] {
+            std::this_thread::sleep_for(std::chrono::seconds(5));
+            std::_Exit(status);
+        });
+        while (observer.isWritingFile()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        movies.abandonAll();
+        std::_Exit(status);
+    }
+
+    WindowLog& log;
+    const std::function<void(const std::string&)> logLine = [this](const std::string& line) {
+        log.write(line);
+    };
+    QtRunLoop loop;
+    QtDispatch dispatch{loop};
+    FileUserDefaults defaults{settingsPath(), logLine};
+    NotificationCenter notificationCenter;
+    Appearance appearance;
+    SleepInhibitor sleepInhibitor{logLine};
+    WindowObserver observer{log};
+    Pictures pictures{observer};
+    MediaCoreVideo coreVideo;
+    MediaCoreGraphics coreGraphics{coreVideo};
+    Cameras cameras;
+    Movies movies{observer};
+    MediaAVFoundation avFoundation{cameras, movies};
+    QtFoundation foundation;
+    QtWorkspace workspace{[this](const std::string& path, Movies::Finished callback) {
+                              return movies.whenFinished(path, std::move(callback));
+                          },
+                          logLine};
+    QtResources resources;
+    QtInterface interface { resources };
+    std::unique_ptr<StatusIcon> statusIcon;
+    QtApplication application{[this] { return statusIcon && statusIcon->isShown(); }};
+    WindowAppKit appKit{application, workspace,
+                        std::make_shared<const QtDialogRules>(
+                            QtDialogRules{loop, [this] { return dialogParent(); }, widgetOf}),
+                        resources, pictures};
+    const Platform platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch};
+    AppDelegate controller{platform};
+    mantisQRXpanel panel{platform};
+    /// Shared with who ends the process: the settings are restored and may be saved.
+    bool isLaunched = false;
+    bool isEnding = false;
+};
+
+namespace {
+
+/// The session for an end that Qt brings about by itself, for instance when its display is gone.
+WindowSession* running = nullptr;
+
+} // namespace
+
+WindowSession::WindowSession(const WindowOptions& options, WindowLog& log)
+    : parts_(*new Parts(options, log)) {
+    if (options.folder) {
+        rememberFolder(*options.folder);
+    }
+}
+
+void WindowSession::rememberFolder(const std::string& path) {
+    const BookmarkDataResult bookmark = parts_.foundation.bookmarkDataWithOptions(
+        NSURL::fileURLWithPath(path), NSURLBookmarkCreationWithSecurityScope);
+    if (bookmark.error) {
+        parts_.log.fail(bookmark.error->localizedDescription);
+    }
+    parts_.defaults.setObject(bookmark.data, "iData");
+    parts_.defaults.synchronize();
+}
+
+void WindowSession::launch() {
+    handleEndings();
+    followAppearance();
+    connectInterface();
+    parts_.controller.awakeFromNib();
+    parts_.panel.awakeFromNib();
+    parts_.panel.restoreDockSetting();
+    // The settings are in the controls now.
+    parts_.isLaunched = true;
+    showMainWindow();
+    parts_.controller.applicationDidFinishLaunching();
+    keepAwakeWhileCapturing();
+}
+
+void WindowSession::run() {
+    QApplication::exec();
+    end(0);
+}
+
+void WindowSession::connectInterface() {
+    std::vector<std::string> missing =
+        parts_.controller.connectInterface(parts_.interface.nib("AppDelegate"));
+    if (missing.empty()) {
+        missing = parts_.panel.connectInterface(parts_.interface.nib("mantisQRXpanel"));
+    }
+    if (!missing.empty()) {
+        parts_.log.fail("The interface has no control '" + missing.front() + "'.");
+    }
+}
+
+void WindowSession::showMainWindow() {
+    QWidget& window = parts_.interface.mainWindow();
+    parts_.application.setMainWindow(&window);
+    parts_.statusIcon = std::make_unique<StatusIcon>(
+        parts_.interface.statusMenu(), QApplication::windowIcon(), "Vistrane",
+        [this] { parts_.controller.realUnhide(&parts_.controller); });
+    window.installEventFilter(this);
+    window.show();
+
+    // Looking for cameras takes a moment in which nothing is drawn.
+    const double limit = wallClockNow().timeIntervalSince1970 + patienceForDisplay;
+    while (!window.windowHandle()->isExposed() && wallClockNow().timeIntervalSince1970 < limit) {
+        parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(0.01));
+    }
+    parts_.loop.runUntilDate(parts_.foundation.date());
+}
+
+void WindowSession::followAppearance() {
+    applyPalette(parts_.appearance.isDark());
+    parts_.appearance.setChangeHandler([this] {
+        applyPalette(parts_.appearance.isDark());
+        parts_.notificationCenter.post("AppleInterfaceThemeChangedNotification");
+    });
+}
+
+void WindowSession::keepAwakeWhileCapturing() {
+    parts_.loop.scheduleTimer(
+        captureLook,
+        [this](NSTimer&) {
+            const std::shared_ptr<NSTimer>& timer = parts_.controller.myTimer;
+            parts_.sleepInhibitor.setActive(timer && timer->isValid());
+        },
+        true);
+}
+
+void WindowSession::handleEndings() {
+    running = this;
+    std::atexit([] { running->end(1); });
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { end(0); });
+    EndingSignals::handle(
+        {[this](int status) { parts_.loop.mainQueue().async([this, status] { end(status); }); },
+         [this](int status) { parts_.endWithoutMainThread(status); }});
+}
+
+bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Close && watched == &parts_.interface.mainWindow()) {
+        end(0);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void WindowSession::end(int status) {
+    // What is done here may run events that end the program once more.
+    if (!std::exchange(parts_.isEnding, true) && parts_.isLaunched) {
+        // Either may have something to save; neither has ever said no.
+        parts_.panel.applicationShouldTerminateAfterLastWindowClosed();
+        parts_.controller.applicationShouldTerminateAfterLastWindowClosed();
+        parts_.controller.applicationWillTerminate();
+    }
+    parts_.movies.abandonAll();
+    parts_.log.flush();
+    // Threads may still be at work, so nothing is taken apart.
+    std::_Exit(status);
+}
+
+} // namespace vistrane

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QObject>
+
+#include "window/WindowLog.h"
+#include "window/open_window.h"
+
+namespace vistrane {
+
+/// The program in its window: the controller and the info panel with the interface files, real
+/// media and Qt's event loop. One for the process; main thread only, and the QApplication is there.
+///
+/// The process ends at once, with status 0, when the main window is closed or the program is quit,
+/// whatever else is open: settings are saved, movies that are not whole are taken away, nothing is
+/// waited for. An interrupt, a hang-up or a termination ends it the same way, with 128 + the
+/// signal as its status.
+class WindowSession final : public QObject {
+public:
+    WindowSession(const WindowOptions& options, WindowLog& log);
+    /// Sessions end with the process.
+    ~WindowSession() override = delete;
+
+    /// Loads the interface, wakes its objects and shows the main window.
+    void launch();
+
+    /// Runs the program to its end.
+    [[noreturn]] void run();
+
+protected:
+    /// Sees the main window close.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Parts;
+
+    void rememberFolder(const std::string& path);
+    void connectInterface();
+    void showMainWindow();
+    void followAppearance();
+    void keepAwakeWhileCapturing();
+    void handleEndings();
+    [[noreturn]] void end(int status);
+
+    Parts& parts_;
+};
+
+} // namespace vistrane

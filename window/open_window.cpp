@@ -1,0 +1,52 @@
+#include "window/open_window.h"
+
+#include <cstdlib>
+
+#include <QApplication>
+#include <unistd.h>
+
+#include "window/WindowLog.h"
+#include "window/WindowSession.h"
+
+namespace vistrane {
+
+namespace {
+
+bool isSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+} // namespace
+
+bool hasDisplay() {
+    return isSet("QT_QPA_PLATFORM") || isSet("WAYLAND_DISPLAY") || isSet("DISPLAY");
+}
+
+void openWindow(const WindowOptions& options) {
+    // Nothing here is ever taken apart: threads may still be at work when the process ends.
+    WindowLog& log = *new WindowLog(STDERR_FILENO);
+    if (!hasDisplay()) {
+        log.fail("There is no display to open a window on. 'vistrane --help' tells what can be "
+                 "done without one.");
+    }
+    log.takeMessagesOfQt();
+
+    static int count = 1;
+    static char name[] = "vistrane";
+    static char* arguments[] = {name, nullptr};
+    QCoreApplication::setApplicationName("vistrane");
+    QCoreApplication::setApplicationVersion(QString::fromStdString(options.version));
+    QGuiApplication::setApplicationDisplayName("Vistrane");
+    QGuiApplication::setDesktopFileName("vistrane");
+    // The session ends the program itself, with what is to be saved.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    new QApplication(count, arguments);
+    log.windowCanBeOpened();
+
+    WindowSession& session = *new WindowSession(options, log);
+    session.launch();
+    session.run();
+}
+
+} // namespace vistrane
