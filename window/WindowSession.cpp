@@ -19,8 +19,8 @@
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/clock.h"
 #include "platform/posix/threads.h"
+#include "platform/qt/controls/QtImageView.h"
 #include "platform/qt/controls/QtInterface.h"
-#include "platform/qt/controls/QtView.h"
 #include "platform/qt/menus/QtApplication.h"
 #include "platform/qt/menus/StatusIcon.h"
 #include "platform/qt/system/Appearance.h"
@@ -48,8 +48,9 @@ CameraOptions cameraOptions(const WindowOptions& options) {
 }
 
 QWidget* widgetOf(NSView& view) {
-    auto* const holder = dynamic_cast<QtViewHolder*>(&view);
-    return holder != nullptr ? &holder->widget() : nullptr;
+    // The interface files have no other views.
+    const auto* const own = dynamic_cast<QtImageView*>(&view);
+    return own != nullptr ? &own->widget() : nullptr;
 }
 
 } // namespace
@@ -130,6 +131,9 @@ WindowSession* running = nullptr;
 
 WindowSession::WindowSession(const WindowOptions& options, WindowLog& log)
     : parts_(*new Parts(options, log)) {
+    if (const std::shared_ptr<NSImage> icon = parts_.resources.imageNamed("vistrane")) {
+        QApplication::setWindowIcon(iconOf(*icon));
+    }
     if (options.folder) {
         rememberFolder(*options.folder);
     }

@@ -17,8 +17,8 @@ namespace vistrane {
 class WindowSession final : public QObject {
 public:
     WindowSession(const WindowOptions& options, WindowLog& log);
-    /// Sessions end with the process.
-    ~WindowSession() override = delete;
+    /// Never called: sessions end with the process.
+    ~WindowSession() override = default;
 
     /// Loads the interface, wakes its objects and shows the main window.
     void launch();

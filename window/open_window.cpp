@@ -37,7 +37,6 @@ void openWindow(const WindowOptions& options) {
     static char* arguments[] = {name, nullptr};
     QCoreApplication::setApplicationName("vistrane");
     QCoreApplication::setApplicationVersion(QString::fromStdString(options.version));
-    QGuiApplication::setApplicationDisplayName("Vistrane");
     QGuiApplication::setDesktopFileName("vistrane");
     // The session ends the program itself, with what is to be saved.
     QGuiApplication::setQuitOnLastWindowClosed(false);

@@ -23,12 +23,31 @@ std::string errorOf(const std::vector<std::string>& arguments) {
     return parsed.error;
 }
 
-TEST(Arguments, NoneAreWrong) {
-    EXPECT_THAT(errorOf({}), HasSubstr("command is missing"));
+TEST(Arguments, NoneOpenTheWindow) {
+    const auto command = parsedAs<WindowCommand>({});
+    EXPECT_FALSE(command.folder);
+    EXPECT_FALSE(command.demoCamera);
 }
 
-TEST(Arguments, AnUnknownCommandIsNamed) {
-    EXPECT_THAT(errorOf({"frobnicate"}), HasSubstr("'frobnicate'"));
+TEST(Arguments, WhatIsNoCommandIsAFolderForTheWindow) {
+    EXPECT_EQ(parsedAs<WindowCommand>({"a folder"}).folder, "a folder");
+    EXPECT_EQ(parsedAs<WindowCommand>({"./demo"}).folder, "./demo");
+    EXPECT_EQ(parsedAs<WindowCommand>({"--", "--folder"}).folder, "--folder");
+    parsedAs<DemoCommand>({"demo"});
+}
+
+TEST(Arguments, TheWindowTakesTheDemoCamera) {
+    EXPECT_TRUE(parsedAs<WindowCommand>({"--demo-camera"}).demoCamera);
+    const auto command = parsedAs<WindowCommand>({"--demo-camera", "f"});
+    EXPECT_TRUE(command.demoCamera);
+    EXPECT_EQ(command.folder, "f");
+    EXPECT_TRUE(parsedAs<WindowCommand>({"f", "--demo-camera"}).demoCamera);
+}
+
+TEST(Arguments, TheWindowTakesNothingElse) {
+    EXPECT_THAT(errorOf({"a", "b"}), HasSubstr("'b'"));
+    EXPECT_THAT(errorOf({""}), HasSubstr("folder is missing"));
+    EXPECT_THAT(errorOf({"--fps"}), HasSubstr("'--fps'"));
 }
 
 TEST(Arguments, HelpWinsOverEverything) {

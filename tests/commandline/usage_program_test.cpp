@@ -30,9 +30,9 @@ TEST_F(UsageProgram, VersionGoesToStandardOutput) {
 
 TEST_F(UsageProgram, WrongUsageIsTwoWithTheReasonOnStandardError) {
     for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{},
-          {"convert"},
-          {"--version", "x"},
+         {std::vector<std::string>{"--version", "x"},
+          {"--convert"},
+          {"a", "b"},
           {"devices", "x"},
           {"devices", "--fast"},
           {"frames"},
@@ -68,9 +68,38 @@ TEST_F(UsageProgram, WrongUsageIsTwoWithTheReasonOnStandardError) {
     EXPECT_THAT(namesIn(folder), IsEmpty());
 }
 
+TEST_F(UsageProgram, WithoutADisplayNoWindowIsOpened) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{}, {"--demo-camera"}, {folder}}) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_EQ(ended.output, "");
+        EXPECT_EQ(ended.errors, "vistrane: There is no display to open a window on. 'vistrane "
+                                "--help' tells what can be done without one.\n");
+    }
+}
+
+TEST_F(UsageProgram, ADisplayThatIsNotThereIsNamed) {
+    options.environment["DISPLAY"] = ":4711";
+    const Ended ended = run({});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_THAT(ended.errors, HasSubstr("vistrane: No window can be opened: "));
+}
+
+TEST_F(UsageProgram, AWordThatIsNeitherCommandNorFolderIsRefused) {
+    const Ended ended = run({"convert"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.errors, HasSubstr("/convert': No such file or directory"));
+    EXPECT_THAT(ended.errors, HasSubstr("There is no command 'convert' either"));
+}
+
 /// Every command with a folder, and the folder's place.
 std::vector<std::vector<std::string>> commandsFor(const std::string& folder) {
-    return {{"frames", folder},
+    return {{folder},
+            {"--demo-camera", folder},
+            {"frames", folder},
             {"compile", folder},
             {"capture", folder, "--demo-camera", "--device", "Demo Camera", "--count", "1"},
             {"demo", folder}};

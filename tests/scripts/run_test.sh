@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
     return argc > 1 ? 7 : 0;
 }
 END
-unset DISPLAY WAYLAND_DISPLAY
+unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
 cd "$work/elsewhere" || exit
 
 out=$("$tree/run" 'two words' '' '*' 2>/dev/null)
@@ -54,6 +54,8 @@ stamp() {
 before=$(stamp)
 out=$("$tree/run" 2>&1)
 expect 'no argument' "$(printf '%s\n' "$work/elsewhere" '[demo]')" "$out"
+out=$(DISPLAY=:1 "$tree/run" 2>&1)
+expect 'no argument, with a display' "$work/elsewhere" "$out"
 expect 'nothing is built again' "$before" "$(stamp)"
 
 ln -s "$tree/run" "$work/link"
