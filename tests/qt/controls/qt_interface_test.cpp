@@ -1,0 +1,413 @@
+#include <map>
+#include <set>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <gmock/gmock.h>
+
+#include "app/AppDelegate.h"
+#include "infopanel/mantisQRXpanel.h"
+#include "platform/qt/controls/QtInterface.h"
+#include "platform/sim/Sim.h"
+
+namespace vistrane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class QtInterfaceTest : public ::testing::Test {
+protected:
+    NSNib& controller() { return interface_.nib("AppDelegate"); }
+    NSNib& panel() { return interface_.nib("mantisQRXpanel"); }
+
+    template <typename Control>
+    std::shared_ptr<Control> outlet(NSNib& nib, const char* name) {
+        std::shared_ptr<Control> field;
+        nib.outlet(name, field);
+        return field;
+    }
+    template <typename Widget>
+    Widget& widget(const char* name) {
+        return *interface_.mainWindow().findChild<Widget*>(name);
+    }
+    /// Counts what is sent under that selector.
+    void offer(NSNib& nib, const std::string& selector) {
+        nib.action(selector, [this, selector](NSObject*) { sent_.push_back(selector); });
+    }
+    std::vector<std::string> takeSent() { return std::exchange(sent_, {}); }
+
+    void show() {
+        QWidget& window = interface_.mainWindow();
+        window.show();
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    QtResources resources_;
+    QtInterface interface_{resources_};
+    std::vector<std::string> sent_;
+};
+
+TEST_F(QtInterfaceTest, TheControllerFindsAllItsOutlets) {
+    Sim sim;
+    AppDelegate delegate(sim.platform());
+    EXPECT_THAT(delegate.connectInterface(controller()), IsEmpty());
+    EXPECT_NE(delegate.leadingImage, nullptr);
+    EXPECT_NE(delegate.previewView, nullptr);
+}
+
+TEST_F(QtInterfaceTest, ThePanelFindsAllItsOutlets) {
+    Sim sim;
+    mantisQRXpanel object(sim.platform());
+    EXPECT_THAT(object.connectInterface(panel()), IsEmpty());
+    EXPECT_NE(object.tipView, nullptr);
+}
+
+TEST_F(QtInterfaceTest, EachObjectHasTheOutletsOfItsOwnFiles) {
+    EXPECT_EQ(outlet<NSButton>(panel(), "startB"), nullptr);
+    EXPECT_EQ(outlet<NSButton>(controller(), "dockButton"), nullptr);
+    // But the version goes into the title of the main window.
+    EXPECT_EQ(outlet<NSWindow>(panel(), "myWindow"), outlet<NSWindow>(controller(), "myWindow"));
+}
+
+TEST_F(QtInterfaceTest, AnOutletOfAnotherKindStaysEmpty) {
+    EXPECT_EQ(outlet<NSSlider>(controller(), "startB"), nullptr);
+    EXPECT_EQ(outlet<NSButton>(controller(), "nobody"), nullptr);
+}
+
+TEST_F(QtInterfaceTest, ThePanelsOwnWindowIsTheInfoPanel) {
+    Sim sim;
+    mantisQRXpanel object(sim.platform());
+    object.connectInterface(panel());
+    object.makeKeyAndOrderFront(nullptr);
+    EXPECT_TRUE(widget<QWidget>("infoPanel").isVisible());
+}
+
+TEST_F(QtInterfaceTest, TheControlsStartWithTheirTitlesRangesAndValues) {
+    const auto title = [this](const char* name) {
+        return outlet<NSButton>(controller(), name)->title();
+    };
+    EXPECT_EQ(title("startB"), "Start Auto Capture");
+    EXPECT_EQ(title("oneB"), "Single Frame");
+    EXPECT_EQ(title("compilingB"), "Compile Movie");
+    EXPECT_EQ(title("outfolderB"), "click to select the output folder");
+    EXPECT_EQ(title("previewPlayButton"), "");
+    const auto rate = outlet<NSSlider>(controller(), "fpsS");
+    EXPECT_EQ(rate->intValue(), 25);
+    rate->setIntegerValue(0);
+    EXPECT_EQ(rate->intValue(), 1);
+    rate->setIntegerValue(1000);
+    EXPECT_EQ(rate->intValue(), 60);
+    const auto frames = outlet<NSSlider>(controller(), "photoSlider");
+    frames->setIntegerValue(1);
+    EXPECT_EQ(frames->intValue(), 0);
+    EXPECT_EQ(outlet<NSPopUpButton>(controller(), "AVDevicePopUp")->indexOfSelectedItem(), -1);
+    EXPECT_EQ(outlet<NSButton>(controller(), "slowB")->state(), 0);
+}
+
+TEST_F(QtInterfaceTest, EachButtonSendsItsAction) {
+    const std::map<std::string, std::string> controllers{
+        {"startB", "startRunning:"},         {"oneB", "addFrameClick:"},
+        {"compilingB", "genneratingMovie:"}, {"outfolderB", "outputFolder:"},
+        {"fpsHelpB", "whatisFPS:"},          {"previewPlayButton", "playPictures:"}};
+    const std::map<std::string, std::string> panels{
+        {"dockButton", "dockIconSwitching:"}, {"tipsB", "showEasyStartTip:"},
+        {"autostartB", "tipsForAutostart:"},  {"rateB", "rateMe:"},
+        {"mailB", "sendEmailtoMe:"},          {"requestB", "featureRequest:"},
+        {"moreB", "moreBYmantisqrx:"},        {"tipNextB", "tipNext:"},
+        {"tipPreviousB", "tipPreverious:"},   {"tipButton", "tipButtonChanged:"}};
+    for (const auto& [name, selector] : controllers) {
+        offer(controller(), selector);
+        widget<QAbstractButton>(name.c_str()).click();
+        EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
+    }
+    for (const auto& [name, selector] : panels) {
+        offer(panel(), selector);
+        widget<QAbstractButton>(name.c_str()).click();
+        EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
+    }
+}
+
+TEST_F(QtInterfaceTest, FieldsAndSlidersSendTheirActions) {
+    show();
+    for (const char* selector : {"timeIntervalchanged:", "rateChanged:", "sliderDisplaying:"}) {
+        offer(controller(), selector);
+    }
+    for (const char* name : {"hInput", "mInput", "sInput"}) {
+        QTest::keyClick(&widget<QWidget>(name), Qt::Key_Return);
+        EXPECT_THAT(takeSent(), ElementsAre("timeIntervalchanged:")) << name;
+    }
+    QTest::keyClick(&widget<QWidget>("fpsS"), Qt::Key_Right);
+    EXPECT_THAT(takeSent(), ElementsAre("rateChanged:"));
+    outlet<NSSlider>(controller(), "photoSlider")->setMaxValue(5.0);
+    QTest::keyClick(&widget<QWidget>("photoSlider"), Qt::Key_Right);
+    EXPECT_THAT(takeSent(), ElementsAre("sliderDisplaying:"));
+}
+
+TEST_F(QtInterfaceTest, EachMenuItemSendsItsAction) {
+    const std::map<std::string, std::string> items{{"chooseFolderItem", "outputFolder:"},
+                                                   {"startItem", "startRunning:"},
+                                                   {"singleItem", "addFrameClick:"},
+                                                   {"playItem", "playPictures:"},
+                                                   {"compileItem", "genneratingMovie:"},
+                                                   {"hideItem", "realHide:"},
+                                                   {"showItem", "realUnhide:"},
+                                                   {"frameRateItem", "whatisFPS:"},
+                                                   {"tipsItem", "showEasyStartTip:"},
+                                                   {"autostartItem", "tipsForAutostart:"},
+                                                   {"rateItem", "rateMe:"},
+                                                   {"mailItem", "sendEmailtoMe:"},
+                                                   {"requestItem", "featureRequest:"},
+                                                   {"moreItem", "moreBYmantisqrx:"}};
+    for (const auto& [name, selector] : items) {
+        offer(controller(), selector);
+        widget<QAction>(name.c_str()).trigger();
+        EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
+    }
+}
+
+TEST_F(QtInterfaceTest, AMenuItemIsEnabledWithItsButton) {
+    const auto button = outlet<NSButton>(controller(), "compilingB");
+    button->setEnabled(false);
+    EXPECT_FALSE(widget<QAction>("compileItem").isEnabled());
+    button->setEnabled(true);
+    EXPECT_TRUE(widget<QAction>("compileItem").isEnabled());
+}
+
+TEST_F(QtInterfaceTest, TheMenusOffersAreInTheStatusMenuToo) {
+    QStringList names;
+    for (const QAction* item : interface_.statusMenu().actions()) {
+        names << item->objectName();
+    }
+    for (const char* name : {"startItem", "singleItem", "hideItem", "showItem", "quitItem"}) {
+        EXPECT_TRUE(names.contains(QString::fromUtf8(name))) << name;
+    }
+}
+
+TEST_F(QtInterfaceTest, ThePromotionsHangInTheMainTheStatusAndTheContextMenu) {
+    Sim sim;
+    for (const char* name : {"mantisSubmenuM", "mantisSubmenuS", "mantisSubmenuD"}) {
+        EXPECT_NE(outlet<NSMenuItem>(panel(), name), nullptr) << name;
+    }
+    EXPECT_NE(outlet<NSMenuItem>(panel(), "mantisSubmenuM"),
+              outlet<NSMenuItem>(panel(), "mantisSubmenuS"));
+    EXPECT_NE(outlet<NSMenu>(panel(), "sMenu"), nullptr);
+}
+
+TEST_F(QtInterfaceTest, ThePanelIsToldWhenTheTipsWindowCloses) {
+    offer(panel(), "windowWillClose:");
+    QWidget& tips = widget<QWidget>("tipWindow");
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    tips.close();
+    EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
+    show();
+    interface_.mainWindow().close();
+    EXPECT_THAT(takeSent(), IsEmpty());
+}
+
+TEST_F(QtInterfaceTest, EscapeClosesTheSmallWindows) {
+    offer(panel(), "windowWillClose:");
+    QWidget& tips = widget<QWidget>("tipWindow");
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&tips));
+    QTest::keyClick(&tips, Qt::Key_Escape);
+    EXPECT_FALSE(tips.isVisible());
+    EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
+}
+
+/// Wakes and counts; draws nothing.
+class CountedCell final : public NSSliderCell {
+public:
+    explicit CountedCell(int& awake) : awake_(awake) {}
+    void awakeFromNib() override { ++awake_; }
+    NSRect rectOfTickMarkAtIndex(NSInteger) override { return NSZeroRect; }
+    void drawKnob(NSRect) override {}
+
+private:
+    int& awake_;
+};
+
+TEST_F(QtInterfaceTest, OneSliderGetsACellOfTheOfferedClassAndWakesIt) {
+    int made = 0;
+    int awake = 0;
+    const auto make = [&] {
+        ++made;
+        return std::make_shared<CountedCell>(awake);
+    };
+    controller().sliderCell("anotherCell", make);
+    EXPECT_EQ(made, 0);
+    controller().sliderCell("hidenSlidercell", make);
+    EXPECT_EQ(made, 1);
+    EXPECT_EQ(awake, 1);
+}
+
+// ---- For every person --------------------------------------------------------------------------
+
+class QtInterfaceAccessTest : public QtInterfaceTest {
+protected:
+    std::vector<QWidget*> windows() {
+        return {&interface_.mainWindow(), &widget<QWidget>("tipWindow"),
+                &widget<QWidget>("infoPanel")};
+    }
+    static std::vector<QWidget*> focusChain(QWidget& window) {
+        std::vector<QWidget*> chain;
+        for (QWidget* next = window.nextInFocusChain(); next != &window;
+             next = next->nextInFocusChain()) {
+            const bool takesFocus = (next->focusPolicy() & Qt::TabFocus) != 0;
+            if (next->window() == &window && takesFocus && next->isVisibleTo(&window) &&
+                next->focusProxy() == nullptr) {
+                chain.push_back(next);
+            }
+        }
+        return chain;
+    }
+};
+
+TEST_F(QtInterfaceAccessTest, WhateverTakesFocusHasANameAndADescription) {
+    std::size_t count = 0;
+    for (QWidget* window : windows()) {
+        for (QWidget* focusable : focusChain(*window)) {
+            QAccessibleInterface* const access = QAccessible::queryAccessibleInterface(focusable);
+            ASSERT_NE(access, nullptr);
+            const std::string name = focusable->objectName().toStdString();
+            EXPECT_FALSE(access->text(QAccessible::Name).isEmpty()) << name;
+            EXPECT_FALSE(access->text(QAccessible::Description).isEmpty()) << name;
+            ++count;
+        }
+    }
+    EXPECT_GE(count, 20U);
+}
+
+TEST_F(QtInterfaceAccessTest, TheTabulatorGoesThroughTheMainWindowInReadingOrder) {
+    std::vector<std::string> names;
+    for (const QWidget* focusable : focusChain(interface_.mainWindow())) {
+        names.push_back(focusable->objectName().toStdString());
+    }
+    EXPECT_THAT(names, ElementsAre("AVDevicePopUp", "hInput", "mInput", "sInput", "startB", "oneB",
+                                   "slowB", "previewPlayButton", "photoSlider", "fpsS", "fpsHelpB",
+                                   "outfolderB", "compilingB"));
+}
+
+TEST_F(QtInterfaceAccessTest, TheTabulatorGoesThroughTheSmallWindows) {
+    EXPECT_THAT(focusChain(widget<QWidget>("tipWindow")), ::testing::SizeIs(3));
+    EXPECT_THAT(focusChain(widget<QWidget>("infoPanel")), ::testing::SizeIs(7));
+}
+
+TEST_F(QtInterfaceAccessTest, ShortcutsWorkWhateverTheTitlesAre) {
+    show();
+    const std::map<std::string, std::pair<std::string, std::vector<QKeySequence>>> shortcuts{
+        {"startB", {"startRunning:", {QKeySequence("Alt+S"), QKeySequence("Ctrl+T")}}},
+        {"oneB", {"addFrameClick:", {QKeySequence("Alt+G"), QKeySequence("Ctrl+G")}}},
+        {"previewPlayButton", {"playPictures:", {QKeySequence("Alt+P"), QKeySequence("Ctrl+P")}}},
+        {"compilingB", {"genneratingMovie:", {QKeySequence("Alt+C"), QKeySequence("Ctrl+M")}}},
+        {"outfolderB", {"outputFolder:", {QKeySequence("Alt+O"), QKeySequence("Ctrl+O")}}}};
+    for (const auto& [name, shortcut] : shortcuts) {
+        const auto& [selector, keys] = shortcut;
+        offer(controller(), selector);
+        const auto button = outlet<NSButton>(controller(), name.c_str());
+        for (const std::string& title : {button->title(), std::string("/tmp/&x"), std::string()}) {
+            button->setTitle(title);
+            for (const QKeySequence& sequence : keys) {
+                QTest::keySequence(&interface_.mainWindow(), sequence);
+                // A button is first seen going down.
+                EXPECT_TRUE(QTest::qWaitFor([this] { return !sent_.empty(); }));
+                EXPECT_THAT(takeSent(), ElementsAre(selector)) << name << " " << title;
+            }
+        }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, NoTwoThingsOfAWindowShareAShortcut) {
+    for (QWidget* window : windows()) {
+        std::multiset<std::string> all;
+        const auto add = [&](const QKeySequence& keys) {
+            if (!keys.isEmpty()) {
+                all.insert(keys.toString().toStdString());
+            }
+        };
+        for (const QAbstractButton* button : window->findChildren<QAbstractButton*>()) {
+            if (button->window() == window) {
+                add(button->shortcut());
+            }
+        }
+        for (const QLabel* label : window->findChildren<QLabel*>()) {
+            if (label->window() == window && label->buddy() != nullptr) {
+                add(QKeySequence::mnemonic(label->text()));
+            }
+        }
+        for (const QAction* action : window->findChildren<QAction*>()) {
+            add(action->shortcut());
+        }
+        for (const QMenuBar* bar : window->findChildren<QMenuBar*>()) {
+            for (const QAction* menu : bar->actions()) {
+                add(QKeySequence::mnemonic(menu->text()));
+            }
+        }
+        EXPECT_THAT(all, ::testing::Not(IsEmpty()));
+        for (const std::string& keys : all) {
+            EXPECT_EQ(all.count(keys), 1U) << keys;
+        }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, NoTwoItemsOfAMenuShareAMnemonic) {
+    for (const QMenu* menu : interface_.mainWindow().findChildren<QMenu*>()) {
+        std::set<std::string> seen;
+        for (const QAction* item : menu->actions()) {
+            const QString keys = QKeySequence::mnemonic(item->text()).toString();
+            EXPECT_TRUE(item->isSeparator() || seen.insert(keys.toStdString()).second)
+                << item->text().toStdString();
+        }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, TheViewsAreEquallyLargeInEveryWindowSizeAndDirection) {
+    QWidget& window = interface_.mainWindow();
+    outlet<NSButton>(controller(), "outfolderB")->setTitle("/" + std::string(2000, 'x'));
+    outlet<NSTextField>(controller(), "currentS")
+        ->setStringValue("Displaying frame 2147483647 of 2147483647");
+    outlet<NSTextField>(controller(), "timeD")->setStringValue("( t = 3599999 s )");
+    outlet<NSPopUpButton>(controller(), "AVDevicePopUp")->addItemWithTitle(std::string(300, 'w'));
+    for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        window.setLayoutDirection(direction);
+        for (const QSize size : {QSize(900, 600), QSize(1600, 1000), QSize(3840, 2160)}) {
+            window.resize(size);
+            show();
+            QCoreApplication::processEvents();
+            EXPECT_EQ(window.size(), size);
+            const QSize camera = widget<QWidget>("previewView").size();
+            EXPECT_EQ(camera, widget<QWidget>("myDisplay").size());
+            EXPECT_GE(camera.height(), size.height() / 2);
+            for (const QWidget* child : window.findChildren<QWidget*>()) {
+                if (child->window() == &window && child->isVisible()) {
+                    const QRect place(child->mapTo(&window, QPoint()), child->size());
+                    EXPECT_TRUE(window.rect().contains(place)) << child->objectName().toStdString();
+                }
+            }
+        }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, NoTwoControlsHaveOneName) {
+    std::multiset<std::string> names;
+    for (const QWidget* child : interface_.mainWindow().findChildren<QWidget*>()) {
+        const std::string name = child->objectName().toStdString();
+        if (!name.empty() && name.compare(0, 3, "qt_") != 0) {
+            names.insert(name);
+        }
+    }
+    for (const std::string& name : names) {
+        EXPECT_EQ(names.count(name), 1U) << name;
+    }
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,173 @@
+#include <cmath>
+
+#include <QPainter>
+#include <QWheelEvent>
+
+#include "platform/appkit/NSSliderCell.h"
+#include "platform/qt/controls/QtResources.h"
+#include "tests/qt/controls/ControlWidgets.h"
+
+namespace vistrane {
+namespace {
+
+/// Draws the knob as one picture and has as many ticks as rectangles.
+class RecordingCell final : public NSSliderCell {
+public:
+    void awakeFromNib() override {}
+    NSRect rectOfTickMarkAtIndex(NSInteger index) override {
+        asked_.push_back(index);
+        return tick_;
+    }
+    void drawKnob(NSRect rect) override {
+        knob_ = rect;
+        if (image_) {
+            image_->drawInRect(rect, NSZeroRect, NSCompositingOperationSourceOver, 1.0);
+        }
+    }
+
+    NSRect tick_ = NSZeroRect;
+    std::shared_ptr<NSImage> image_;
+    NSRect knob_;
+    std::vector<NSInteger> asked_;
+};
+
+class QtSliderTest : public ControlTest {
+protected:
+    QtSliderTest() {
+        slider_ = widgets_.make<QtSlider, SliderWidget>();
+        slider_->setMinValue(1.0);
+        slider_->setMaxValue(60.0);
+        slider_->setIntegerValue(25);
+        slider_->setAction(count());
+        widget_ = &widgets_.widgetOf<SliderWidget>(*slider_);
+        widgets_.show();
+    }
+
+    QImage picture() { return widget_->grab().toImage(); }
+
+    std::shared_ptr<QtSlider> slider_;
+    SliderWidget* widget_ = nullptr;
+};
+
+TEST_F(QtSliderTest, TheProgramsMovesSendNothing) {
+    slider_->setIntegerValue(30);
+    slider_->setMaxValue(10.0);
+    slider_->setMinValue(5.0);
+    EXPECT_EQ(sent_, 0);
+    EXPECT_EQ(widget_->value(), 10);
+}
+
+TEST_F(QtSliderTest, KeysMoveInWholeStepsAndSendTheAction) {
+    QTest::keyClick(widget_, Qt::Key_Right);
+    EXPECT_EQ(slider_->intValue(), 26);
+    QTest::keyClick(widget_, Qt::Key_Home);
+    EXPECT_EQ(slider_->intValue(), 1);
+    QTest::keyClick(widget_, Qt::Key_End);
+    EXPECT_EQ(slider_->intValue(), 60);
+    EXPECT_EQ(sent_, 3);
+    EXPECT_EQ(sender_, slider_.get());
+    QTest::keyClick(widget_, Qt::Key_Right);
+    EXPECT_EQ(sent_, 3);
+}
+
+TEST_F(QtSliderTest, AWholeStepFromABrokenMinimumStaysInTheRange) {
+    slider_->setMinValue(1.5);
+    slider_->setMaxValue(3.0);
+    slider_->setIntegerValue(0);
+    EXPECT_EQ(slider_->floatValue(), 1.5F);
+    QTest::keyClick(widget_, Qt::Key_End);
+    EXPECT_EQ(slider_->floatValue(), 3.0F);
+    EXPECT_EQ(sent_, 1);
+}
+
+TEST_F(QtSliderTest, ARangeWithoutLengthTakesNoMoves) {
+    slider_->setMinValue(0.0);
+    slider_->setMaxValue(0.0);
+    QTest::keyClick(widget_, Qt::Key_Right);
+    QTest::mouseClick(widget_, Qt::LeftButton, {}, QPoint(widget_->width() - 5, 5));
+    EXPECT_EQ(slider_->integerValue(), 0);
+    EXPECT_EQ(sent_, 0);
+}
+
+TEST_F(QtSliderTest, WhatIsNoNumberIsNotTaken) {
+    slider_->setMaxValue(std::nan(""));
+    EXPECT_EQ(slider_->maxValue(), 60.0);
+    slider_->setMinValue(std::nan(""));
+    EXPECT_EQ(slider_->minValue(), 1.0);
+}
+
+TEST_F(QtSliderTest, AHugeRangeIsShownWithoutHarm) {
+    slider_->setMinValue(-1e300);
+    slider_->setMaxValue(1e300);
+    slider_->setIntegerValue(5);
+    EXPECT_EQ(slider_->integerValue(), 5);
+    EXPECT_FALSE(picture().isNull());
+}
+
+TEST_F(QtSliderTest, TheKnobJumpsToTheClickAndFollowsTheMouse) {
+    for (const bool hasCell : {false, true}) {
+        if (hasCell) {
+            slider_->setCell(std::make_shared<RecordingCell>());
+        }
+        const int middle = widget_->height() / 2;
+        QTest::mousePress(widget_, Qt::LeftButton, {}, QPoint(widget_->width() - 2, middle));
+        EXPECT_EQ(slider_->intValue(), 60);
+        QTest::mouseMove(widget_, QPoint(2, middle));
+        EXPECT_EQ(slider_->intValue(), 1);
+        QTest::mouseRelease(widget_, Qt::LeftButton, {}, QPoint(2, middle));
+        QTest::mouseMove(widget_, QPoint(widget_->width() / 2, middle));
+        EXPECT_EQ(slider_->intValue(), 1);
+    }
+    EXPECT_EQ(sent_, 4);
+}
+
+TEST_F(QtSliderTest, FromRightToLeftTheLeastValueIsOnTheRight) {
+    slider_->setCell(std::make_shared<RecordingCell>());
+    widget_->setLayoutDirection(Qt::RightToLeft);
+    QTest::mouseClick(widget_, Qt::LeftButton, {}, QPoint(widget_->width() - 2, 5));
+    EXPECT_EQ(slider_->intValue(), 1);
+    QTest::mouseClick(widget_, Qt::LeftButton, {}, QPoint(2, 5));
+    EXPECT_EQ(slider_->intValue(), 60);
+}
+
+TEST_F(QtSliderTest, TheCellDrawsTheKnobWhereTheValueIs) {
+    const QtResources resources;
+    const auto cell = std::make_shared<RecordingCell>();
+    slider_->setCell(cell);
+    // The layout makes room for the knob.
+    QCoreApplication::processEvents();
+    slider_->setIntegerValue(1);
+    const QImage bare = picture();
+    const NSRect first = cell->knob_;
+    EXPECT_GT(first.size.width, 0.0);
+    EXPECT_GE(first.origin.x, 0.0);
+    EXPECT_GE(first.origin.y, 0.0);
+    cell->image_ = resources.imageNamed("12");
+    ASSERT_NE(cell->image_, nullptr);
+    const QImage drawn = picture();
+    EXPECT_NE(drawn, bare);
+    // Nothing is drawn beside the knob.
+    const QRect beside(static_cast<int>(first.origin.x + first.size.width) + 2, 0,
+                       widget_->width() / 2, widget_->height());
+    EXPECT_EQ(drawn.copy(beside), bare.copy(beside));
+
+    slider_->setIntegerValue(60);
+    picture();
+    EXPECT_NEAR(cell->knob_.origin.x + cell->knob_.size.width + first.origin.x, widget_->width(),
+                1.0);
+}
+
+TEST_F(QtSliderTest, TicksWithoutAPlaceAreNotDrawn) {
+    const auto cell = std::make_shared<RecordingCell>();
+    slider_->setCell(cell);
+    const QImage bare = picture();
+    EXPECT_THAT(cell->asked_, ::testing::IsEmpty());
+    widget_->setProperty("numberOfTickMarks", 3);
+    EXPECT_EQ(picture(), bare);
+    EXPECT_THAT(cell->asked_, ::testing::ElementsAre(0, 1, 2));
+    cell->tick_ = {{100.0, 1.0}, {2.0, 4.0}};
+    EXPECT_NE(picture(), bare);
+}
+
+} // namespace
+} // namespace vistrane
