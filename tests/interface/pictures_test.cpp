@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include <gmock/gmock.h>
 
 #include "infopanel/promotions.h"
+#include "infopanel/tip_pages.h"
 
 namespace vistrane {
 namespace {
@@ -106,6 +108,17 @@ TEST(Pictures, TheFacesAndTheKnobAreThere) {
     for (const char* const name :
          {"12", "autostart", "play1", "play1-s", "play2", "play2-s", "vistrane"}) {
         EXPECT_THAT(allPictures(), Contains(name));
+    }
+}
+
+TEST(Pictures, EachTipHasAPictureForDenseScreens) {
+    constexpr std::int32_t noPage = 0;
+    for (std::int32_t page = noPage; page <= tipPageCount; ++page) {
+        const QString path = ":/pictures/" + QString::fromStdString(tipPage(page).picture);
+        const QImage picture(path);
+        EXPECT_EQ(picture.size(), QSize(1360, 840)) << path.toStdString();
+        EXPECT_NEAR(picture.dotsPerMeterX() * 0.0254, 144.0, 0.1) << path.toStdString();
+        EXPECT_LT(QFile(path).size(), 400'000) << path.toStdString();
     }
 }
 
