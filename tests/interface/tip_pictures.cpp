@@ -348,8 +348,7 @@ QImage folderPicture(const QDir& folder, QSize size) {
 /// to be seen.
 class Photographer final : public QObject {
 public:
-    Photographer(QDir frames, QDir pictures)
-        : frames_(std::move(frames)), pictures_(std::move(pictures)) {
+    Photographer(const QDir& frames, const QDir& pictures) : frames_(frames), pictures_(pictures) {
         connect(&timer_, &QTimer::timeout, this, [this] { look(); });
         timer_.start(50);
     }
