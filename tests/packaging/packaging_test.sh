@@ -31,7 +31,7 @@ metainfoIsValid() {
 manualIsWellFormed() {
     needs groff
     local found
-    found=$(groff -man -Tutf8 -ww -z "$1" 2>&1)
+    found=$(groff -t -man -Tutf8 -ww -z "$1" 2>&1)
     [ -z "$found" ] || fail "$found"
 }
 
@@ -47,13 +47,24 @@ commandsIn() {
 manualAndHelpAgree() {
     needs groff
     local manual help
-    manual=$(groff -man -Tascii -P-cbou -rLL=300n "$1")
+    manual=$(groff -t -man -Tascii -P-cbou -rLL=300n "$1")
     help=$("$2" --help)
     [ -n "$(optionsIn <<<"$help")" ] || fail "the help names no option"
     diff <(optionsIn <<<"$manual") <(optionsIn <<<"$help") || fail "the options differ"
     [ -n "$(commandsIn <<<"$help")" ] || fail "the help names no command"
     diff <(sed -n '/^SYNOPSIS/,/^DESCRIPTION/p' <<<"$manual" | commandsIn) \
         <(sed -n '/^Usage/,$p' <<<"$help" | commandsIn) || fail "the commands differ"
+}
+
+# Mnemonics, with Alt, are seen in the window itself.
+manualNamesEveryKey() {
+    local keys key
+    keys=$(sed -n '/name="shortcut"/,/<\/property>/s/.*<string>\(.*\)<\/string>.*/\1/p' "$2" | grep -v '^Alt')
+    [ -n "$keys" ] || fail "the window has no keys"
+    while read -r key; do
+        grep -q "^${key//+/[+]}"$'\t' "$1" || fail "the manual does not name $key"
+    done <<<"$keys"
+    [ "$(grep -c $'^[^.]*\t' "$1")" = "$(wc -l <<<"$keys")" ] || fail "the manual names more keys"
 }
 
 installIsComplete() {
