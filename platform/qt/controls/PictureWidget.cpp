@@ -38,7 +38,7 @@ QImage decoded(const PictureSource& source) {
 PictureWidget::PictureWidget(QWidget* parent) : QWidget(parent) {}
 
 void PictureWidget::setBackground(std::optional<QColor> color) {
-    background_ = std::move(color);
+    background_ = color;
     update();
 }
 

@@ -16,7 +16,8 @@ namespace {
 
 /// Points; the picture of a knob needs more room than the style's own.
 constexpr int knobSize = 20;
-constexpr int knobMargin = 3;
+/// Points around the knob, for the ring that tells where the keyboard is.
+constexpr int ringSize = 2;
 
 } // namespace
 
@@ -30,21 +31,21 @@ void SliderWidget::setCell(std::shared_ptr<NSSliderCell> cell) {
 
 QSize SliderWidget::sizeHint() const {
     const QSize size = QSlider::sizeHint();
-    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * knobMargin)) : size;
+    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * ringSize)) : size;
 }
 
 QSize SliderWidget::minimumSizeHint() const {
     const QSize size = QSlider::minimumSizeHint();
-    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * knobMargin)) : size;
+    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * ringSize)) : size;
 }
 
 QRectF SliderWidget::knobRect() const {
     QStyleOptionSlider option;
     initStyleOption(&option);
-    const double range = width() - knobSize - 2.0 * knobMargin;
+    const double range = width() - knobSize - 2.0 * ringSize;
     const int place = QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(),
                                                       static_cast<int>(range), option.upsideDown);
-    return {static_cast<double>(knobMargin + place), (height() - knobSize) / 2.0,
+    return {static_cast<double>(ringSize + place), (height() - knobSize) / 2.0,
             static_cast<double>(knobSize), static_cast<double>(knobSize)};
 }
 
@@ -52,8 +53,8 @@ int SliderWidget::valueAt(const QPointF& place) const {
     QStyleOptionSlider option;
     initStyleOption(&option);
     QRectF knob = knobRect();
-    double start = knobMargin;
-    double range = width() - knobSize - 2.0 * knobMargin;
+    double start = ringSize;
+    double range = width() - knobSize - 2.0 * ringSize;
     if (!cell_) {
         const QRect groove =
             style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderGroove, this);
@@ -138,8 +139,11 @@ void SliderWidget::paintWithCell() {
 
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 2.0));
-        painter.drawEllipse(knob.adjusted(-1.5, -1.5, 1.5, 1.5));
+        painter.setPen(QPen(palette().color(QPalette::Highlight), ringSize));
+        constexpr double half = ringSize / 2.0;
+        constexpr double cornerRadius = 7.0;
+        painter.drawRoundedRect(knob.adjusted(-half, -half, half, half), cornerRadius,
+                                cornerRadius);
     }
     pushGraphicsContext();
     setCurrentGraphicsContext(context);

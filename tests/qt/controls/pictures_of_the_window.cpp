@@ -10,12 +10,12 @@
 #include <QDir>
 #include <QLinearGradient>
 #include <QPainter>
-#include <QStyle>
 #include <QStyleFactory>
 
 #include "platform/appkit/NSSliderCell.h"
 #include "platform/qt/controls/PictureWidget.h"
 #include "platform/qt/controls/QtInterface.h"
+#include "platform/qt/system/Appearance.h"
 
 namespace vistrane {
 namespace {
@@ -53,17 +53,6 @@ private:
     const QtResources& resources_;
     std::shared_ptr<NSImage> knob_;
 };
-
-QPalette darkPalette() {
-    const QColor text(0xf2, 0xf2, 0xf2);
-    QPalette palette(text, QColor(0x3a, 0x3a, 0x3d), QColor(0x58, 0x58, 0x5c),
-                     QColor(0x1c, 0x1c, 0x1e), QColor(0x2a, 0x2a, 0x2c), text, Qt::white,
-                     QColor(0x1e, 0x1e, 0x20), QColor(0x2a, 0x2a, 0x2c));
-    palette.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0x9f));
-    palette.setColor(QPalette::Highlight, QColor(0x3d, 0x8b, 0xe8));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    return palette;
-}
 
 /// An evening by the sea, as a camera would see it.
 QImage scene() {
@@ -149,8 +138,7 @@ void save(QWidget& window, const QString& path) {
 }
 
 void draw(const Look& look, const QString& folder) {
-    QApplication::setPalette(look.isDark ? darkPalette()
-                                         : QApplication::style()->standardPalette());
+    applyPalette(look.isDark);
     QApplication::setLayoutDirection(look.isReversed ? Qt::RightToLeft : Qt::LeftToRight);
     const QtResources resources;
     QtInterface interface(resources);
