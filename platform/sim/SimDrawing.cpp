@@ -309,6 +309,13 @@ void SimDrawing::draw(NSPoint point, NSSize size) {
     }
 }
 
+void SimDrawing::requireCurrentContext(const std::string& call) {
+    const std::lock_guard lock(mutex_);
+    if (!states_[SimRole::key()].current) {
+        log_.misuse(call + ": the thread has no current context");
+    }
+}
+
 void SimDrawing::failBuffers(int count) {
     const std::lock_guard lock(mutex_);
     failingBuffers_ = count;

@@ -74,6 +74,8 @@ public:
     void restoreGraphicsState();
     /// Draws a picture of that size into the current context.
     void draw(NSPoint point, NSSize size);
+    /// A misuse when the calling thread has no current context.
+    void requireCurrentContext(const std::string& call);
 
     /// Fails that many of the next creations.
     void failBuffers(int count);

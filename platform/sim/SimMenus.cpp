@@ -15,7 +15,7 @@ void SimMenuItem::setRepresentedObject(const std::string& newObject) {
 }
 
 void SimMenuItem::setTarget(NSObject* newTarget) {
-    mainCall("setTarget: " + std::string(newTarget != nullptr ? "object" : "(null)"));
+    mainCall("setTarget: " + nameOf(newTarget));
     target = newTarget;
 }
 
@@ -25,8 +25,15 @@ void SimMenuItem::setImage(std::shared_ptr<NSImage> newImage) {
 }
 
 void SimMenuItem::setSubmenu(std::shared_ptr<NSMenu> newSubmenu) {
-    mainCall("setSubmenu: " + nameOf(newSubmenu.get()));
+    const std::string given = nameOf(newSubmenu.get());
+    mainCall("setSubmenu: " + given);
+    if (submenu) {
+        submenu->isSubmenu = false;
+    }
     submenu = std::dynamic_pointer_cast<SimMenu>(std::move(newSubmenu));
+    if (submenu && std::exchange(submenu->isSubmenu, true)) {
+        log_.misuse(name() + " setSubmenu: " + given + " is another item's");
+    }
 }
 
 void SimMenuItem::choose() {

@@ -44,6 +44,8 @@ public:
     void cancelTracking() override;
 
     std::vector<std::shared_ptr<SimMenuItem>> items;
+    /// A menu opens from one item only.
+    bool isSubmenu = false;
 };
 
 } // namespace vistrane

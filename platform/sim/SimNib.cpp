@@ -80,7 +80,9 @@ void SimNib::window(NSPanel& panel) {
 
 void SimNib::sliderCell(const std::string& className,
                         std::function<std::shared_ptr<NSSliderCell>()> make) {
-    cells_[className] = std::move(make);
+    if (!cells_.emplace(className, std::move(make)).second) {
+        log_.misuse("sliderCell: " + className + " is offered twice");
+    }
 }
 
 std::shared_ptr<NSSliderCell> SimNib::makeSliderCell(const std::string& className) const {

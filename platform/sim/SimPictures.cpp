@@ -50,6 +50,7 @@ void SimImage::drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation o
                           double fraction) const {
     call("drawInRect: " + describe(rect) + " fromRect: " + describe(fromRect) +
          " operation: " + std::to_string(operation) + " fraction: " + decimal(fraction));
+    drawing_.requireCurrentContext("drawInRect");
 }
 
 std::shared_ptr<NSData>

@@ -42,7 +42,7 @@ public:
     std::shared_ptr<NSData> TIFFRepresentation() const override;
     void drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                      double fraction) const override;
-    /// Recorded only.
+    /// Recorded, without a pixel drawn.
     void drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
                     double fraction) const override;
 
@@ -84,7 +84,8 @@ public:
     std::shared_ptr<SimImage> picture(const std::string& name, NSSize size);
 
     /// The pictures of the program's resources.
-    std::set<std::string> resources{"play1", "play2", "play1-s", "play2-s", "12"};
+    std::set<std::string> resources{"play1",    "play2",    "play1-s",  "play2-s",  "12",
+                                    "tip1.png", "tip2.png", "tip3.png", "tip4.png", "tip5.png"};
 
 private:
     CallLog& log_;

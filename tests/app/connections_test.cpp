@@ -17,10 +17,11 @@ TEST_F(ControllerTest, EveryOutletIsAskedForByItsName) {
 }
 
 TEST_F(ControllerTest, EveryActionIsOfferedUnderItsSelector) {
-    EXPECT_THAT(sim.nib().actions(),
-                IsSupersetOf({"realHide:", "realUnhide:", "whatisFPS:", "rateChanged:",
-                              "outputFolder:", "selectAVDevice:", "timeIntervalchanged:",
-                              "startRunning:", "addFrameClick:", "genneratingMovie:"}));
+    EXPECT_THAT(
+        sim.nib().actions(),
+        IsSupersetOf({"realHide:", "realUnhide:", "whatisFPS:", "rateChanged:", "outputFolder:",
+                      "selectAVDevice:", "timeIntervalchanged:", "startRunning:", "addFrameClick:",
+                      "genneratingMovie:", "sliderDisplaying:", "playPictures:"}));
 }
 
 TEST_F(ControllerTest, EachOutletGetsTheControlOfItsName) {

@@ -9,6 +9,7 @@
 #include "app/appearance.h"
 #include "compiler/compile_job.h"
 #include "platform/sim/Sim.h"
+#include "tests/support/procedure.h"
 
 namespace vistrane {
 
@@ -48,19 +49,7 @@ protected:
         sim.takeCalls();
     }
 
-    /// The calls so far without the setting up of alerts, which may come in any order: what an
-    /// alert said in the end is in `sim.alerts().shown()`.
-    std::vector<std::string> takeProcedure() {
-        std::vector<std::string> procedure;
-        for (std::string& call : sim.takeCalls()) {
-            const bool isAlerts = call.compare(0, 5, "alert") == 0;
-            if (!isAlerts || call.find("runModal") != std::string::npos ||
-                call.compare(0, 15, "alertWithError:") == 0) {
-                procedure.push_back(std::move(call));
-            }
-        }
-        return procedure;
-    }
+    std::vector<std::string> takeProcedure() { return vistrane::takeProcedure(sim); }
 
     static void expectStandardAlert(const SimShownAlert& alert, const std::string& message,
                                     const std::string& informativeText) {
