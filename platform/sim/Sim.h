@@ -84,6 +84,7 @@ public:
     SimBundle& bundle() { return foundation_.bundle; }
     SimProcessInfo& processInfo() { return foundation_.process; }
     SimDateRules& dateRules() { return foundation_.dateRules; }
+    SimWorkspace& workspace() { return appKit_.workspace; }
     SimNib& nib() { return nib_; }
 
 private:

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -107,6 +108,22 @@ protected:
     Drawn drawAt(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
                  NSPoint point, NSRect from, NSCompositingOperation operation, double fraction,
                  bool flipped = false, std::uint8_t background = 0) {
+        return drawWith([&] { image->drawAtPoint(point, from, operation, fraction); }, width,
+                        height, flipped, background);
+    }
+
+    /// Draws over a background, stretched.
+    Drawn drawIn(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
+                 NSRect rect, NSRect from = NSZeroRect,
+                 NSCompositingOperation operation = NSCompositingOperationSourceOver,
+                 double fraction = 1.0, std::uint8_t background = 9) {
+        return drawWith([&] { image->drawInRect(rect, from, operation, fraction); }, width, height,
+                        false, background);
+    }
+
+    /// What is drawn into a new buffer of that size.
+    Drawn drawWith(const std::function<void()>& drawing, std::size_t width, std::size_t height,
+                   bool flipped, std::uint8_t background) {
         CVPixelBufferRef buffer = nullptr;
         EXPECT_EQ(video_.CVPixelBufferCreate(width, height, kCVPixelFormatType_32ARGB, {}, &buffer),
                   kCVReturnSuccess);
@@ -119,7 +136,7 @@ protected:
                                                                space, kCGImageAlphaNoneSkipFirst);
         pictures_.saveGraphicsState();
         pictures_.setCurrentContext(pictures_.graphicsContextWithCGContext(context, flipped));
-        image->drawAtPoint(point, from, operation, fraction);
+        drawing();
         pictures_.restoreGraphicsState();
         Drawn drawn{{}, PixelBuffer::from(buffer)->damage()};
         for (std::size_t y = 0; y < height; ++y) {
