@@ -6,6 +6,7 @@
 
 #include <getopt.h>
 
+#include "capture/interval.h"
 #include "platform/foundation/NSString.h"
 
 namespace vistrane {
@@ -231,7 +232,11 @@ std::optional<IntervalTexts> parseInterval(const std::string& text) {
         if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos) {
             return IntervalTexts{"0", "0", text};
         }
-        const std::int64_t seconds = integerValue(text);
+        // Before it is split: each field has a limit of its own, and the parts of a longer time
+        // within their limits would be another time.
+        constexpr std::int64_t longest =
+            totalSeconds(highestHours, highestSixtieths, highestSixtieths);
+        const std::int64_t seconds = std::min(integerValue(text), longest);
         return IntervalTexts{std::to_string(seconds / 3600), std::to_string(seconds / 60 % 60),
                              std::to_string(seconds % 60)};
     }

@@ -75,8 +75,8 @@ struct ParsedArguments {
 ParsedArguments parseArguments(const std::vector<std::string>& arguments);
 
 /// "H:M:S" gives the three fields' texts as they stand; whole seconds are split into hours,
-/// minutes and seconds; any other text goes into the seconds field, which makes of it what it can.
-/// Nothing for a text with one colon or more than two.
+/// minutes and seconds, at most 999:59:59; any other text goes into the seconds field, which makes
+/// of it what it can. Nothing for a text with one colon or more than two.
 std::optional<IntervalTexts> parseInterval(const std::string& text);
 
 /// The help text, ending in a newline.
