@@ -44,7 +44,8 @@ Appearance::Portal::Portal(std::function<void()> changed) {
     if (!bus.isConnected()) {
         return;
     }
-    bus.connect(service, path, interfaceName, "SettingChanged", this,
+    // From any sender: a portal that is started anew is another one.
+    bus.connect({}, path, interfaceName, "SettingChanged", this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
     QDBusPendingReply<QVariant> reply = ask(patience);
     reply.waitForFinished();

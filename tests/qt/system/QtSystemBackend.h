@@ -10,9 +10,11 @@
 
 #include "platform/posix/FileUserDefaults.h"
 #include "platform/posix/settings_text.h"
+#include "platform/qt/system/QtAlert.h"
 #include "platform/qt/system/QtDispatch.h"
 #include "platform/qt/system/QtFoundation.h"
 #include "tests/posix/TemporaryFolder.h"
+#include "tests/qt/system/AlertUser.h"
 
 namespace vistrane {
 
@@ -35,6 +37,32 @@ public:
         return true;
     }
 
+    std::unique_ptr<NSAlert> alert() { return std::make_unique<QtAlert>(dialogRules_); }
+    std::unique_ptr<NSAlert> alertWithError(const NSError& error) {
+        return std::make_unique<QtAlert>(dialogRules_, error);
+    }
+    std::shared_ptr<NSView> view() { return std::make_shared<PlainView>(); }
+    void answerNextAlert(NSInteger button, double seconds) {
+        user_.pressButton(static_cast<int>(button), seconds);
+    }
+    void confirmNextAlert(double seconds) {
+        user_.withNext(seconds, [](QDialog& dialog) { pressKey(dialog, Qt::Key_Return); });
+    }
+    AlertUser& user() { return user_; }
+    const std::shared_ptr<const QtDialogRules>& dialogRules() const { return dialogRules_; }
+
+    /// A view of an interface file: its widget lies in a form that is not shown.
+    class PlainView final : public NSView {
+    public:
+        NSRect bounds() const override { return NSZeroRect; }
+        void setWantsLayer(bool) override {}
+        std::shared_ptr<CALayer> layer() override { return nullptr; }
+        void setNeedsDisplay(bool) override {}
+
+        QWidget form;
+        QWidget* const widget = new QWidget(&form);
+    };
+
 private:
     TemporaryFolder folder_;
     QtRunLoop loop_;
@@ -44,6 +72,10 @@ private:
     std::optional<FileUserDefaults> defaults_{std::in_place, path_, [](const std::string&) {}};
     QtFoundation foundation_{loop_, *defaults_, notificationCenter_, [](const std::string&) {},
                              "1.2.3"};
+    const std::shared_ptr<const QtDialogRules> dialogRules_ = std::make_shared<const QtDialogRules>(
+        QtDialogRules{loop_, [] { return nullptr; },
+                      [](NSView& view) { return dynamic_cast<PlainView&>(view).widget; }});
+    AlertUser user_;
 };
 
 } // namespace vistrane

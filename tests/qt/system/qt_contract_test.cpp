@@ -1,3 +1,4 @@
+#include "tests/contract/AlertContract.h"
 #include "tests/contract/BookmarkContract.h"
 #include "tests/contract/DispatchContract.h"
 #include "tests/contract/ThreadContract.h"
@@ -7,6 +8,7 @@
 
 namespace vistrane {
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, AlertContract, QtSystemBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, BookmarkContract, QtSystemBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, DispatchContract, QtSystemBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, ThreadContract, QtSystemBackend, contract::Names);

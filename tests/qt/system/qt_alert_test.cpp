@@ -1,0 +1,143 @@
+#include "platform/qt/system/QtAlert.h"
+
+#include <atomic>
+
+#include <QApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <gtest/gtest.h>
+
+#include "tests/contract/contract.h"
+#include "tests/qt/system/QtSystemBackend.h"
+
+namespace vistrane {
+namespace {
+
+class QtAlertTest : public ::testing::Test {
+protected:
+    std::unique_ptr<NSAlert> alertWith(std::initializer_list<const char*> titles) {
+        std::unique_ptr<NSAlert> alert = backend_.alert();
+        alert->setMessageText("A <b>message</b>");
+        alert->setInformativeText("Information & more.\n");
+        for (const char* title : titles) {
+            alert->addButtonWithTitle(title);
+        }
+        return alert;
+    }
+
+    NSModalResponse answerWith(Qt::Key key, std::initializer_list<const char*> titles) {
+        const auto alert = alertWith(titles);
+        backend_.user().withNext(0.0, [key](QDialog& dialog) { pressKey(dialog, key); });
+        return alert->runModal();
+    }
+
+    /// Runs an alert on a thread of its own, and the main loop until that has ended.
+    void runBeside() {
+        const auto ended = std::make_shared<std::atomic<bool>>(false);
+        backend_.foundation()
+            .threadWithEntry([this, ended] {
+                alertWith({"Got it"})->runModal();
+                *ended = true;
+            })
+            ->start();
+        ASSERT_TRUE(contract::runUntil(backend_.foundation(), [ended] { return ended->load(); }));
+    }
+
+    static int dialogs() {
+        int count = 0;
+        for (const QWidget* const window : QApplication::topLevelWidgets()) {
+            count += window->objectName() == "alert" ? 1 : 0;
+        }
+        return count;
+    }
+
+    QtSystemBackend backend_;
+};
+
+TEST_F(QtAlertTest, ShowsItsTextsAsTheyAreAndItsButtonsInOrder) {
+    const auto alert = alertWith({"feature request", "more & more", "cancel"});
+    backend_.user().withNext(0.0, [](QDialog& dialog) {
+        const auto* const message = dialog.findChild<QLabel*>("message");
+        EXPECT_EQ(message->text(), "A <b>message</b>");
+        EXPECT_EQ(message->textFormat(), Qt::PlainText);
+        EXPECT_TRUE(message->font().bold());
+        const auto* const informative = dialog.findChild<QLabel*>("informative");
+        EXPECT_EQ(informative->text(), "Information & more.");
+        EXPECT_FALSE(informative->font().bold());
+        int left = -1;
+        for (const char* const name : {"button0", "button1", "button2"}) {
+            const auto* const button = dialog.findChild<QPushButton*>(name);
+            EXPECT_EQ(button->isDefault(), name == std::string("button0"));
+            EXPECT_GT(button->x(), left);
+            left = button->x();
+        }
+        EXPECT_EQ(dialog.findChild<QPushButton*>("button1")->text(), "more && more");
+        EXPECT_TRUE(dialog.isModal());
+        EXPECT_EQ(dialog.accessibleName(), "A <b>message</b>");
+        dialog.reject();
+    });
+    EXPECT_EQ(alert->runModal(), 1002);
+}
+
+TEST_F(QtAlertTest, EscapeMeansTheOnlyButton) {
+    EXPECT_EQ(answerWith(Qt::Key_Escape, {"Got it"}), 1000);
+}
+
+TEST_F(QtAlertTest, EscapeMeansTheButtonThatCancels) {
+    EXPECT_EQ(answerWith(Qt::Key_Escape, {"Ok", "Cancel"}), 1001);
+    EXPECT_EQ(answerWith(Qt::Key_Escape, {"Ok", "cancel", "Other"}), 1001);
+}
+
+TEST_F(QtAlertTest, EscapeMeansTheLastButtonWhenNoneCancels) {
+    EXPECT_EQ(answerWith(Qt::Key_Escape, {"One", "Two", "Three"}), 1002);
+}
+
+TEST_F(QtAlertTest, ClosingTheDialogIsAnAnswer) {
+    const auto alert = alertWith({"Ok", "Cancel"});
+    backend_.user().withNext(0.0, [](QDialog& dialog) { dialog.close(); });
+    EXPECT_EQ(alert->runModal(), 1001);
+}
+
+TEST_F(QtAlertTest, OnAnotherThreadTheDialogLeavesOtherWindowsUsable) {
+    backend_.user().withNext(0.0, [](QDialog& dialog) {
+        EXPECT_FALSE(dialog.isModal());
+        dialog.close();
+    });
+    runBeside();
+}
+
+TEST_F(QtAlertTest, AlertsInTurnLeaveNothingBehind) {
+    for (int times = 0; times < 20; ++times) {
+        backend_.confirmNextAlert(0.0);
+        runBeside();
+        EXPECT_LE(dialogs(), 1);
+    }
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(dialogs(), 0);
+}
+
+TEST_F(QtAlertTest, TheAccessoryViewIsSeenInTheAlertAndIsBackAtHomeAfterwards) {
+    const auto view = std::make_shared<QtSystemBackend::PlainView>();
+    const auto alert = alertWith({"Got it"});
+    alert->setAccessoryView(view);
+    backend_.user().withNext(0.0, [&view](QDialog& dialog) {
+        EXPECT_EQ(view->widget->window(), &dialog);
+        EXPECT_TRUE(view->widget->isVisible());
+        dialog.close();
+    });
+    alert->runModal();
+    EXPECT_EQ(view->widget->parentWidget(), &view->form);
+}
+
+TEST_F(QtAlertTest, AnErrorsAlertShowsItsTextAndItsCode) {
+    const auto alert = backend_.alertWithError({"NSPOSIXErrorDomain", 28, "The disk is full."});
+    backend_.user().withNext(0.0, [](QDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QLabel*>("message")->text(), "The disk is full.");
+        EXPECT_EQ(dialog.findChild<QLabel*>("informative")->text(), "NSPOSIXErrorDomain error 28");
+        dialog.close();
+    });
+    EXPECT_EQ(alert->runModal(), 1000);
+}
+
+} // namespace
+} // namespace vistrane
