@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# tip_pictures_test.sh TOOL PROGRAM: the pictures of the tips can be taken anew.
+set -euo pipefail
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+mkdir "$folder/pictures" "$folder/temporary"
+TMPDIR=$folder/temporary timeout 120 "$1" "$folder/pictures" "$2" >"$folder/log" 2>&1 || {
+    cat "$folder/log"
+    exit 1
+}
+for number in 1 2 3 4 5; do
+    [ -s "$folder/pictures/tip$number.png" ] || {
+        echo "tip$number.png was not taken"
+        exit 1
+    }
+done
+[ -z "$(ls -A "$folder/temporary")" ] || {
+    echo "left behind: $(ls -A "$folder/temporary")"
+    exit 1
+}
