@@ -14,7 +14,7 @@ for number in 1 2 3 4 5; do
         exit 1
     }
 done
-[ -z "$(ls -A "$folder/temporary")" ] || {
-    echo "left behind: $(ls -A "$folder/temporary")"
+[ ! -e "$folder/temporary/Time Lapse" ] || {
+    echo "the folder of frames was left behind"
     exit 1
 }
