@@ -23,7 +23,7 @@ std::string addressOf(const std::optional<std::string>& title) {
 
 void mantisQRXpanel::addingPromoAppsOfmantisQRX(const std::vector<std::string>& titles) {
     const auto add = [this](NSMenu& menu, const std::string& title) {
-        const auto item = menu.addItemWithTitle(
+        auto item = menu.addItemWithTitle(
             title, [this](NSObject* sender) { excuteMyPromo(sender); }, "");
         item->setRepresentedObject(title);
         item->setTarget(this);
