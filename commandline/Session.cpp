@@ -25,6 +25,7 @@
 #include "platform/media/pictures/MediaCoreVideo.h"
 #include "platform/posix/BackgroundWriter.h"
 #include "platform/posix/EndingSignals.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -181,7 +182,7 @@ std::vector<std::string> Session::frames() {
         [&] { return controller.pictureArray.load() || std::chrono::steady_clock::now() > limit; });
     const auto list = controller.pictureArray.load();
     if (!list) {
-        fail("Cannot list the folder '" + parts_.folder +
+        fail("Cannot list the folder '" + shownText(parts_.folder) +
              "'. See that it is there and that you may read it.");
     }
     return *list;
@@ -191,7 +192,7 @@ void Session::pickDevice(const std::string& name) {
     const std::vector<std::string> names = deviceNames();
     const auto found = std::find(names.begin(), names.end(), name);
     if (found == names.end()) {
-        std::string message = "There is no camera '" + name + "'. ";
+        std::string message = "There is no camera '" + shownText(name) + "'. ";
         message += names.empty() ? "No camera is offered." : "The cameras offered are:";
         for (const std::string& each : names) {
             message += "\n  " + each;
@@ -294,7 +295,7 @@ std::string Session::compile(int framesPerSecond) {
         fail(outcome->error->localizedDescription);
     }
     if (::access(outcome->path.c_str(), F_OK) != 0) {
-        fail("The movie is whole, but not at '" + outcome->path +
+        fail("The movie is whole, but not at '" + shownText(outcome->path) +
              "': the project folder was moved meanwhile. Look for it there.");
     }
     return outcome->path;

@@ -8,6 +8,7 @@
 #include "commandline/commands.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/posix/EndingSignals.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -32,7 +33,8 @@ int NSApplicationMain(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const ParsedArguments parsed = parseArguments(arguments);
     if (!parsed.command) {
-        std::cerr << "vistrane: " << parsed.error << " 'vistrane --help' tells the usage.\n";
+        std::cerr << "vistrane: " << shownText(parsed.error)
+                  << " 'vistrane --help' tells the usage.\n";
         return 2;
     }
     return runCommand(*parsed.command);

@@ -7,6 +7,7 @@
 #include "commandline/demo_folder.h"
 #include "commandline/project_folder_argument.h"
 #include "commandline/version.h"
+#include "platform/shown_text.h"
 #include "window/open_window.h"
 
 namespace vistrane {
@@ -142,7 +143,7 @@ int run(const DemoCommand& command) {
     capture.movie.framesPerSecond = demoFramesPerSecond;
     Session& session = startSession({.folder = path, .demoCamera = true});
     captureAndCompile(session, capture,
-                      [&session](const std::string& frame) { session.say(frame); });
+                      [&session](const std::string& frame) { session.say(shownText(frame)); });
 }
 
 } // namespace

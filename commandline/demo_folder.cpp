@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "platform/posix/user_folders.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -61,7 +62,7 @@ NewFolder createDemoFolder(const std::string& parent) {
         path = first + " " + std::to_string(number);
     }
     return {{},
-            "Cannot create a folder in '" + parent + "': " + error.message() +
+            "Cannot create a folder in '" + shownText(parent) + "': " + error.message() +
                 ". Name a folder: vistrane demo FOLDER."};
 }
 

@@ -8,6 +8,8 @@
 
 #include <dirent.h>
 
+#include "platform/shown_text.h"
+
 namespace vistrane {
 
 namespace {
@@ -38,7 +40,7 @@ bool isRoot(const std::string& path) {
 }
 
 ProjectFolderArgument refused(const std::string& path, const std::string& reason) {
-    return {{}, "Cannot use the folder '" + path + "': " + reason};
+    return {{}, "Cannot use the folder '" + shownText(path) + "': " + reason};
 }
 
 } // namespace

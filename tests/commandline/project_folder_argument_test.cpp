@@ -62,6 +62,12 @@ TEST_F(ProjectFolderArgumentTest, AMissingFolderIsNamedAndNotCreated) {
     EXPECT_FALSE(std::filesystem::exists("nowhere"));
 }
 
+TEST_F(ProjectFolderArgumentTest, ARefusalIsOneLineOfTextWhateverTheName) {
+    const std::string error = projectFolderArgument("no\nwhere\x1b\xff").error;
+    EXPECT_THAT(error, HasSubstr("no\xEF\xBF\xBDwhere\xEF\xBF\xBD\xEF\xBF\xBD'"));
+    EXPECT_EQ(error.find('\n'), std::string::npos);
+}
+
 TEST_F(ProjectFolderArgumentTest, AFileIsRefused) {
     std::ofstream("file") << "x";
     EXPECT_THAT(projectFolderArgument("file").error, HasSubstr("Not a directory"));

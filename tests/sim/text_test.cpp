@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "platform/foundation/NSString.h"
 #include "platform/sim/Sim.h"
 
 namespace vistrane {
@@ -57,22 +56,6 @@ TEST_F(SimDates, ADateBefore1970IsFormattedToo) {
 TEST_F(SimDates, AFixedAnswerIsGivenForEveryDate) {
     sim.dateRules().fixedAnswer = "stamp";
     EXPECT_EQ(format("yyyy", 0.0), "stamp");
-}
-
-TEST(PathExtension, IsThePartAfterTheLastDotOfTheLastComponent) {
-    EXPECT_EQ(pathExtension("frame.png"), "png");
-    EXPECT_EQ(pathExtension("/f/frame.PNG"), "PNG");
-    EXPECT_EQ(pathExtension("a.b.png"), "png");
-    EXPECT_EQ(pathExtension("two..png"), "png");
-    EXPECT_EQ(pathExtension(".png"), "png");
-    EXPECT_EQ(pathExtension("/f/.png"), "png");
-    EXPECT_EQ(pathExtension("frame.png "), "png ");
-}
-
-TEST(PathExtension, IsEmptyWithoutADotInTheLastComponent) {
-    for (const char* path : {"", ".", "png", "frame.", "/f.png/frame", "/f.png/", "/"}) {
-        EXPECT_EQ(pathExtension(path), "") << path;
-    }
 }
 
 class SimOrder : public ::testing::Test {

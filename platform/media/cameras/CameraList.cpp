@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/media/cameras/threads.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -16,9 +17,8 @@ constexpr char videoSource[] = "Video/Source";
 constexpr char demoProvider[] = "demo";
 
 std::string text(gchar* owned) {
-    GstPointer<gchar> valid(owned != nullptr ? g_utf8_make_valid(owned, -1) : nullptr);
-    g_free(owned);
-    return valid ? valid.get() : "";
+    const GstPointer<gchar> held(owned);
+    return held ? shownText(held.get()) : std::string();
 }
 
 std::string property(const GstStructure* properties, const char* name) {

@@ -14,7 +14,7 @@ inline constexpr char v4l2Provider[] = "v4l2deviceprovider";
 struct CameraFacts {
     /// The provider's factory name.
     std::string provider;
-    /// For people; valid UTF-8.
+    /// For people, one line of valid UTF-8: as `shownText` gives it.
     std::string name;
     /// The same again after the camera was unplugged and plugged in at the same place.
     std::string identity;

@@ -15,6 +15,7 @@
 
 #include "platform/media/movies/exclusive_rename.h"
 #include "platform/media/movies/movie_errors.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -173,18 +174,18 @@ Reservation reserve(int folder, const std::string& hiddenName) {
 NSError nameTakenError(const std::string& path) {
     return movieError(AVErrorFileAlreadyExists,
                       "The movie cannot be made: something with its name is already there (" +
-                          shownPath(path) + "). Move it away or rename it, then compile again");
+                          shownText(path) + "). Move it away or rename it, then compile again");
 }
 
 NSError nameReservedError(const std::string& path) {
     return movieError(AVErrorFileAlreadyExists,
-                      "The movie cannot be made: it is being written already (" + shownPath(path) +
+                      "The movie cannot be made: it is being written already (" + shownText(path) +
                           "). Wait until that is done, then compile again");
 }
 
 NSError givenUpError(const std::string& path) {
     return movieError(AVErrorOperationCancelled, "The movie was given up before it was whole (" +
-                                                     shownPath(path) + "). Compile again");
+                                                     shownText(path) + "). Compile again");
 }
 
 } // namespace
@@ -195,7 +196,7 @@ MovieFileResult MovieFile::create(const std::string& path) {
         return {nullptr,
                 movieError(AVErrorUnknown, "The movie cannot be made: it has no usable "
                                            "path (" +
-                                               shownPath(path) + "). Choose a project folder")};
+                                               shownText(path) + "). Choose a project folder")};
     }
     Descriptor folder(::open(parts.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.isOpen()) {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/media/movies/movie_errors.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -339,12 +340,12 @@ void MovieJob::tellFinished() {
 
 NSError MovieJob::givenUpError() const {
     return movieError(AVErrorOperationCancelled, "The movie was given up before it was whole (" +
-                                                     shownPath(path_) + "). Compile again");
+                                                     shownText(path_) + "). Compile again");
 }
 
 NSError MovieJob::emptyError() const {
     std::string text = "No movie was made, because none of its frames could be added (" +
-                       shownPath(path_) + "). Check the frame files in the project folder";
+                       shownText(path_) + "). Check the frame files in the project folder";
     if (lastRefusal_) {
         text += ". The last one was refused: " + lastRefusal_->localizedDescription;
     }

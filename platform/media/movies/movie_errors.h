@@ -15,10 +15,6 @@ enum MovieErrorCode {
     AVErrorOperationCancelled = -11878,
 };
 
-/// A path as people may see it: bytes that are no UTF-8 and control characters are replaced, so
-/// that the text stays valid and on one line.
-std::string shownPath(const std::string& path);
-
 /// The movie writer's own refusals.
 NSError movieError(MovieErrorCode code, std::string text);
 

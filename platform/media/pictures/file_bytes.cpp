@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/media/pictures/picture_errors.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -66,7 +67,7 @@ int openRetrying(const std::string& path, int flags) {
 
 std::optional<NSError> notAFile(const std::string& path) {
     return NSError{pictureErrorDomain, static_cast<std::int64_t>(PictureFault::NotAFile),
-                   onOneLine(path) + " is not a regular file; choose another name or remove it"};
+                   shownText(path) + " is not a regular file; choose another name or remove it"};
 }
 
 /// The system's error number, or 0 when all bytes were written.

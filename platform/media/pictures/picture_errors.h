@@ -25,7 +25,4 @@ NSError pictureError(PictureFault fault, const std::string& name, const std::str
 NSError systemError(int number, const std::string& what, const std::string& path,
                     const std::string& advice);
 
-/// The path on one line: control characters are shown as question marks.
-std::string onOneLine(std::string text);
-
 } // namespace vistrane

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <string>
 
+#include "platform/shown_text.h"
+
 namespace vistrane {
 
 namespace {
@@ -26,7 +28,7 @@ BookmarkDataResult makeBookmark(const NSURL& url) {
     const std::string path = url.path();
     if (!isUsable(path)) {
         return {{},
-                invalid("The address \"" + url.absoluteString() +
+                invalid("The address \"" + shownText(url.absoluteString()) +
                         "\" cannot be remembered because it is no absolute file path; choose a "
                         "folder of the file system")};
     }
