@@ -1,5 +1,7 @@
 #include "commandline/CompileReport.h"
 
+#include "platform/shown_text.h"
+
 namespace vistrane {
 
 void CompileReport::frameIsLoaded(const std::string& path) {
@@ -22,8 +24,9 @@ void CompileReport::frameWasRefused(const NSError& reason) {
     const std::lock_guard lock(mutex_);
     // Why the file is no picture says more than that there is no picture to append.
     const std::string& why = reason_.empty() ? reason.localizedDescription : reason_;
-    const bool namesFrame = why.find(path_) != std::string::npos;
-    leftOut_.push_back({"Not in the movie: " + (namesFrame ? why : path_ + ": " + why), why});
+    const std::string frame = shownText(path_);
+    const bool namesFrame = why.find(frame) != std::string::npos;
+    leftOut_.push_back({"Not in the movie: " + (namesFrame ? why : frame + ": " + why), why});
 }
 
 std::vector<std::string> CompileReport::lines() const {

@@ -49,6 +49,19 @@ TEST(CompileReport, AReasonThatNamesTheFrameStandsAlone) {
                                             "0 of 1 frames went into the movie."));
 }
 
+TEST(CompileReport, AnOddPathStandsOnceOnOneLineOfText) {
+    CompileReport report;
+    const std::string shown = "/f/a\xEF\xBF\xBD\xEF\xBF\xBD[2J.png";
+    report.frameIsLoaded("/f/a\n\x1b[2J.png");
+    report.frameCouldNotBeRead({"d", 1, "The picture " + shown + " is empty"});
+    report.frameWasRefused({"d", 2, "there is no picture"});
+    report.frameIsLoaded("/f/a\n\x1b[2J.png");
+    report.frameWasRefused({"d", 3, "the disk is full"});
+    EXPECT_THAT(report.lines(), ElementsAre("Not in the movie: The picture " + shown + " is empty",
+                                            "Not in the movie: " + shown + ": the disk is full",
+                                            "0 of 2 frames went into the movie."));
+}
+
 TEST(CompileReport, WithoutAMovieOnlyTheFramesThatHaveAReasonOfTheirOwnAreNamed) {
     CompileReport report;
     report.frameIsLoaded("/f/a.png");
