@@ -229,7 +229,7 @@ ParsedArguments parseDemo(const std::vector<std::string>& arguments) {
 std::optional<IntervalTexts> parseInterval(const std::string& text) {
     const std::size_t first = text.find(':');
     if (first == std::string::npos) {
-        if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos) {
+        if (integerValue(text) <= 0) {
             return IntervalTexts{"0", "0", text};
         }
         // Before it is split: each field has a limit of its own, and the parts of a longer time

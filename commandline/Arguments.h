@@ -74,9 +74,10 @@ struct ParsedArguments {
 /// the command, as "--name value" or "--name=value"; "--" ends them.
 ParsedArguments parseArguments(const std::vector<std::string>& arguments);
 
-/// "H:M:S" gives the three fields' texts as they stand; whole seconds are split into hours,
-/// minutes and seconds, at most 999:59:59; any other text goes into the seconds field, which makes
-/// of it what it can. Nothing for a text with one colon or more than two.
+/// "H:M:S" gives the three fields' texts as they stand. A text without a colon is read as a field
+/// reads it, by its leading integer: seconds, which are split into hours, minutes and seconds, at
+/// most the longest interval. One that is not above 0 goes into the seconds field as it stands.
+/// Nothing for a text with one colon or more than two.
 std::optional<IntervalTexts> parseInterval(const std::string& text);
 
 /// The help text, ending in a newline.

@@ -169,9 +169,17 @@ TEST(IntervalArgument, MoreSecondsThanTheLongestIntervalAreTheLongest) {
     }
 }
 
-TEST(IntervalArgument, OtherTextGoesIntoTheSecondsField) {
-    EXPECT_THAT(*parseInterval("7x"), ElementsAre("0", "0", "7x"));
-    EXPECT_THAT(*parseInterval("-5"), ElementsAre("0", "0", "-5"));
+TEST(IntervalArgument, PlainSecondsAreReadAsAFieldReadsThem) {
+    for (const char* text : {"90.5", "90s", "+90", " 90", "0090"}) {
+        EXPECT_THAT(*parseInterval(text), ElementsAre("0", "1", "30")) << text;
+    }
+    EXPECT_THAT(*parseInterval("7x"), ElementsAre("0", "0", "7"));
+}
+
+TEST(IntervalArgument, WhatIsNotAboveZeroGoesIntoTheSecondsField) {
+    for (const char* text : {"", "abc", "-5", "0x10", "-99999999999999999999"}) {
+        EXPECT_THAT(*parseInterval(text), ElementsAre("0", "0", text)) << text;
+    }
 }
 
 TEST(IntervalArgument, TwoOrFourPartsAreRefused) {

@@ -70,7 +70,8 @@ TEST_F(CaptureProgram, TheIntervalIsClampedFieldByField) {
         {"0:0:0", "1"}, {"-5:75:abc", "3540"}, {"1000:59:59", "3599999"},
         {"0", "1"},     {"90", "90"},          {"3661", "3661"},
         {"abc", "1"},   {"7x", "7"},           {"0:1:1", "61"},
-        {"-1", "1"},    {"::", "1"},           {"999:59:59", "3599999"}};
+        {"-1", "1"},    {"::", "1"},           {"999:59:59", "3599999"},
+        {"90s", "90"},  {"3600000", "3599999"}};
     for (const auto& [interval, seconds] : intervals) {
         SCOPED_TRACE(interval);
         const Ended ended = capture({"--interval=" + interval, "--count", "1"});
