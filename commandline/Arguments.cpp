@@ -106,6 +106,15 @@ std::string readOptions(const std::vector<std::string>& arguments,
             return "There is no option '" + written + "' here, or it takes no value.";
         }
         const Option& option = options[static_cast<std::size_t>(index)];
+        const bool valueStandsAlone =
+            option.hasValue && ::optarg == pointers[static_cast<std::size_t>(::optind - 1)];
+        const std::string given =
+            pointers[static_cast<std::size_t>(::optind - (valueStandsAlone ? 2 : 1))];
+        // The C library takes the beginning of a name for the whole; another version may have
+        // another option that begins so.
+        if (given.substr(0, given.find('=')) != "--" + option.name) {
+            return "There is no option '" + given + "' here.";
+        }
         std::string error = option.take(option.hasValue ? ::optarg : "");
         if (!error.empty()) {
             return error;

@@ -111,6 +111,15 @@ TEST(Arguments, OptionsOutOfRangeAreRefused) {
     EXPECT_THAT(errorOf({"compile", "f", "--bogus"}), HasSubstr("--bogus"));
 }
 
+TEST(Arguments, ShortenedOptionsAreRefused) {
+    EXPECT_THAT(errorOf({"compile", "f", "--fp", "5"}), HasSubstr("'--fp'"));
+    EXPECT_THAT(errorOf({"compile", "f", "--fp=5"}), HasSubstr("'--fp=5'"));
+    EXPECT_THAT(errorOf({"frames", "--nul", "f"}), HasSubstr("'--nul'"));
+    EXPECT_THAT(errorOf({"capture", "f", "--d", "d"}), HasSubstr("'--d'"));
+    EXPECT_EQ(parsedAs<CaptureCommand>({"capture", "f", "--device", "--dev"}).device, "--dev");
+    EXPECT_EQ(parsedAs<CaptureCommand>({"capture", "f", "--device=--d"}).device, "--d");
+}
+
 TEST(Arguments, CaptureNeedsADevice) {
     EXPECT_THAT(errorOf({"capture", "f"}), HasSubstr("--device"));
     EXPECT_THAT(errorOf({"capture", "--device", "d"}), HasSubstr("folder is missing"));
