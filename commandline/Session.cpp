@@ -49,11 +49,11 @@ MovieOptions movieOptions(const MovieArguments& movie) {
     return result;
 }
 
+} // namespace
+
 std::string outputError(int number) {
     return std::string("vistrane: Cannot write to standard output: ") + std::strerror(number) + ".";
 }
-
-} // namespace
 
 /// The backend and the controller, in the order in which they need each other.
 struct Session::Parts {

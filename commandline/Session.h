@@ -10,6 +10,9 @@
 
 namespace vistrane {
 
+/// What is said when standard output fails with that error number.
+std::string outputError(int number);
+
 /// What a command needs of the machine.
 struct SessionOptions {
     /// The project folder, checked; nothing for a command without one.

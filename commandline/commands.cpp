@@ -1,12 +1,14 @@
 #include "commandline/commands.h"
 
-#include <cstdio>
 #include <iostream>
+
+#include <unistd.h>
 
 #include "commandline/Session.h"
 #include "commandline/demo_folder.h"
 #include "commandline/project_folder_argument.h"
 #include "commandline/version.h"
+#include "platform/posix/BackgroundWriter.h"
 #include "platform/shown_text.h"
 #include "window/open_window.h"
 
@@ -26,8 +28,20 @@ int refuse(const std::string& reason) {
 /// For a word that cannot be told from a misspelled command.
 std::string hintOnCommands(const std::string& folder) {
     const bool isOneWord = folder.find('/') == std::string::npos;
-    return isOneWord ? " There is no command '" + folder + "' either; 'vistrane --help' lists them."
+    return isOneWord ? " There is no command '" + shownText(folder) +
+                           "' either; 'vistrane --help' lists them."
                      : "";
+}
+
+/// Prints without a session; the exit status.
+int print(const std::string& text) {
+    BackgroundWriter output(STDOUT_FILENO, [](int) {});
+    output.write(text);
+    if (output.flush()) {
+        return 0;
+    }
+    std::cerr << outputError(output.failure()) << '\n';
+    return 1;
 }
 
 /// A launched session; it ends with the process.
@@ -51,13 +65,11 @@ Session& startSession(const SessionOptions& options) {
 }
 
 int run(const HelpCommand&) {
-    std::cout << helpText() << std::flush;
-    return std::cout ? 0 : 1;
+    return print(helpText());
 }
 
 int run(const VersionCommand&) {
-    std::cout << "vistrane " << programVersion << std::endl;
-    return std::cout ? 0 : 1;
+    return print(std::string("vistrane ") + programVersion + "\n");
 }
 
 int run(const WindowCommand& command) {

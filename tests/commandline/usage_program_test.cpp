@@ -28,6 +28,19 @@ TEST_F(UsageProgram, VersionGoesToStandardOutput) {
     EXPECT_EQ(ended.errors, "");
 }
 
+TEST_F(UsageProgram, TextThatCannotBePrintedIsAFailureWithItsReason) {
+    for (const char* option : {"--help", "--version"}) {
+        const Ended full = runIn({"sh", "-c", "exec \"$0\" \"$@\" >/dev/full"}, {option});
+        EXPECT_EQ(full.status, 1);
+        EXPECT_EQ(full.errors,
+                  "vistrane: Cannot write to standard output: No space left on device.\n");
+        const Ended closed = runIn({"sh", "-c", "exec \"$0\" \"$@\" >&-"}, {option});
+        EXPECT_EQ(closed.status, 1);
+        EXPECT_EQ(closed.errors,
+                  "vistrane: Cannot write to standard output: Bad file descriptor.\n");
+    }
+}
+
 TEST_F(UsageProgram, WrongUsageIsTwoWithTheReasonOnStandardError) {
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"--version", "x"},
