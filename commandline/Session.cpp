@@ -144,11 +144,8 @@ Session::Session(const SessionOptions& options) : parts_(*new Parts(options)) {
                            },
                            [this](int status) { parts_.endWithoutMainThread(status); }});
 
-    // The settings of a program that has run before and whose user has confirmed the folder.
-    MemoryUserDefaults& defaults = parts_.defaults;
-    defaults.setInteger(1, "firstTimeRunning");
-    defaults.setInteger(30, "iFPS");
-    defaults.setInteger(5, "iSecond");
+    // The settings of a first run, so that the controller stores its own values, with a folder that
+    // the user has confirmed.
     if (options.folder) {
         parts_.folder = *options.folder;
         const BookmarkDataResult bookmark = parts_.foundation.bookmarkDataWithOptions(
@@ -156,7 +153,7 @@ Session::Session(const SessionOptions& options) : parts_(*new Parts(options)) {
         if (bookmark.error) {
             fail(bookmark.error->localizedDescription);
         }
-        defaults.setObject(bookmark.data, "iData");
+        parts_.defaults.setObject(bookmark.data, "iData");
     }
 }
 

@@ -26,7 +26,8 @@ struct SessionOptions {
 /// The program without a window: the controller with plain controls, real media and its own run
 /// loop, driven as a user would drive it. One for the process; main thread only.
 ///
-/// A session starts from settings of its own, in memory, in which the folder counts as confirmed.
+/// A session starts from settings of its own, in memory: those of a first run, in which the folder
+/// counts as confirmed.
 /// An interrupt, a hang-up or a termination ends the process at any moment, with 128 + the signal
 /// as its exit status and nothing half-written. What a command does next is decided by looking at
 /// what the controls show and what has reached the disk.

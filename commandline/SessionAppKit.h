@@ -17,6 +17,9 @@ public:
         : ConsoleAppKit(std::move(alertRules), workspace, output), loop_(loop), pictures_(pictures),
           report_(report) {}
 
+    /// Every command is a first run, which is nothing to be told of.
+    void NSBeep() override {}
+
     /// There is nothing to draw resources on.
     std::shared_ptr<NSImage> imageNamed(const std::string&) override { return nullptr; }
 

@@ -8,6 +8,7 @@
 #include "commandline/demo_folder.h"
 #include "commandline/project_folder_argument.h"
 #include "commandline/version.h"
+#include "platform/media/cameras/CameraOptions.h"
 #include "platform/posix/BackgroundWriter.h"
 #include "platform/shown_text.h"
 #include "window/open_window.h"
@@ -16,7 +17,6 @@ namespace vistrane {
 
 namespace {
 
-constexpr char demoCameraName[] = "Demo Camera";
 constexpr int demoStills = 10;
 constexpr int demoFramesPerSecond = 10;
 

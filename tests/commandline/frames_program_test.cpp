@@ -35,6 +35,13 @@ TEST_F(FramesProgram, NumbersAreComparedByValueCaseAndWidthAreIgnored) {
     }
 }
 
+TEST_F(FramesProgram, SaysNothingOnATerminalAndRingsNoBell) {
+    options.errorsGoToTerminal = true;
+    const Ended ended = run({"frames", folder});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.errors, "");
+}
+
 TEST_F(FramesProgram, OnlyTheExtensionDecides) {
     writeFiles({"a.PNG", "b.Png", "c.jpg", "png", "d.png~", "e.png.part", "f.tar.png"});
     std::filesystem::create_directory(folder + "/g.png");

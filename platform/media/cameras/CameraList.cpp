@@ -6,6 +6,7 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/media/cameras/CameraOptions.h"
 #include "platform/media/cameras/threads.h"
 #include "platform/shown_text.h"
 
@@ -209,7 +210,7 @@ std::vector<Camera> CameraList::listOf(const std::string& name,
 Camera demoCamera() {
     Camera camera;
     camera.facts.provider = demoProvider;
-    camera.facts.name = "Demo Camera";
+    camera.facts.name = demoCameraName;
     camera.facts.identity = camera.facts.instance = camera.facts.name;
     const GstPointer<GstCaps> caps(
         startGStreamer() ? gst_caps_from_string("video/x-raw,format=I420,width=1280,height=720,"

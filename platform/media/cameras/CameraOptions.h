@@ -4,6 +4,8 @@
 
 namespace vistrane {
 
+inline constexpr char demoCameraName[] = "Demo Camera";
+
 /// What `Cameras` can be told. The times are those of a patient front end; tests take shorter ones.
 /// For a camera that says that it is slow, those that wait for a picture are at least three of its
 /// periods.
@@ -11,7 +13,7 @@ struct CameraOptions {
     /// Looks for the machine's own cameras; without it nothing is asked and nothing waited for.
     bool findsCameras = true;
 
-    /// Offers the moving test picture "Demo Camera" after the real ones.
+    /// Offers a moving test picture under the name `demoCameraName` after the real ones.
     bool demoCamera = false;
 
     /// How long one listing waits for the slowest provider.
