@@ -1,5 +1,7 @@
 #include "platform/posix/EndingSignals.h"
 
+#include <cstdlib>
+#include <mutex>
 #include <utility>
 
 #include <csignal>
@@ -33,15 +35,34 @@ sigset_t endingSignals() {
     return signals;
 }
 
-void waitForSignals(const EndingSignals::Handlers& handlers) {
+/// What is done about a signal. Lasts as long as the process, as the waiting thread does.
+struct Current {
+    std::mutex mutex;
+    EndingSignals::Handlers handlers{{}, [](int status) { std::_Exit(status); }};
+};
+
+Current& current() {
+    static Current& only = *new Current;
+    return only;
+}
+
+EndingSignals::Handlers currentHandlers() {
+    const std::lock_guard lock(current().mutex);
+    return current().handlers;
+}
+
+void waitForSignals() {
     const sigset_t signals = endingSignals();
     int signal = 0;
     while (::sigwait(&signals, &signal) != 0) {
     }
-    handlers.ask(128 + signal);
-    // A second signal cuts the patience short.
-    const std::timespec limit{patience, 0};
-    ::sigtimedwait(&signals, nullptr, &limit);
+    const EndingSignals::Handlers handlers = currentHandlers();
+    if (handlers.ask) {
+        handlers.ask(128 + signal);
+        // A second signal cuts the patience short.
+        const std::timespec limit{patience, 0};
+        ::sigtimedwait(&signals, nullptr, &limit);
+    }
     handlers.force(128 + signal);
 }
 
@@ -53,14 +74,15 @@ void EndingSignals::block() {
     // A closed pipe or a full file is an error of the call that writes.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    if (!startDetachedThread(waitForSignals)) {
+        // Nobody waits for them: they end the process as they do any other.
+        ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    }
 }
 
 void EndingSignals::handle(Handlers handlers) {
-    if (!startDetachedThread([handlers = std::move(handlers)] { waitForSignals(handlers); })) {
-        // Nobody waits for them: they end the process as they do any other.
-        const sigset_t signals = endingSignals();
-        ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
-    }
+    const std::lock_guard lock(current().mutex);
+    current().handlers = std::move(handlers);
 }
 
 } // namespace vistrane

@@ -13,15 +13,17 @@ namespace vistrane {
 class EndingSignals {
 public:
     struct Handlers {
-        /// Asks the main thread to end the process with that status.
+        /// Asks the main thread to end the process with that status. Without it `force` is called
+        /// at once.
         std::function<void(int status)> ask;
         /// Ends the process without the main thread, which has not answered.
         std::function<void(int status)> force;
     };
 
-    /// Blocks the signals; they wait until `handle` is called.
+    /// Blocks the signals and waits for them. Until `handle` is called, each ends the process at
+    /// once, whatever the main thread is held up by.
     static void block();
-    /// Handles signals from now on, for ever.
+    /// Handles signals so from now on. Main thread only.
     static void handle(Handlers handlers);
 };
 

@@ -1,3 +1,6 @@
+#include <csignal>
+#include <utility>
+
 #include "tests/commandline/CommandLineTest.h"
 
 namespace vistrane {
@@ -38,6 +41,24 @@ TEST_F(UsageProgram, TextThatCannotBePrintedIsAFailureWithItsReason) {
         EXPECT_EQ(closed.status, 1);
         EXPECT_EQ(closed.errors,
                   "vistrane: Cannot write to standard output: Bad file descriptor.\n");
+    }
+}
+
+TEST_F(UsageProgram, AnInterruptEndsItBeforeThereIsASession) {
+    for (const auto& [signal, status] : {std::pair(SIGINT, 130), std::pair(SIGTERM, 143)}) {
+        // The pipe is full already, and nobody reads.
+        const std::string fill = "head -c 65536 /dev/zero; echo full >&2; exec \"$0\" \"$@\"";
+        options.outputIsNotRead = true;
+        Program program(command({"--help"}, {"sh", "-c", fill}), options);
+        ASSERT_TRUE(program.waitForError("full"));
+        // The shell has signals of its own to take care of.
+        const std::string running = "/proc/" + std::to_string(program.process()) + "/exe";
+        while (std::filesystem::read_symlink(running) != VISTRANE_PROGRAM) {
+            std::this_thread::yield();
+        }
+        ASSERT_TRUE(program.waitUntilReadyFor(signal));
+        program.signal(signal);
+        EXPECT_EQ(program.wait().status, status);
     }
 }
 
