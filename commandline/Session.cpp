@@ -59,7 +59,7 @@ std::string outputError(int number) {
 struct Session::Parts {
     explicit Parts(const SessionOptions& options)
         : cameras(dispatch, observer, cameraOptions(options)),
-          movies(observer, movieOptions(options.movie)) {
+          movies(observer, movieOptions(options.movie)), cleanUp(options.cleanUp) {
         interface.addTo(nib);
         foundation.setThreadFailureHandler([this] { threadIsMissing = true; });
         interface.progressBar->setObserver(
@@ -90,6 +90,7 @@ struct Session::Parts {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         movies.abandonAll();
+        cleanUp();
         std::_Exit(status);
     }
 
@@ -126,6 +127,7 @@ struct Session::Parts {
     ConsoleNib nib;
     AppDelegate controller{
         Platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch}};
+    const std::function<void()> cleanUp;
     std::string folder;
     bool isLaunched = false;
     bool alertWasShown = false;
@@ -317,6 +319,9 @@ void Session::end(int status) {
     } else if (!parts_.results.flush()) {
         say(outputError(parts_.results.failure()));
         status = 1;
+    }
+    if (status != 0) {
+        parts_.cleanUp();
     }
     // Threads may still be at work, so nothing is taken apart.
     std::_Exit(status);

@@ -21,6 +21,8 @@ struct SessionOptions {
     bool findsCameras = false;
     bool demoCamera = false;
     MovieArguments movie = {};
+    /// Called last when the process ends with another exit status than 0. Any thread.
+    std::function<void()> cleanUp = [] {};
 };
 
 /// The program without a window: the controller with plain controls, real media and its own run

@@ -1,5 +1,6 @@
 #include "commandline/commands.h"
 
+#include <cstdlib>
 #include <iostream>
 
 #include <unistd.h>
@@ -10,6 +11,7 @@
 #include "commandline/version.h"
 #include "platform/media/cameras/CameraOptions.h"
 #include "platform/posix/BackgroundWriter.h"
+#include "platform/posix/EndingSignals.h"
 #include "platform/shown_text.h"
 #include "window/open_window.h"
 
@@ -134,6 +136,7 @@ int run(const CaptureCommand& command) {
 
 int run(const DemoCommand& command) {
     std::string path;
+    std::function<void()> cleanUp = [] {};
     if (command.folder) {
         const ProjectFolderArgument folder = projectFolderArgument(*command.folder);
         if (!folder.error.empty()) {
@@ -146,6 +149,11 @@ int run(const DemoCommand& command) {
             return refuse(folder.error);
         }
         path = folder.path;
+        cleanUp = [path] { removeIfEmpty(path); };
+        EndingSignals::handle({{}, [cleanUp](int status) {
+                                   cleanUp();
+                                   std::_Exit(status);
+                               }});
     }
     CaptureCommand capture;
     capture.device = demoCameraName;
@@ -153,7 +161,7 @@ int run(const DemoCommand& command) {
     capture.count = demoStills;
     capture.compiles = true;
     capture.movie.framesPerSecond = demoFramesPerSecond;
-    Session& session = startSession({.folder = path, .demoCamera = true});
+    Session& session = startSession({.folder = path, .demoCamera = true, .cleanUp = cleanUp});
     captureAndCompile(session, capture,
                       [&session](const std::string& frame) { session.say(shownText(frame)); });
 }

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <unistd.h>
+
 #include "platform/posix/user_folders.h"
 #include "platform/shown_text.h"
 
@@ -64,6 +66,10 @@ NewFolder createDemoFolder(const std::string& parent) {
     return {{},
             "Cannot create a folder in '" + shownText(parent) + "': " + error.message() +
                 ". Name a folder: vistrane demo FOLDER."};
+}
+
+void removeIfEmpty(const std::string& folder) {
+    ::rmdir(folder.c_str());
 }
 
 } // namespace vistrane

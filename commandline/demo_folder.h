@@ -17,4 +17,7 @@ struct NewFolder {
 /// Creates a folder in `parent` (and that too where it is missing), named after the local time.
 NewFolder createDemoFolder(const std::string& parent);
 
+/// Takes such a folder away again, unless something is in it. Any thread.
+void removeIfEmpty(const std::string& folder);
+
 } // namespace vistrane

@@ -290,6 +290,34 @@ TEST_F(DemoProgram, WithoutAPlaceForItsFolderItSaysWhatToDo) {
     EXPECT_THAT(ended.errors, HasSubstr("Name a folder: vistrane demo FOLDER."));
 }
 
+TEST_F(DemoProgram, AFailureLeavesNoEmptyFolderBehind) {
+    // Without plugins there is nothing that makes the test picture.
+    options.environment["GST_PLUGIN_SYSTEM_PATH_1_0"] = home;
+    options.environment["GST_REGISTRY"] = work / "no-plugins.bin";
+    const Ended ended = run({"demo"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_NE(ended.errors, "");
+    EXPECT_THAT(namesIn(home), ElementsAre("Videos"));
+    EXPECT_THAT(namesIn(home + "/Videos"), IsEmpty());
+}
+
+TEST_F(DemoProgram, AnEarlyInterruptLeavesNoEmptyFolderBehind) {
+    const std::string videos = work / "home/Videos";
+    std::filesystem::create_directory(videos);
+    Program program(command({"demo"}), options);
+    const auto limit = std::chrono::steady_clock::now() + Program::limit;
+    while (namesIn(videos).empty() && std::chrono::steady_clock::now() < limit) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait().status, 130);
+    // On a slow machine the first frame may be quicker than the interrupt.
+    for (const std::string& name : namesIn(videos)) {
+        EXPECT_THAT(namesIn(videos + "/" + name), Not(IsEmpty()));
+    }
+}
+
 TEST_F(DemoProgram, AnInterruptEndsItWithWholeFramesOnly) {
     Program program(command({"demo", folder}), options);
     ASSERT_TRUE(program.waitForError(".png\n"));
