@@ -55,6 +55,10 @@ Session& startSession(const SessionOptions& options) {
 
 [[noreturn]] void captureAndCompile(Session& session, const CaptureCommand& command,
                                     const std::function<void(const std::string&)>& saved) {
+    if (command.compiles && !command.count) {
+        session.say("vistrane: Without --count capturing goes on until it is interrupted, and no "
+                    "movie is made.");
+    }
     session.pickDevice(command.device);
     if (command.interval) {
         session.enterInterval(*command.interval);

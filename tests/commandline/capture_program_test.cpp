@@ -102,6 +102,17 @@ TEST_F(CaptureProgram, OneFrameIsTooFewToCompile) {
     EXPECT_THAT(namesIn(folder), SizeIs(1));
 }
 
+TEST_F(CaptureProgram, AMovieWithoutACountIsSaidToBeNone) {
+    Program program(command(captureArguments({"--compile"})), options);
+    ASSERT_TRUE(program.nextLine());
+    program.signal(SIGINT);
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 130);
+    EXPECT_EQ(ended.errors, "vistrane: Without --count capturing goes on until it is interrupted, "
+                            "and no movie is made.\n");
+    EXPECT_THAT(namesEndingIn(".mov", folder), IsEmpty());
+}
+
 TEST_F(CaptureProgram, FramesThatAreTakenAwayAsTheyComeAreNotWaitedFor) {
     Program program(command(captureArguments({"--interval", "1", "--count", "2"})), options);
     for (int frame = 0; frame < 2; ++frame) {
