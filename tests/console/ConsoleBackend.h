@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -20,6 +21,7 @@ namespace vistrane {
 /// The console for the contract suites, on the real clock.
 class ConsoleBackend {
 public:
+    ConsoleBackend() { interface_.addTo(nib_); }
     ~ConsoleBackend() { close(nowhere_); }
 
     Foundation& foundation() { return foundation_; }
@@ -59,6 +61,22 @@ public:
         dynamic_cast<ConsolePopUpButton&>(popUp).userPicks(index);
     }
     std::shared_ptr<NSImageView> imageView() { return std::make_shared<ConsoleImageView>(); }
+    std::shared_ptr<NSProgressIndicator> progressBar() {
+        return std::make_shared<ConsoleProgressIndicator>();
+    }
+    double shownPart(NSProgressIndicator& bar) {
+        const auto& shown = dynamic_cast<ConsoleProgressIndicator&>(bar);
+        return std::min(shown.doubleValue() / shown.maxValue(), 1.0);
+    }
+
+    NSNib& nib() { return nib_; }
+    std::string missingOutlet() { return "noSuchControl"; }
+    void click(const std::string& outlet, const std::string&) {
+        std::shared_ptr<NSButton> button;
+        nib_.outlet(outlet, button);
+        dynamic_cast<ConsoleButton&>(*button).performClick();
+    }
+
     std::shared_ptr<NSWindow> window() { return std::make_shared<ConsoleWindow>(); }
 
 private:
@@ -77,6 +95,8 @@ private:
     ConsoleRunLoop loop_;
     ConsoleDispatch dispatch_{loop_};
     ConsoleFoundation foundation_{loop_, defaults_, output_, "1.2.3"};
+    ConsoleInterface interface_;
+    ConsoleNib nib_;
     NSInteger button_ = 0;
     double secondsUp_ = 0.0;
     std::shared_ptr<const ConsoleAlertRules> alertRules_ =

@@ -3,6 +3,8 @@
 #include "tests/contract/BookmarkContract.h"
 #include "tests/contract/ControlContract.h"
 #include "tests/contract/DispatchContract.h"
+#include "tests/contract/NibContract.h"
+#include "tests/contract/ProgressContract.h"
 #include "tests/contract/ThreadContract.h"
 #include "tests/contract/TimerContract.h"
 #include "tests/contract/UserDefaultsContract.h"
@@ -13,6 +15,8 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Console, AlertContract, ConsoleBackend, contract:
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, BookmarkContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, ControlContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, DispatchContract, ConsoleBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Console, NibContract, ConsoleBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Console, ProgressContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, ThreadContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, TimerContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, UserDefaultsContract, ConsoleBackend, contract::Names);

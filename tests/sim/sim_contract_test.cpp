@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "platform/sim/Sim.h"
 #include "tests/contract/AlertContract.h"
 #include "tests/contract/BookmarkContract.h"
@@ -7,6 +9,8 @@
 #include "tests/contract/FileManagerContract.h"
 #include "tests/contract/LocaleContract.h"
 #include "tests/contract/MenuContract.h"
+#include "tests/contract/NibContract.h"
+#include "tests/contract/ProgressContract.h"
 #include "tests/contract/ThreadContract.h"
 #include "tests/contract/TimerContract.h"
 #include "tests/contract/UserDefaultsContract.h"
@@ -70,6 +74,23 @@ public:
     }
     void choose(NSMenu& menu, std::size_t index) { simMenu(menu).items.at(index)->choose(); }
 
+    std::shared_ptr<NSProgressIndicator> progressBar() {
+        return outlet<NSProgressIndicator>("progressBar");
+    }
+    double shownPart(NSProgressIndicator& bar) {
+        const auto& shown = dynamic_cast<SimProgressIndicator&>(bar);
+        return std::min(shown.value / shown.maximum, 1.0);
+    }
+
+    NSNib& nib() { return sim_.nib(); }
+    std::string missingOutlet() {
+        sim_.nib().leaveOut("noSuchControl");
+        return "noSuchControl";
+    }
+    void click(const std::string& name, const std::string& selector) {
+        sim_.nib().send(selector, outlet<NSButton>(name).get());
+    }
+
     std::unique_ptr<NSAlert> alert() { return sim_.platform().appKit.alert(); }
     std::unique_ptr<NSAlert> alertWithError(const NSError& error) {
         return sim_.platform().appKit.alertWithError(error);
@@ -110,6 +131,8 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DispatchContract, SimBackend, contract::Name
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, FileManagerContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, LocaleContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, MenuContract, SimBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Sim, NibContract, SimBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Sim, ProgressContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, ThreadContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, TimerContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, UserDefaultsContract, SimBackend, contract::Names);

@@ -1,5 +1,7 @@
 #include "platform/sim/Sim.h"
 #include "tests/contract/AssetWriterContract.h"
+#include "tests/contract/DataContract.h"
+#include "tests/contract/DiscoveryContract.h"
 #include "tests/contract/ImageContract.h"
 #include "tests/contract/PhotoContract.h"
 #include "tests/contract/PixelBufferContract.h"
@@ -20,7 +22,10 @@ public:
         sim_.files().addFolder("/f");
         return "/f";
     }
-    void addFile(const std::string& path) { sim_.files().addFile(path); }
+    void addFile(const std::string& path) { sim_.files().addFile(path, "other bytes"); }
+    std::optional<std::string> contents(const std::string& path) {
+        return sim_.files().contents(path);
+    }
     bool exists(const std::string& path) { return sim_.files().exists(path); }
     void awaitEnd(const std::string&) {
         while (sim_.movies().finishingWriters() > 0) {
@@ -52,7 +57,21 @@ private:
     Sim sim_;
 };
 
+class SimDiscoveryBackend {
+public:
+    SimDiscoveryBackend() {
+        sim_.cameras().add("Camera");
+        sim_.cameras().add("Other Camera");
+    }
+    AVFoundation& cameras() { return sim_.platform().avFoundation; }
+
+private:
+    Sim sim_;
+};
+
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, AssetWriterContract, SimMediaBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DataContract, SimMediaBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DiscoveryContract, SimDiscoveryBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, ImageContract, SimMediaBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, PhotoContract, SimMediaBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, PixelBufferContract, SimMediaBackend, contract::Names);

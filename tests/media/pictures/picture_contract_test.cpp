@@ -1,3 +1,4 @@
+#include "tests/contract/DataContract.h"
 #include "tests/contract/ImageContract.h"
 #include "tests/contract/PixelBufferContract.h"
 #include "tests/media/pictures/PicturesTest.h"
@@ -11,6 +12,15 @@ public:
     CoreVideo& coreVideo() { return coreVideo_; }
     CoreGraphics& coreGraphics() { return coreGraphics_; }
     std::string emptyFolder() { return folder_.path(); }
+
+    void addFile(const std::string& path) { std::ofstream(path) << "other bytes"; }
+    std::optional<std::string> contents(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return file
+                   ? std::optional<std::string>(std::in_place, std::istreambuf_iterator<char>(file),
+                                                std::istreambuf_iterator<char>())
+                   : std::nullopt;
+    }
 
     std::string addPicture(NSSize points) { return add(placeMarks(points)); }
     std::string addDensePicture(NSSize points) {
@@ -47,6 +57,7 @@ private:
     MediaCoreGraphics coreGraphics_{coreVideo_};
 };
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Media, DataContract, PictureBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Media, ImageContract, PictureBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Media, PixelBufferContract, PictureBackend, contract::Names);
 
