@@ -24,11 +24,6 @@ private:
     std::vector<std::shared_ptr<AVCaptureDevice>> devices_;
 };
 
-bool matches(const AVCaptureDevice& device, AVMediaType type) {
-    return device.hasMediaType(type) ||
-           (type == AVMediaTypeVideo && device.hasMediaType(AVMediaTypeMuxed));
-}
-
 /// The camera as it is listed now. Waits for one that is restarting.
 std::optional<Camera> listedNow(CameraList& list, const CameraFacts& wanted,
                                 const CameraOptions& options) {
@@ -79,9 +74,8 @@ std::shared_ptr<AVCaptureDeviceDiscoverySession> Cameras::discoverySessionWithDe
         cameras.push_back(demoCamera());
     }
     for (Camera& camera : cameras) {
-        auto device = std::make_shared<CameraDevice>(std::move(camera));
-        if (matches(*device, mediaType)) {
-            devices.push_back(std::move(device));
+        if (isFoundBy(mediaType, *camera.modes)) {
+            devices.push_back(std::make_shared<CameraDevice>(std::move(camera)));
         }
     }
     return std::make_shared<DiscoverySession>(std::move(devices));

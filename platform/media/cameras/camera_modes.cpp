@@ -191,4 +191,9 @@ bool offersMediaType(const std::vector<CameraMode>& modes, AVMediaType type) {
     });
 }
 
+bool isFoundBy(AVMediaType query, const std::vector<CameraMode>& modes) {
+    return offersMediaType(modes, query) ||
+           (query == AVMediaTypeVideo && offersMediaType(modes, AVMediaTypeMuxed));
+}
+
 } // namespace vistrane

@@ -47,4 +47,8 @@ const CameraMode* movingPictureMode(const std::vector<CameraMode>& modes);
 /// Video: a mode that is a picture or an encoded stream. Muxed: one that mixes in sound.
 bool offersMediaType(const std::vector<CameraMode>& modes, AVMediaType type);
 
+/// Whether a query for that medium finds a camera with these modes. One for video finds cameras
+/// that mix in sound as well.
+bool isFoundBy(AVMediaType query, const std::vector<CameraMode>& modes);
+
 } // namespace vistrane

@@ -1,10 +1,13 @@
 #include "platform/media/cameras/camera_modes.h"
 
+#include <memory>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "platform/media/cameras/CameraList.h"
+#include "platform/media/cameras/CaptureSession.h"
 
 namespace vistrane {
 namespace {
@@ -96,6 +99,47 @@ TEST_F(CameraModes, ACamcorderIsMuxedOnly) {
         EXPECT_FALSE(offersMediaType(modes, AVMediaTypeVideo)) << caps;
         EXPECT_EQ(photoMode(modes), nullptr) << caps;
     }
+}
+
+TEST_F(CameraModes, AQueryForVideoFindsCamcordersToo) {
+    const auto camcorder = of("video/mpegts");
+    EXPECT_TRUE(isFoundBy(AVMediaTypeVideo, camcorder));
+    EXPECT_TRUE(isFoundBy(AVMediaTypeMuxed, camcorder));
+    EXPECT_FALSE(isFoundBy(AVMediaTypeAudio, camcorder));
+    const auto camera = of(webcam);
+    EXPECT_TRUE(isFoundBy(AVMediaTypeVideo, camera));
+    EXPECT_FALSE(isFoundBy(AVMediaTypeMuxed, camera));
+    EXPECT_FALSE(isFoundBy(AVMediaTypeAudio, camera));
+    EXPECT_FALSE(isFoundBy(AVMediaTypeVideo, {}));
+}
+
+class CameraDevices : public CameraModes {
+protected:
+    static CameraDevice device(const char* capabilities) {
+        Camera camera;
+        camera.facts.name = "Camera";
+        camera.modes = std::make_shared<const std::vector<CameraMode>>(of(capabilities));
+        return CameraDevice(std::move(camera));
+    }
+};
+
+TEST_F(CameraDevices, ACameraWithPicturesTakesEitherPreset) {
+    const CameraDevice camera = device(webcam);
+    EXPECT_EQ(camera.localizedName(), "Camera");
+    EXPECT_TRUE(camera.supportsAVCaptureSessionPreset(AVCaptureSessionPresetPhoto));
+    EXPECT_TRUE(camera.supportsAVCaptureSessionPreset(AVCaptureSessionPresetHigh));
+}
+
+TEST_F(CameraDevices, WithAnEncodedStreamOnlyThereAreNoPhotos) {
+    for (const char* caps : {"video/x-h264,width=1920,height=1080,framerate=30/1", "video/mpegts",
+                             "video/x-dv,systemstream=true"}) {
+        const CameraDevice camera = device(caps);
+        EXPECT_FALSE(camera.supportsAVCaptureSessionPreset(AVCaptureSessionPresetPhoto)) << caps;
+        EXPECT_TRUE(camera.supportsAVCaptureSessionPreset(AVCaptureSessionPresetHigh)) << caps;
+    }
+    EXPECT_TRUE(device("video/x-h264").hasMediaType(AVMediaTypeVideo));
+    EXPECT_FALSE(device("video/mpegts").hasMediaType(AVMediaTypeVideo));
+    EXPECT_TRUE(device("video/mpegts").hasMediaType(AVMediaTypeMuxed));
 }
 
 TEST_F(CameraModes, NothingDecodableIsNoMode) {
