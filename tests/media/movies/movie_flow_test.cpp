@@ -5,6 +5,10 @@
 #include <mutex>
 #include <sys/resource.h>
 
+#include "platform/media/movies/MovieFile.h"
+#include "platform/media/movies/MovieJob.h"
+#include "platform/media/movies/MovieJobs.h"
+#include "platform/media/movies/MovieWriter.h"
 #include "tests/media/movies/MovieTestKit.h"
 #include "tests/media/movies/QuickTimeBoxes.h"
 
@@ -139,6 +143,32 @@ TEST_F(MovieFlow, AnUnusablePresetFailsTheMovieWithTheReason) {
     movie.finish();
     EXPECT_THAT(observer.outcome(path)->localizedDescription, HasSubstr("cannot be set up"));
     EXPECT_THAT(folder.names(), IsEmpty());
+}
+
+TEST_F(MovieFlow, TheInputAnswersNoWhileItsQueueIsFull) {
+    const auto jobs = std::make_shared<MovieJobs>(observer);
+    const auto job =
+        std::make_shared<MovieJob>(path, MovieFile::create(path).file, MovieOptions(), jobs);
+    jobs->add(path, job);
+    const auto input = std::make_shared<MovieInput>(AVMediaTypeVideo, trackSettings(64, 48));
+    MovieAdaptor adaptor(input);
+    ASSERT_FALSE(input->attach(job));
+    // Begun without the encoder's thread: nobody takes pictures out of the queue.
+    input->track()->begin();
+    input->track()->startSession(kCMTimeZero);
+    int taken = 0;
+    for (; taken < 100 && input->isReadyForMoreMediaData(); ++taken) {
+        ASSERT_TRUE(adaptor.appendPixelBuffer(scene(64, 48, taken).get(), frameTime(taken, 25)));
+    }
+    EXPECT_LT(taken, 100);
+    EXPECT_FALSE(input->isReadyForMoreMediaData());
+    ASSERT_TRUE(job->start());
+    while (!input->isReadyForMoreMediaData()) {
+    }
+    EXPECT_TRUE(adaptor.appendPixelBuffer(scene(64, 48, taken).get(), frameTime(taken, 25)));
+    input->track()->finish([] {});
+    EXPECT_EQ(observer.outcome(path), std::nullopt);
+    EXPECT_THAT(shownTimes(path), SizeIs(static_cast<std::size_t>(taken) + 1));
 }
 
 TEST_F(MovieFlow, ThePicturesThatWaitStayFew) {
