@@ -120,7 +120,7 @@ void Program::Stream::close() {
 
 Program::Program(const std::vector<std::string>& command, const Options& options)
     : outputIsNotRead_(options.outputIsNotRead),
-      deadline_(std::chrono::steady_clock::now() + limit) {
+      deadline_(std::chrono::steady_clock::now() + options.limit) {
     const Ends output = makePipe();
     const Ends errors = options.errorsGoToTerminal ? makeTerminal() : makePipe();
     const Ends end = makePipe();

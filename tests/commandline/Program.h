@@ -34,6 +34,8 @@ struct ProgramOptions {
     /// Nobody takes what it writes to standard output, so that it stands still once the pipe is
     /// full.
     bool outputIsNotRead = false;
+    /// Longer than any machine needs.
+    std::chrono::seconds limit{120};
 };
 
 /// One run of any program in a process group of its own. Its output is read while the test waits
@@ -42,8 +44,6 @@ struct ProgramOptions {
 class Program {
 public:
     using Options = ProgramOptions;
-
-    static constexpr std::chrono::seconds limit{120};
 
     explicit Program(const std::vector<std::string>& command, const Options& options = {});
     ~Program();
