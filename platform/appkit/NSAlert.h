@@ -18,9 +18,9 @@ inline constexpr NSModalResponse NSAlertFirstButtonReturn = 1000;
 
 /// A message that waits for an answer. Made, set up and run by one thread.
 ///
-/// On the main thread `runModal` blocks the caller, and timers hold back meanwhile: each has at most
-/// one late tick afterwards. The main queue's work goes on. On another thread it blocks that thread
-/// only, without using processor time.
+/// On the main thread `runModal` blocks the caller, and timers hold back meanwhile: each has at
+/// most one late tick afterwards. The main queue's work goes on. On another thread it blocks that
+/// thread only, without using processor time.
 class NSAlert : public NSObject {
 public:
     virtual void setMessageText(const std::string& text) = 0;
