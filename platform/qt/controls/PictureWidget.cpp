@@ -102,12 +102,14 @@ void PictureWidget::paintEvent(QPaintEvent*) {
 
 void PictureWidget::decode() {
     const auto file = std::dynamic_pointer_cast<MediaImage>(picture_);
-    if (!file) {
+    const auto resource = std::dynamic_pointer_cast<QtImage>(picture_);
+    const QImage* const pixels = resource ? std::get_if<QImage>(&resource->picture()) : nullptr;
+    if (!file && pixels == nullptr) {
         return;
     }
-    const NSSize size = file->size();
+    const NSSize size = picture_->size();
     shape_ = QSizeF(size.width, size.height);
-    pixels_ = decoded(*file->source());
+    pixels_ = file ? decoded(*file->source()) : *pixels;
     // Damaged or not: it is not read a second time.
     picture_.reset();
 }

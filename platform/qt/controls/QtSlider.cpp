@@ -25,7 +25,7 @@ Integer rounded(double value) {
 
 /// A number that the widget can count to, with room for a page beyond it.
 int position(double value) {
-    constexpr double most = std::numeric_limits<int>::max() / 4;
+    constexpr double most = std::numeric_limits<int>::max() >> 2;
     return static_cast<int>(std::clamp(value, -most, most));
 }
 

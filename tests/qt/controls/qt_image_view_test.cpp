@@ -6,6 +6,7 @@
 #include "platform/media/cameras/MediaPreviewLayer.h"
 #include "platform/media/pictures/MediaImage.h"
 #include "platform/qt/controls/QtImage.h"
+#include "platform/qt/controls/QtResources.h"
 #include "tests/qt/controls/ControlWidgets.h"
 
 namespace vistrane {
@@ -109,6 +110,20 @@ TEST_F(QtImageViewTest, ADamagedPictureIsNoPictureAndIsTriedOnce) {
     EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
     EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
     EXPECT_EQ(picture->decoded_, 1);
+}
+
+TEST_F(QtImageViewTest, APictureOfTheProgramsResourcesShowsInItsShape) {
+    blacken();
+    QImage pixels(50, 100, QImage::Format_RGB32);
+    pixels.fill(Qt::red);
+    view_.setImage(std::make_shared<QtImage>(pixels));
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::red));
+    EXPECT_EQ(colorAt(127, 50), QColor(Qt::black));
+    const QtResources resources;
+    view_.setImage(resources.imageNamed("vistrane"));
+    EXPECT_NE(colorAt(100, 50), QColor(Qt::red));
+    EXPECT_NE(colorAt(100, 50), QColor(Qt::black));
+    EXPECT_EQ(colorAt(47, 50), QColor(Qt::black));
 }
 
 TEST_F(QtImageViewTest, NoPictureEmptiesThePlace) {

@@ -3,12 +3,10 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QSignalSpy>
+#include <QPushButton>
 #include <QTest>
 #include <gmock/gmock.h>
 
@@ -322,6 +320,19 @@ TEST_F(QtInterfaceAccessTest, ShortcutsWorkWhateverTheTitlesAre) {
                 EXPECT_THAT(takeSent(), ElementsAre(selector)) << name << " " << title;
             }
         }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, SpaceAndEnterPressTheButtonThatHasTheFocus) {
+    show();
+    for (const char* name : {"startB", "oneB", "outfolderB", "compilingB"}) {
+        auto& button = widget<QPushButton>(name);
+        int clicks = 0;
+        QObject::connect(&button, &QPushButton::clicked, &button, [&] { ++clicks; });
+        button.setFocus();
+        QTest::keyClick(&button, Qt::Key_Space);
+        QTest::keyClick(&button, Qt::Key_Return);
+        EXPECT_EQ(clicks, 2) << name;
     }
 }
 
