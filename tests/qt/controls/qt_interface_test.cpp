@@ -407,6 +407,41 @@ TEST_F(QtInterfaceAccessTest, TheViewsAreEquallyLargeInEveryWindowSizeAndDirecti
     }
 }
 
+TEST_F(QtInterfaceAccessTest, LargeLettersMakeTheLeastWindowLargerAndHideNothing) {
+    QWidget& window = interface_.mainWindow();
+    QSize last(0, 0);
+    for (const int pixels : {12, 22}) {
+        QFont font = QApplication::font();
+        font.setPixelSize(pixels);
+        window.setFont(font);
+        show();
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            window.resize(1, 1);
+            return window.size() == window.minimumSizeHint();
+        }));
+        EXPECT_GT(window.height(), last.height());
+        last = window.size();
+        for (const QWidget* child : window.findChildren<QWidget*>()) {
+            const bool isOwn = child->window() == &window && child->isVisible();
+            // The bar has no text to hide.
+            const bool isBar = child->objectName() == QStringLiteral("progressBar");
+            if (isOwn && !isBar && !child->objectName().isEmpty()) {
+                const std::string name = child->objectName().toStdString();
+                EXPECT_GE(child->width(), child->minimumSizeHint().width()) << name << pixels;
+                EXPECT_GE(child->height(), child->minimumSizeHint().height()) << name << pixels;
+            }
+        }
+    }
+    EXPECT_LE(last.width(), 1366);
+    EXPECT_LE(last.height(), 768);
+}
+
+TEST_F(QtInterfaceAccessTest, TheWindowFitsInto900By600) {
+    const QSize least = interface_.mainWindow().minimumSizeHint();
+    EXPECT_LE(least.width(), 900);
+    EXPECT_LE(least.height(), 600);
+}
+
 TEST_F(QtInterfaceAccessTest, NoTwoControlsHaveOneName) {
     std::multiset<std::string> names;
     for (const QWidget* child : interface_.mainWindow().findChildren<QWidget*>()) {
