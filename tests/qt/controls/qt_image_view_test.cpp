@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <optional>
 
 #include "platform/appkit/NSColor.h"
@@ -162,21 +161,19 @@ protected:
         blacken();
         view_.layer()->addSublayer(preview_);
     }
+    ~LivePictureTest() override { view_.setWantsLayer(false); }
 
     /// One colour, 64 x 32.
     PreviewPicture picture(std::uint8_t blue, std::uint8_t green, std::uint8_t red) {
         constexpr std::size_t stride = 64 * 4 + 16;
-        auto* const bytes = new std::uint8_t[stride * 32];
-        for (std::size_t pixel = 0; pixel < stride * 32 / 4; ++pixel) {
-            std::copy_n(std::array{blue, green, red, std::uint8_t{0}}.begin(), 4,
-                        bytes + 4 * pixel);
+        const auto bytes = std::make_shared<std::vector<std::uint8_t>>();
+        while (bytes->size() < stride * 32) {
+            bytes->insert(bytes->end(), {blue, green, red, 0});
         }
-        held_ = std::shared_ptr<const std::uint8_t>(bytes, std::default_delete<std::uint8_t[]>());
-        return {std::exchange(held_, nullptr), 64, 32, stride};
+        return {std::shared_ptr<const std::uint8_t>(bytes, bytes->data()), 64, 32, stride};
     }
 
     bool isWanted_ = false;
-    std::shared_ptr<const std::uint8_t> held_;
     std::shared_ptr<MediaPreviewLayer> preview_ =
         std::make_shared<MediaPreviewLayer>([this](bool wanted) { isWanted_ = wanted; });
 };
