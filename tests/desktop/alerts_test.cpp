@@ -1,0 +1,103 @@
+#include <filesystem>
+
+#include "tests/commandline/movie_facts.h"
+#include "tests/desktop/DesktopTest.h"
+
+namespace vistrane {
+namespace {
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class Alerts : public DesktopTest {};
+
+TEST_F(Alerts, AStillWithoutAFolderIsShownAndNotSaved) {
+    storeUsual();
+    start({"--demo-camera"});
+    pickCamera("Demo Camera");
+    clickButton("Single Frame");
+    const std::string message = "Please select the output folder";
+    EXPECT_EQ(alert(message),
+              (ShownAlert{message,
+                          "Nice shot, but unfortunately this frame of the picture has NOT been "
+                          "saved. Please select the output folder first.",
+                          {"Got it"}}));
+    keepScreen("no-folder");
+    answer(message, "Got it");
+    const Control display = *firstBelow(root(), [](const Control& control) {
+        return control.name() == "Frame" && control.role() != "slider";
+    });
+    const Colour mean = pictureOf(display).mean();
+    EXPECT_GT(mean[0] + mean[1] + mean[2], 60);
+    EXPECT_EQ(quit(), 0);
+}
+
+TEST_F(Alerts, FewerThanTwoFramesAreNotCompiled) {
+    makeFrames(1);
+    storeUsual();
+    start({folder});
+    awaitFrame(1, 1);
+    clickButton("Compile Movie");
+    const std::string message = "Bring me more frames please";
+    EXPECT_EQ(alert(message),
+              (ShownAlert{message,
+                          "I need at least 2 frames to generate a movie.\n\nPlease double check "
+                          "you have more frames in the project folder and make sure they are NOT "
+                          "corrupted.",
+                          {"Got it"}}));
+    keepScreen("few-frames");
+    answer(message, "Got it");
+    EXPECT_TRUE(button("Compile Movie").is(ControlState::enabled));
+    EXPECT_EQ(quit(), 0);
+    EXPECT_THAT(namesEndingIn(".mov", folder), IsEmpty());
+}
+
+TEST_F(Alerts, AMovieThatCannotBeCreatedLeavesTheWindowUsableAndIsTriedAgain) {
+    makeFrames(3);
+    storeUsual();
+    start({folder});
+    awaitFrame(3, 3);
+    std::filesystem::rename(folder, folder + " away");
+    clickButton("Compile Movie");
+    const std::string message = "Vistran movie compiling error:";
+    const ShownAlert shown = alert(message);
+    EXPECT_EQ(shown.buttons, std::vector<std::string>{"Got it"});
+    EXPECT_FALSE(shown.informative.empty());
+    keepScreen("no-movie");
+
+    // Beside it the window goes on.
+    const Control slider = find("slider", "Frame");
+    const Rectangle place = slider.extents();
+    screen().drag(place.right() - 14, place.y + place.height / 2, place.x + 3,
+                  place.y + place.height / 2);
+    awaitFrame(1, 3);
+    fill("Seconds", "7");
+    awaitLabel("( t = 7 s )");
+
+    answer(message, "Got it");
+    alert(message);
+    std::filesystem::rename(folder + " away", folder);
+    answer(message, "Got it");
+    await("the movie in its application", [this] { return !desktop.opened().empty(); });
+    EXPECT_EQ(movieFacts(desktop.copyOfOpened(0)).times, frameTimes(3));
+    EXPECT_EQ(quit(), 0);
+    EXPECT_THAT(namesEndingIn(".mov", folder), SizeIs(1));
+}
+
+TEST_F(Alerts, ACancelledPanelClearsTheFolderForThisRunOnly) {
+    makeFrames(2);
+    storeUsual();
+    start({folder});
+    awaitFrame(2, 2);
+    clickButton(folder);
+    find("dialog", "Select Output Folder to Save the Capture");
+    screen().press({"Escape"});
+    button("click to select the output folder");
+    EXPECT_EQ(quit(), 0);
+    start();
+    button(folder);
+    EXPECT_EQ(quit(), 0);
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,48 @@
+#include "tests/desktop/DesktopTest.h"
+
+namespace vistrane {
+namespace {
+
+using testing::HasSubstr;
+
+class CameraAlerts : public CameraDesktopTest {};
+
+TEST_F(CameraAlerts, ACameraThatIsGoneGivesTwoAlertsInTheirOrder) {
+    storeUsual();
+    start({folder});
+    ASSERT_TRUE(camera("stop"));
+    pickCamera("Testcam");
+    // The system's own words first: whatever they are, they stand alone.
+    const Control first = *await("the first alert", [this] {
+        return firstBelow(root(), [](const Control& control) {
+            return control.role() == "dialog" && control.is(ControlState::showing);
+        });
+    });
+    const std::string reason = first.name();
+    EXPECT_THAT(reason, HasSubstr("Testcam"));
+    EXPECT_EQ(alert(reason).buttons.size(), 1U);
+    EXPECT_EQ(seek("dialog", "Video Device Error"), std::nullopt);
+    keepScreen("first");
+    answer(reason, alert(reason).buttons.front());
+    const std::string message = "Video Device Error";
+    EXPECT_EQ(alert(message),
+              (ShownAlert{message,
+                          "It seems you do NOT have a supported profetional camera or video camera "
+                          "connected.\nPlease plugin a camera or video device(DV) and restart "
+                          "Vistrane. The best way of solving this issue is: download and install "
+                          "the macOS driver of your camera. test it with FaceTime, then start "
+                          "Vistrane again.\nIf you just want to make stop motion movie from "
+                          "pictures already in your folder, please search app named 'frameweave' "
+                          "or 'stillreel'.",
+                          {"Got it"}}));
+    keepScreen("second");
+    answer(message, "Got it");
+    EXPECT_THAT(program().written(), HasSubstr("deviceInputWithDevice: failed ("));
+    // Nothing runs: the button does nothing.
+    clickButton("Start Auto Capture");
+    button("Start Auto Capture");
+    EXPECT_EQ(quit(), 0);
+}
+
+} // namespace
+} // namespace vistrane

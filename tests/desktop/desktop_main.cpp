@@ -1,0 +1,17 @@
+#include <iostream>
+
+#include <gtest/gtest.h>
+
+#include "tests/desktop/Desktop.h"
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (!testing::GTEST_FLAG(list_tests)) {
+        if (const auto tool = vistrane::Desktop::missingTool()) {
+            constexpr int skipped = 77;
+            std::cout << "These tests need " << *tool << ", which is not installed.\n";
+            return skipped;
+        }
+    }
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,146 @@
+#include <algorithm>
+
+#include "tests/desktop/DesktopTest.h"
+
+namespace vistrane {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::SizeIs;
+using testing::StartsWith;
+
+/// The info panel, the menus and what they open.
+class InfoPanel : public DesktopTest {
+protected:
+    void SetUp() override {
+        storeUsual();
+        start();
+    }
+
+    /// One after the other, the last one too.
+    void chooseItems(const std::vector<std::string>& titles) {
+        for (const std::string& title : titles) {
+            click(find("menu item", title));
+        }
+    }
+
+    void openPanel() {
+        chooseItems({"Help", "About Vistrane"});
+        find("push button", "Support Mail");
+    }
+
+    /// The next address that the program asks the desktop to open.
+    std::string nextOpened() {
+        await("an address", [this] { return desktop.opened().size() > openedBefore_; });
+        return desktop.opened().at(openedBefore_++);
+    }
+
+private:
+    std::size_t openedBefore_ = 0;
+};
+
+TEST_F(InfoPanel, OpensThePagesAndMailsThatItNames) {
+    clickButton("What is a frame rate?");
+    EXPECT_THAT(nextOpened(), StartsWith("https://"));
+    openPanel();
+    keepScreen("panel");
+    label(window().title);
+    clickButton("Rate Vistrane");
+    const std::string ownPage = nextOpened();
+    EXPECT_THAT(ownPage, HasSubstr("://"));
+    clickButton("More by mantisQRX");
+    const std::string allPages = nextOpened();
+    EXPECT_NE(allPages, ownPage);
+    clickButton("Support Mail");
+    EXPECT_THAT(nextOpened(),
+                AllOf(StartsWith("mailto:"), HasSubstr("?SUBJECT=Vistrane%20"),
+                      HasSubstr("%20-%20support%20request&BODY=Hi%20mantisQRX,%0A%0A%0A%0A%0Amy%20"
+                                "OS")));
+
+    const std::string question = "Need more functions? or have some ideas?";
+    const ShownAlert asked{question,
+                           "Plese visit app's home page and leave your request there. You may also "
+                           "drop us an email or check out all our apps up to now.",
+                           {"feature request", "more by mantisQRX", "cancel"}};
+    clickButton("Feature Request");
+    EXPECT_EQ(alert(question), asked);
+    keepScreen("question");
+    answer(question, "cancel");
+    clickButton("Feature Request");
+    answer(question, "more by mantisQRX");
+    EXPECT_EQ(nextOpened(), allPages);
+    clickButton("Feature Request");
+    answer(question, "feature request");
+    EXPECT_EQ(nextOpened(), ownPage);
+    EXPECT_THAT(nextOpened(), HasSubstr("%20-%20frature%20request&BODY="));
+    EXPECT_EQ(quit(), 0);
+    EXPECT_THAT(desktop.opened(), SizeIs(7));
+}
+
+TEST_F(InfoPanel, TellsHowToStartWithTheDesktop) {
+    openPanel();
+    clickButton("Auto Start Hint");
+    const std::string message = "Tips for 'Auto open at login'";
+    const ShownAlert shown = alert(message);
+    EXPECT_EQ(shown.buttons, std::vector<std::string>{"Got it"});
+    EXPECT_THAT(shown.informative,
+                AllOf(StartsWith("To save the reserved resource of your macOS under sandbox"),
+                      HasSubstr("from version 0.1.0"), HasSubstr("locate and add 'Vistrane'\n")));
+    keepScreen("hint");
+    answer(message, "Got it");
+    EXPECT_EQ(quit(), 0);
+}
+
+TEST_F(InfoPanel, MenuOfOtherApplicationsOpensTheirPages) {
+    chooseItems({"Help", "Other Applications"});
+    const Control item = find("menu item", "frameweave");
+    keepScreen("menu");
+    click(item);
+    EXPECT_THAT(nextOpened(), HasSubstr("://"));
+    EXPECT_EQ(quit(), 0);
+}
+
+TEST_F(InfoPanel, DockSettingTakesTheMenuBarAwayAndIsRemembered) {
+    openPanel();
+    const Control dock = find("check box", "Show in the dock or task bar");
+    EXPECT_TRUE(dock.is(ControlState::checked));
+    find("menu bar", "");
+    click(dock);
+    await("the menu bar to go", [this] { return !seek("menu bar", ""); });
+    keepScreen("accessory");
+    EXPECT_EQ(quit(), 0);
+    EXPECT_THAT(stored(), Contains(Pair("iDock", 0)));
+    start();
+    EXPECT_EQ(seek("menu bar", ""), std::nullopt);
+    EXPECT_EQ(quit(), 0);
+    EXPECT_THAT(stored(), Contains(Pair("iDock", 0)));
+}
+
+TEST_F(InfoPanel, TipsOpenedByHandBeginAtTheFirstPage) {
+    screen().press({"F1"});
+    await("the tips", [this] { return windowTitled("Quick Start Tips"); });
+    awaitLabel("1 of 4");
+    const Control never = find("check box", "Do not show these tips at start");
+    EXPECT_TRUE(never.is(ControlState::checked));
+    clickButton("Next");
+    awaitLabel("2 of 4");
+    screen().close(*windowTitled("Quick Start Tips"));
+    await("the end of the tips", [this] { return !windowTitled("Quick Start Tips"); });
+    screen().activate(window());
+    screen().press({"F1"});
+    awaitLabel("1 of 4");
+    click(never);
+    await("the store", [this] { return stored()["iTip"] == 0; });
+    EXPECT_EQ(quit(), 0);
+    start();
+    await("the tips", [this] { return windowTitled("Quick Start Tips"); });
+    EXPECT_EQ(quit(), 0);
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,64 @@
+#include "tests/commandline/movie_facts.h"
+#include "tests/desktop/DesktopTest.h"
+
+namespace vistrane {
+namespace {
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// The mouse lies still.
+class Keyboard : public DesktopTest {
+protected:
+    std::vector<std::string> frames() const { return namesEndingIn(".png", folder); }
+};
+
+TEST_F(Keyboard, AloneMakesFramesAndAMovieOfThem) {
+    storeUsual(10);
+    start({folder, "--demo-camera"});
+    screen().activate(window());
+
+    // The camera by its label's mnemonic, from the list that a key opens.
+    screen().press({"Alt_L", "e"});
+    const Control box =
+        *firstBelow(root(), [](const Control& control) { return control.role() == "combo box"; });
+    await("the focus", [&] { return box.is(ControlState::focused); });
+    screen().press({"space"});
+    await("the list", [&] {
+        return firstBelow(box, [](const Control& control) {
+            return control.role() == "list" && control.is(ControlState::showing);
+        });
+    });
+    screen().press({"Return"});
+
+    await("a frame", [this] {
+        screen().press({"Alt_L", "g"});
+        return !frames().empty();
+    });
+    awaitFrame(static_cast<int>(frames().size()), static_cast<int>(frames().size()));
+    screen().press({"Alt_L", "s"});
+    button("Stop Auto Capture");
+    await("more frames", [this] { return frames().size() >= 3; });
+    screen().press({"Alt_L", "s"});
+    button("Start Auto Capture");
+
+    screen().press({"Alt_L", "p"});
+    await("the end of playing", [this] {
+        const auto shown = frameShown();
+        return shown && shown->first == shown->second;
+    });
+    screen().press({"Alt_L", "c"});
+    await("the movie in its application", [this] { return !desktop.opened().empty(); });
+    EXPECT_THAT(movieFacts(desktop.copyOfOpened(0)).times, SizeIs(frames().size()));
+
+    screen().press({"Alt_L", "o"});
+    find("dialog", "Select Output Folder to Save the Capture");
+    await("the path's focus",
+          [this] { return find("text", "Directory:").is(ControlState::focused); });
+    screen().press({"Escape"});
+    button("click to select the output folder");
+    EXPECT_EQ(quit(), 0);
+}
+
+} // namespace
+} // namespace vistrane

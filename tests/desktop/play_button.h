@@ -1,0 +1,44 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "tests/desktop/Accessibility.h"
+#include "tests/desktop/Picture.h"
+
+namespace vistrane {
+
+/// What the play button shows: a light or a dark disc with the mark of what a click does.
+struct PlayFace {
+    bool isLight = false;
+    bool isStopMark = false;
+
+    bool operator==(const PlayFace&) const = default;
+};
+
+/// The faces by appearance and state: "play1" and "play1-s", "play2" and "play2-s".
+inline constexpr PlayFace darkStopped{true, false};
+inline constexpr PlayFace darkPlaying{true, true};
+inline constexpr PlayFace lightStopped{false, false};
+inline constexpr PlayFace lightPlaying{false, true};
+
+/// Nothing for a picture that is none of the faces.
+std::optional<PlayFace> faceOf(const Picture& button);
+
+/// Notes which frames the read-out names.
+class FrameWatch {
+public:
+    explicit FrameWatch(Control readOut) : readOut_(std::move(readOut)) {}
+
+    /// The number at the moment; 0 for none.
+    int look();
+
+    /// Each number that followed another one.
+    const std::vector<int>& seen() const { return seen_; }
+
+private:
+    Control readOut_;
+    std::vector<int> seen_;
+};
+
+} // namespace vistrane
