@@ -44,6 +44,9 @@ Appearance::Portal::Portal(std::function<void()> changed) {
     if (!bus.isConnected()) {
         return;
     }
+    // Qt knows the type by its name, which the slot is found by, only once this was called or a
+    // value of it was received.
+    qRegisterMetaType<QDBusVariant>();
     // From any sender: a portal that is started anew is another one.
     bus.connect({}, path, interfaceName, "SettingChanged", this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
