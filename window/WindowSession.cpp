@@ -24,6 +24,7 @@
 #include "platform/qt/menus/QtApplication.h"
 #include "platform/qt/menus/StatusIcon.h"
 #include "platform/qt/system/Appearance.h"
+#include "platform/qt/system/CloseRequests.h"
 #include "platform/qt/system/QtDispatch.h"
 #include "platform/qt/system/QtFoundation.h"
 #include "platform/qt/system/QtWorkspace.h"
@@ -114,6 +115,7 @@ struct WindowSession::Parts {
                         std::make_shared<const QtDialogRules>(
                             QtDialogRules{loop, [this] { return dialogParent(); }, widgetOf}),
                         resources, pictures};
+    std::unique_ptr<CloseRequests> closeRequests;
     const Platform platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch};
     AppDelegate controller{platform};
     mantisQRXpanel panel{platform};
@@ -186,6 +188,7 @@ void WindowSession::showMainWindow() {
         parts_.interface.statusMenu(), QApplication::windowIcon(), "Vistrane",
         [this] { parts_.controller.realUnhide(&parts_.controller); });
     window.installEventFilter(this);
+    parts_.closeRequests = std::make_unique<CloseRequests>(window, [this] { end(0); });
     window.show();
 
     // Looking for cameras takes a moment in which nothing is drawn.
