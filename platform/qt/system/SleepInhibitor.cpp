@@ -112,6 +112,10 @@ void SleepInhibitor::setActive(bool active) {
 }
 
 void SleepInhibitor::ask(std::size_t way) {
+    // A call on a bus that is not there never ends.
+    while (way < ways.size() && !ways.at(way).bus().isConnected()) {
+        ++way;
+    }
     isAsking_ = isActive_ && way < ways.size();
     if (isAsking_) {
         const QDBusPendingCall call = ways.at(way).bus().asyncCall(ways.at(way).question());
