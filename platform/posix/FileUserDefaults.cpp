@@ -34,7 +34,7 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
 
-    operator int() const { return descriptor_; }
+    int number() const { return descriptor_; }
 
 private:
     int descriptor_;
@@ -45,7 +45,7 @@ std::optional<std::string> contentsOf(const std::string& path) {
     // What is no regular file may block who opens it.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat facts {};
-    if (file < 0 || ::fstat(file, &facts) != 0) {
+    if (file.number() < 0 || ::fstat(file.number(), &facts) != 0) {
         return std::nullopt;
     }
     if (!S_ISREG(facts.st_mode) || facts.st_size > longestFile) {
@@ -55,7 +55,8 @@ std::optional<std::string> contentsOf(const std::string& path) {
     std::string contents(static_cast<std::size_t>(longestFile), '\0');
     std::size_t length = 0;
     while (length < contents.size()) {
-        const ssize_t count = ::read(file, contents.data() + length, contents.size() - length);
+        const ssize_t count =
+            ::read(file.number(), contents.data() + length, contents.size() - length);
         if (count == 0) {
             break;
         }
@@ -85,10 +86,10 @@ bool replaceFile(const std::string& path, const std::string& text) {
     const std::string folder = std::filesystem::path(path).parent_path().string();
     std::string temporary = path + ".XXXXXX";
     const Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (file < 0) {
+    if (file.number() < 0) {
         return false;
     }
-    if (!writeAll(file, text) || ::fsync(file) != 0 ||
+    if (!writeAll(file.number(), text) || ::fsync(file.number()) != 0 ||
         ::rename(temporary.c_str(), path.c_str()) != 0) {
         const int reason = errno;
         ::unlink(temporary.c_str());
@@ -97,8 +98,8 @@ bool replaceFile(const std::string& path, const std::string& text) {
     }
     // The new name is to last as well. Not every file system can promise that.
     const Descriptor directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory >= 0) {
-        ::fsync(directory);
+    if (directory.number() >= 0) {
+        ::fsync(directory.number());
     }
     return true;
 }

@@ -81,7 +81,7 @@ int run(std::vector<std::string>& command) {
 
 } // namespace
 
-void launchProgram(std::vector<std::string> command, std::function<void(int status)> ended) {
+void launchProgram(std::vector<std::string> command, const std::function<void(int status)>& ended) {
     const auto work = [command = std::move(command), ended]() mutable { ended(run(command)); };
     if (!startDetachedThread(work)) {
         ended(cannotBeStarted);

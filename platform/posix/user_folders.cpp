@@ -18,7 +18,7 @@ std::string folderOf(const char* variable) {
 } // namespace
 
 std::string homeFolder() {
-    const std::string home = folderOf("HOME");
+    std::string home = folderOf("HOME");
     if (!home.empty()) {
         return home;
     }
