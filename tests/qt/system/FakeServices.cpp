@@ -1,9 +1,11 @@
 #include "tests/qt/system/FakeServices.h"
 
 #include <algorithm>
+#include <memory>
 
 #include <QDBusConnection>
 #include <QDBusVariant>
+#include <gtest/gtest.h>
 
 namespace vistrane {
 
@@ -57,9 +59,25 @@ FakeServices::FakeServices() : object_(new Object(*this)) {
 }
 
 FakeServices& FakeServices::shared() {
-    // Never taken apart: the bus ends with the process.
-    static FakeServices& services = *new FakeServices;
-    return services;
+    /// Ends them after the last test, while there is an application.
+    class Owner final : public ::testing::Environment {
+    public:
+        void TearDown() override { services_.reset(); }
+        FakeServices& services() { return *services_; }
+
+    private:
+        std::unique_ptr<FakeServices> services_{new FakeServices};
+    };
+    static auto& owner = dynamic_cast<Owner&>(*::testing::AddGlobalTestEnvironment(new Owner));
+    return owner.services();
+}
+
+FakeServices::~FakeServices() {
+    QDBusConnection(connectionName).unregisterObject("/", QDBusConnection::UnregisterTree);
+    QDBusConnection::disconnectFromBus(connectionName);
+    object_->deleteLater();
+    thread_.quit();
+    thread_.wait();
 }
 
 void FakeServices::reset() {

@@ -19,6 +19,7 @@ class FakeServices {
 public:
     /// The same ones for all tests: on the bus, services do not come and go at once.
     static FakeServices& shared();
+    ~FakeServices();
     FakeServices(const FakeServices&) = delete;
     FakeServices& operator=(const FakeServices&) = delete;
 
