@@ -100,7 +100,7 @@ public:
 
     // ---- Dock icon -----------------------------------------------------------------------------
     /// Shows the saved setting in the check box and applies it, without bringing the program to
-    /// the front. Once, when the panel and the controller are awake and before a window shows.
+    /// the front. Once, when the panel and the controller are awake.
     void restoreDockSetting();
     void dockIconSwitching(NSObject* sender);
     /// Saves the Dock setting and answers yes. Nothing else saves it: whoever ends the program asks

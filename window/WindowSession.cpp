@@ -1,5 +1,6 @@
 #include "window/WindowSession.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <thread>
@@ -71,13 +72,18 @@ struct WindowSession::Parts {
         return window.isVisible() && !window.isMinimized() ? &window : nullptr;
     }
 
-    /// The main thread is held up. A frame that it is just writing is waited for, and movies that
-    /// are not whole are taken away, neither of them for ever: the folder's disk may not answer.
+    /// The main thread is held up. If it is about to end the process, only its camera or disk is
+    /// slow, and the settings are still to be saved: it has its time. A frame that it is just
+    /// writing is waited for, and movies that are not whole are taken away, neither of them for
+    /// ever: the folder's disk may not answer.
     [[noreturn]] void endWithoutMainThread(int status) {
         startDetachedThread([status] {
             std::this_thread::sleep_for(std::chrono::seconds(5));
             std::_Exit(status);
         });
+        while (isEnding) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
         while (observer.isWritingFile()) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
@@ -121,7 +127,7 @@ struct WindowSession::Parts {
     mantisQRXpanel panel{platform};
     /// Shared with who ends the process: the settings are restored and may be saved.
     bool isLaunched = false;
-    bool isEnding = false;
+    std::atomic<bool> isEnding{false};
 };
 
 namespace {
@@ -235,7 +241,7 @@ bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
 
 void WindowSession::end(int status) {
     // What is done here may run events that end the program once more.
-    if (!std::exchange(parts_.isEnding, true) && parts_.isLaunched) {
+    if (!parts_.isEnding.exchange(true) && parts_.isLaunched) {
         // Either may have something to save; neither has ever said no.
         parts_.panel.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationShouldTerminateAfterLastWindowClosed();

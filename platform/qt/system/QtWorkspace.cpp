@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/posix/launch_program.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -12,21 +13,26 @@ QtWorkspace::QtWorkspace(WhenFinished whenFinished, std::function<void(const std
 bool QtWorkspace::openURL(const NSURL& url) {
     // A path is handed over as it is: its bytes need not be text.
     const std::string address = url.isFileURL() ? url.path() : url.absoluteString();
+    if (!url.isFileURL()) {
+        // On purpose nothing is said of an address that nothing opens.
+        launchProgram({"xdg-open", address}, [](int) {});
+        return true;
+    }
     const auto openWhole = [this, address](const std::optional<NSError>& error) {
         if (!error) {
-            open(address);
+            openFile(address);
         }
     };
-    if (!url.isFileURL() || !whenFinished_ || !whenFinished_(address, openWhole)) {
-        open(address);
+    if (!whenFinished_ || !whenFinished_(address, openWhole)) {
+        openFile(address);
     }
     return true;
 }
 
-void QtWorkspace::open(const std::string& address) const {
-    launchProgram({"xdg-open", address}, [this, address](int status) {
+void QtWorkspace::openFile(const std::string& path) const {
+    launchProgram({"xdg-open", path}, [this, path](int status) {
         if (status != 0) {
-            log_("No program could be found that opens '" + address +
+            log_("No program could be found that opens '" + shownText(path) +
                  "' (xdg-open: " + std::to_string(status) + ").");
         }
     });

@@ -9,7 +9,8 @@
 
 namespace vistrane {
 
-/// Opens addresses with the desktop's own choice of programs (`xdg-open`).
+/// Opens addresses with the desktop's own choice of programs (`xdg-open`). Tells the log of a file
+/// that nothing opens, and nobody of any other address.
 class QtWorkspace final : public NSWorkspace {
 public:
     /// Calls back once when the movie at `path` is whole or has failed; false when nobody writes
@@ -23,7 +24,7 @@ public:
     bool openURL(const NSURL& url) override;
 
 private:
-    void open(const std::string& address) const;
+    void openFile(const std::string& path) const;
 
     const WhenFinished whenFinished_;
     const std::function<void(const std::string&)> log_;
