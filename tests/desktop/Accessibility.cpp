@@ -1,5 +1,7 @@
 #include "tests/desktop/Accessibility.h"
 
+#include <map>
+#include <mutex>
 #include <sstream>
 
 #include "tests/desktop/waiting.h"
@@ -127,7 +129,39 @@ void outlineInto(std::ostream& out, const Control& control, std::size_t depth) {
 
 class AccessibilityBus::Bus {
 public:
+    Bus() = default;
+    ~Bus() {
+        if (filter != 0) {
+            // Returns when no call of it is under way.
+            g_dbus_connection_remove_filter(connection.get(), filter);
+            g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
+        }
+    }
+    Bus(const Bus&) = delete;
+    Bus& operator=(const Bus&) = delete;
+
+    /// On a thread of the connection's.
+    static GDBusMessage* note(GDBusConnection* /*connection*/, GDBusMessage* message,
+                              gboolean isIncoming, gpointer bus) {
+        GVariant* body = g_dbus_message_get_body(message);
+        const gchar* member = g_dbus_message_get_member(message);
+        if (isIncoming != FALSE && body != nullptr && member != nullptr &&
+            std::string(member) == "PropertyChange" && g_variant_n_children(body) > 0) {
+            const Answer detail(g_variant_get_child_value(body, 0));
+            if (textOf(detail) == "accessible-value") {
+                auto* self = static_cast<Bus*>(bus);
+                const std::lock_guard lock(self->mutex);
+                ++self->changes[std::string(g_dbus_message_get_sender(message)) +
+                                g_dbus_message_get_path(message)];
+            }
+        }
+        return message;
+    }
+
     Connection connection;
+    guint filter = 0;
+    std::mutex mutex;
+    std::map<std::string, int> changes;
 };
 
 AccessibilityBus::AccessibilityBus() : bus_(std::make_unique<Bus>()) {}
@@ -141,6 +175,15 @@ std::shared_ptr<AccessibilityBus> AccessibilityBus::onSession(const std::string&
     std::shared_ptr<AccessibilityBus> bus(new AccessibilityBus);
     bus->bus_->connection = connectTo(address);
     return bus;
+}
+
+void AccessibilityBus::countValueChanges() {
+    GDBusConnection* connection = bus_->connection.get();
+    bus_->filter = g_dbus_connection_add_filter(connection, Bus::note, bus_.get(), nullptr);
+    call(connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+         "AddMatch", g_variant_new("(s)", "type='signal',interface='org.a11y.atspi.Event.Object'"));
+    call(connection, registry, "/org/a11y/atspi/registry", "org.a11y.atspi.Registry",
+         "RegisterEvent", g_variant_new("(s)", "Object:PropertyChange:AccessibleValue"));
 }
 
 std::optional<Control> AccessibilityBus::programOf(pid_t process) {
@@ -231,6 +274,11 @@ double Control::value() const {
     return g_variant_get_double(
         property(bus_->bus_->connection.get(), program_, path_, valueInterface, "CurrentValue")
             .get());
+}
+
+int Control::valueChanges() const {
+    const std::lock_guard lock(bus_->bus_->mutex);
+    return bus_->bus_->changes[program_ + path_];
 }
 
 double Control::maximum() const {

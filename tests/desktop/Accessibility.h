@@ -52,6 +52,9 @@ public:
     double value() const;
     double maximum() const;
 
+    /// How often its value has changed since the bus was told to count.
+    int valueChanges() const;
+
     bool operator==(const Control& other) const {
         return program_ == other.program_ && path_ == other.path_;
     }
@@ -80,6 +83,9 @@ public:
     ~AccessibilityBus();
     AccessibilityBus(const AccessibilityBus&) = delete;
     AccessibilityBus& operator=(const AccessibilityBus&) = delete;
+
+    /// From now on programs tell of every change of a value, and none is missed.
+    void countValueChanges();
 
     /// The root of that process's controls; nothing while it has none.
     std::optional<Control> programOf(pid_t process);

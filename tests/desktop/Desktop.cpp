@@ -158,6 +158,7 @@ Desktop::Desktop() {
     portal_ = std::make_unique<AppearancePortal>(bus_, ColourScheme::light);
     accessibility_ = await("the assistive technologies' bus",
                            [this] { return AccessibilityBus::onSession(bus_); });
+    accessibility_->countValueChanges();
 }
 
 Desktop::~Desktop() {

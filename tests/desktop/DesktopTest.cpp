@@ -126,15 +126,25 @@ Control DesktopTest::labelFrom(const std::string& beginning) {
     });
 }
 
+Rectangle DesktopTest::settledPlace(const Control& control) {
+    return *await("the control's place", [&]() -> std::optional<Rectangle> {
+        Control top = control;
+        for (auto above = top.parent(); above && !(*above == *root_); above = top.parent()) {
+            top = *above;
+        }
+        // The window manager may just be moving the window, and the program not know it yet.
+        const auto windows = screen().windows();
+        const bool isSettled = std::any_of(
+            windows.begin(), windows.end(), [&, place = top.extents()](const Window& each) {
+                return each.process == program_->number() && screen().placeOf(each) == place;
+            });
+        const Rectangle place = control.extents();
+        return isSettled && !place.isEmpty() ? std::optional(place) : std::nullopt;
+    });
+}
+
 void DesktopTest::click(const Control& control) {
-    // A window that has just come up may still be moved by the window manager.
-    const Rectangle place =
-        await("the control's place", [&]() -> std::optional<Rectangle> {
-            const Rectangle first = control.extents();
-            const Rectangle second = control.extents();
-            return first == second && !first.isEmpty() ? std::optional(first) : std::nullopt;
-        }).value();
-    screen().click(place);
+    screen().click(settledPlace(control));
 }
 
 void DesktopTest::fill(const std::string& field, const std::string& text) {
@@ -165,7 +175,7 @@ void DesktopTest::pickCamera(const std::string& name) {
 
 void DesktopTest::setSlider(const std::string& name, int value) {
     const Control slider = find("slider", name);
-    const Rectangle place = slider.extents();
+    const Rectangle place = settledPlace(slider);
     screen().drag(place.x + place.width / 2, place.y + place.height / 2, place.x + 1,
                   place.y + place.height / 2);
     await("the slider to take the keys", [&] { return slider.is(ControlState::focused); });

@@ -104,6 +104,8 @@ protected:
 
 private:
     std::string testName() const;
+    /// Where a control is to be seen, once its window has its place.
+    Rectangle settledPlace(const Control& control);
 
     std::unique_ptr<Process> program_;
     std::optional<Control> root_;

@@ -267,6 +267,19 @@ std::vector<Window> Screen::windows() const {
     return windows;
 }
 
+Rectangle Screen::placeOf(const Window& window) const {
+    XWindowAttributes attributes;
+    ::Window child = 0;
+    Rectangle place;
+    if (XGetWindowAttributes(x_->display, window.number, &attributes) != 0 &&
+        XTranslateCoordinates(x_->display, window.number, x_->root, 0, 0, &place.x, &place.y,
+                              &child) != 0) {
+        place.width = attributes.width;
+        place.height = attributes.height;
+    }
+    return place;
+}
+
 bool Screen::isManaged() const {
     return !x_->property<unsigned long>(x_->root, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW).empty();
 }

@@ -49,6 +49,8 @@ public:
 
     /// The windows that the window manager manages, lower ones first.
     std::vector<Window> windows() const;
+    /// Without the window manager's frame.
+    Rectangle placeOf(const Window& window) const;
     /// True when a window manager runs.
     bool isManaged() const;
     std::optional<unsigned long> activeWindow() const;

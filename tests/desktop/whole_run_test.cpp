@@ -206,6 +206,8 @@ void WholeRun::playOnceThrough() {
     const int start = frameShown()->first;
     FrameWatch watch(label("Displaying frame " + std::to_string(start) + " of 20"));
     watch.look();
+    const Control slider = find("slider", "Frame");
+    const int before = slider.valueChanges();
     click(play);
     screen().moveTo(2, 2);
     await("the face of playing", [&] {
@@ -225,6 +227,8 @@ void WholeRun::playOnceThrough() {
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end())) << testing::PrintToString(seen);
     EXPECT_EQ(seen.back(), 20);
     EXPECT_EQ(frameShown(), std::pair(20, 20));
+    // To the first frame and to each of the others.
+    EXPECT_EQ(slider.valueChanges() - before, 20);
 }
 
 void WholeRun::compileTheMovie() {
