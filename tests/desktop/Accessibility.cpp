@@ -109,7 +109,8 @@ void outlineInto(std::ostream& out, const Control& control, std::size_t depth) {
                                           std::pair(ControlState::enabled, " enabled"),
                                           std::pair(ControlState::checked, " checked"),
                                           std::pair(ControlState::focusable, " focusable"),
-                                          std::pair(ControlState::focused, " focused")}) {
+                                          std::pair(ControlState::focused, " focused"),
+                                          std::pair(ControlState::active, " active")}) {
             out << (control.is(state) ? word : "");
         }
         const std::string description = control.description();

@@ -77,6 +77,17 @@ void DesktopTest::start(const std::vector<std::string>& arguments, const Environ
     window();
 }
 
+void DesktopTest::giveKeysToMainWindow() {
+    screen().activate(window());
+    const std::string title = window().title;
+    await("the main window to take the keys", [&] {
+        const auto tops = root_->children();
+        return std::any_of(tops.begin(), tops.end(), [&](const Control& top) {
+            return top.name() == title && top.is(ControlState::active);
+        });
+    });
+}
+
 int DesktopTest::quit() {
     screen().close(window());
     return awaitEnd();

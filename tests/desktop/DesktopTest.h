@@ -49,6 +49,7 @@ protected:
 
     /// The main window.
     Window window();
+    void giveKeysToMainWindow();
     std::optional<Window> windowTitled(const std::string& title);
 
     /// A control that is to be seen, by its role and its name; waits for it.

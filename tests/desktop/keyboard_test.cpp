@@ -16,7 +16,7 @@ protected:
 TEST_F(Keyboard, AloneMakesFramesAndAMovieOfThem) {
     storeUsual(10);
     start({folder, "--demo-camera"});
-    screen().activate(window());
+    giveKeysToMainWindow();
 
     // The camera by its label's mnemonic, from the list that a key opens.
     screen().press({"Alt_L", "e"});
