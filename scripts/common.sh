@@ -78,6 +78,16 @@ installPackages() {
         fail "could not install: ${missing[*]}"
 }
 
+# useCompilerCache: where ccache is installed, what was compiled before, in this tree or in another
+# one of the same contents, is not compiled again. The tree's own place must not count.
+compilerCache=()
+useCompilerCache() {
+    command -v ccache >/dev/null || return 0
+    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+    export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    compilerCache=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+}
+
 # configure PRESET OPTION...: prepares build/PRESET. A folder that was configured for a tree in
 # another place starts afresh.
 configure() {
@@ -86,7 +96,7 @@ configure() {
     if [ -f "$cache" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then
         fresh=(--fresh)
     fi
-    (cd "$root" && cmake "${fresh[@]}" --preset "$preset" "$@") >>"$log" 2>&1 9>&-
+    (cd "$root" && cmake "${fresh[@]}" --preset "$preset" "${compilerCache[@]}" "$@") >>"$log" 2>&1 9>&-
 }
 
 # build PRESET TARGET...: through the launcher, if the tests that are asked for their names need one.
