@@ -13,6 +13,7 @@
 #include "app/AppDelegate.h"
 #include "infopanel/mantisQRXpanel.h"
 #include "platform/qt/controls/QtInterface.h"
+#include "platform/qt/menus/QtApplication.h"
 #include "platform/sim/Sim.h"
 
 namespace vistrane {
@@ -214,6 +215,27 @@ TEST_F(QtInterfaceTest, ThePanelIsToldWhenTheTipsWindowCloses) {
 TEST_F(QtInterfaceTest, EscapeClosesTheSmallWindows) {
     offer(panel(), "windowWillClose:");
     QWidget& tips = widget<QWidget>("tipWindow");
+TEST_F(QtInterfaceTest, WithoutMenuBarAndStatusIconTheInfoPanelOpensByKeyAndContextMenu) {
+    QtApplication application([] { return false; });
+    application.setActivationPolicy(NSApplicationActivationPolicyAccessory);
+    show();
+    ASSERT_FALSE(widget<QMenuBar>("menuBar").isVisible());
+    QWidget& info = widget<QWidget>("infoPanel");
+    QTest::keySequence(&interface_.mainWindow(), QKeySequence("Shift+F1"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return info.isVisible(); }));
+    info.close();
+
+    QWidget& place = widget<QWidget>("centralWidget");
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(3, 3),
+                            place.mapToGlobal(QPoint(3, 3)));
+    QApplication::sendEvent(&place, &event);
+    auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    menu->setActiveAction(&widget<QAction>("infoItem"));
+    QTest::keyClick(menu, Qt::Key_Return);
+    EXPECT_TRUE(info.isVisible());
+}
+
     outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&tips));
     QTest::keyClick(&tips, Qt::Key_Escape);
