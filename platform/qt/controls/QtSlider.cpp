@@ -36,6 +36,11 @@ QtSlider::QtSlider(SliderWidget& widget)
       value_(widget.value()) {
     QObject::connect(&widget, &QSlider::valueChanged, &connections_,
                      [this](int place) { userMoved(place); });
+    widget.setUnmovedPressHandler([this] { action_.send(this); });
+}
+
+QtSlider::~QtSlider() {
+    widget_.setUnmovedPressHandler(nullptr);
 }
 
 void QtSlider::setMinValue(double value) {

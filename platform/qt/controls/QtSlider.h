@@ -12,12 +12,16 @@
 namespace vistrane {
 
 /// A slider on a widget that outlives it. The program may set any value of the range; the user
-/// moves in whole steps from the minimum. With a minimum above the maximum the value is the
-/// minimum. What is no number is not taken.
+/// moves in whole steps from the minimum. A press of the mouse sends the action, moved or not, and
+/// so does each move. With a minimum above the maximum the value is the minimum. What is no number
+/// is not taken.
 class QtSlider final : public NSSlider {
 public:
     /// Takes the range and value that the widget has.
     explicit QtSlider(SliderWidget& widget);
+    ~QtSlider() override;
+    QtSlider(const QtSlider&) = delete;
+    QtSlider& operator=(const QtSlider&) = delete;
 
     void setMinValue(double value) override;
     void setMaxValue(double value) override;

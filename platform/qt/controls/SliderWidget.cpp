@@ -29,6 +29,10 @@ void SliderWidget::setCell(std::shared_ptr<NSSliderCell> cell) {
     update();
 }
 
+void SliderWidget::setUnmovedPressHandler(std::function<void()> handler) {
+    unmovedPress_ = std::move(handler);
+}
+
 QSize SliderWidget::sizeHint() const {
     const QSize size = QSlider::sizeHint();
     return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * ringSize)) : size;
@@ -68,13 +72,17 @@ int SliderWidget::valueAt(const QPointF& place) const {
 }
 
 void SliderWidget::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || minimum() == maximum()) {
+    if (event->button() != Qt::LeftButton) {
         event->ignore();
         return;
     }
+    const int before = value();
     setSliderDown(true);
     setSliderPosition(valueAt(event->position()));
     update();
+    if (value() == before && unmovedPress_) {
+        unmovedPress_();
+    }
 }
 
 void SliderWidget::mouseMoveEvent(QMouseEvent* event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <QSlider>
@@ -18,6 +19,9 @@ public:
 
     void setCell(std::shared_ptr<NSSliderCell> cell);
 
+    /// Called when the mouse is pressed where it changes no value, in place of valueChanged().
+    void setUnmovedPressHandler(std::function<void()> handler);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -33,6 +37,7 @@ private:
     int valueAt(const QPointF& place) const;
 
     std::shared_ptr<NSSliderCell> cell_;
+    std::function<void()> unmovedPress_;
 };
 
 } // namespace vistrane

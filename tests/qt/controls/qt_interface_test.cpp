@@ -151,6 +151,20 @@ TEST_F(QtInterfaceTest, FieldsAndSlidersSendTheirActions) {
     EXPECT_THAT(takeSent(), ElementsAre("sliderDisplaying:"));
 }
 
+TEST_F(QtInterfaceTest, APressOfTheFrameSliderTellsOfTheFramesHoweverFewThereAre) {
+    Sim sim;
+    AppDelegate delegate(sim.platform());
+    delegate.connectInterface(controller());
+    show();
+    auto& slider = widget<QWidget>("photoSlider");
+    QTest::mouseClick(&slider, Qt::LeftButton, {}, slider.rect().center());
+    EXPECT_EQ(widget<QLabel>("currentS").text(), "Displaying frame 1 of 0");
+    delegate.pictureArray.store(
+        std::make_shared<const std::vector<std::string>>(std::vector<std::string>{"/a.png"}));
+    QTest::mouseClick(&slider, Qt::LeftButton, {}, slider.rect().center());
+    EXPECT_EQ(widget<QLabel>("currentS").text(), "Displaying frame 1 of 1");
+}
+
 TEST_F(QtInterfaceTest, EachMenuItemSendsItsAction) {
     const std::map<std::string, std::string> items{{"chooseFolderItem", "outputFolder:"},
                                                    {"startItem", "startRunning:"},
@@ -201,20 +215,6 @@ TEST_F(QtInterfaceTest, ThePromotionsHangInTheMainTheStatusAndTheContextMenu) {
     EXPECT_NE(outlet<NSMenu>(panel(), "sMenu"), nullptr);
 }
 
-TEST_F(QtInterfaceTest, ThePanelIsToldWhenTheTipsWindowCloses) {
-    offer(panel(), "windowWillClose:");
-    QWidget& tips = widget<QWidget>("tipWindow");
-    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
-    tips.close();
-    EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
-    show();
-    interface_.mainWindow().close();
-    EXPECT_THAT(takeSent(), IsEmpty());
-}
-
-TEST_F(QtInterfaceTest, EscapeClosesTheSmallWindows) {
-    offer(panel(), "windowWillClose:");
-    QWidget& tips = widget<QWidget>("tipWindow");
 TEST_F(QtInterfaceTest, WithoutMenuBarAndStatusIconTheInfoPanelOpensByKeyAndContextMenu) {
     QtApplication application([] { return false; });
     application.setActivationPolicy(NSApplicationActivationPolicyAccessory);
@@ -236,6 +236,20 @@ TEST_F(QtInterfaceTest, WithoutMenuBarAndStatusIconTheInfoPanelOpensByKeyAndCont
     EXPECT_TRUE(info.isVisible());
 }
 
+TEST_F(QtInterfaceTest, ThePanelIsToldWhenTheTipsWindowCloses) {
+    offer(panel(), "windowWillClose:");
+    QWidget& tips = widget<QWidget>("tipWindow");
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    tips.close();
+    EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
+    show();
+    interface_.mainWindow().close();
+    EXPECT_THAT(takeSent(), IsEmpty());
+}
+
+TEST_F(QtInterfaceTest, EscapeClosesTheSmallWindows) {
+    offer(panel(), "windowWillClose:");
+    QWidget& tips = widget<QWidget>("tipWindow");
     outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&tips));
     QTest::keyClick(&tips, Qt::Key_Escape);

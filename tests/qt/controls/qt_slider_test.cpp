@@ -80,13 +80,31 @@ TEST_F(QtSliderTest, AWholeStepFromABrokenMinimumStaysInTheRange) {
     EXPECT_EQ(sent_, 1);
 }
 
-TEST_F(QtSliderTest, ARangeWithoutLengthTakesNoMoves) {
+TEST_F(QtSliderTest, ARangeWithoutLengthStaysAtItsValueAndSendsEachPress) {
     slider_->setMinValue(0.0);
     slider_->setMaxValue(0.0);
     QTest::keyClick(widget_, Qt::Key_Right);
+    EXPECT_EQ(sent_, 0);
     QTest::mouseClick(widget_, Qt::LeftButton, {}, QPoint(widget_->width() - 5, 5));
     EXPECT_EQ(slider_->integerValue(), 0);
-    EXPECT_EQ(sent_, 0);
+    EXPECT_EQ(sent_, 1);
+    QTest::mouseClick(widget_, Qt::LeftButton, {}, QPoint(2, 5));
+    EXPECT_EQ(sent_, 2);
+}
+
+TEST_F(QtSliderTest, APressSendsTheActionOnceWhetherItMovesOrNot) {
+    const QPoint place(widget_->width() - 2, 5);
+    QTest::mousePress(widget_, Qt::LeftButton, {}, place);
+    EXPECT_EQ(slider_->intValue(), 60);
+    EXPECT_EQ(sent_, 1);
+    QTest::mouseRelease(widget_, Qt::LeftButton, {}, place);
+    EXPECT_EQ(sent_, 1);
+    QTest::mouseClick(widget_, Qt::LeftButton, {}, place);
+    EXPECT_EQ(slider_->intValue(), 60);
+    EXPECT_EQ(sent_, 2);
+    EXPECT_EQ(sender_, slider_.get());
+    QTest::mouseClick(widget_, Qt::RightButton, {}, place);
+    EXPECT_EQ(sent_, 2);
 }
 
 TEST_F(QtSliderTest, WhatIsNoNumberIsNotTaken) {
