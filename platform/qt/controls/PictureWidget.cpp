@@ -43,7 +43,7 @@ void PictureWidget::setBackground(std::optional<QColor> color) {
 }
 
 void PictureWidget::setPicture(std::shared_ptr<NSImage> picture) {
-    hadPicture_ = hadPicture_ || picture;
+    isInUse_ = true;
     isMovingPicture_ = false;
     pixels_ = {};
     scaled_ = {};
@@ -52,7 +52,7 @@ void PictureWidget::setPicture(std::shared_ptr<NSImage> picture) {
 }
 
 void PictureWidget::setFrame(QImage frame) {
-    hadPicture_ = hadPicture_ || !frame.isNull();
+    isInUse_ = isInUse_ || !frame.isNull();
     isMovingPicture_ = true;
     picture_.reset();
     shape_ = frame.size();
@@ -95,7 +95,7 @@ void PictureWidget::paintEvent(QPaintEvent*) {
         painter.setClipPath(inside);
     }
     paintPicture(painter);
-    if (!hadPicture_) {
+    if (!isInUse_) {
         paintHint(painter);
     }
 }

@@ -51,8 +51,9 @@ private:
     /// Until it is decoded, or as long as it is made of vectors.
     std::shared_ptr<NSImage> picture_;
     bool isMovingPicture_ = false;
-    /// A hint makes room for the first picture and does not come back.
-    bool hadPicture_ = false;
+    /// A hint makes room for the first picture, also for one that cannot be read, and does not come
+    /// back.
+    bool isInUse_ = false;
     QImage pixels_;
     QSizeF shape_;
     QPixmap scaled_;

@@ -144,6 +144,15 @@ TEST_F(QtImageViewTest, TheHintMakesRoomForTheFirstPictureAndStaysAway) {
     EXPECT_EQ(place_.grab().toImage(), bare);
 }
 
+TEST_F(QtImageViewTest, TheHintAlsoMakesRoomForAPictureThatCannotBeRead) {
+    blacken();
+    const QImage bare = place_.grab().toImage();
+    place_.setProperty("hint", "Frames appear here");
+    ASSERT_NE(place_.grab().toImage(), bare);
+    view_.setImage(nullptr);
+    EXPECT_EQ(place_.grab().toImage(), bare);
+}
+
 TEST_F(QtImageViewTest, WithoutAWantedLayerThereIsNoBackground) {
     blacken();
     view_.setWantsLayer(false);
