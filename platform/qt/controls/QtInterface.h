@@ -22,6 +22,7 @@ namespace vistrane {
 ///     inStatusMenu  menu item: also in the status icon's menu
 ///     inContextMenu menu item: also in the main window's context menu
 ///     cellClass     slider: is drawn by a cell of that class
+///     numberOfTickMarks  such a slider: how many its cell is asked about
 ///     delegate      window: the object that is told "windowWillClose:"
 ///     image         view: the name of the picture that it shows at first
 ///     hint          view: what it says until there is a first picture

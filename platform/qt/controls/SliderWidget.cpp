@@ -112,40 +112,18 @@ void SliderWidget::paintEvent(QPaintEvent* event) {
 
 void SliderWidget::paintWithCell() {
     QStylePainter painter(this);
-    const QRectF knob = knobRect();
-
-    constexpr double barHeight = 4.0;
-    const QRectF bar(0.0, (height() - barHeight) / 2.0, width(), barHeight);
-    const bool isReversed = layoutDirection() == Qt::RightToLeft;
-    QRectF passed = bar;
-    if (isReversed) {
-        passed.setLeft(knob.center().x());
-    } else {
-        passed.setRight(knob.center().x());
-    }
-    QColor barColor = palette().color(QPalette::WindowText);
-    constexpr double barOpacity = 0.25;
-    barColor.setAlphaF(static_cast<float>(barOpacity));
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(barColor);
-    painter.drawRoundedRect(bar, barHeight / 2.0, barHeight / 2.0);
-    if (isEnabled() && maximum() > minimum()) {
-        painter.setBrush(palette().color(QPalette::Highlight));
-        painter.drawRoundedRect(passed, barHeight / 2.0, barHeight / 2.0);
-    }
+    // The style draws the bar as in any other slider; its knob and its ticks are the cell's.
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    option.subControls = QStyle::SC_SliderGroove;
+    option.tickPosition = NoTicks;
+    painter.drawComplexControl(QStyle::CC_Slider, option);
 
     const auto context = std::make_shared<QtGraphicsContext>(painter, height());
-    painter.setBrush(barColor);
-    const int ticks = property("numberOfTickMarks").toInt();
-    for (NSInteger index = 0; index < ticks; ++index) {
-        const NSRect tick = cell_->rectOfTickMarkAtIndex(index);
-        if (tick.size.width > 0.0 && tick.size.height > 0.0) {
-            painter.drawRect(context->fromBottomLeft(tick));
-        }
-    }
-
+    paintTicks(painter, *context);
+    const QRectF knob = knobRect();
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
+        painter.setRenderHint(QPainter::Antialiasing);
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(palette().color(QPalette::Highlight), ringSize));
         constexpr double half = ringSize / 2.0;
@@ -157,6 +135,16 @@ void SliderWidget::paintWithCell() {
     setCurrentGraphicsContext(context);
     cell_->drawKnob(context->toBottomLeft(knob));
     popGraphicsContext();
+}
+
+void SliderWidget::paintTicks(QPainter& painter, const QtGraphicsContext& context) {
+    const int ticks = property("numberOfTickMarks").toInt();
+    for (NSInteger index = 0; index < ticks; ++index) {
+        const NSRect tick = cell_->rectOfTickMarkAtIndex(index);
+        if (tick.size.width > 0.0 && tick.size.height > 0.0) {
+            painter.fillRect(context.fromBottomLeft(tick), palette().color(QPalette::Dark));
+        }
+    }
 }
 
 } // namespace vistrane

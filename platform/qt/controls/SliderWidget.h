@@ -9,10 +9,12 @@
 
 namespace vistrane {
 
+class QtGraphicsContext;
+
 /// A slider whose knob jumps to where it is clicked and follows the mouse from there.
 ///
 /// With a cell it is the cell that draws the knob and says where the tick marks are; the property
-/// "numberOfTickMarks" says how many there are.
+/// "numberOfTickMarks" says how many there are. All else looks as without one.
 class SliderWidget : public QSlider {
 public:
     explicit SliderWidget(QWidget* parent = nullptr);
@@ -33,6 +35,7 @@ protected:
 
 private:
     void paintWithCell();
+    void paintTicks(QPainter& painter, const QtGraphicsContext& context);
     QRectF knobRect() const;
     int valueAt(const QPointF& place) const;
 

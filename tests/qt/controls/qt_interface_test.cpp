@@ -269,6 +269,26 @@ private:
     int& awake_;
 };
 
+TEST_F(QtInterfaceTest, TheFrameSlidersCellIsAskedWhereTheTickMarksAre) {
+    std::vector<NSInteger> asked;
+    class AskedCell final : public NSSliderCell {
+    public:
+        explicit AskedCell(std::vector<NSInteger>& asked) : asked_(asked) {}
+        void awakeFromNib() override {}
+        NSRect rectOfTickMarkAtIndex(NSInteger index) override {
+            asked_.push_back(index);
+            return NSZeroRect;
+        }
+        void drawKnob(NSRect) override {}
+
+    private:
+        std::vector<NSInteger>& asked_;
+    };
+    controller().sliderCell("hidenSlidercell", [&] { return std::make_shared<AskedCell>(asked); });
+    widget<QWidget>("photoSlider").grab();
+    EXPECT_THAT(asked, ::testing::SizeIs(11));
+}
+
 TEST_F(QtInterfaceTest, OneSliderGetsACellOfTheOfferedClassAndWakesIt) {
     int made = 0;
     int awake = 0;

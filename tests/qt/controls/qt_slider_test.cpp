@@ -1,10 +1,14 @@
 #include <cmath>
 
 #include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOptionComplex>
 #include <QWheelEvent>
 
 #include "platform/appkit/NSSliderCell.h"
 #include "platform/qt/controls/QtResources.h"
+#include "platform/sim/Sim.h"
+#include "preview/hidenSlidercell.h"
 #include "tests/qt/controls/ControlWidgets.h"
 
 namespace vistrane {
@@ -185,6 +189,96 @@ TEST_F(QtSliderTest, TicksWithoutAPlaceAreNotDrawn) {
     EXPECT_THAT(cell->asked_, ::testing::ElementsAre(0, 1, 2));
     cell->tick_ = {{100.0, 1.0}, {2.0, 4.0}};
     EXPECT_NE(picture(), bare);
+}
+
+/// Notes which parts of sliders the style is asked to draw.
+class NotingStyle final : public QProxyStyle {
+public:
+    NotingStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override {
+        if (control == CC_Slider) {
+            drawn_ |= option->subControls;
+        }
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+    }
+
+    mutable SubControls drawn_ = SC_None;
+};
+
+/// A slider with the program's own cell, beside a plain one of the same size and value.
+class CellSliderTest : public QtSliderTest {
+protected:
+    CellSliderTest() {
+        auto* const widget = new SliderWidget(&widgets_.widget());
+        plain_ = widget;
+        plain_->setRange(1, 60);
+        cell_->awakeFromNib();
+        cell_->knobImage = resources_.imageNamed("12");
+        slider_->setCell(cell_);
+        slider_->setIntegerValue(30);
+        plain_->setValue(30);
+        for (SliderWidget* one : {widget_, plain_}) {
+            one->setStyle(&style_);
+            one->setFixedSize(300, 24);
+            one->show();
+        }
+        QCoreApplication::processEvents();
+        style_.drawn_ = QStyle::SC_None;
+    }
+
+    QImage plainPicture() { return plain_->grab().toImage(); }
+    /// All that is no knob: left of the middle and right of it.
+    static QImage leftPart(const QImage& picture) { return picture.copy(0, 0, 130, 24); }
+    static QImage rightPart(const QImage& picture) { return picture.copy(170, 0, 130, 24); }
+    static QImage middlePart(const QImage& picture) { return picture.copy(130, 0, 40, 24); }
+
+    NotingStyle style_;
+    Sim sim_;
+    QtResources resources_;
+    std::shared_ptr<hidenSlidercell> cell_ =
+        std::make_shared<hidenSlidercell>(sim_.platform().appKit);
+    SliderWidget* plain_ = nullptr;
+};
+
+TEST_F(CellSliderTest, TheBarIsThatOfAnyOtherSlider) {
+    EXPECT_EQ(leftPart(picture()), leftPart(plainPicture()));
+    EXPECT_EQ(rightPart(picture()), rightPart(plainPicture()));
+    EXPECT_NE(leftPart(picture()), rightPart(picture()).mirrored(true, false));
+    EXPECT_NE(middlePart(picture()), middlePart(plainPicture()));
+}
+
+TEST_F(CellSliderTest, OfTheStyleOnlyTheBarIsEverDrawn) {
+    widget_->setTickPosition(QSlider::TicksBothSides);
+    widget_->setProperty("numberOfTickMarks", 11);
+    QTest::mousePress(widget_, Qt::LeftButton, {}, QPoint(150, 12));
+    picture();
+    EXPECT_EQ(style_.drawn_, QStyle::SC_SliderGroove);
+    QTest::mouseRelease(widget_, Qt::LeftButton, {}, QPoint(150, 12));
+}
+
+TEST_F(CellSliderTest, HoweverManyTickMarksThereAreNoneIsSeen) {
+    const QImage bare = picture();
+    for (const int ticks : {1, 2, 11, 60}) {
+        widget_->setProperty("numberOfTickMarks", ticks);
+        EXPECT_EQ(picture(), bare) << ticks;
+    }
+}
+
+TEST_F(CellSliderTest, WithoutThePictureThereIsTheBarAndNoKnob) {
+    const QImage withKnob = picture();
+    cell_->knobImage = nullptr;
+    const QImage bare = picture();
+    EXPECT_NE(middlePart(bare), middlePart(withKnob));
+    EXPECT_EQ(leftPart(bare), leftPart(withKnob));
+    EXPECT_EQ(rightPart(bare), rightPart(withKnob));
+    // No more than the two halves of the bar are there: as at the far left and the far right.
+    for (int y = 0; y < bare.height(); ++y) {
+        for (int x = 130; x < 170; ++x) {
+            const QRgb pixel = bare.pixel(x, y);
+            EXPECT_TRUE(pixel == bare.pixel(60, y) || pixel == bare.pixel(240, y)) << x << ' ' << y;
+        }
+    }
 }
 
 } // namespace
