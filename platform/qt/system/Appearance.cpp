@@ -19,14 +19,17 @@ bool isDarkPalette(const QPalette& palette) {
 }
 
 QPalette darkPalette() {
-    const QColor window(0x2b, 0x2b, 0x2d);
+    const QColor window(0x29, 0x29, 0x2b);
     const QColor text(0xec, 0xec, 0xee);
-    const QColor dimmed(0x84, 0x84, 0x88);
+    const QColor dimmed(0x94, 0x94, 0x98);
+    // Lighter than the window: the style draws outlines darker than that, where boxes and fields
+    // would not be seen.
+    const QColor base(0x5a, 0x5a, 0x60);
     const QColor highlight(0x3d, 0x7d, 0xd8);
     QPalette palette(text, QColor(0x3a, 0x3a, 0x3d), QColor(0x58, 0x58, 0x5c),
-                     QColor(0x18, 0x18, 0x1a), QColor(0x28, 0x28, 0x2a), text, Qt::white,
-                     QColor(0x1e, 0x1e, 0x20), window);
-    palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x26, 0x28));
+                     QColor(0x18, 0x18, 0x1a), QColor(0x28, 0x28, 0x2a), text, Qt::white, base,
+                     window);
+    palette.setColor(QPalette::AlternateBase, QColor(0x52, 0x52, 0x58));
     palette.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3a, 0x3d));
     palette.setColor(QPalette::ToolTipText, text);
     palette.setColor(QPalette::PlaceholderText, dimmed);
@@ -95,6 +98,10 @@ void Appearance::setChangeHandler(std::function<void()> handler) {
     changed_ = std::move(handler);
 }
 
+QPalette ownPalette(bool isDark) {
+    return isDark ? darkPalette() : lightPalette();
+}
+
 void applyPalette(bool isDark) {
     const DesktopLook& desktop = desktopLook();
     if (isDarkPalette(desktop.palette) == isDark) {
@@ -102,7 +109,7 @@ void applyPalette(bool isDark) {
         QApplication::setPalette(QPalette());
     } else {
         QApplication::setStyle("Fusion");
-        QApplication::setPalette(isDark ? darkPalette() : lightPalette());
+        QApplication::setPalette(ownPalette(isDark));
     }
 }
 

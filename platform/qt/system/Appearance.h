@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include <QPalette>
+
 namespace vistrane {
 
 /// Whether the desktop is light or dark, from the desktop portal and, where that has no opinion,
@@ -34,6 +36,9 @@ private:
     bool paletteIsDark_;
     std::unique_ptr<Portal> portal_;
 };
+
+/// The program's own colours.
+QPalette ownPalette(bool isDark);
 
 /// Dresses the application accordingly: in the desktop's own style and palette if those are as
 /// light or dark, else in a style and palette of the program's own.

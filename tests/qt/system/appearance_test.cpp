@@ -131,5 +131,15 @@ TEST(Palette, IsAsDarkAsTheDesktop) {
     EXPECT_FALSE(isDark());
 }
 
+TEST(Palette, LetsBoxesAndFieldsStandOutFromADarkWindow) {
+    applyPalette(true);
+    const QPalette palette = QApplication::palette();
+    EXPECT_GE(palette.color(QPalette::Base).lightness(),
+              palette.color(QPalette::Window).lightness() + 30);
+    EXPECT_GE(palette.color(QPalette::Text).lightness(),
+              palette.color(QPalette::Base).lightness() + 120);
+    applyPalette(false);
+}
+
 } // namespace
 } // namespace vistrane
