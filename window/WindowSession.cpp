@@ -1,5 +1,6 @@
 #include "window/WindowSession.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -49,12 +50,6 @@ CameraOptions cameraOptions(const WindowOptions& options) {
     return result;
 }
 
-QWidget* widgetOf(NSView& view) {
-    // The interface files have no other views.
-    const auto* const own = dynamic_cast<QtImageView*>(&view);
-    return own != nullptr ? &own->widget() : nullptr;
-}
-
 } // namespace
 
 /// The backend and the two objects, in the order in which they need each other.
@@ -66,9 +61,13 @@ struct WindowSession::Parts {
                                  [this] { return appearance.interfaceStyle(); });
     }
 
-    /// The window that dialogs belong to.
+    /// The window that dialogs belong to: the one in use, to which the keyboard then returns.
     QWidget* dialogParent() {
-        QWidget& window = interface.mainWindow();
+        QWidget& main = interface.mainWindow();
+        QWidget* const active = QApplication::activeWindow();
+        const std::vector<QWidget*> windows = interface.windows();
+        const bool isOwn = std::find(windows.begin(), windows.end(), active) != windows.end();
+        QWidget& window = isOwn ? *active : main;
         return window.isVisible() && !window.isMinimized() ? &window : nullptr;
     }
 
@@ -161,6 +160,7 @@ void WindowSession::launch() {
     handleEndings();
     followAppearance();
     connectInterface();
+    parts_.interface.holdSmallWindows();
     parts_.controller.awakeFromNib();
     parts_.panel.awakeFromNib();
     parts_.panel.restoreDockSetting();
@@ -196,10 +196,21 @@ void WindowSession::showMainWindow() {
     window.installEventFilter(this);
     parts_.closeRequests = std::make_unique<CloseRequests>(window, [this] { end(0); });
     window.show();
+    awaitDisplay();
+    // Only now: what appears last is in front, and the main window's place is known.
+    parts_.interface.releaseSmallWindows();
+    awaitDisplay();
+}
 
-    // Looking for cameras takes a moment in which nothing is drawn.
+void WindowSession::awaitDisplay() {
+    const auto isExposed = [this] {
+        const std::vector<QWidget*> windows = parts_.interface.windows();
+        return std::all_of(windows.begin(), windows.end(), [](const QWidget* window) {
+            return !window->isVisible() || window->windowHandle()->isExposed();
+        });
+    };
     const double limit = wallClockNow().timeIntervalSince1970 + patienceForDisplay;
-    while (!window.windowHandle()->isExposed() && wallClockNow().timeIntervalSince1970 < limit) {
+    while (!isExposed() && wallClockNow().timeIntervalSince1970 < limit) {
         parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(0.01));
     }
     parts_.loop.runUntilDate(parts_.foundation.date());

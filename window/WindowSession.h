@@ -36,6 +36,8 @@ private:
     void rememberFolder(const std::string& path);
     void connectInterface();
     void showMainWindow();
+    /// Looking for cameras takes a moment in which nothing is drawn.
+    void awaitDisplay();
     void followAppearance();
     void keepAwakeWhileCapturing();
     void handleEndings();

@@ -84,4 +84,10 @@ void QtImageView::setImage(std::shared_ptr<NSImage> image) {
     place_.setPicture(std::move(image));
 }
 
+QWidget* widgetOf(NSView& view) {
+    // The interface files have no other views.
+    const auto* const own = dynamic_cast<QtImageView*>(&view);
+    return own != nullptr ? &own->widget() : nullptr;
+}
+
 } // namespace vistrane

@@ -53,4 +53,7 @@ private:
     std::shared_ptr<QtLayer> layer_;
 };
 
+/// The widget of a view; null for a view that is none of an interface file.
+QWidget* widgetOf(NSView& view);
+
 } // namespace vistrane

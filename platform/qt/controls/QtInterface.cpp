@@ -1,10 +1,12 @@
 #include "platform/qt/controls/QtInterface.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QScreen>
 #include <QShortcut>
 
 #include "platform/qt/controls/PathButton.h"
@@ -50,12 +52,36 @@ private:
     QAction& item_;
 };
 
-void bringToFront(QWidget& window) {
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-    window.show();
-    window.raise();
-    window.activateWindow();
-}
+/// Puts a window into the middle of the main one when it is first shown, as far as the screen
+/// reaches.
+class FirstPlace final : public QObject {
+public:
+    FirstPlace(QWidget& window, const QWidget& mainWindow)
+        : QObject(&window), window_(window), mainWindow_(mainWindow) {
+        window.installEventFilter(this);
+    }
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Show && mainWindow_.isVisible()) {
+            window_.removeEventFilter(this);
+            place();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+    void place() {
+        const QRect room = mainWindow_.screen()->availableGeometry();
+        QRect place = window_.rect();
+        place.moveCenter(mainWindow_.geometry().center());
+        place.moveRight(std::min(place.right(), room.right()));
+        place.moveBottom(std::min(place.bottom(), room.bottom()));
+        window_.move(std::max(place.left(), room.left()), std::max(place.top(), room.top()));
+    }
+
+    QWidget& window_;
+    const QWidget& mainWindow_;
+};
 
 } // namespace
 
@@ -65,9 +91,9 @@ public:
     Windows();
 
     QMainWindow mainWindow;
-    /// Small windows of the main one: they stay in front of it.
-    QWidget infoPanel{&mainWindow, Qt::Dialog};
-    QWidget tipsWindow{&mainWindow, Qt::Dialog};
+    // No children of the main one: a window manager would hide and show them together with it.
+    QWidget infoPanel;
+    QWidget tipsWindow;
     QWidget autostartForm;
     QMenu statusMenu;
     QMenu contextMenu;
@@ -91,6 +117,7 @@ QtInterface::Windows::Windows() {
     for (QWidget* window : {&infoPanel, &tipsWindow}) {
         auto* const escape = new QShortcut(QKeySequence(Qt::Key_Escape), window);
         QObject::connect(escape, &QShortcut::activated, window, &QWidget::close);
+        new FirstPlace(*window, mainWindow);
     }
     fillMenus();
 }
@@ -127,6 +154,7 @@ public:
     Connector(Windows& windows, const QtResources& resources);
 
     QtNib& nib(const std::string& objectName) { return nibs_.at(objectName); }
+    void setSmallWindowsHeldBack(bool areHeldBack);
 
 private:
     void addForm(QtNib& nib, QWidget& root);
@@ -256,13 +284,22 @@ void QtInterface::Connector::addMenuAction(QAction& item) {
         button->installEventFilter(new EnabledFollower(item, *button));
         QObject::connect(&item, &QAction::triggered, button, [button] { button->click(); });
     } else if (!opens.isEmpty()) {
-        auto* const window = windows_.mainWindow.findChild<QWidget*>(opens);
-        QObject::connect(&item, &QAction::triggered, window, [window] { bringToFront(*window); });
+        const std::shared_ptr<QtWindow> window = controlWindows_.at(opens.toStdString());
+        QObject::connect(&item, &QAction::triggered, &window->widget(),
+                         [window] { window->makeKeyAndOrderFront(nullptr); });
     }
     addSender(item, [&item](const NSAction& action) {
         // No action of the program's asks which item of a menu has sent it.
         QObject::connect(&item, &QAction::triggered, &item, [action] { action(nullptr); });
     });
+}
+
+void QtInterface::Connector::setSmallWindowsHeldBack(bool areHeldBack) {
+    for (const auto& [name, window] : controlWindows_) {
+        if (&window->widget() != &windows_.mainWindow) {
+            window->setHeldBack(areHeldBack);
+        }
+    }
 }
 
 QtInterface::QtInterface(const QtResources& resources)
@@ -277,6 +314,18 @@ NSNib& QtInterface::nib(const std::string& objectName) {
 
 QWidget& QtInterface::mainWindow() {
     return windows_->mainWindow;
+}
+
+std::vector<QWidget*> QtInterface::windows() {
+    return {&windows_->mainWindow, &windows_->infoPanel, &windows_->tipsWindow};
+}
+
+void QtInterface::holdSmallWindows() {
+    connector_->setSmallWindowsHeldBack(true);
+}
+
+void QtInterface::releaseSmallWindows() {
+    connector_->setSmallWindowsHeldBack(false);
 }
 
 QMenu& QtInterface::statusMenu() {

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <QMenu>
 #include <QWidget>
@@ -37,6 +38,15 @@ public:
     NSNib& nib(const std::string& objectName);
 
     QWidget& mainWindow();
+    /// The main window, the info panel and the tips. Each stands for itself: the latter two can be
+    /// on the screen while the main window is minimised, and first appear in its middle.
+    std::vector<QWidget*> windows();
+
+    /// Keeps the small windows off the screen that the objects show while they awake.
+    void holdSmallWindows();
+    /// Shows those, in front of the main window.
+    void releaseSmallWindows();
+
     /// Of the icon in the desktop's status area.
     QMenu& statusMenu();
 

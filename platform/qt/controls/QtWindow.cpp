@@ -1,5 +1,7 @@
 #include "platform/qt/controls/QtWindow.h"
 
+#include <utility>
+
 #include <QEvent>
 
 #include "platform/qt/controls/shown_text.h"
@@ -20,10 +22,21 @@ bool QtWindow::makeFirstResponder(NSObject* responder) {
 }
 
 void QtWindow::makeKeyAndOrderFront(NSObject*) {
+    if (isHeldBack_) {
+        isWaiting_ = true;
+        return;
+    }
     widget_.setWindowState(widget_.windowState() & ~Qt::WindowMinimized);
     widget_.show();
     widget_.raise();
     widget_.activateWindow();
+}
+
+void QtWindow::setHeldBack(bool isHeldBack) {
+    isHeldBack_ = isHeldBack;
+    if (!isHeldBack && std::exchange(isWaiting_, false)) {
+        makeKeyAndOrderFront(nullptr);
+    }
 }
 
 void QtWindow::setTitle(const std::string& title) {

@@ -24,7 +24,7 @@ public:
     /// Ends every edit. The keyboard stays where it is: who works without a mouse is not sent
     /// back to the first control.
     bool makeFirstResponder(NSObject* responder) override;
-    /// Shows the window, also when it is minimised.
+    /// Shows the window, also when it is minimised. One that is held back waits.
     void makeKeyAndOrderFront(NSObject* sender) override;
     void setTitle(const std::string& title) override;
     /// Title bars belong to the window manager.
@@ -32,6 +32,9 @@ public:
 
     /// Sent to the window's delegate each time that the window closes.
     void setWillCloseAction(NSAction action) { willClose_.set(std::move(action)); }
+
+    /// Let go, it shows if it was to be shown meanwhile.
+    void setHeldBack(bool isHeldBack);
 
     QWidget& widget() const { return widget_; }
 
@@ -41,6 +44,8 @@ private:
     QWidget& widget_;
     std::vector<std::shared_ptr<QtTextField>> fields_;
     Action willClose_;
+    bool isHeldBack_ = false;
+    bool isWaiting_ = false;
 };
 
 } // namespace vistrane

@@ -149,8 +149,10 @@ void draw(const Look& look, const QString& folder) {
     const QString scale = qEnvironmentVariable("QT_SCALE_FACTOR", QStringLiteral("1"));
     const QString ending = QStringLiteral("-%1@%2x.png").arg(QString::fromUtf8(look.name), scale);
     save(window, folder + QStringLiteral("/window") + ending);
-    for (const char* name : {"tipWindow", "infoPanel"}) {
-        save(*window.findChild<QWidget*>(name), folder + u'/' + QString::fromUtf8(name) + ending);
+    for (QWidget* small : interface.windows()) {
+        if (small != &window) {
+            save(*small, folder + u'/' + small->objectName() + ending);
+        }
     }
 }
 

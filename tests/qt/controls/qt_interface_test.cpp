@@ -1,5 +1,6 @@
 #include <map>
 #include <set>
+#include <stdexcept>
 
 #include <QAccessible>
 #include <QApplication>
@@ -35,7 +36,16 @@ protected:
     }
     template <typename Widget>
     Widget& widget(const char* name) {
-        return *interface_.mainWindow().findChild<Widget*>(name);
+        for (QWidget* window : interface_.windows()) {
+            auto* const own = dynamic_cast<Widget*>(window);
+            if (own != nullptr && own->objectName() == QLatin1String(name)) {
+                return *own;
+            }
+            if (auto* const child = window->findChild<Widget*>(name)) {
+                return *child;
+            }
+        }
+        throw std::out_of_range(name);
     }
     /// Counts what is sent under that selector.
     void offer(NSNib& nib, const std::string& selector) {
@@ -247,6 +257,71 @@ TEST_F(QtInterfaceTest, ThePanelIsToldWhenTheTipsWindowCloses) {
     EXPECT_THAT(takeSent(), IsEmpty());
 }
 
+TEST_F(QtInterfaceTest, TheSmallWindowsAreWindowsOfTheirOwn) {
+    show();
+    for (const char* name : {"tipWindow", "infoPanel"}) {
+        QWidget& window = widget<QWidget>(name);
+        EXPECT_EQ(window.parentWidget(), nullptr) << name;
+        window.show();
+        EXPECT_EQ(window.windowHandle()->transientParent(), nullptr) << name;
+        // Others a window manager takes for companions of the main window.
+        EXPECT_EQ(window.windowType(), Qt::Window) << name;
+        EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowMinimizeButtonHint)) << name;
+    }
+    QWidget& main = interface_.mainWindow();
+    main.showMinimized();
+    widget<QAction>("infoItem").trigger();
+    EXPECT_TRUE(main.isMinimized());
+    EXPECT_FALSE(widget<QWidget>("infoPanel").isMinimized());
+}
+
+TEST_F(QtInterfaceTest, HidingMinimisesEveryWindowAndUnhidingBringsBackTheMainOne) {
+    QtApplication application([] { return true; });
+    show();
+    const auto main = outlet<NSWindow>(controller(), "myWindow");
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    widget<QAction>("infoItem").trigger();
+    application.miniaturizeAll(nullptr);
+    for (const QWidget* window : interface_.windows()) {
+        EXPECT_TRUE(window->isMinimized()) << window->objectName().toStdString();
+    }
+    main->makeKeyAndOrderFront(nullptr);
+    EXPECT_FALSE(interface_.mainWindow().isMinimized());
+    EXPECT_TRUE(widget<QWidget>("tipWindow").isMinimized());
+    EXPECT_TRUE(widget<QWidget>("infoPanel").isMinimized());
+    widget<QAction>("infoItem").trigger();
+    EXPECT_FALSE(widget<QWidget>("infoPanel").isMinimized());
+}
+
+TEST_F(QtInterfaceTest, ASmallWindowFirstAppearsInTheMiddleOfTheMainOneAndThenWhereItWasPut) {
+    show();
+    QWidget& main = interface_.mainWindow();
+    main.setGeometry(60, 40, 700, 600);
+    QWidget& info = widget<QWidget>("infoPanel");
+    widget<QAction>("infoItem").trigger();
+    const QPoint apart = info.geometry().center() - main.geometry().center();
+    EXPECT_LE(apart.manhattanLength(), 80);
+    info.move(5, 6);
+    info.close();
+    widget<QAction>("infoItem").trigger();
+    EXPECT_EQ(info.pos(), QPoint(5, 6));
+}
+
+TEST_F(QtInterfaceTest, AWindowThatIsShownTooEarlyComesUpInFrontOfTheMainOne) {
+    interface_.holdSmallWindows();
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    QWidget& tips = widget<QWidget>("tipWindow");
+    EXPECT_FALSE(tips.isVisible());
+    show();
+    EXPECT_FALSE(tips.isVisible());
+    interface_.releaseSmallWindows();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&tips));
+    EXPECT_FALSE(widget<QWidget>("infoPanel").isVisible());
+    tips.close();
+    interface_.releaseSmallWindows();
+    EXPECT_FALSE(tips.isVisible());
+}
+
 TEST_F(QtInterfaceTest, EscapeClosesTheSmallWindows) {
     offer(panel(), "windowWillClose:");
     QWidget& tips = widget<QWidget>("tipWindow");
@@ -307,10 +382,7 @@ TEST_F(QtInterfaceTest, OneSliderGetsACellOfTheOfferedClassAndWakesIt) {
 
 class QtInterfaceAccessTest : public QtInterfaceTest {
 protected:
-    std::vector<QWidget*> windows() {
-        return {&interface_.mainWindow(), &widget<QWidget>("tipWindow"),
-                &widget<QWidget>("infoPanel")};
-    }
+    std::vector<QWidget*> windows() { return interface_.windows(); }
     static std::vector<QWidget*> focusChain(QWidget& window) {
         std::vector<QWidget*> chain;
         for (QWidget* next = window.nextInFocusChain(); next != &window;
