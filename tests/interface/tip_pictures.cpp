@@ -1,6 +1,10 @@
 // tip_pictures FOLDER PROGRAM: takes the five pictures of the tips anew, tip1.png to tip5.png, into
 // FOLDER. They are of the program itself, with its demo camera and a folder of frames; PROGRAM is
-// its command line, which makes the movie that lies beside the frames.
+// its command line, which makes the movie that lies beside the frames. The folder of frames lies in
+// $TMPDIR for as long as it takes.
+//
+// tip_pictures FOLDER PROGRAM light|dark: takes window-light.png or window-dark.png instead, the
+// window as it is on a light or a dark desktop.
 //
 // The numbers are those of the tips' texts: 1 folder, 2 interval and its total, 3 rate, 4 compile,
 // 5 play.
@@ -35,6 +39,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "platform/qt/system/Appearance.h"
 #include "window/open_window.h"
 
 namespace vistrane {
@@ -46,6 +51,10 @@ constexpr double density = 2.0;
 /// The window's size, and its pixels to a point: large enough for parts of it to be enlarged.
 constexpr QSize windowSize{920, 600};
 constexpr double windowDensity = 3.0;
+
+/// What is taken of the window alone.
+constexpr QSize largeWindowSize{1060, 640};
+constexpr double largeWindowDensity = 2.0;
 
 constexpr int frameCount = 24;
 const QColor markColour(0xd9, 0x48, 0x2b);
@@ -174,11 +183,11 @@ public:
     }
 
     /// On the ring, where it hides no words: these begin on the left.
-    void drawNumber(int number, const QRectF& around) {
+    void drawNumber(int number, const QRectF& around, double along) {
         QPainter painter(&image_);
         painter.setRenderHint(QPainter::Antialiasing);
         const QRectF ring = ringAround(around);
-        const QPointF centre(ring.left() + std::max(0.8 * ring.width(), 34.0), ring.top());
+        const QPointF centre(ring.left() + std::max(along * ring.width(), 34.0), ring.top());
         painter.setPen(QPen(Qt::white, 2.0));
         painter.setBrush(markColour);
         painter.drawEllipse(centre, 13.0, 13.0);
@@ -262,11 +271,13 @@ private:
 struct Numbered {
     int number;
     QStringList controls;
+    /// Where on the ring the number is: a share of its width.
+    double along = 0.8;
 };
 
 const Numbered folderMark{1, {"outfolderB"}};
 const Numbered intervalMark{2, {"hInput", "sLabel", "timeD"}};
-const Numbered rateMark{3, {"fpsS", "fpsD"}};
+const Numbered rateMark{3, {"fpsS", "fpsD"}, 0.7};
 const Numbered compileMark{4, {"compilingB"}};
 const Numbered playMark{5, {"previewPlayButton"}};
 
@@ -289,7 +300,7 @@ void drawWindow(Canvas& canvas, const WindowPicture& window, const QRectF& part,
         canvas.drawRing(around(mark));
     }
     for (const Numbered& mark : marks) {
-        canvas.drawNumber(mark.number, around(mark));
+        canvas.drawNumber(mark.number, around(mark), mark.along);
     }
 }
 
@@ -348,7 +359,9 @@ QImage folderPicture(const QDir& folder, QSize size) {
 /// to be seen.
 class Photographer final : public QObject {
 public:
-    Photographer(const QDir& frames, const QDir& pictures) : frames_(frames), pictures_(pictures) {
+    /// Without a look it takes the tips, else the window.
+    Photographer(const QDir& frames, const QDir& pictures, const QString& windowLook)
+        : frames_(frames), pictures_(pictures), windowLook_(windowLook) {
         connect(&timer_, &QTimer::timeout, this, [this] { look(); });
         timer_.start(50);
     }
@@ -392,7 +405,9 @@ private:
     }
 
     void pickCamera() {
-        window_->resize(windowSize);
+        // The tips are in front, and fields keep what is selected until the keyboard leaves them.
+        window_->activateWindow();
+        window_->resize(windowLook_.isEmpty() ? windowSize : largeWindowSize);
         auto& cameras = find<QComboBox>("AVDevicePopUp");
         const int demo = cameras.findText(QStringLiteral("Demo Camera"));
         if (demo < 0) {
@@ -431,6 +446,10 @@ private:
     }
 
     void setUp() const {
+        // There is no desktop here that has these colours of its own.
+        if (!windowLook_.isEmpty()) {
+            QApplication::setPalette(ownPalette(windowLook_ == QLatin1String("dark")));
+        }
         type("hInput", QStringLiteral("0"));
         type("mInput", QStringLiteral("1"));
         type("sInput", QStringLiteral("30"));
@@ -440,8 +459,27 @@ private:
     }
 
     void takePictures() const {
-        QWidget& focused = find<QAbstractButton>("oneB");
-        focused.clearFocus();
+        find<QAbstractButton>("oneB").clearFocus();
+        if (windowLook_.isEmpty()) {
+            takeTips();
+        } else {
+            takeWindow();
+        }
+    }
+
+    void takeWindow() const {
+        const QString path = pictures_.filePath(QStringLiteral("window-%1.png").arg(windowLook_));
+        constexpr int smallest = 0;
+        if (!window_->grab()
+                 .toImage()
+                 .convertToFormat(QImage::Format_RGB32)
+                 .save(path, "PNG", smallest)) {
+            fail(QStringLiteral("cannot write ") + path);
+        }
+        std::printf("%s\n", qPrintable(path));
+    }
+
+    void takeTips() const {
         const WindowPicture window(*window_);
         const QRectF whole{QPointF(), QSizeF(windowSize)};
         const QSizeF enlarged(448.0,
@@ -497,6 +535,7 @@ private:
 
     QDir frames_;
     QDir pictures_;
+    QString windowLook_;
     QTimer timer_;
     QWidget* window_ = nullptr;
     int looks_ = 0;
@@ -519,10 +558,16 @@ private:
 /// What the program is started with. It begins when there is an application.
 QDir frames;
 QDir pictures;
+/// Empty for the tips.
+QString windowLook;
 
 void startPhotographer() {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    new Photographer(frames, pictures);
+    // The program takes the desktop to be as dark as its first palette is.
+    if (!windowLook.isEmpty()) {
+        QApplication::setPalette(ownPalette(windowLook == QLatin1String("dark")));
+    }
+    new Photographer(frames, pictures, windowLook);
 }
 
 /// A place of its own for the frames and the settings, with a name to be seen.
@@ -547,12 +592,16 @@ QDir prepare(const QString& program) {
 } // namespace vistrane
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: tip_pictures FOLDER PROGRAM\n");
+    vistrane::windowLook = QString::fromLocal8Bit(argc == 4 ? argv[3] : "");
+    const bool isLook = vistrane::windowLook == QLatin1String("light") ||
+                        vistrane::windowLook == QLatin1String("dark");
+    if (argc != 3 && !(argc == 4 && isLook)) {
+        std::fprintf(stderr, "usage: tip_pictures FOLDER PROGRAM [light|dark]\n");
         return 2;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_SCALE_FACTOR", QByteArray::number(vistrane::windowDensity));
+    qputenv("QT_SCALE_FACTOR",
+            QByteArray::number(isLook ? vistrane::largeWindowDensity : vistrane::windowDensity));
     vistrane::pictures = QDir(QString::fromLocal8Bit(argv[1]));
     vistrane::frames = vistrane::prepare(QString::fromLocal8Bit(argv[2]));
     qAddPreRoutine(vistrane::startPhotographer);
