@@ -76,7 +76,7 @@ std::string replaced(std::string text, const std::string& part, const std::strin
 bool isInPath(const std::string& tool) {
     std::istringstream folders(variable("PATH"));
     for (std::string folder; std::getline(folders, folder, ':');) {
-        if (::access((folder + "/" + tool).c_str(), X_OK) == 0) {
+        if (::access((fs::path(folder) / tool).c_str(), X_OK) == 0) {
             return true;
         }
     }

@@ -1,10 +1,13 @@
 #include "tests/desktop/DesktopTest.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
+
+#include "tests/desktop/play_button.h"
 
 namespace vistrane {
 
@@ -89,8 +92,14 @@ void DesktopTest::giveKeysToMainWindow() {
 }
 
 int DesktopTest::quit() {
-    screen().close(window());
-    return awaitEnd();
+    const Window main = window();
+    const auto asked = std::chrono::steady_clock::now();
+    screen().close(main);
+    const int status = awaitEnd();
+    const auto passed = std::chrono::steady_clock::now() - asked;
+    std::cout << "ended after "
+              << std::chrono::duration_cast<std::chrono::milliseconds>(passed).count() << " ms\n";
+    return status;
 }
 
 int DesktopTest::awaitEnd() {
@@ -261,13 +270,7 @@ std::optional<std::pair<int, int>> DesktopTest::frameShown() {
     const auto readOut = firstBelow(*root_, [](const Control& control) {
         return control.role() == "label" && beginsWith(control.name(), "Displaying frame ");
     });
-    int number = 0;
-    int count = 0;
-    if (!readOut ||
-        std::sscanf(readOut->name().c_str(), "Displaying frame %d of %d", &number, &count) != 2) {
-        return std::nullopt;
-    }
-    return std::pair(number, count);
+    return readOut ? frameNumbers(readOut->name()) : std::nullopt;
 }
 
 void DesktopTest::awaitFrame(int number, int count) {

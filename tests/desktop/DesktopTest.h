@@ -41,7 +41,7 @@ protected:
 
     /// Starts the program and waits for its window.
     void start(const std::vector<std::string>& arguments = {}, const Environment& more = {});
-    /// Closes the main window and waits for the end: its status.
+    /// Closes the main window and waits for the end: its status. How long it took is printed.
     int quit();
     int awaitEnd();
     Process& program() { return *program_; }

@@ -236,7 +236,10 @@ Picture Screen::picture(const Rectangle& rectangle) const {
     for (int y = 0; y < image->height; ++y) {
         for (int x = 0; x < image->width; ++x) {
             std::uint32_t pixel = 0;
-            std::memcpy(&pixel, image->data + y * image->bytes_per_line + 4 * x, sizeof pixel);
+            std::memcpy(&pixel,
+                        image->data + std::ptrdiff_t{y} * image->bytes_per_line +
+                            std::ptrdiff_t{4} * x,
+                        sizeof pixel);
             if (isSwapped) {
                 pixel = __builtin_bswap32(pixel);
             }

@@ -1,8 +1,8 @@
 #include "tests/desktop/play_button.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
+#include <sstream>
 
 namespace vistrane {
 
@@ -64,16 +64,28 @@ std::optional<PlayFace> faceOf(const Picture& button) {
     return PlayFace{plain == Tone::light, corner == mark};
 }
 
+std::optional<std::pair<int, int>> frameNumbers(const std::string& readOut) {
+    std::istringstream words(readOut);
+    std::string displaying;
+    std::string frame;
+    std::string of;
+    std::pair<int, int> numbers;
+    if (!(words >> displaying >> frame >> numbers.first >> of >> numbers.second) ||
+        displaying + " " + frame != "Displaying frame" || of != "of" || !words.eof()) {
+        return std::nullopt;
+    }
+    return numbers;
+}
+
 int FrameWatch::look() {
-    int number = 0;
-    int count = 0;
-    if (std::sscanf(readOut_.name().c_str(), "Displaying frame %d of %d", &number, &count) != 2) {
+    const auto numbers = frameNumbers(readOut_.name());
+    if (!numbers) {
         return 0;
     }
-    if (seen_.empty() || seen_.back() != number) {
-        seen_.push_back(number);
+    if (seen_.empty() || seen_.back() != numbers->first) {
+        seen_.push_back(numbers->first);
     }
-    return number;
+    return numbers->first;
 }
 
 } // namespace vistrane

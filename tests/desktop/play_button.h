@@ -1,6 +1,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/desktop/Accessibility.h"
@@ -24,6 +26,9 @@ inline constexpr PlayFace lightPlaying{false, true};
 
 /// Nothing for a picture that is none of the faces.
 std::optional<PlayFace> faceOf(const Picture& button);
+
+/// The numbers in "Displaying frame 3 of 20"; nothing for another text.
+std::optional<std::pair<int, int>> frameNumbers(const std::string& readOut);
 
 /// Notes which frames the read-out names.
 class FrameWatch {
