@@ -235,16 +235,20 @@ void WholeRun::compileTheMovie() {
     const Control compile = button("Compile Movie");
     const Control progress = *firstBelow(
         root(), [](const Control& control) { return control.role() == "progress bar"; });
+    const int before = progress.valueChanges();
     click(compile);
-    await("the button to go dim", [&] { return !compile.is(ControlState::enabled); });
+    // A look may come at any time, but no change is missed: one for each frame but the first, and
+    // the one that empties the bar.
     std::vector<double> parts;
-    while (!compile.is(ControlState::enabled)) {
+    await("the end of the compile", [&] {
         parts.push_back(progress.value() / progress.maximum());
+        return progress.valueChanges() - before >= 20 && compile.is(ControlState::enabled);
+    });
+    while (!parts.empty() && parts.back() == 0) {
+        parts.pop_back();
     }
-    // The last look may have seen the end, which empties the bar.
-    EXPECT_TRUE(std::is_sorted(parts.begin(), parts.end() - 1)) << testing::PrintToString(parts);
-    EXPECT_GT(*std::max_element(parts.begin(), parts.end()), 0);
-    EXPECT_LE(*std::max_element(parts.begin(), parts.end()), 19.0 / 20.0);
+    EXPECT_TRUE(std::is_sorted(parts.begin(), parts.end())) << testing::PrintToString(parts);
+    EXPECT_TRUE(parts.empty() || parts.back() <= 19.0 / 20.0) << testing::PrintToString(parts);
     EXPECT_EQ(progress.value(), 0);
 
     await("the movie in its application", [this] { return !desktop.opened().empty(); });
@@ -289,7 +293,9 @@ TEST_F(WholeRun, FromTheFirstStartToAMovieAndBackAgain) {
     browse();
     playOnceThrough();
     compileTheMovie();
-    click(find("check box", "Lower Quality"));
+    const Control quality = find("check box", "Lower Quality");
+    click(quality);
+    await("the tick", [&] { return quality.is(ControlState::checked); });
     EXPECT_EQ(quit(), 0);
 
     start();
