@@ -200,6 +200,18 @@ void WindowSession::showMainWindow() {
     // Only now: what appears last is in front, and the main window's place is known.
     parts_.interface.releaseSmallWindows();
     awaitDisplay();
+    if (QApplication::activeWindow() == nullptr) {
+        // Some window managers do not give the keyboard to a new window that has no task-bar entry.
+        takeKeyboard();
+    }
+}
+
+void WindowSession::takeKeyboard() {
+    for (QWidget* window : parts_.interface.windows()) {
+        if (window->isVisible()) {
+            window->activateWindow();
+        }
+    }
 }
 
 void WindowSession::awaitDisplay() {

@@ -38,6 +38,8 @@ private:
     void showMainWindow();
     /// Looking for cameras takes a moment in which nothing is drawn.
     void awaitDisplay();
+    /// The last window in the interface that shows gets it.
+    void takeKeyboard();
     void followAppearance();
     void keepAwakeWhileCapturing();
     void handleEndings();

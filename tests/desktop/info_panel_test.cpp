@@ -117,8 +117,15 @@ TEST_F(InfoPanel, DockSettingTakesTheMenuBarAwayAndIsRemembered) {
     EXPECT_THAT(stored(), Contains(Pair("iDock", 0)));
     start();
     EXPECT_EQ(seek("menu bar", ""), std::nullopt);
+    const Window main = window();
+    await("the keyboard", [&] { return screen().activeWindow() == main.number; });
+    screen().press({"Shift_L", "F1"});
+    const Control restored = find("check box", "Show in the dock or task bar");
+    EXPECT_FALSE(restored.is(ControlState::checked));
+    click(restored);
+    await("the menu bar", [this] { return seek("menu bar", ""); });
     EXPECT_EQ(quit(), 0);
-    EXPECT_THAT(stored(), Contains(Pair("iDock", 0)));
+    EXPECT_THAT(stored(), Contains(Pair("iDock", 1)));
 }
 
 TEST_F(InfoPanel, TipsOpenedByHandBeginAtTheFirstPage) {
