@@ -1,15 +1,18 @@
 #include "platform/posix/FileUserDefaults.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,6 +25,10 @@ namespace {
 
 /// Far more than the program ever writes.
 constexpr off_t longestFile = 1 << 20;
+
+/// How often another process's lock is tried, and the pause in between: writing takes less.
+constexpr int lockTries = 50;
+constexpr std::chrono::milliseconds lockPause(10);
 
 class Descriptor {
 public:
@@ -81,9 +88,12 @@ bool writeAll(int file, const std::string& text) {
     return true;
 }
 
+std::string folderOf(const std::string& path) {
+    return std::filesystem::path(path).parent_path().string();
+}
+
 /// False, with the reason in `errno`, when the file still holds what it held.
 bool replaceFile(const std::string& path, const std::string& text) {
-    const std::string folder = std::filesystem::path(path).parent_path().string();
     std::string temporary = path + ".XXXXXX";
     const Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
     if (file.number() < 0) {
@@ -97,12 +107,33 @@ bool replaceFile(const std::string& path, const std::string& text) {
         return false;
     }
     // The new name is to last as well. Not every file system can promise that.
-    const Descriptor directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor directory(::open(folderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (directory.number() >= 0) {
         ::fsync(directory.number());
     }
     return true;
 }
+
+/// Keeps the program's other instances from writing into a folder, until it goes. It is no
+/// condition: not every file system has locks, and one that nobody gives back holds nobody up.
+class FolderLock {
+public:
+    explicit FolderLock(const std::string& folder)
+        : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        for (int tries = 0; tries < lockTries && isTaken(); ++tries) {
+            std::this_thread::sleep_for(lockPause);
+        }
+    }
+
+private:
+    /// Takes the lock unless it is taken.
+    bool isTaken() const {
+        return ::flock(folder_.number(), LOCK_EX | LOCK_NB) != 0 &&
+               (errno == EWOULDBLOCK || errno == EINTR);
+    }
+
+    const Descriptor folder_;
+};
 
 /// The file behind a link, so that the link stays one.
 std::string behindLinks(const std::string& path) {
@@ -130,18 +161,18 @@ void FileUserDefaults::read() {
     }
     SettingsResult result = parseSettings(*text);
     if (!result.error.empty()) {
-        setAside(result.error);
+        setAside(result.error, "goes on with its first ones");
         return;
     }
     values_ = std::move(result.settings);
 }
 
-void FileUserDefaults::setAside(const std::string& reason) {
+void FileUserDefaults::setAside(const std::string& reason, const std::string& remedy) {
     const std::string aside = path_ + ".damaged";
     const bool isAside = ::rename(path_.c_str(), aside.c_str()) == 0;
     log_("The settings in '" + path_ + "' are damaged (" + reason + ")" +
-         (isAside ? " and were set aside as '" + aside + "'" : std::string()) +
-         ". The program goes on with its first ones.");
+         (isAside ? " and were set aside as '" + aside + "'" : std::string()) + ". The program " +
+         remedy + ".");
 }
 
 template <typename Type>
@@ -159,8 +190,12 @@ NSInteger FileUserDefaults::integerForKey(const std::string& key) const {
 }
 
 void FileUserDefaults::setInteger(NSInteger value, const std::string& key) {
+    const auto entry = values_.find(key);
+    if (entry != values_.end() && entry->second == SettingsValue(value)) {
+        return;
+    }
     values_[key] = value;
-    isChanged_ = true;
+    changed_.insert(key);
 }
 
 std::optional<std::string> FileUserDefaults::stringForKey(const std::string& key) const {
@@ -180,22 +215,41 @@ FileUserDefaults::objectForKey(const std::string& key) const {
 
 void FileUserDefaults::setObject(const std::vector<std::uint8_t>& value, const std::string& key) {
     values_[key] = value;
-    isChanged_ = true;
+    changed_.insert(key);
 }
 
 void FileUserDefaults::synchronize() {
-    if (!isChanged_ || !isReadable_) {
+    if (changed_.empty() || !isReadable_) {
         return;
     }
-    const std::string target = behindLinks(path_);
     std::error_code error;
-    std::filesystem::create_directories(std::filesystem::path(target).parent_path(), error);
-    if (replaceFile(target, settingsText(values_))) {
-        isChanged_ = false;
+    const std::string folder = folderOf(behindLinks(path_));
+    std::filesystem::create_directories(folder, error);
+    const FolderLock lock(folder);
+    const std::optional<Settings> merged = withOthersChanges();
+    // Looked up now: a damaged file's link was set aside with it.
+    if (merged && replaceFile(behindLinks(path_), settingsText(*merged))) {
+        changed_.clear();
     } else {
-        log_("The settings cannot be written to '" + target + "': " + std::strerror(errno) +
+        log_("The settings cannot be written to '" + path_ + "': " + std::strerror(errno) +
              ". They are lost when the program ends.");
     }
+}
+
+std::optional<Settings> FileUserDefaults::withOthersChanges() {
+    const std::optional<std::string> text = contentsOf(path_);
+    if (!text) {
+        return errno == ENOENT ? std::optional(values_) : std::nullopt;
+    }
+    SettingsResult stored = parseSettings(*text);
+    if (!stored.error.empty()) {
+        setAside(stored.error, "saves its own");
+        return values_;
+    }
+    for (const std::string& key : changed_) {
+        stored.settings[key] = values_.at(key);
+    }
+    return std::move(stored.settings);
 }
 
 void FileUserDefaults::setSystemString(const std::string& key,

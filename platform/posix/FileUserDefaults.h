@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,11 @@
 
 namespace vistrane {
 
-/// The settings in one file, read once and written whole by `synchronize`.
+/// The settings in one file, read once; `synchronize` saves what was set since then.
+///
+/// Several instances of the program may share the file: each saves the keys that it changed and
+/// leaves the others as they are in the file by then. What another instance saves is seen at the
+/// next start only.
 ///
 /// A file that cannot be understood is set aside beside its place, with ".damaged" behind its name,
 /// and the settings begin empty. A file or folder that cannot be read or written costs a log line
@@ -24,11 +29,13 @@ public:
     FileUserDefaults(std::string path, Log log);
 
     NSInteger integerForKey(const std::string& key) const override;
+    /// The value that a key has already is no change: who ends the program sets them all.
     void setInteger(NSInteger value, const std::string& key) override;
     std::optional<std::string> stringForKey(const std::string& key) const override;
     std::optional<std::vector<std::uint8_t>> objectForKey(const std::string& key) const override;
     void setObject(const std::vector<std::uint8_t>& value, const std::string& key) override;
-    /// The log tells when the values could not be written.
+    /// May wait half a second for another instance. The log tells when the values could not be
+    /// written.
     void synchronize() override;
 
     /// From now on the text of `key` is asked of the system, whatever the file says.
@@ -39,14 +46,17 @@ private:
     template <typename Type>
     const Type* find(const std::string& key) const;
     void read();
-    void setAside(const std::string& reason);
+    /// `remedy` is what the program does without the file.
+    void setAside(const std::string& reason, const std::string& remedy);
+    /// What the file is to hold; nothing, with the reason in `errno`, when it cannot be read.
+    std::optional<Settings> withOthersChanges();
 
     const std::string path_;
     const Log log_;
     Settings values_;
     std::map<std::string, std::function<std::optional<std::string>()>> systemStrings_;
-    /// Whether the file holds something else than `values_`.
-    bool isChanged_ = false;
+    /// The keys in `values_` that are not in the file yet.
+    std::set<std::string> changed_;
     /// A file that is there and cannot be read may hold what is not to be lost.
     bool isReadable_ = true;
 };

@@ -7,7 +7,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "platform/posix/settings_text.h"
 #include "tests/contract/UserDefaultsContract.h"
@@ -19,6 +23,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Optional;
 
 void write(const std::string& path, const std::string& contents) {
     std::ofstream(path, std::ios::binary) << contents;
@@ -146,6 +151,85 @@ TEST_F(FileUserDefaultsTest, ALinkStaysALink) {
     defaults.synchronize();
     EXPECT_TRUE(std::filesystem::is_symlink(path_));
     EXPECT_THAT(read(folder_ / "elsewhere/real"), HasSubstr("\"iHour\" = 2"));
+}
+
+TEST_F(FileUserDefaultsTest, TwoInstancesKeepWhatTheOtherOneSaved) {
+    FileUserDefaults one = open();
+    FileUserDefaults other = open();
+    one.setObject({1, 2}, "iData");
+    one.synchronize();
+    other.setInteger(24, "iFPS");
+    other.synchronize();
+    one.setInteger(7, "iHour");
+    one.synchronize();
+    const FileUserDefaults later = open();
+    EXPECT_THAT(later.objectForKey("iData"), Optional(ElementsAre(1, 2)));
+    EXPECT_EQ(later.integerForKey("iFPS"), 24);
+    EXPECT_EQ(later.integerForKey("iHour"), 7);
+    EXPECT_THAT(names(), ElementsAre("settings"));
+    EXPECT_THAT(log_, IsEmpty());
+}
+
+TEST_F(FileUserDefaultsTest, OfTwoInstancesThatSetAKeyTheLaterOneWins) {
+    FileUserDefaults one = open();
+    FileUserDefaults other = open();
+    one.setInteger(12, "iFPS");
+    one.setObject({1}, "iData");
+    other.setInteger(24, "iFPS");
+    other.setObject({2}, "iData");
+    other.synchronize();
+    one.synchronize();
+    EXPECT_EQ(open().integerForKey("iFPS"), 12);
+    EXPECT_THAT(open().objectForKey("iData"), Optional(ElementsAre(1)));
+    // The same folder, chosen once more.
+    other.setObject({2}, "iData");
+    other.synchronize();
+    EXPECT_THAT(open().objectForKey("iData"), Optional(ElementsAre(2)));
+}
+
+TEST_F(FileUserDefaultsTest, ANumberThatIsSetToWhatItIsLeavesAnotherInstancesOne) {
+    write(path_, settingsText({{"iFPS", std::int64_t{30}}, {"iHour", std::int64_t{0}}}));
+    FileUserDefaults one = open();
+    FileUserDefaults other = open();
+    other.setInteger(24, "iFPS");
+    other.synchronize();
+    one.setInteger(30, "iFPS");
+    one.setInteger(1, "iHour");
+    one.synchronize();
+    EXPECT_EQ(open().integerForKey("iFPS"), 24);
+    EXPECT_EQ(open().integerForKey("iHour"), 1);
+}
+
+TEST_F(FileUserDefaultsTest, AFileThatWasDamagedMeanwhileIsSetAsideAndNothingOfItsOwnIsLost) {
+    write(path_, settingsText({{"iFPS", std::int64_t{30}}}));
+    FileUserDefaults defaults = open();
+    defaults.setInteger(7, "iHour");
+    write(path_, "damage");
+    defaults.synchronize();
+    EXPECT_THAT(log_, ElementsAre(HasSubstr("saves its own")));
+    EXPECT_EQ(read(path_ + ".damaged"), "damage");
+    EXPECT_EQ(open().integerForKey("iFPS"), 30);
+    EXPECT_EQ(open().integerForKey("iHour"), 7);
+}
+
+TEST_F(FileUserDefaultsTest, AFileThatWasTakenAwayMeanwhileIsWrittenWhole) {
+    write(path_, settingsText({{"iFPS", std::int64_t{30}}}));
+    FileUserDefaults defaults = open();
+    std::filesystem::remove(path_);
+    defaults.setInteger(7, "iHour");
+    defaults.synchronize();
+    EXPECT_EQ(open().integerForKey("iFPS"), 30);
+    EXPECT_EQ(open().integerForKey("iHour"), 7);
+}
+
+TEST_F(FileUserDefaultsTest, ALockThatIsNeverGivenBackHoldsNobodyUp) {
+    const int folder = ::open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(folder, LOCK_EX), 0);
+    FileUserDefaults defaults = open();
+    defaults.setInteger(7, "iHour");
+    defaults.synchronize();
+    EXPECT_EQ(open().integerForKey("iHour"), 7);
+    ::close(folder);
 }
 
 TEST_F(FileUserDefaultsTest, TheSystemAnswersItsOwnKeys) {
