@@ -4,6 +4,8 @@
 #include <mutex>
 #include <utility>
 
+#include <QApplication>
+
 #include "platform/qt/system/AlertDialog.h"
 
 namespace vistrane {
@@ -34,10 +36,36 @@ private:
 AlertDialog* makeDialog(const QtDialogRules& rules, const AlertContents& contents) {
     QWidget* const accessory =
         contents.accessory && rules.widgetOf ? rules.widgetOf(*contents.accessory) : nullptr;
-    return new AlertDialog(contents, accessory, rules.parent ? rules.parent() : nullptr);
+    return new AlertDialog(contents, accessory, dialogParent(rules));
+}
+
+/// Shows an alert that leaves other windows usable. One that would appear on top of a modal dialog
+/// could not be used and covers it: it comes up when that is gone.
+void showBeside(const std::shared_ptr<const QtDialogRules>& rules, const AlertContents& contents,
+                const std::shared_ptr<Answer>& answer) {
+    if (const QWidget* const modal = QApplication::activeModalWidget()) {
+        QtRunLoop& loop = rules->loop;
+        QObject::connect(modal, &QObject::destroyed, &loop, [rules, &loop, contents, answer] {
+            // Not in the middle of the dialog's end: another one may follow it at once.
+            loop.mainQueue().async(
+                [rules, contents, answer] { showBeside(rules, contents, answer); });
+        });
+        return;
+    }
+    AlertDialog* const dialog = makeDialog(*rules, contents);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(dialog, &QDialog::finished, [answer](int button) { answer->set(button); });
+    dialog->show();
 }
 
 } // namespace
+
+QWidget* dialogParent(const QtDialogRules& rules) {
+    if (QWidget* const modal = QApplication::activeModalWidget()) {
+        return modal;
+    }
+    return rules.parent ? rules.parent() : nullptr;
+}
 
 QtAlert::QtAlert(std::shared_ptr<const QtDialogRules> rules) : rules_(std::move(rules)) {}
 
@@ -62,12 +90,8 @@ NSModalResponse QtAlert::runOnMainThread() const {
 
 NSModalResponse QtAlert::runBesideMainThread() const {
     const auto answer = std::make_shared<Answer>();
-    rules_->loop.mainQueue().async([answer, rules = rules_, contents = contents_] {
-        AlertDialog* const dialog = makeDialog(*rules, contents);
-        dialog->setAttribute(Qt::WA_DeleteOnClose);
-        QObject::connect(dialog, &QDialog::finished, [answer](int button) { answer->set(button); });
-        dialog->show();
-    });
+    rules_->loop.mainQueue().async(
+        [answer, rules = rules_, contents = contents_] { showBeside(rules, contents, answer); });
     return NSAlertFirstButtonReturn + answer->wait();
 }
 

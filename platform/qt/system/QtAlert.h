@@ -17,11 +17,15 @@ namespace vistrane {
 /// What alerts and panels need of the front end. It outlives them.
 struct QtDialogRules {
     QtRunLoop& loop;
-    /// The window that dialogs stand in front of; null for none. Main thread.
+    /// The window that dialogs stand in front of while none is modal; null for none. Main thread.
     std::function<QWidget*()> parent;
     /// The widget of a view of the interface file; null for none. Main thread.
     std::function<QWidget*(NSView&)> widgetOf;
 };
+
+/// The parent of a new dialog: the modal dialog that is up, for nothing else can be used and it is
+/// not to cover the new one, else the rules' window. Main thread.
+QWidget* dialogParent(const QtDialogRules& rules);
 
 /// What an alert shows.
 struct AlertContents {
@@ -34,7 +38,8 @@ struct AlertContents {
 };
 
 /// An alert as a dialog. On the main thread it is modal and timers hold back; on another thread it
-/// stands beside the main window, which stays usable, while the thread sleeps until the answer.
+/// stands beside the main window, which stays usable, while the thread sleeps until the answer. The
+/// former stands in front of a modal dialog that is up, the latter waits for its end.
 ///
 /// Closing the dialog by Escape or by its frame gives the answer of its only button, else that of
 /// the one titled "Cancel", else that of the last.

@@ -11,8 +11,7 @@ namespace vistrane {
 
 NSModalResponse QtOpenPanel::runModal() {
     const QtRunLoop::ModalScope modal(rules_->loop);
-    QFileDialog dialog(rules_->parent ? rules_->parent() : nullptr, dialogText(title_),
-                       QDir::homePath());
+    QFileDialog dialog(dialogParent(*rules_), dialogText(title_), QDir::homePath());
     dialog.setObjectName("openPanel");
     // Qt's own: the desktops' dialogs know no title for the button that confirms.
     dialog.setOption(QFileDialog::DontUseNativeDialog);

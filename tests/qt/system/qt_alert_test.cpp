@@ -5,8 +5,10 @@
 #include <QApplication>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 #include <gtest/gtest.h>
 
+#include "platform/qt/system/QtOpenPanel.h"
 #include "tests/contract/contract.h"
 #include "tests/qt/system/QtSystemBackend.h"
 
@@ -114,6 +116,58 @@ TEST_F(QtAlertTest, AlertsInTurnLeaveNothingBehind) {
     }
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(dialogs(), 0);
+}
+
+TEST_F(QtAlertTest, OverAnOpenPanelItBelongsToThatAndCanBeAnswered) {
+    QtOpenPanel panel(backend_.dialogRules());
+    NSModalResponse response = -1;
+    QTimer::singleShot(0, [&] {
+        QWidget* const open = QApplication::activeModalWidget();
+        ASSERT_NE(open, nullptr);
+        ASSERT_EQ(open->objectName(), "openPanel");
+        backend_.user().withNext(0.0, [open](QDialog& dialog) {
+            EXPECT_EQ(dialog.parentWidget(), open);
+            EXPECT_EQ(QApplication::activeModalWidget(), &dialog);
+            dialog.findChild<QPushButton*>("button0")->click();
+        });
+        response = alertWith({"Got it"})->runModal();
+        EXPECT_EQ(QApplication::activeModalWidget(), open);
+        static_cast<QDialog*>(open)->reject();
+    });
+    EXPECT_EQ(panel.runModal(), NSModalResponseCancel);
+    EXPECT_EQ(response, 1000);
+}
+
+TEST_F(QtAlertTest, OnAnotherThreadItWaitsUntilNoDialogIsModal) {
+    const auto running = std::make_shared<std::atomic<bool>>(false);
+    const auto ended = std::make_shared<std::atomic<bool>>(false);
+    const auto beside = backend_.foundation().threadWithEntry([this, running, ended] {
+        const auto alert = alertWith({"Beside"});
+        *running = true;
+        alert->runModal();
+        *ended = true;
+    });
+    for (const bool isFirst : {true, false}) {
+        const auto modal = alertWith({"Modal"});
+        backend_.user().withNext(0.0, [&](QDialog& dialog) {
+            if (isFirst) {
+                beside->start();
+            }
+            contract::runUntil(backend_.foundation(), [running] { return running->load(); });
+            backend_.foundation().currentRunLoop().runUntilDate(
+                backend_.foundation().dateWithTimeIntervalSinceNow(0.1));
+            EXPECT_EQ(dialogs(), 1);
+            EXPECT_FALSE(*ended);
+            dialog.reject();
+        });
+        modal->runModal();
+    }
+    backend_.user().withNext(0.0, [](QDialog& dialog) {
+        EXPECT_FALSE(dialog.isModal());
+        EXPECT_EQ(dialog.findChild<QPushButton*>("button0")->text(), "Beside");
+        dialog.close();
+    });
+    ASSERT_TRUE(contract::runUntil(backend_.foundation(), [ended] { return ended->load(); }));
 }
 
 TEST_F(QtAlertTest, TheAccessoryViewIsSeenInTheAlertAndIsBackAtHomeAfterwards) {
