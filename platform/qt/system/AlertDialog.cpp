@@ -1,13 +1,19 @@
 #include "platform/qt/system/AlertDialog.h"
 
+#include <algorithm>
+
 #include <QAccessible>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "platform/qt/system/AlertText.h"
 #include "platform/qt/system/dialog_text.h"
 
 namespace vistrane {
@@ -16,19 +22,16 @@ namespace {
 
 constexpr int pictureSize = 64;
 constexpr int textWidth = 420;
+constexpr int margin = 24;
+constexpr int space = 20;
+
+/// What is left of the screen for the window's frame and title.
+constexpr int frameWidth = 16;
+constexpr int frameHeight = 64;
 
 /// A title is shown as it is: nothing in it is a mnemonic.
 QString buttonTitle(const std::string& title) {
     return dialogText(title).replace('&', "&&");
-}
-
-QLabel* makeLabel(const QString& text, QWidget* parent) {
-    auto* const label = new QLabel(text, parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    label->setMinimumWidth(textWidth);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return label;
 }
 
 int escapeButtonOf(const AlertContents& contents) {
@@ -50,13 +53,14 @@ AlertDialog::AlertDialog(const AlertContents& contents, QWidget* accessory, QWid
     setAccessibleDescription(dialogText(contents.informative).trimmed());
 
     auto* const columns = new QHBoxLayout;
-    columns->setSpacing(20);
+    columns->setSpacing(space);
     columns->addWidget(makePicture(), 0, Qt::AlignTop);
-    columns->addWidget(makeTexts(contents), 1);
+    QScrollArea* const texts = makeTexts(contents);
+    columns->addWidget(texts, 1, Qt::AlignTop);
 
     auto* const rows = new QVBoxLayout(this);
-    rows->setContentsMargins(24, 24, 24, 20);
-    rows->setSpacing(20);
+    rows->setContentsMargins(margin, margin, margin, space);
+    rows->setSpacing(space);
     rows->setSizeConstraint(QLayout::SetFixedSize);
     rows->addLayout(columns);
     if (accessory_) {
@@ -65,6 +69,7 @@ AlertDialog::AlertDialog(const AlertContents& contents, QWidget* accessory, QWid
         accessory_->show();
     }
     rows->addWidget(makeButtons(contents));
+    fitHeight(*texts, rows->sizeHint().height() - texts->height());
 }
 
 AlertDialog::~AlertDialog() {
@@ -80,23 +85,51 @@ QWidget* AlertDialog::makePicture() {
     return label;
 }
 
-QWidget* AlertDialog::makeTexts(const AlertContents& contents) {
-    auto* const texts = new QWidget(this);
+QSize AlertDialog::available() const {
+    const QWidget* const asked = parentWidget() == nullptr ? this : parentWidget();
+    return asked->screen()->availableSize() - QSize(frameWidth, frameHeight);
+}
+
+QScrollArea* AlertDialog::makeTexts(const AlertContents& contents) {
+    auto* const area = new QScrollArea(this);
+    area->setObjectName("texts");
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setFocusPolicy(Qt::NoFocus);
+    const int beside = 2 * margin + pictureSize + space;
+    const int width = std::min(textWidth, available().width() - beside);
+
+    auto* const texts = new QWidget;
     auto* const rows = new QVBoxLayout(texts);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(10);
-    QLabel* const message = makeLabel(dialogText(contents.message), texts);
-    message->setObjectName("message");
-    QFont bold = message->font();
+    QFont bold = font();
     bold.setBold(true);
-    message->setFont(bold);
+    auto* const message = new AlertText(dialogText(contents.message), bold, width, texts);
+    message->setObjectName("message");
     rows->addWidget(message);
     // Texts end in a newline of their own, which would only be an empty line here.
-    QLabel* const informative = makeLabel(dialogText(contents.informative).trimmed(), texts);
-    informative->setObjectName("informative");
-    rows->addWidget(informative);
-    rows->addStretch();
-    return texts;
+    const QString rest = dialogText(contents.informative).trimmed();
+    if (!rest.isEmpty()) {
+        auto* const informative = new AlertText(rest, font(), width, texts);
+        informative->setObjectName("informative");
+        rows->addWidget(informative);
+    }
+    area->setWidget(texts);
+    texts->setAutoFillBackground(false);
+    area->viewport()->setAutoFillBackground(false);
+    area->setFixedSize(rows->sizeHint());
+    return area;
+}
+
+void AlertDialog::fitHeight(QScrollArea& texts, int others) {
+    const int most = std::max(available().height() - others, pictureSize);
+    if (texts.height() <= most) {
+        return;
+    }
+    // The keyboard can scroll it as well.
+    texts.setFocusPolicy(Qt::TabFocus);
+    texts.setFixedSize(texts.width() + texts.verticalScrollBar()->sizeHint().width(), most);
 }
 
 QWidget* AlertDialog::makeButtons(const AlertContents& contents) {

@@ -5,10 +5,14 @@
 
 #include "platform/qt/system/QtAlert.h"
 
+class QScrollArea;
+
 namespace vistrane {
 
 /// The dialog of an alert. Its result is the number of the answering button, counted from 0; while
 /// it is open it borrows the accessory view's widget.
+///
+/// It stays within the screen, so that its buttons can be reached, however long its texts are.
 ///
 /// For whoever drives it: its object name is "alert", those of its buttons are "button0" and so on.
 class AlertDialog final : public QDialog {
@@ -25,8 +29,12 @@ protected:
 
 private:
     QWidget* makePicture();
-    QWidget* makeTexts(const AlertContents& contents);
+    QScrollArea* makeTexts(const AlertContents& contents);
     QWidget* makeButtons(const AlertContents& contents);
+    /// The room for the dialog without its frame.
+    QSize available() const;
+    /// Lets texts scroll that are too high for the screen. `others` is the height of all else.
+    void fitHeight(QScrollArea& texts, int others);
     void returnAccessory();
 
     int escapeButton_;

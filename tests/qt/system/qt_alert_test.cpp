@@ -2,12 +2,16 @@
 
 #include <atomic>
 
+#include <QAccessible>
 #include <QApplication>
-#include <QLabel>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include "platform/qt/system/AlertText.h"
 #include "platform/qt/system/QtOpenPanel.h"
 #include "tests/contract/contract.h"
 #include "tests/qt/system/QtSystemBackend.h"
@@ -45,6 +49,32 @@ protected:
         ASSERT_TRUE(contract::runUntil(backend_.foundation(), [ended] { return ended->load(); }));
     }
 
+    void showsWithinScreen(const std::string& message, const std::string& informative,
+                           bool scrolls) {
+        const std::unique_ptr<NSAlert> alert = backend_.alert();
+        alert->setMessageText(message);
+        alert->setInformativeText(informative);
+        alert->addButtonWithTitle("Got it");
+        alert->addButtonWithTitle("Cancel");
+        backend_.user().withNext(0.0, [&](QDialog& dialog) {
+            EXPECT_TRUE(dialog.screen()->availableGeometry().contains(dialog.frameGeometry()));
+            for (const auto* const button : dialog.findChildren<QPushButton*>()) {
+                const QPoint corner = button->mapTo(&dialog, QPoint());
+                EXPECT_TRUE(dialog.rect().contains(QRect(corner, button->size())));
+            }
+            for (const auto* const text : dialog.findChildren<AlertText*>()) {
+                EXPECT_LE(text->document()->size().width(), text->width());
+                EXPECT_LE(text->document()->size().height(), text->height());
+            }
+            EXPECT_EQ(dialog.findChild<AlertText*>("message")->text().toStdString(), message);
+            const auto* const area = dialog.findChild<QScrollArea*>("texts");
+            EXPECT_EQ(area->verticalScrollBar()->maximum() > 0, scrolls);
+            EXPECT_GE(area->viewport()->width(), area->widget()->width());
+            dialog.reject();
+        });
+        alert->runModal();
+    }
+
     static int dialogs() {
         int count = 0;
         for (const QWidget* const window : QApplication::topLevelWidgets()) {
@@ -59,11 +89,11 @@ protected:
 TEST_F(QtAlertTest, ShowsItsTextsAsTheyAreAndItsButtonsInOrder) {
     const auto alert = alertWith({"feature request", "more & more", "cancel"});
     backend_.user().withNext(0.0, [](QDialog& dialog) {
-        const auto* const message = dialog.findChild<QLabel*>("message");
+        const auto* const message = dialog.findChild<AlertText*>("message");
         EXPECT_EQ(message->text(), "A <b>message</b>");
-        EXPECT_EQ(message->textFormat(), Qt::PlainText);
+        EXPECT_EQ(message->toPlainText(), "A <b>message</b>");
         EXPECT_TRUE(message->font().bold());
-        const auto* const informative = dialog.findChild<QLabel*>("informative");
+        const auto* const informative = dialog.findChild<AlertText*>("informative");
         EXPECT_EQ(informative->text(), "Information & more.");
         EXPECT_FALSE(informative->font().bold());
         int left = -1;
@@ -79,6 +109,34 @@ TEST_F(QtAlertTest, ShowsItsTextsAsTheyAreAndItsButtonsInOrder) {
         dialog.reject();
     });
     EXPECT_EQ(alert->runModal(), 1002);
+}
+
+TEST_F(QtAlertTest, ANameWithoutASpaceStaysOnTheScreenWithItsButtons) {
+    const std::string name(255, 'W');
+    showsWithinScreen("The folder '/" + name + "' cannot be read.", "/home/" + name, false);
+}
+
+TEST_F(QtAlertTest, AVeryDeepPathStaysOnTheScreenAndScrolls) {
+    std::string path;
+    while (path.size() < 4000) {
+        path += "/" + std::string(200, 'W');
+    }
+    showsWithinScreen("It cannot be read.", path, true);
+    showsWithinScreen(path, path, true);
+}
+
+TEST_F(QtAlertTest, ItsTextsAreLabelsToAssistivePrograms) {
+    const auto alert = alertWith({"Got it"});
+    backend_.user().withNext(0.0, [](QDialog& dialog) {
+        QAccessibleInterface* const text =
+            QAccessible::queryAccessibleInterface(dialog.findChild<AlertText*>("informative"));
+        ASSERT_NE(text, nullptr);
+        EXPECT_EQ(text->role(), QAccessible::StaticText);
+        EXPECT_EQ(text->text(QAccessible::Name), "Information & more.");
+        EXPECT_EQ(text->childCount(), 0);
+        dialog.close();
+    });
+    alert->runModal();
 }
 
 TEST_F(QtAlertTest, EscapeMeansTheOnlyButton) {
@@ -186,8 +244,9 @@ TEST_F(QtAlertTest, TheAccessoryViewIsSeenInTheAlertAndIsBackAtHomeAfterwards) {
 TEST_F(QtAlertTest, AnErrorsAlertShowsItsTextAndItsCode) {
     const auto alert = backend_.alertWithError({"NSPOSIXErrorDomain", 28, "The disk is full."});
     backend_.user().withNext(0.0, [](QDialog& dialog) {
-        EXPECT_EQ(dialog.findChild<QLabel*>("message")->text(), "The disk is full.");
-        EXPECT_EQ(dialog.findChild<QLabel*>("informative")->text(), "NSPOSIXErrorDomain error 28");
+        EXPECT_EQ(dialog.findChild<AlertText*>("message")->text(), "The disk is full.");
+        EXPECT_EQ(dialog.findChild<AlertText*>("informative")->text(),
+                  "NSPOSIXErrorDomain error 28");
         dialog.close();
     });
     EXPECT_EQ(alert->runModal(), 1000);
