@@ -9,7 +9,8 @@
 
 namespace vistrane {
 
-/// A panel for one folder or file. Timers hold back while it is open.
+/// A panel for one folder or file. Timers hold back while it is open. It can make folders; it
+/// neither renames, moves nor deletes what is there.
 ///
 /// Names that are no valid text cannot be shown and are not offered; one that is typed in their
 /// place is no choice.

@@ -2,17 +2,25 @@
 
 #include <filesystem>
 
+#include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QLineEdit>
-
+#include <QShortcut>
 #include <QTimer>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/contract/contract.h"
 #include "tests/qt/system/QtSystemBackend.h"
 
 namespace vistrane {
 namespace {
+
+using ::testing::Contains;
+using ::testing::Not;
 
 class QtOpenPanelTest : public ::testing::Test {
 protected:
@@ -43,6 +51,26 @@ protected:
             dialog.findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(path));
             QMetaObject::invokeMethod(&dialog, "accept");
         });
+    }
+
+    /// Runs the panel in the test's folder, calls `act` when that is shown and its only folder is
+    /// the current one, and cancels.
+    void runInFolder(const std::function<void(QFileDialog&, QAbstractItemView&)>& act) {
+        bool isShown = false;
+        runWith([&](QFileDialog& dialog) {
+            dialog.setViewMode(QFileDialog::List);
+            dialog.setDirectory(QString::fromStdString(folder_.path()));
+            auto* const view = dialog.findChild<QAbstractItemView*>("listView");
+            isShown = contract::runUntil(backend_.foundation(), [view] {
+                return view->model()->rowCount(view->rootIndex()) == 1;
+            });
+            if (isShown) {
+                view->setCurrentIndex(view->model()->index(0, 0, view->rootIndex()));
+                act(dialog, *view);
+            }
+            dialog.reject();
+        });
+        EXPECT_TRUE(isShown);
     }
 
     TemporaryFolder folder_;
@@ -76,6 +104,71 @@ TEST_F(QtOpenPanelTest, HasItsTitleAndItsPrompt) {
         EXPECT_FALSE(dialog.testOption(QFileDialog::ReadOnly));
         dialog.reject();
     });
+}
+
+TEST_F(QtOpenPanelTest, ItsMenuOffersANewFolderButNeitherToRenameNorToDelete) {
+    std::filesystem::create_directory(folder_ / "frames");
+    runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
+        QStringList offered;
+        QTimer::singleShot(0, &dialog, [&offered] {
+            QWidget* const menu = QApplication::activePopupWidget();
+            ASSERT_NE(menu, nullptr);
+            for (const QAction* const action : menu->actions()) {
+                if (action->isVisible()) {
+                    offered << action->objectName();
+                }
+            }
+            menu->close();
+        });
+        emit view.customContextMenuRequested(view.visualRect(view.currentIndex()).center());
+        EXPECT_THAT(offered, Contains("qt_new_folder_action"));
+        EXPECT_THAT(offered, Not(Contains("qt_rename_action")));
+        EXPECT_THAT(offered, Not(Contains("qt_delete_action")));
+    });
+}
+
+TEST_F(QtOpenPanelTest, NoKeyDeletesOrRenames) {
+    std::filesystem::create_directory(folder_ / "frames");
+    runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
+        const auto shortcuts = dialog.findChildren<QShortcut*>();
+        int count = 0;
+        for (const QShortcut* const shortcut : shortcuts) {
+            if (shortcut->key() == QKeySequence("Delete")) {
+                ++count;
+                EXPECT_FALSE(shortcut->isEnabled());
+            }
+        }
+        EXPECT_GT(count, 0);
+        QKeyEvent rename(QEvent::KeyPress, Qt::Key_F2, Qt::NoModifier);
+        QApplication::sendEvent(&view, &rename);
+        EXPECT_EQ(view.findChild<QLineEdit*>(), nullptr);
+    });
+    EXPECT_TRUE(std::filesystem::exists(folder_ / "frames"));
+}
+
+TEST_F(QtOpenPanelTest, NothingCanBeDraggedElsewhere) {
+    runWith([](QFileDialog& dialog) {
+        for (const char* const name : {"listView", "treeView"}) {
+            const auto* const view = dialog.findChild<QAbstractItemView*>(name);
+            ASSERT_NE(view, nullptr);
+            EXPECT_EQ(view->dragDropMode(), QAbstractItemView::NoDragDrop);
+        }
+        dialog.reject();
+    });
+}
+
+TEST_F(QtOpenPanelTest, ANewFolderCanBeGivenItsName) {
+    std::filesystem::create_directory(folder_ / "frames");
+    runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
+        dialog.findChild<QAction*>("qt_new_folder_action")->trigger();
+        auto* const name = view.findChild<QLineEdit*>();
+        ASSERT_NE(name, nullptr);
+        name->setText("mine");
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QApplication::sendEvent(name, &enter);
+        QApplication::processEvents();
+    });
+    EXPECT_TRUE(std::filesystem::exists(folder_ / "mine"));
 }
 
 TEST_F(QtOpenPanelTest, TimersHoldBackWhileItIsOpen) {
