@@ -1,5 +1,6 @@
 #include "platform/qt/controls/QtWindow.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QEvent>
@@ -18,7 +19,38 @@ bool QtWindow::makeFirstResponder(NSObject* responder) {
             field->endEditing();
         }
     }
+    if (responder == nullptr) {
+        takeFocusFromField();
+        return true;
+    }
+    const auto control = controls_.find(responder);
+    if (control == controls_.end() || control->second == nullptr) {
+        return false;
+    }
+    control->second->setFocus();
     return true;
+}
+
+void QtWindow::takeFocusFromField() {
+    QWidget* const focused = widget_.focusWidget();
+    const bool isField = std::any_of(fields_.begin(), fields_.end(), [&](const auto& field) {
+        const auto control = controls_.find(field.get());
+        return control != controls_.end() && control->second == focused;
+    });
+    if (focused == nullptr || !isField) {
+        return;
+    }
+    if (noControl_ == nullptr) {
+        noControl_ = new QWidget(&widget_);
+        noControl_->setFocusPolicy(Qt::ClickFocus);
+        noControl_->resize(1, 1);
+        // Out of reach of the mouse, behind all the others.
+        noControl_->lower();
+        noControl_->show();
+    }
+    noControl_->setAccessibleName(widget_.windowTitle());
+    QWidget::setTabOrder(focused, noControl_);
+    noControl_->setFocus();
 }
 
 void QtWindow::makeKeyAndOrderFront(NSObject*) {

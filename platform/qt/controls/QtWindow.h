@@ -1,11 +1,13 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <QObject>
+#include <QPointer>
 #include <QWidget>
 
 #include "platform/appkit/NSWindow.h"
@@ -14,15 +16,20 @@
 
 namespace vistrane {
 
-/// A window on a widget that outlives it, with the fields whose edits it ends.
+/// A window on a widget that outlives it, with the controls that can have its keyboard focus.
 class QtWindow final : public NSWindow, private QObject {
 public:
     explicit QtWindow(QWidget& widget);
 
+    /// `widget` is the control's own, in this window.
+    void addControl(const NSObject& control, QWidget& widget) { controls_[&control] = &widget; }
+    /// A control, added before or after, whose edit the window ends.
     void addField(std::shared_ptr<QtTextField> field) { fields_.push_back(std::move(field)); }
 
-    /// Ends every edit. The keyboard stays where it is: who works without a mouse is not sent
-    /// back to the first control.
+    /// Ends the edit of every other field and gives the focus to the control; false when the
+    /// window has no such control. With null a field loses the focus, so that nothing more is
+    /// typed into it; the tabulator then goes on from that field, and a control that is no field
+    /// keeps the focus: who works without a mouse is not sent back to the first control.
     bool makeFirstResponder(NSObject* responder) override;
     /// Shows the window, also when it is minimised. One that is held back waits.
     void makeKeyAndOrderFront(NSObject* sender) override;
@@ -40,8 +47,12 @@ public:
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void takeFocusFromField();
 
     QWidget& widget_;
+    /// Has the focus when no control has; not reached by the tabulator.
+    QPointer<QWidget> noControl_;
+    std::map<const NSObject*, QPointer<QWidget>> controls_;
     std::vector<std::shared_ptr<QtTextField>> fields_;
     Action willClose_;
     bool isHeldBack_ = false;

@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QPushButton>
@@ -159,6 +160,26 @@ TEST_F(QtInterfaceTest, FieldsAndSlidersSendTheirActions) {
     outlet<NSSlider>(controller(), "photoSlider")->setMaxValue(5.0);
     QTest::keyClick(&widget<QWidget>("photoSlider"), Qt::Key_Right);
     EXPECT_THAT(takeSent(), ElementsAre("sliderDisplaying:"));
+}
+
+TEST_F(QtInterfaceTest, AfterTheStartWhatIsTypedGoesIntoNoFieldAndTheTabulatorGoesOn) {
+    show();
+    const auto window = outlet<NSWindow>(controller(), "myWindow");
+    controller().action("startRunning:",
+                        [window](NSObject*) { window->makeFirstResponder(nullptr); });
+    auto& minutes = widget<QLineEdit>("mInput");
+    for (int round = 0; round < 2; ++round) {
+        minutes.setFocus();
+        minutes.selectAll();
+        QTest::keyClicks(&minutes, QStringLiteral("7"));
+        widget<QAction>("startItem").trigger();
+        QWidget* const focused = QApplication::focusWidget();
+        ASSERT_NE(focused, nullptr);
+        QTest::keyClicks(focused, QStringLiteral("4"));
+        EXPECT_EQ(minutes.text(), QStringLiteral("7"));
+        QTest::keyClick(focused, round == 0 ? Qt::Key_Tab : Qt::Key_Backtab);
+        EXPECT_EQ(QApplication::focusWidget(), &widget<QWidget>(round == 0 ? "sInput" : "mInput"));
+    }
 }
 
 TEST_F(QtInterfaceTest, APressOfTheFrameSliderTellsOfTheFramesHoweverFewThereAre) {

@@ -83,17 +83,37 @@ TEST_F(QtTextFieldTest, AnActionThatCorrectsTheFieldIsSentOnce) {
 
 TEST_F(QtTextFieldTest, AWindowWithoutAFirstResponderEndsTheEdit) {
     QtWindow window(widgets_.widget());
+    window.addControl(*field_, *line_);
     window.addField(field_);
-    EXPECT_TRUE(window.makeFirstResponder(nullptr));
-    EXPECT_EQ(sent_, 0);
     type(QStringLiteral("7"));
     EXPECT_TRUE(window.makeFirstResponder(field_.get()));
     EXPECT_EQ(sent_, 0);
+    EXPECT_TRUE(line_->hasFocus());
     EXPECT_TRUE(window.makeFirstResponder(nullptr));
     EXPECT_EQ(sent_, 1);
-    EXPECT_TRUE(line_->hasFocus());
+    EXPECT_FALSE(line_->hasFocus());
+    EXPECT_TRUE(window.makeFirstResponder(nullptr));
     leave();
     EXPECT_EQ(sent_, 1);
+}
+
+TEST_F(QtTextFieldTest, AFirstResponderGetsTheKeyboard) {
+    QtWindow window(widgets_.widget());
+    const auto button = widgets_.make<QtButton, QPushButton>();
+    auto& buttonWidget = widgets_.widgetOf<QPushButton>(*button);
+    buttonWidget.show();
+    window.addControl(*field_, *line_);
+    window.addField(field_);
+    window.addControl(*button, buttonWidget);
+    type(QStringLiteral("7"));
+    EXPECT_TRUE(window.makeFirstResponder(button.get()));
+    EXPECT_EQ(sent_, 1);
+    EXPECT_TRUE(buttonWidget.hasFocus());
+    EXPECT_TRUE(window.makeFirstResponder(nullptr));
+    EXPECT_TRUE(buttonWidget.hasFocus());
+    EXPECT_TRUE(window.makeFirstResponder(field_.get()));
+    EXPECT_TRUE(line_->hasFocus());
+    EXPECT_FALSE(window.makeFirstResponder(other_.get()));
 }
 
 TEST_F(QtTextFieldTest, BytesThatAreNoTextAreKeptAndShownAsReplacements) {
