@@ -3,6 +3,7 @@
 #include <QHelpEvent>
 #include <QStyleOptionButton>
 #include <QStylePainter>
+#include <QTextDocument>
 #include <QToolTip>
 
 #include "platform/qt/controls/shown_text.h"
@@ -14,6 +15,13 @@ namespace {
 /// A path reads from left to right in every language.
 QString isolated(const QString& path) {
     return QChar(0x2066) + path + QChar(0x2069);
+}
+
+/// A tool tip takes a text that looks like marked-up text for that.
+QString tipOf(const QString& path) {
+    return Qt::mightBeRichText(path)
+               ? QStringLiteral("<p style='white-space:pre'>%1</p>").arg(path.toHtmlEscaped())
+               : path;
 }
 
 } // namespace
@@ -44,7 +52,7 @@ bool PathButton::event(QEvent* event) {
         return QPushButton::event(event);
     }
     const QString fitting = fittingText();
-    const QString shown = fitting == text() ? toolTip() : withoutMarks(text());
+    const QString shown = fitting == text() ? toolTip() : tipOf(withoutMarks(text()));
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), shown, this);
     return true;
 }

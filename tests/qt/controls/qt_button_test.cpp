@@ -3,10 +3,12 @@
 #include <QCheckBox>
 #include <QHelpEvent>
 #include <QStyleOptionButton>
+#include <QTextDocument>
 #include <QToolTip>
 
 #include "platform/qt/controls/PathButton.h"
 #include "platform/qt/controls/QtResources.h"
+#include "platform/qt/controls/shown_text.h"
 #include "tests/qt/controls/ControlWidgets.h"
 
 namespace vistrane {
@@ -162,6 +164,17 @@ TEST_F(PathButtonTest, APathThatIsTooLongIsItsOwnTip) {
     button_.resize(150, 30);
     button_.setText(QStringLiteral("/home/somebody/Pictures/Q&&A/a rather long name"));
     EXPECT_EQ(toolTip(), QStringLiteral("/home/somebody/Pictures/Q&A/a rather long name"));
+}
+
+TEST_F(PathButtonTest, APathThatLooksLikeMarkedUpTextIsShownAsItIs) {
+    button_.resize(150, 30);
+    const QString path = QStringLiteral("/home/somebody/<b>bold</b>/a  rather & long name");
+    button_.setText(withoutMnemonic(path));
+    QTextDocument shown;
+    const QString tip = toolTip();
+    ASSERT_TRUE(Qt::mightBeRichText(tip));
+    shown.setHtml(tip);
+    EXPECT_EQ(shown.toPlainText(), path);
 }
 
 TEST_F(PathButtonTest, ALongPathDoesNotWidenTheWindow) {
