@@ -6,6 +6,7 @@
 #include <QEvent>
 
 #include "platform/qt/controls/shown_text.h"
+#include "platform/qt/menus/QtApplication.h"
 
 namespace vistrane {
 
@@ -58,10 +59,7 @@ void QtWindow::makeKeyAndOrderFront(NSObject*) {
         isWaiting_ = true;
         return;
     }
-    widget_.setWindowState(widget_.windowState() & ~Qt::WindowMinimized);
-    widget_.show();
-    widget_.raise();
-    widget_.activateWindow();
+    QtApplication::orderFront(widget_);
 }
 
 void QtWindow::setHeldBack(bool isHeldBack) {

@@ -37,6 +37,12 @@ QList<QWidget*> desktopWindows() {
     return windows;
 }
 
+/// Sent to a window that is asked to become the active one.
+QEvent::Type activationAsked() {
+    static const int type = QEvent::registerEventType();
+    return static_cast<QEvent::Type>(type);
+}
+
 bool isOnScreen(const QWidget* window) {
     return window != nullptr && window->isVisible() && !window->isMinimized();
 }
@@ -52,6 +58,15 @@ QtApplication::~QtApplication() = default;
 
 void QtApplication::setMainWindow(QWidget* window) {
     mainWindow_ = window;
+}
+
+void QtApplication::orderFront(QWidget& window) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+    QEvent asked(activationAsked());
+    QCoreApplication::sendEvent(&window, &asked);
 }
 
 void QtApplication::miniaturizeAll(NSObject* /*sender*/) {
@@ -75,7 +90,7 @@ bool QtApplication::setActivationPolicy(NSApplicationActivationPolicy policy) {
 }
 
 void QtApplication::activateIgnoringOtherApps(bool ignoring) {
-    QWidget* const active = QApplication::activeWindow();
+    QWidget* const active = activeWindow();
     QWidget* const front = isOnScreen(active) ? active : mainWindow_.data();
     if (!isOnScreen(front)) {
         return;
@@ -91,7 +106,16 @@ void QtApplication::activateIgnoringOtherApps(bool ignoring) {
     front->activateWindow();
 }
 
+QWidget* QtApplication::activeWindow() const {
+    return isOnScreen(nextActive_) ? nextActive_.data() : QApplication::activeWindow();
+}
+
 bool QtApplication::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == activationAsked()) {
+        nextActive_ = static_cast<QWidget*>(watched);
+    } else if (event->type() == QEvent::WindowActivate && watched->isWidgetType()) {
+        nextActive_.clear();
+    }
     // A window manager forgets the states of a window that is hidden, so each showing counts; it
     // is told of before the window appears.
     if ((event->type() == QEvent::Show || event->type() == QEvent::WindowStateChange) &&

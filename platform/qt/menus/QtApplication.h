@@ -30,6 +30,10 @@ public:
     /// is active. Null for none.
     void setMainWindow(QWidget* window);
 
+    /// Shows a window in front of the others and asks for the keyboard, also when it is minimised.
+    /// The window system answers later; until then that window counts as the active one.
+    static void orderFront(QWidget& window);
+
     /// Minimises each window that is shown and has a minimise button.
     void miniaturizeAll(NSObject* sender) override;
 
@@ -46,12 +50,15 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    QWidget* activeWindow() const;
     void applyToTaskBar(QWidget& window) const;
     void applyToMenuBars(QWidget& window);
     void forgetClosedMenuBars();
 
     std::function<bool()> hasStatusIcon_;
     QPointer<QWidget> mainWindow_;
+    /// What was asked to become active since a window last became so.
+    QPointer<QWidget> nextActive_;
     NSApplicationActivationPolicy policy_ = NSApplicationActivationPolicyRegular;
     std::vector<std::unique_ptr<HiddenMenuBar>> hiddenMenuBars_;
 };

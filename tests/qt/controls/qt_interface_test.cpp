@@ -314,6 +314,20 @@ TEST_F(QtInterfaceTest, HidingMinimisesEveryWindowAndUnhidingBringsBackTheMainOn
     EXPECT_FALSE(widget<QWidget>("infoPanel").isMinimized());
 }
 
+TEST_F(QtInterfaceTest, UnhidingBringsTheMainWindowInFrontOfTheActiveOne) {
+    QtApplication application([] { return true; });
+    QWidget& main = interface_.mainWindow();
+    application.setMainWindow(&main);
+    show();
+    widget<QAction>("infoItem").trigger();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("infoPanel")));
+    outlet<NSWindow>(controller(), "myWindow")->makeKeyAndOrderFront(nullptr);
+    application.activateIgnoringOtherApps(true);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&main));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::activeWindow(), &main);
+}
+
 TEST_F(QtInterfaceTest, ASmallWindowFirstAppearsInTheMiddleOfTheMainOneAndThenWhereItWasPut) {
     show();
     QWidget& main = interface_.mainWindow();

@@ -143,6 +143,26 @@ TEST_F(QtApplications, ActivatingKeepsTheActiveWindowActive) {
     EXPECT_EQ(QApplication::activeWindow(), &second);
 }
 
+TEST_F(QtApplications, ActivatingKeepsInFrontTheWindowThatWasJustOrderedThere) {
+    show();
+    QMainWindow second;
+    second.show();
+    second.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&second));
+    QtApplication::orderFront(window_);
+    application_.activateIgnoringOtherApps(true);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::activeWindow(), &window_);
+
+    // From then on it is the user who changes windows.
+    second.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&second));
+    application_.activateIgnoringOtherApps(true);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::activeWindow(), &second);
+}
+
 TEST_F(QtApplications, ActivatingShowsNoHiddenOrMinimisedWindow) {
     application_.activateIgnoringOtherApps(true);
     EXPECT_FALSE(window_.isVisible());
