@@ -4,7 +4,7 @@
 #include <map>
 #include <utility>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
 #include <QScreen>
 #include <QShortcut>
@@ -51,6 +51,17 @@ private:
 
     QAction& item_;
 };
+
+/// Does what an item of a menu stands for when it is chosen, but not while a dialog is up: a
+/// desktop that draws the menu itself does not know of it.
+template <typename Deed>
+void whenChosen(QAction& item, QObject& receiver, Deed deed) {
+    QObject::connect(&item, &QAction::triggered, &receiver, [deed = std::move(deed)] {
+        if (QApplication::activeModalWidget() == nullptr) {
+            deed();
+        }
+    });
+}
 
 /// Puts a window into the middle of the main one when it is first shown, as far as the screen
 /// reaches.
@@ -283,15 +294,14 @@ void QtInterface::Connector::addMenuAction(QAction& item) {
     if (!clicks.isEmpty()) {
         auto* const button = windows_.mainWindow.findChild<QAbstractButton*>(clicks);
         button->installEventFilter(new EnabledFollower(item, *button));
-        QObject::connect(&item, &QAction::triggered, button, [button] { button->click(); });
+        whenChosen(item, *button, [button] { button->click(); });
     } else if (!opens.isEmpty()) {
         const std::shared_ptr<QtWindow> window = controlWindows_.at(opens.toStdString());
-        QObject::connect(&item, &QAction::triggered, &window->widget(),
-                         [window] { window->makeKeyAndOrderFront(nullptr); });
+        whenChosen(item, window->widget(), [window] { window->makeKeyAndOrderFront(nullptr); });
     }
     addSender(item, [&item](const NSAction& action) {
         // No action of the program's asks which item of a menu has sent it.
-        QObject::connect(&item, &QAction::triggered, &item, [action] { action(nullptr); });
+        whenChosen(item, item, [action] { action(nullptr); });
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QApplication>
 #include <QMenu>
 
 #include "platform/qt/menus/QtMenu.h"
@@ -53,7 +54,9 @@ QAction* QtMenuItem::qtAction() const {
 }
 
 void QtMenuItem::send() {
-    if (target_ != nullptr && sends_) {
+    // A desktop that draws the menu itself does not know that a dialog blocks it.
+    const bool isBlocked = QApplication::activeModalWidget() != nullptr;
+    if (target_ != nullptr && sends_ && !isBlocked) {
         // A copy, for an action that ends its own entry.
         const NSAction action = sends_;
         action(this);

@@ -4,6 +4,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -216,6 +217,27 @@ TEST_F(QtInterfaceTest, EachMenuItemSendsItsAction) {
         widget<QAction>(name.c_str()).trigger();
         EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
     }
+}
+
+TEST_F(QtInterfaceTest, AMenuItemDoesNothingWhileADialogIsUp) {
+    for (const char* selector : {"startRunning:", "realHide:", "rateMe:"}) {
+        offer(controller(), selector);
+    }
+    const auto chooseAll = [this] {
+        for (const char* name : {"startItem", "hideItem", "rateItem", "infoItem"}) {
+            widget<QAction>(name).trigger();
+        }
+    };
+    QDialog dialog;
+    dialog.setModal(true);
+    dialog.show();
+    chooseAll();
+    EXPECT_THAT(takeSent(), IsEmpty());
+    EXPECT_FALSE(widget<QWidget>("infoPanel").isVisible());
+    dialog.close();
+    chooseAll();
+    EXPECT_THAT(takeSent(), ElementsAre("startRunning:", "realHide:", "rateMe:"));
+    EXPECT_TRUE(widget<QWidget>("infoPanel").isVisible());
 }
 
 TEST_F(QtInterfaceTest, AMenuItemIsEnabledWithItsButton) {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <QApplication>
+#include <QDialog>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPixmap>
@@ -121,6 +122,18 @@ TEST_F(QtMenus, AMenuOfTheInterfaceFileThatIsGoneTakesNoItem) {
     file.reset();
     EXPECT_EQ(menu.addItemWithTitle("item", {}, ""), nullptr);
     menu.cancelTracking();
+}
+
+TEST_F(QtMenus, AnEntryDoesNothingWhileADialogIsUp) {
+    add("item")->setTarget(&target_);
+    QDialog dialog;
+    dialog.setModal(true);
+    dialog.show();
+    firstAction()->trigger();
+    EXPECT_TRUE(senders_.empty());
+    dialog.close();
+    firstAction()->trigger();
+    EXPECT_EQ(senders_.size(), 1U);
 }
 
 TEST_F(QtMenus, CancellingClosesAnOpenMenuWithoutAChoice) {
