@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QShortcut>
 
+#include "platform/qt/controls/HeldKeys.h"
 #include "platform/qt/controls/PathButton.h"
 #include "platform/qt/controls/QtButton.h"
 #include "platform/qt/controls/QtImage.h"
@@ -129,6 +130,9 @@ QtInterface::Windows::Windows() {
         auto* const escape = new QShortcut(QKeySequence(Qt::Key_Escape), window);
         QObject::connect(escape, &QShortcut::activated, window, &QWidget::close);
         new FirstPlace(*window, mainWindow);
+    }
+    for (QWidget* window : {static_cast<QWidget*>(&mainWindow), &infoPanel, &tipsWindow}) {
+        new HeldKeys(*window);
     }
     fillMenus();
 }
@@ -289,6 +293,7 @@ void QtInterface::Connector::addMenus() {
 }
 
 void QtInterface::Connector::addMenuAction(QAction& item) {
+    item.setAutoRepeat(false);
     const QString clicks = item.property("clicks").toString();
     const QString opens = item.property("opens").toString();
     if (!clicks.isEmpty()) {

@@ -521,6 +521,30 @@ TEST_F(QtInterfaceAccessTest, SpaceAndEnterPressTheButtonThatHasTheFocus) {
     }
 }
 
+TEST_F(QtInterfaceAccessTest, AKeyThatIsHeldDownPressesAButtonOnce) {
+    show();
+    auto& button = widget<QPushButton>("startB");
+    int clicks = 0;
+    QObject::connect(&button, &QPushButton::clicked, &button, [&] { ++clicks; });
+    button.setFocus();
+    const auto hold = [&](int key, Qt::KeyboardModifiers modifiers) {
+        clicks = 0;
+        QTest::simulateEvent(&button, true, key, modifiers, QString(), false);
+        // A button is first seen going down.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return clicks > 0 && !button.isDown(); }));
+        QTest::simulateEvent(&button, true, key, modifiers, QString(), true);
+        QTest::simulateEvent(&button, true, key, modifiers, QString(), true);
+        // Nor does it go down for another click.
+        EXPECT_FALSE(button.isDown());
+        QTest::simulateEvent(&button, false, key, modifiers, QString(), false);
+        return clicks;
+    };
+    EXPECT_EQ(hold(Qt::Key_T, Qt::ControlModifier), 1);
+    EXPECT_EQ(hold(Qt::Key_Return, Qt::NoModifier), 1);
+    EXPECT_EQ(hold(Qt::Key_Enter, Qt::KeypadModifier), 1);
+    EXPECT_EQ(hold(Qt::Key_S, Qt::AltModifier), 1);
+}
+
 TEST_F(QtInterfaceAccessTest, NoTwoThingsOfAWindowShareAShortcut) {
     for (QWidget* window : windows()) {
         std::multiset<std::string> all;
