@@ -165,7 +165,11 @@ int run(const DemoCommand& command) {
     capture.count = demoStills;
     capture.compiles = true;
     capture.movie.framesPerSecond = demoFramesPerSecond;
-    Session& session = startSession({.folder = path, .demoCamera = true, .cleanUp = cleanUp});
+    SessionOptions options;
+    options.folder = path;
+    options.demoCamera = true;
+    options.cleanUp = cleanUp;
+    Session& session = startSession(options);
     captureAndCompile(session, capture,
                       [&session](const std::string& frame) { session.say(shownText(frame)); });
 }
