@@ -156,7 +156,9 @@ TEST(ConsoleOutput, LinesOfManyThreadsAreNotMixed) {
     const std::string text = readAll(pipe.ends[0]);
     ASSERT_EQ(text.size(), 4U * 50 * 101);
     for (std::size_t at = 0; at < text.size(); at += 101) {
-        EXPECT_EQ(text.substr(at, 101), std::string(100, text[at]) + "\n");
+        std::string line(100, text[at]);
+        line.push_back('\n');
+        EXPECT_EQ(text.substr(at, 101), line);
     }
 }
 
