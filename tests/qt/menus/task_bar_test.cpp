@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <QAbstractNativeEventFilter>
 #include <QGuiApplication>
 #include <QMainWindow>
 #include <QMenuBar>
@@ -19,11 +20,11 @@ namespace {
 
 using ::testing::IsEmpty;
 using ::testing::IsSupersetOf;
-using ::testing::Not;
 
 const std::string state = "_NET_WM_STATE";
 const std::string skipTaskBar = "_NET_WM_STATE_SKIP_TASKBAR";
 const std::string skipPager = "_NET_WM_STATE_SKIP_PAGER";
+const std::string managedState = "WM_STATE";
 
 /// What a window manager sees and does, in a second connection to the test's X server.
 class WindowManager {
@@ -59,12 +60,22 @@ public:
 
     /// From now on the window's states are the window manager's.
     void manage(WId window) {
-        constexpr std::uint32_t normal[] = {1, XCB_WINDOW_NONE};
-        const xcb_atom_t managed = atom("WM_STATE");
-        xcb_change_property(server_, XCB_PROP_MODE_REPLACE, id(window), managed, managed, 32, 2,
-                            normal);
-        roundTrip();
+        setManaged(window, normal);
         takeRequests();
+    }
+
+    /// What follows the wish to minimise a window that is managed.
+    void minimise(WId window) { setManaged(window, iconic); }
+
+    xcb_atom_t atom(const std::string& atomName) {
+        auto* reply = xcb_intern_atom_reply(
+            server_,
+            xcb_intern_atom(server_, 0, static_cast<std::uint16_t>(atomName.size()),
+                            atomName.data()),
+            nullptr);
+        const xcb_atom_t found = reply->atom;
+        std::free(reply);
+        return found;
     }
 
     /// The requests to change states since the last call.
@@ -84,21 +95,21 @@ public:
     }
 
 private:
+    static constexpr std::uint32_t normal = 1;
+    static constexpr std::uint32_t iconic = 3;
+
     static xcb_window_t id(WId window) { return static_cast<xcb_window_t>(window); }
+
+    void setManaged(WId window, std::uint32_t kind) {
+        const std::uint32_t values[] = {kind, XCB_WINDOW_NONE};
+        const xcb_atom_t managed = atom(managedState);
+        xcb_change_property(server_, XCB_PROP_MODE_REPLACE, id(window), managed, managed, 32, 2,
+                            values);
+        roundTrip();
+    }
 
     void roundTrip() {
         std::free(xcb_get_input_focus_reply(server_, xcb_get_input_focus(server_), nullptr));
-    }
-
-    xcb_atom_t atom(const std::string& atomName) {
-        auto* reply = xcb_intern_atom_reply(
-            server_,
-            xcb_intern_atom(server_, 0, static_cast<std::uint16_t>(atomName.size()),
-                            atomName.data()),
-            nullptr);
-        const xcb_atom_t found = reply->atom;
-        std::free(reply);
-        return found;
     }
 
     std::string name(xcb_atom_t atomToName) {
@@ -115,6 +126,30 @@ private:
 
     xcb_connection_t* server_;
     xcb_window_t root_ = XCB_WINDOW_NONE;
+};
+
+/// Counts how often the toolkit is told that a property of a window has changed.
+class PropertyChanges : public QAbstractNativeEventFilter {
+public:
+    explicit PropertyChanges(xcb_atom_t property) : property_(property) {
+        qApp->installNativeEventFilter(this);
+    }
+
+    int count() const { return count_; }
+
+    bool nativeEventFilter(const QByteArray& /*type*/, void* message,
+                           qintptr* /*result*/) override {
+        const auto* event = static_cast<const xcb_generic_event_t*>(message);
+        if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY &&
+            reinterpret_cast<const xcb_property_notify_event_t*>(event)->atom == property_) {
+            ++count_;
+        }
+        return false;
+    }
+
+private:
+    xcb_atom_t property_;
+    int count_ = 0;
 };
 
 class TaskBar : public ::testing::Test {
@@ -209,11 +244,27 @@ TEST_F(TaskBar, AMinimisedWindowIsBackInTheTaskBarWhereThereIsNoStatusIcon) {
     hasStatusIcon_ = false;
     application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
     show();
-    ASSERT_THAT(states(window_), IsSupersetOf({skipTaskBar, skipPager}));
+    const PropertyChanges changes(manager_.atom(managedState));
+    manager_.manage(window_.winId());
     application_.miniaturizeAll(nullptr);
-    EXPECT_THAT(states(window_), Not(IsSupersetOf({skipTaskBar})));
+    const auto minimised = takeRequests();
+    ASSERT_EQ(minimised.size(), 1U);
+    EXPECT_EQ(minimised[0].action, 0U);
+    EXPECT_EQ(minimised[0].first, skipTaskBar);
+    EXPECT_EQ(minimised[0].second, skipPager);
+
+    manager_.minimise(window_.winId());
+    ASSERT_TRUE(QTest::qWaitFor([&changes] { return changes.count() == 2; }));
+    ASSERT_TRUE(window_.isMinimized());
+    EXPECT_TRUE(takeRequests().empty());
     window_.showNormal();
-    EXPECT_THAT(states(window_), IsSupersetOf({skipTaskBar, skipPager}));
+    const auto shownAgain = takeRequests();
+    ASSERT_FALSE(shownAgain.empty());
+    for (const auto& request : shownAgain) {
+        EXPECT_EQ(request.action, 1U);
+        EXPECT_EQ(request.first, skipTaskBar);
+        EXPECT_EQ(request.second, skipPager);
+    }
 }
 
 TEST_F(TaskBar, AMinimisedWindowStaysOutWhereThereIsAStatusIcon) {
