@@ -28,15 +28,6 @@ void takeMessage(QtMsgType type, const QMessageLogContext&, const QString& messa
                             : reason);
 }
 
-std::string oneLine(std::string text) {
-    for (char& each : text) {
-        each = each == '\n' || each == '\r' ? ' ' : each;
-    }
-    const std::size_t begin = text.find_first_not_of(' ');
-    const std::size_t end = text.find_last_not_of(' ');
-    return begin == std::string::npos ? std::string() : text.substr(begin, end - begin + 1);
-}
-
 } // namespace
 
 WindowLog::WindowLog(int descriptor)
@@ -44,7 +35,7 @@ WindowLog::WindowLog(int descriptor)
           descriptor, [](int) {}, mostUnread) {}
 
 void WindowLog::write(const std::string& message) {
-    writer_.write(oneLine(message) + "\n");
+    writer_.write(message + "\n");
 }
 
 void WindowLog::flush() {

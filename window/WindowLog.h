@@ -6,14 +6,14 @@
 
 namespace vistrane {
 
-/// The program's messages, one a line, on its standard error output. Any thread. Writing holds
+/// The program's messages on its standard error output. Any thread. Writing holds
 /// nobody up; what comes while a reader leaves a megabyte unread is lost.
 class WindowLog {
 public:
     /// `descriptor` stays the caller's. One for the process, for all its life.
     explicit WindowLog(int descriptor);
 
-    /// Line ends in the message become blanks.
+    /// The message as it is, and a line end.
     void write(const std::string& message);
 
     /// Waits a moment for what was written, for a process that is about to end.

@@ -190,10 +190,6 @@ NSInteger FileUserDefaults::integerForKey(const std::string& key) const {
 }
 
 void FileUserDefaults::setInteger(NSInteger value, const std::string& key) {
-    const auto entry = values_.find(key);
-    if (entry != values_.end() && entry->second == SettingsValue(value)) {
-        return;
-    }
     values_[key] = value;
     changed_.insert(key);
 }
@@ -226,22 +222,30 @@ void FileUserDefaults::synchronize() {
     const std::string folder = folderOf(behindLinks(path_));
     std::filesystem::create_directories(folder, error);
     const FolderLock lock(folder);
-    const std::optional<Settings> merged = withOthersChanges();
-    // Looked up now: a damaged file's link was set aside with it.
-    if (merged && replaceFile(behindLinks(path_), settingsText(*merged))) {
+    if (save()) {
         changed_.clear();
-    } else {
-        log_("The settings cannot be written to '" + path_ + "': " + std::strerror(errno) +
+        reported_.clear();
+        return;
+    }
+    const std::string reason = std::strerror(errno);
+    if (reason != std::exchange(reported_, reason)) {
+        log_("The settings cannot be written to '" + path_ + "': " + reason +
              ". They are lost when the program ends.");
     }
 }
 
-std::optional<Settings> FileUserDefaults::withOthersChanges() {
-    const std::optional<std::string> text = contentsOf(path_);
-    if (!text) {
-        return errno == ENOENT ? std::optional(values_) : std::nullopt;
+bool FileUserDefaults::save() {
+    const std::optional<std::string> stored = contentsOf(path_);
+    if (!stored && errno != ENOENT) {
+        return false;
     }
-    SettingsResult stored = parseSettings(*text);
+    const std::string text = settingsText(stored ? withChanges(*stored) : values_);
+    // Looked up now: a damaged file's link was set aside with it.
+    return stored == text || replaceFile(behindLinks(path_), text);
+}
+
+Settings FileUserDefaults::withChanges(const std::string& text) {
+    SettingsResult stored = parseSettings(text);
     if (!stored.error.empty()) {
         setAside(stored.error, "saves its own");
         return values_;

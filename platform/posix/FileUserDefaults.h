@@ -14,7 +14,7 @@ namespace vistrane {
 
 /// The settings in one file, read once; `synchronize` saves what was set since then.
 ///
-/// Several instances of the program may share the file: each saves the keys that it changed and
+/// Several instances of the program may share the file: each saves the keys that it set and
 /// leaves the others as they are in the file by then. What another instance saves is seen at the
 /// next start only.
 ///
@@ -29,7 +29,6 @@ public:
     FileUserDefaults(std::string path, Log log);
 
     NSInteger integerForKey(const std::string& key) const override;
-    /// The value that a key has already is no change: who ends the program sets them all.
     void setInteger(NSInteger value, const std::string& key) override;
     std::optional<std::string> stringForKey(const std::string& key) const override;
     std::optional<std::vector<std::uint8_t>> objectForKey(const std::string& key) const override;
@@ -48,15 +47,19 @@ private:
     void read();
     /// `remedy` is what the program does without the file.
     void setAside(const std::string& reason, const std::string& remedy);
-    /// What the file is to hold; nothing, with the reason in `errno`, when it cannot be read.
-    std::optional<Settings> withOthersChanges();
+    /// False, with the reason in `errno`, when the file still holds what it held.
+    bool save();
+    /// What a file of this text is to hold.
+    Settings withChanges(const std::string& text);
 
     const std::string path_;
     const Log log_;
     Settings values_;
     std::map<std::string, std::function<std::optional<std::string>()>> systemStrings_;
-    /// The keys in `values_` that are not in the file yet.
+    /// The keys that were set since the last save.
     std::set<std::string> changed_;
+    /// Why the last save failed: it is said once. Empty after one that did not.
+    std::string reported_;
     /// A file that is there and cannot be read may hold what is not to be lost.
     bool isReadable_ = true;
 };

@@ -12,6 +12,7 @@ namespace {
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::Key;
 using testing::Not;
 using testing::Pair;
@@ -255,6 +256,8 @@ void WholeRun::compileTheMovie() {
     const auto movies = namesEndingIn(".mov", folder);
     ASSERT_EQ(movies.size(), 1U);
     EXPECT_THAT(desktop.opened(), ElementsAre(folder + "/" + movies.front()));
+    EXPECT_THAT(program().written(),
+                HasSubstr("\nmoviePath=" + folder + "/" + movies.front() + "\n"));
     const MovieFacts facts = movieFacts(desktop.copyOfOpened(0));
     EXPECT_EQ(facts.codec, "h264");
     EXPECT_EQ(facts.width, 1280);

@@ -141,6 +141,18 @@ TEST_F(FileUserDefaultsTest, AFolderThatCannotBeMadeCostsALogLineAndNoMore) {
     EXPECT_EQ(read(folder_ / "file"), "x");
 }
 
+TEST_F(FileUserDefaultsTest, WhatCannotBeWrittenIsToldOnceAndKept) {
+    FileUserDefaults defaults = open();
+    std::filesystem::create_directory(path_);
+    defaults.setInteger(7, "iHour");
+    defaults.synchronize();
+    defaults.synchronize();
+    EXPECT_THAT(log_, ElementsAre(HasSubstr("cannot be written")));
+    std::filesystem::remove(path_);
+    defaults.synchronize();
+    EXPECT_EQ(open().integerForKey("iHour"), 7);
+}
+
 TEST_F(FileUserDefaultsTest, ALinkStaysALink) {
     std::filesystem::create_directory(folder_ / "elsewhere");
     write(folder_ / "elsewhere/real", settingsText({{"iHour", std::int64_t{1}}}));
@@ -187,17 +199,27 @@ TEST_F(FileUserDefaultsTest, OfTwoInstancesThatSetAKeyTheLaterOneWins) {
     EXPECT_THAT(open().objectForKey("iData"), Optional(ElementsAre(2)));
 }
 
-TEST_F(FileUserDefaultsTest, ANumberThatIsSetToWhatItIsLeavesAnotherInstancesOne) {
+TEST_F(FileUserDefaultsTest, ANumberThatIsSetToWhatItIsReplacesAnotherInstancesOne) {
     write(path_, settingsText({{"iFPS", std::int64_t{30}}, {"iHour", std::int64_t{0}}}));
     FileUserDefaults one = open();
     FileUserDefaults other = open();
     other.setInteger(24, "iFPS");
     other.synchronize();
     one.setInteger(30, "iFPS");
-    one.setInteger(1, "iHour");
     one.synchronize();
-    EXPECT_EQ(open().integerForKey("iFPS"), 24);
-    EXPECT_EQ(open().integerForKey("iHour"), 1);
+    EXPECT_EQ(open().integerForKey("iFPS"), 30);
+}
+
+TEST_F(FileUserDefaultsTest, AFileThatHoldsEverythingAlreadyIsNotReplaced) {
+    write(path_, settingsText({{"iFPS", std::int64_t{30}}}));
+    FileUserDefaults defaults = open();
+    std::filesystem::create_hard_link(path_, folder_ / "same");
+    defaults.setInteger(30, "iFPS");
+    defaults.synchronize();
+    EXPECT_TRUE(std::filesystem::equivalent(path_, folder_ / "same"));
+    defaults.setInteger(24, "iFPS");
+    defaults.synchronize();
+    EXPECT_FALSE(std::filesystem::equivalent(path_, folder_ / "same"));
 }
 
 TEST_F(FileUserDefaultsTest, AFileThatWasDamagedMeanwhileIsSetAsideAndNothingOfItsOwnIsLost) {
@@ -216,6 +238,7 @@ TEST_F(FileUserDefaultsTest, AFileThatWasTakenAwayMeanwhileIsWrittenWhole) {
     write(path_, settingsText({{"iFPS", std::int64_t{30}}}));
     FileUserDefaults defaults = open();
     std::filesystem::remove(path_);
+    defaults.setInteger(30, "iFPS");
     defaults.setInteger(7, "iHour");
     defaults.synchronize();
     EXPECT_EQ(open().integerForKey("iFPS"), 30);

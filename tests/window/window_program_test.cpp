@@ -10,7 +10,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
 /// The program in its window, on a display that nobody sees.
 class WindowProgram : public CommandLineTest {
@@ -77,11 +76,6 @@ TEST_F(WindowProgram, ASettingsFolderThatCannotBeMadeCostsALineOnly) {
     const Ended ended = openAndEndBy(SIGTERM);
     EXPECT_EQ(ended.status, 128 + SIGTERM);
     EXPECT_THAT(ended.errors, HasSubstr("cannot be read"));
-}
-
-TEST_F(WindowProgram, EveryMessageIsOneLine) {
-    const Ended ended = openAndEndBy(SIGTERM);
-    EXPECT_THAT(ended.errors, Not(HasSubstr("\n\n")));
 }
 
 } // namespace

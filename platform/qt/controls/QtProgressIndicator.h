@@ -30,10 +30,10 @@ private:
     static constexpr int steps = 1000;
 
     void show() {
-        const double part = maximum_ > 0.0 ? value_ / maximum_ : 0.0;
+        // The bar is full at the maximum and not before, however near the value is.
+        const double part = std::floor(std::min(value_, maximum_) * steps / maximum_);
         // The comparison is false for what is no number.
-        widget_.setValue(part > 0.0 ? static_cast<int>(std::lround(std::min(part, 1.0) * steps))
-                                    : 0);
+        widget_.setValue(maximum_ > 0.0 && part > 0.0 ? static_cast<int>(part) : 0);
     }
 
     QProgressBar& widget_;

@@ -7,6 +7,13 @@
 
 namespace vistrane {
 
+namespace {
+
+/// What xdg-open ends with then.
+constexpr int fileIsMissing = 2;
+
+} // namespace
+
 QtWorkspace::QtWorkspace(WhenFinished whenFinished, std::function<void(const std::string&)> log)
     : whenFinished_(std::move(whenFinished)), log_(std::move(log)) {}
 
@@ -31,7 +38,9 @@ bool QtWorkspace::openURL(const NSURL& url) {
 
 void QtWorkspace::openFile(const std::string& path) const {
     launchProgram({"xdg-open", path}, [this, path](int status) {
-        if (status != 0) {
+        if (status == fileIsMissing) {
+            log_("'" + shownText(path) + "' cannot be opened: it is not there.");
+        } else if (status != 0) {
             log_("No program could be found that opens '" + shownText(path) +
                  "' (xdg-open: " + std::to_string(status) + ").");
         }

@@ -73,6 +73,14 @@ TEST_F(QtProgressIndicatorTest, ValuesOutsideOfTheRangeShowAsItsEnds) {
     EXPECT_DOUBLE_EQ(part(), 0.0);
 }
 
+TEST_F(QtProgressIndicatorTest, TheBarIsNotFullBeforeTheLastOfManyThousands) {
+    indicator_.setMaxValue(100000.0);
+    indicator_.setDoubleValue(99999.0);
+    EXPECT_LT(part(), 1.0);
+    indicator_.setDoubleValue(100000.0);
+    EXPECT_DOUBLE_EQ(part(), 1.0);
+}
+
 TEST_F(QtProgressIndicatorTest, AnEmptyRangeIsAnEmptyBarAndNotABusyOne) {
     indicator_.setMaxValue(0.0);
     indicator_.setDoubleValue(1.0);

@@ -23,12 +23,17 @@ namespace {
 class QtWorkspaceTest : public ::testing::Test {
 protected:
     QtWorkspaceTest() {
-        const std::string program = folder_ / "xdg-open";
-        std::ofstream(program) << "#!/bin/sh\nprintf '%s|' \"$@\" >> '" << opened_ << "'\nexit 3\n";
-        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        endOpeningWith(3);
         ::setenv("PATH", (folder_.path() + ":" + before_).c_str(), 1);
     }
     ~QtWorkspaceTest() override { ::setenv("PATH", before_.c_str(), 1); }
+
+    void endOpeningWith(int status) const {
+        const std::string program = folder_ / "xdg-open";
+        std::ofstream(program) << "#!/bin/sh\nprintf '%s|' \"$@\" >> '" << opened_ << "'\nexit "
+                               << status << '\n';
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    }
 
     std::string opened() const {
         std::ifstream file(opened_, std::ios::binary);
@@ -91,6 +96,12 @@ TEST_F(QtWorkspaceTest, AFileThatNobodyWritesIsOpenedAtOnceByItsBytes) {
     workspace_.openURL(NSURL::fileURLWithPath("/tmp/a \xff.mov"));
     EXPECT_EQ(openedAfter(1), "/tmp/a \xff.mov|");
     EXPECT_THAT(firstLine(), ::testing::HasSubstr("/tmp/a \xef\xbf\xbd.mov"));
+}
+
+TEST_F(QtWorkspaceTest, AFileThatIsMissingIsNotAMissingProgram) {
+    endOpeningWith(2);
+    workspace_.openURL(NSURL::fileURLWithPath("/tmp/b.mov"));
+    EXPECT_THAT(firstLine(), ::testing::HasSubstr("not there"));
 }
 
 TEST_F(QtWorkspaceTest, AMovieIsOpenedWhenItIsWhole) {
