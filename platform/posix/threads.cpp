@@ -5,6 +5,9 @@
 #include <thread>
 #include <utility>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace vistrane {
 
 namespace {
@@ -35,6 +38,15 @@ bool startDetachedThread(std::function<void()> entry) {
         return false;
     }
     return true;
+}
+
+void giveWayToOtherThreads() {
+#ifdef __linux__
+    constexpr int nicer = 10;
+    // Priorities are a thread's own here. One that is refused costs nothing but comfort.
+    const auto thread = static_cast<id_t>(::gettid());
+    ::setpriority(PRIO_PROCESS, thread, ::getpriority(PRIO_PROCESS, thread) + nicer);
+#endif
 }
 
 } // namespace vistrane

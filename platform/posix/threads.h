@@ -9,4 +9,8 @@ namespace vistrane {
 /// dropped without a call.
 bool startDetachedThread(std::function<void()> entry);
 
+/// The calling thread, and those that it starts from now on, leave the processor to the program's
+/// other threads when there is not enough for all. Where a system can do that for one thread.
+void giveWayToOtherThreads();
+
 } // namespace vistrane

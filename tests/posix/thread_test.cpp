@@ -6,6 +6,10 @@
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "platform/posix/threads.h"
 
 namespace vistrane {
 namespace {
@@ -77,6 +81,24 @@ TEST(PosixThread, EveryThreadHasOneObject) {
     started.get_future().wait();
     std::exit(0);
 }
+
+#ifdef __linux__
+TEST(GiveWayToOtherThreads, HoldsForTheThreadThatCallsItAndForThoseThatItStarts) {
+    const auto niceness = [] { return ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid())); };
+    const int before = niceness();
+    int own = 0;
+    int inherited = 0;
+    std::thread([&] {
+        giveWayToOtherThreads();
+        own = niceness();
+        std::thread([&] { inherited = niceness(); }).join();
+    }).join();
+    EXPECT_EQ(niceness(), before);
+    EXPECT_EQ(inherited, own);
+    // The nicest thread cannot be nicer.
+    EXPECT_TRUE(own > before || before == 19);
+}
+#endif
 
 TEST(PosixThreadDeathTest, TheProcessEndsWhileAThreadRuns) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
