@@ -1,37 +1,40 @@
 #pragma once
 
+#include <utility>
+
+#include "platform/SliderValue.h"
 #include "platform/appkit/NSNib.h"
 #include "platform/appkit/NSSlider.h"
 
 namespace vistrane {
 
-/// A slider that nobody sees. With a minimum above the maximum the value is the minimum. What is
-/// no number is not taken.
+/// A slider that nobody sees.
 class ConsoleSlider final : public NSSlider {
 public:
-    ConsoleSlider(double minimum, double maximum, double value);
+    ConsoleSlider(double minimum, double maximum, double value) : value_(minimum, maximum, value) {}
 
-    void setMinValue(double value) override;
-    void setMaxValue(double value) override;
-    std::int32_t intValue() const override;
-    NSInteger integerValue() const override;
-    float floatValue() const override;
-    void setIntegerValue(NSInteger value) override;
+    void setMinValue(double value) override { value_.setMinimum(value); }
+    void setMaxValue(double value) override { value_.setMaximum(value); }
+    std::int32_t intValue() const override { return value_.intValue(); }
+    NSInteger integerValue() const override { return value_.integerValue(); }
+    float floatValue() const override { return value_.floatValue(); }
+    void setIntegerValue(NSInteger value) override { value_.set(static_cast<double>(value)); }
 
     void setAction(NSAction action) { action_ = std::move(action); }
-    double minValue() const { return minimum_; }
-    double maxValue() const { return maximum_; }
-    double doubleValue() const { return value_; }
+    double minValue() const { return value_.minimum(); }
+    double maxValue() const { return value_.maximum(); }
+    double doubleValue() const { return value_.doubleValue(); }
 
     /// The user moves the knob, as far as the range goes; sends the action.
-    void userMoves(double value);
+    void userMoves(double value) {
+        value_.set(value);
+        if (action_) {
+            action_(this);
+        }
+    }
 
 private:
-    void setValue(double value);
-
-    double minimum_;
-    double maximum_;
-    double value_;
+    SliderValue value_;
     NSAction action_;
 };
 

@@ -1,8 +1,6 @@
 #include "platform/sim/SimControls.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 #include <utility>
 
 #include "platform/foundation/NSString.h"
@@ -58,53 +56,36 @@ void SimTextField::setIntegerValue(NSInteger value) {
 
 void SimSlider::setMinValue(double value) {
     mainCall("setMinValue: " + decimal(value));
-    minimum_ = value;
-    limit();
+    value_.setMinimum(value);
 }
 
 void SimSlider::setMaxValue(double value) {
     mainCall("setMaxValue: " + decimal(value));
-    maximum_ = value;
-    limit();
+    value_.setMaximum(value);
 }
 
 std::int32_t SimSlider::intValue() const {
     mainGetter("intValue");
-    using Limits = std::numeric_limits<std::int32_t>;
-    return static_cast<std::int32_t>(std::clamp(std::round(value_),
-                                                static_cast<double>(Limits::min()),
-                                                static_cast<double>(Limits::max())));
+    return value_.intValue();
 }
 
 NSInteger SimSlider::integerValue() const {
     mainGetter("integerValue");
-    return std::llround(value_);
+    return value_.integerValue();
 }
 
 float SimSlider::floatValue() const {
     mainGetter("floatValue");
-    return static_cast<float>(value_);
+    return value_.floatValue();
 }
 
 void SimSlider::setIntegerValue(NSInteger value) {
     mainCall("setIntegerValue: " + std::to_string(value));
-    value_ = static_cast<double>(value);
-    limit();
+    value_.set(static_cast<double>(value));
 }
 
 void SimSlider::setRange(double least, double greatest) {
-    minimum_ = least;
-    maximum_ = greatest;
-    limit();
-}
-
-void SimSlider::drag(double to) {
-    value_ = to;
-    limit();
-}
-
-void SimSlider::limit() {
-    value_ = std::max(std::min(value_, maximum_), minimum_);
+    value_ = SliderValue(least, greatest, value_.doubleValue());
 }
 
 std::string SimButton::title() const {

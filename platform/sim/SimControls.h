@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/SliderValue.h"
 #include "platform/appkit/CALayer.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSImageView.h"
@@ -61,17 +62,13 @@ public:
     void setIntegerValue(NSInteger value) override;
 
     void setRange(double least, double greatest);
-    void drag(double to);
-    double minimum() const { return minimum_; }
-    double maximum() const { return maximum_; }
-    double value() const { return value_; }
+    void drag(double to) { value_.set(to); }
+    double minimum() const { return value_.minimum(); }
+    double maximum() const { return value_.maximum(); }
+    double value() const { return value_.doubleValue(); }
 
 private:
-    void limit();
-
-    double minimum_ = 0.0;
-    double maximum_ = 100.0;
-    double value_ = 0.0;
+    SliderValue value_{0.0, 100.0, 0.0};
 };
 
 class SimButton final : public NSButton, public SimObject {

@@ -106,27 +106,6 @@ TEST(ConsoleSlider, AMoveIsLimitedAndSendsTheAction) {
     EXPECT_EQ(seen, 60.0);
 }
 
-TEST(ConsoleSlider, NumbersThatAreOutOfRangeGiveTheNearest) {
-    using Limits = std::numeric_limits<double>;
-    ConsoleSlider slider(-Limits::infinity(), Limits::infinity(), 0.0);
-    slider.userMoves(1e300);
-    EXPECT_EQ(slider.intValue(), std::numeric_limits<std::int32_t>::max());
-    EXPECT_EQ(slider.integerValue(), std::numeric_limits<NSInteger>::max());
-    EXPECT_EQ(slider.floatValue(), std::numeric_limits<float>::max());
-    slider.userMoves(-Limits::infinity());
-    EXPECT_EQ(slider.intValue(), std::numeric_limits<std::int32_t>::min());
-    EXPECT_EQ(slider.integerValue(), std::numeric_limits<NSInteger>::min());
-    slider.userMoves(2147483647.5);
-    EXPECT_EQ(slider.intValue(), std::numeric_limits<std::int32_t>::max());
-    slider.setMinValue(Limits::quiet_NaN());
-    EXPECT_EQ(slider.minValue(), -Limits::infinity());
-}
-
-TEST(ConsoleSlider, WithTheRangeUpsideDownTheMinimumHolds) {
-    ConsoleSlider slider(5.0, 1.0, 3.0);
-    EXPECT_EQ(slider.doubleValue(), 5.0);
-}
-
 TEST(ConsolePopUpButton, PickingTheSelectedItemSendsTheActionToo) {
     ConsolePopUpButton popUp;
     popUp.addItemWithTitle("A");

@@ -161,6 +161,43 @@ TYPED_TEST_P(ControlContract, ASliderRoundsToTheNearestAndHalvesAwayFromZero) {
     EXPECT_EQ(slider->floatValue(), -2.5F);
 }
 
+TYPED_TEST_P(ControlContract, WithASlidersRangeUpsideDownTheMinimumHolds) {
+    const auto slider = this->sliderUpTo(1.0);
+    slider->setMinValue(5.0);
+    EXPECT_EQ(slider->floatValue(), 5.0F);
+    slider->setIntegerValue(3);
+    EXPECT_EQ(slider->floatValue(), 5.0F);
+}
+
+TYPED_TEST_P(ControlContract, ASlidersNumbersThatAreOutOfRangeGiveTheNearest) {
+    using Int = std::numeric_limits<std::int32_t>;
+    const auto slider = this->sliderUpTo(1e300);
+    slider->setMinValue(1e300);
+    EXPECT_EQ(slider->intValue(), Int::max());
+    EXPECT_EQ(slider->integerValue(), std::numeric_limits<NSInteger>::max());
+    EXPECT_EQ(slider->floatValue(), std::numeric_limits<float>::max());
+    slider->setMinValue(-1e300);
+    slider->setMaxValue(-1e300);
+    EXPECT_EQ(slider->intValue(), Int::min());
+    EXPECT_EQ(slider->integerValue(), std::numeric_limits<NSInteger>::min());
+    EXPECT_EQ(slider->floatValue(), std::numeric_limits<float>::lowest());
+    slider->setMaxValue(2147483647.5);
+    slider->setMinValue(2147483647.5);
+    EXPECT_EQ(slider->intValue(), Int::max());
+    EXPECT_EQ(slider->integerValue(), 2147483648);
+}
+
+TYPED_TEST_P(ControlContract, WhatIsNoNumberIsNoEndOfASlidersRange) {
+    const auto slider = this->sliderUpTo(60.0);
+    slider->setMinValue(1.0);
+    slider->setMaxValue(std::numeric_limits<double>::quiet_NaN());
+    slider->setMinValue(std::numeric_limits<double>::quiet_NaN());
+    slider->setIntegerValue(100);
+    EXPECT_EQ(slider->intValue(), 60);
+    slider->setIntegerValue(0);
+    EXPECT_EQ(slider->intValue(), 1);
+}
+
 TYPED_TEST_P(ControlContract, AnEmptyListHasNoSelection) {
     const auto popUp = this->backend_.popUp();
     EXPECT_EQ(popUp->indexOfSelectedItem(), -1);
@@ -246,17 +283,16 @@ TYPED_TEST_P(ControlContract, AWindowTakesNoFirstResponder) {
     EXPECT_TRUE(this->backend_.window()->makeFirstResponder(nullptr));
 }
 
-REGISTER_TYPED_TEST_SUITE_P(ControlContract, AButtonKeepsItsTitleByteForByte, AButtonKeepsItsState,
-                            AButtonMayBeEnabledByAnyThread, AButtonTakesNoPicture,
-                            AFieldShowsTheTextThatWasSet, AFieldReadsTheLeadingInteger,
-                            AFieldLimitsNumbersThatAreOutOfRange, AFieldShowsTheDigitsOfANumber,
-                            ASliderLimitsWhatIsSet, ASlidersRangeLimitsItsValue,
-                            ASliderRoundsToTheNearestAndHalvesAwayFromZero,
-                            AnEmptyListHasNoSelection, TheFirstItemOfAnEmptyListIsSelected,
-                            AnItemOfTheSameTitleIsReplacedByOneAtTheEnd,
-                            AnOnlyItemThatIsReplacedIsSelectedAgain,
-                            WhenTheSelectedItemIsReplacedTheFirstOfTheOthersIsSelected,
-                            TheSelectionStaysWithItsItem, AViewHasALayerWhenOneIsWanted,
-                            AnImageViewTakesNoPicture, AWindowTakesNoFirstResponder);
+REGISTER_TYPED_TEST_SUITE_P(
+    ControlContract, AButtonKeepsItsTitleByteForByte, AButtonKeepsItsState,
+    AButtonMayBeEnabledByAnyThread, AButtonTakesNoPicture, AFieldShowsTheTextThatWasSet,
+    AFieldReadsTheLeadingInteger, AFieldLimitsNumbersThatAreOutOfRange,
+    AFieldShowsTheDigitsOfANumber, ASliderLimitsWhatIsSet, ASlidersRangeLimitsItsValue,
+    ASliderRoundsToTheNearestAndHalvesAwayFromZero, WithASlidersRangeUpsideDownTheMinimumHolds,
+    ASlidersNumbersThatAreOutOfRangeGiveTheNearest, WhatIsNoNumberIsNoEndOfASlidersRange,
+    AnEmptyListHasNoSelection, TheFirstItemOfAnEmptyListIsSelected,
+    AnItemOfTheSameTitleIsReplacedByOneAtTheEnd, AnOnlyItemThatIsReplacedIsSelectedAgain,
+    WhenTheSelectedItemIsReplacedTheFirstOfTheOthersIsSelected, TheSelectionStaysWithItsItem,
+    AViewHasALayerWhenOneIsWanted, AnImageViewTakesNoPicture, AWindowTakesNoFirstResponder);
 
 } // namespace vistrane

@@ -5,6 +5,7 @@
 
 #include <QObject>
 
+#include "platform/SliderValue.h"
 #include "platform/appkit/NSSlider.h"
 #include "platform/qt/controls/Action.h"
 #include "platform/qt/controls/SliderWidget.h"
@@ -13,8 +14,7 @@ namespace vistrane {
 
 /// A slider on a widget that outlives it. The program may set any value of the range; the user
 /// moves in whole steps from the minimum. A press of the mouse sends the action, moved or not, and
-/// so does each move. With a minimum above the maximum the value is the minimum. What is no number
-/// is not taken.
+/// so does each move.
 class QtSlider final : public NSSlider {
 public:
     /// Takes the range and value that the widget has.
@@ -25,27 +25,20 @@ public:
 
     void setMinValue(double value) override;
     void setMaxValue(double value) override;
-    std::int32_t intValue() const override;
-    NSInteger integerValue() const override;
-    float floatValue() const override;
+    std::int32_t intValue() const override { return value_.intValue(); }
+    NSInteger integerValue() const override { return value_.integerValue(); }
+    float floatValue() const override { return value_.floatValue(); }
     void setIntegerValue(NSInteger value) override;
 
     void setAction(NSAction action) { action_.set(std::move(action)); }
     void setCell(std::shared_ptr<NSSliderCell> cell) { widget_.setCell(std::move(cell)); }
 
-    double minValue() const { return minimum_; }
-    double maxValue() const { return maximum_; }
-    double doubleValue() const { return value_; }
-
 private:
-    void setValue(double value);
     void show();
     void userMoved(int position);
 
     SliderWidget& widget_;
-    double minimum_;
-    double maximum_;
-    double value_;
+    SliderValue value_;
     Action action_;
     QObject connections_;
 };

@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include <QPainter>
 #include <QProxyStyle>
 #include <QStyleOptionComplex>
@@ -109,13 +107,6 @@ TEST_F(QtSliderTest, APressSendsTheActionOnceWhetherItMovesOrNot) {
     EXPECT_EQ(sender_, slider_.get());
     QTest::mouseClick(widget_, Qt::RightButton, {}, place);
     EXPECT_EQ(sent_, 2);
-}
-
-TEST_F(QtSliderTest, WhatIsNoNumberIsNotTaken) {
-    slider_->setMaxValue(std::nan(""));
-    EXPECT_EQ(slider_->maxValue(), 60.0);
-    slider_->setMinValue(std::nan(""));
-    EXPECT_EQ(slider_->minValue(), 1.0);
 }
 
 TEST_F(QtSliderTest, AHugeRangeIsShownWithoutHarm) {

@@ -1,4 +1,4 @@
-#include "platform/console/ConsoleSlider.h"
+#include "platform/SliderValue.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,49 +23,38 @@ Integer rounded(double value) {
 
 } // namespace
 
-ConsoleSlider::ConsoleSlider(double minimum, double maximum, double value)
+SliderValue::SliderValue(double minimum, double maximum, double value)
     : minimum_(minimum), maximum_(maximum), value_(value) {
-    setValue(value);
+    set(value);
 }
 
-void ConsoleSlider::setMinValue(double value) {
-    minimum_ = std::isnan(value) ? minimum_ : value;
-    setValue(value_);
+void SliderValue::setMinimum(double minimum) {
+    minimum_ = std::isnan(minimum) ? minimum_ : minimum;
+    set(value_);
 }
 
-void ConsoleSlider::setMaxValue(double value) {
-    maximum_ = std::isnan(value) ? maximum_ : value;
-    setValue(value_);
+void SliderValue::setMaximum(double maximum) {
+    maximum_ = std::isnan(maximum) ? maximum_ : maximum;
+    set(value_);
 }
 
-std::int32_t ConsoleSlider::intValue() const {
-    return rounded<std::int32_t>(value_);
-}
-
-NSInteger ConsoleSlider::integerValue() const {
-    return rounded<NSInteger>(value_);
-}
-
-float ConsoleSlider::floatValue() const {
-    constexpr double most = std::numeric_limits<float>::max();
-    return static_cast<float>(std::clamp(value_, -most, most));
-}
-
-void ConsoleSlider::setIntegerValue(NSInteger value) {
-    setValue(static_cast<double>(value));
-}
-
-void ConsoleSlider::userMoves(double value) {
-    setValue(value);
-    if (action_) {
-        action_(this);
-    }
-}
-
-void ConsoleSlider::setValue(double value) {
+void SliderValue::set(double value) {
     if (!std::isnan(value)) {
         value_ = std::max(minimum_, std::min(value, maximum_));
     }
+}
+
+std::int32_t SliderValue::intValue() const {
+    return rounded<std::int32_t>(value_);
+}
+
+NSInteger SliderValue::integerValue() const {
+    return rounded<NSInteger>(value_);
+}
+
+float SliderValue::floatValue() const {
+    constexpr double most = std::numeric_limits<float>::max();
+    return static_cast<float>(std::clamp(value_, -most, most));
 }
 
 } // namespace vistrane
