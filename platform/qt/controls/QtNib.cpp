@@ -7,10 +7,6 @@
 
 namespace vistrane {
 
-void QtNib::addOutlet(const std::string& name, std::shared_ptr<NSObject> control) {
-    outlets_[name] = std::move(control);
-}
-
 void QtNib::addSender(const std::string& selector, Connection connect) {
     senders_.emplace(selector, std::move(connect));
 }
@@ -21,57 +17,6 @@ void QtNib::addCellSlider(const std::string& className, std::shared_ptr<QtSlider
 
 void QtNib::setPanelWindow(std::shared_ptr<QtWindow> window) {
     panelWindow_ = std::move(window);
-}
-
-template <typename Type>
-void QtNib::fill(const std::string& name, std::shared_ptr<Type>& field) const {
-    const auto entry = outlets_.find(name);
-    if (entry == outlets_.end()) {
-        return;
-    }
-    if (std::shared_ptr<Type> control = std::dynamic_pointer_cast<Type>(entry->second)) {
-        field = std::move(control);
-    }
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSWindow>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSTextField>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSSlider>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSButton>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSImageView>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSPopUpButton>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSView>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSProgressIndicator>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSMenu>& field) {
-    fill(name, field);
-}
-
-void QtNib::outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) {
-    fill(name, field);
 }
 
 void QtNib::window(NSPanel& panel) {
