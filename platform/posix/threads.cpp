@@ -1,8 +1,9 @@
 #include "platform/posix/threads.h"
 
 #include <csignal>
+#include <future>
+#include <memory>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include <sys/resource.h>
@@ -30,14 +31,37 @@ private:
 
 } // namespace
 
-bool startDetachedThread(std::function<void()> entry) {
+std::thread startThread(std::function<void()> entry) {
     const SignalsBlocked blocked;
     try {
-        std::thread(std::move(entry)).detach();
+        return std::thread(std::move(entry));
     } catch (const std::system_error&) {
+        return {};
+    }
+}
+
+bool startDetachedThread(std::function<void()> entry) {
+    std::thread thread = startThread(std::move(entry));
+    if (!thread.joinable()) {
         return false;
     }
+    thread.detach();
     return true;
+}
+
+bool runWithin(std::chrono::milliseconds patience, std::function<void()> work) {
+    auto ended = std::make_shared<std::promise<void>>();
+    auto future = ended->get_future();
+    const auto run = [ended, shared = std::make_shared<std::function<void()>>(std::move(work))] {
+        (*shared)();
+        // What the work owns goes before anybody hears of its end.
+        *shared = nullptr;
+        ended->set_value();
+    };
+    if (!startDetachedThread(run)) {
+        run();
+    }
+    return future.wait_for(patience) == std::future_status::ready;
 }
 
 void giveWayToOtherThreads() {

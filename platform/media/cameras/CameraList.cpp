@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "platform/media/cameras/CameraOptions.h"
-#include "platform/media/cameras/threads.h"
+#include "platform/posix/threads.h"
 #include "platform/shown_text.h"
 
 namespace vistrane {
@@ -187,7 +187,7 @@ std::vector<Camera> CameraList::listOf(const std::string& name,
             continue;
         }
         ++answers->missing;
-        const bool asked = startDetached([answers, deadline, i, provider = providers_[i]] {
+        const bool asked = startDetachedThread([answers, deadline, i, provider = providers_[i]] {
             std::vector<Camera> cameras = provider->askBefore(deadline);
             std::lock_guard answersLock(answers->mutex);
             answers->byProvider[i] = std::move(cameras);

@@ -9,7 +9,7 @@
 #include "platform/media/cameras/CapturePipeline.h"
 #include "platform/media/cameras/camera_errors.h"
 #include "platform/media/cameras/still_pictures.h"
-#include "platform/media/cameras/threads.h"
+#include "platform/posix/threads.h"
 
 namespace vistrane {
 

@@ -10,7 +10,7 @@
 #include <gst/base/gstbasesrc.h>
 
 #include "platform/media/cameras/PipeWireConnection.h"
-#include "platform/media/cameras/threads.h"
+#include "platform/posix/threads.h"
 
 namespace vistrane {
 
@@ -362,7 +362,7 @@ CapturePipeline::~CapturePipeline() {
     if (!elements_->wasStarted) {
         elements_->end();
     } else if (!elements_->stopping &&
-               !startDetached([elements = elements_] { elements->end(); })) {
+               !startDetachedThread([elements = elements_] { elements->end(); })) {
         elements_->end();
     }
 }
@@ -407,7 +407,7 @@ std::shared_ptr<CapturePipeline> CapturePipeline::create(const Camera& camera,
 bool CapturePipeline::start() {
     elements_->wasStarted = true;
     elements_->starting = true;
-    if (!startDetached([elements = elements_] { elements->start(); })) {
+    if (!startDetachedThread([elements = elements_] { elements->start(); })) {
         elements_->starting = false;
         elements_->wasStarted = false;
     }
