@@ -118,11 +118,7 @@ struct Session::Parts {
     SessionAppKit appKit{std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{
                              loop, [this](const std::string& text) { output.writeLine(text); },
                              [this](const ConsoleAlert& alert) { return answer(alert); }}),
-                         workspace,
-                         output,
-                         loop,
-                         pictures,
-                         report};
+                         workspace, loop, pictures, report};
     ConsoleInterface interface;
     ConsoleNib nib;
     AppDelegate controller{

@@ -1,21 +1,40 @@
 #pragma once
 
+#include <memory>
+#include <string>
+#include <utility>
+
 #include "commandline/CompileReport.h"
-#include "platform/console/ConsoleAppKit.h"
+#include "platform/console/ConsoleAlert.h"
+#include "platform/console/ConsoleApplication.h"
+#include "platform/console/ConsoleMenu.h"
+#include "platform/console/ConsoleOpenPanel.h"
 #include "platform/console/ConsoleRunLoop.h"
-#include "platform/media/pictures/Pictures.h"
+#include "platform/media/pictures/PictureAppKit.h"
 
 namespace vistrane {
 
 /// The AppKit kit of the command line: plain controls and alerts as text, real pictures. Tells the
-/// report which frame the compile thread loads.
-class SessionAppKit final : public ConsoleAppKit {
+/// report which frame the compile thread loads. What is given here outlives it.
+class SessionAppKit final : public PictureAppKit {
 public:
     SessionAppKit(std::shared_ptr<const ConsoleAlertRules> alertRules, NSWorkspace& workspace,
-                  ConsoleOutput& output, const ConsoleRunLoop& loop, const Pictures& pictures,
-                  CompileReport& report)
-        : ConsoleAppKit(std::move(alertRules), workspace, output), loop_(loop), pictures_(pictures),
-          report_(report) {}
+                  const ConsoleRunLoop& loop, const Pictures& pictures, CompileReport& report)
+        : PictureAppKit(pictures), alertRules_(std::move(alertRules)), workspace_(workspace),
+          loop_(loop), report_(report) {}
+
+    NSApplication& sharedApplication() override { return application_; }
+    NSWorkspace& sharedWorkspace() override { return workspace_; }
+    std::unique_ptr<NSAlert> alert() override {
+        return std::make_unique<ConsoleAlert>(alertRules_);
+    }
+    std::unique_ptr<NSAlert> alertWithError(const NSError& error) override {
+        return std::make_unique<ConsoleAlert>(alertRules_, error);
+    }
+    std::unique_ptr<NSOpenPanel> openPanel() override {
+        return std::make_unique<ConsoleOpenPanel>();
+    }
+    std::shared_ptr<NSMenu> menu() override { return std::make_shared<ConsoleMenu>(); }
 
     /// Every command is a first run, which is nothing to be told of.
     void NSBeep() override {}
@@ -27,29 +46,15 @@ public:
         if (!loop_.isMainThread()) {
             report_.frameIsLoaded(path);
         }
-        return pictures_.imageWithContentsOfFile(path);
+        return PictureAppKit::imageWithContentsOfFile(path);
     }
-    std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) override {
-        return pictures_.imageWithData(data);
-    }
-    std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) override {
-        return pictures_.imageRepWithData(data);
-    }
-
-    std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
-                                                                    bool flipped) override {
-        return pictures_.graphicsContextWithCGContext(context, flipped);
-    }
-    void saveGraphicsState() override { pictures_.saveGraphicsState(); }
-    void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) override {
-        pictures_.setCurrentContext(std::move(context));
-    }
-    void restoreGraphicsState() override { pictures_.restoreGraphicsState(); }
 
 private:
+    const std::shared_ptr<const ConsoleAlertRules> alertRules_;
+    NSWorkspace& workspace_;
     const ConsoleRunLoop& loop_;
-    const Pictures& pictures_;
     CompileReport& report_;
+    ConsoleApplication application_;
 };
 
 } // namespace vistrane

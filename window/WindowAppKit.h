@@ -6,8 +6,7 @@
 
 #include <QApplication>
 
-#include "platform/appkit/AppKit.h"
-#include "platform/media/pictures/Pictures.h"
+#include "platform/media/pictures/PictureAppKit.h"
 #include "platform/qt/controls/QtImage.h"
 #include "platform/qt/controls/QtResources.h"
 #include "platform/qt/menus/QtMenu.h"
@@ -17,13 +16,13 @@
 namespace vistrane {
 
 /// The AppKit kit of the window. What is given here outlives it.
-class WindowAppKit final : public AppKit {
+class WindowAppKit final : public PictureAppKit {
 public:
     WindowAppKit(NSApplication& application, NSWorkspace& workspace,
                  std::shared_ptr<const QtDialogRules> dialogRules, const QtResources& resources,
                  const Pictures& pictures)
-        : application_(application), workspace_(workspace), dialogRules_(std::move(dialogRules)),
-          resources_(resources), pictures_(pictures) {}
+        : PictureAppKit(pictures), application_(application), workspace_(workspace),
+          dialogRules_(std::move(dialogRules)), resources_(resources) {}
 
     NSApplication& sharedApplication() override { return application_; }
     NSWorkspace& sharedWorkspace() override { return workspace_; }
@@ -40,25 +39,6 @@ public:
     std::shared_ptr<NSImage> imageNamed(const std::string& name) override {
         return resources_.imageNamed(name);
     }
-    std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {
-        return pictures_.imageWithContentsOfFile(path);
-    }
-    std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) override {
-        return pictures_.imageWithData(data);
-    }
-    std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) override {
-        return pictures_.imageRepWithData(data);
-    }
-
-    std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
-                                                                    bool flipped) override {
-        return pictures_.graphicsContextWithCGContext(context, flipped);
-    }
-    void saveGraphicsState() override { pictures_.saveGraphicsState(); }
-    void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) override {
-        pictures_.setCurrentContext(std::move(context));
-    }
-    void restoreGraphicsState() override { pictures_.restoreGraphicsState(); }
 
     void NSBeep() override { QApplication::beep(); }
 
@@ -67,7 +47,6 @@ private:
     NSWorkspace& workspace_;
     const std::shared_ptr<const QtDialogRules> dialogRules_;
     const QtResources& resources_;
-    const Pictures& pictures_;
 };
 
 } // namespace vistrane

@@ -48,13 +48,6 @@ void ConsoleOutput::showProgress(double value, double maximum) {
     bar_ = std::move(bar);
 }
 
-void ConsoleOutput::beep() {
-    if (isTerminal_) {
-        const std::lock_guard lock(mutex_);
-        write("\a");
-    }
-}
-
 std::string ConsoleOutput::barFor(double value, double maximum) const {
     const double part = std::min(value / maximum, 1.0);
     const std::string percent = std::to_string(static_cast<int>(part * 100.0)) + " %";

@@ -25,9 +25,6 @@ public:
     /// and the maximum is finite.
     void showProgress(double value, double maximum);
 
-    /// Sounds the terminal's bell.
-    void beep();
-
     bool isTerminal() const { return isTerminal_; }
 
 private:

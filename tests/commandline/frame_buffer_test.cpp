@@ -16,6 +16,7 @@
 #include "commandline/SessionAppKit.h"
 #include "platform/console/ConsoleDispatch.h"
 #include "platform/console/ConsoleFoundation.h"
+#include "platform/console/ConsoleWorkspace.h"
 #include "platform/console/MemoryUserDefaults.h"
 #include "platform/media/MediaAVFoundation.h"
 #include "platform/media/pictures/MediaCoreGraphics.h"
@@ -81,12 +82,8 @@ protected:
     MediaAVFoundation avFoundation_{cameras_, movies_};
     ConsoleWorkspace workspace_{[](const NSURL&) { return true; }};
     SessionAppKit appKit_{
-        std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{loop_, {}, {}}),
-        workspace_,
-        output_,
-        loop_,
-        pictures_,
-        report_};
+        std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{loop_, {}, {}}), workspace_,
+        loop_, pictures_, report_};
     AppDelegate controller_{
         Platform{foundation_, appKit_, avFoundation_, coreVideo_, coreGraphics_, dispatch_}};
 };

@@ -5,8 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/console/ConsoleAppKit.h"
-
 namespace vistrane {
 namespace {
 
