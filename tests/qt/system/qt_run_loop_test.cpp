@@ -1,27 +1,19 @@
 #include "platform/qt/system/QtRunLoop.h"
 
 #include <functional>
-#include <limits>
+#include <string>
 #include <thread>
 
 #include <QDialog>
 #include <QEventLoop>
 #include <QTimer>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include "platform/posix/clock.h"
+#include "tests/contract/RunLoopContract.h"
 
 namespace vistrane {
 namespace {
-
-NSDate fromNow(double seconds) {
-    return {wallClockNow().timeIntervalSince1970 + seconds};
-}
-
-void onePass(QtRunLoop& loop) {
-    loop.runUntilDate({0.0});
-}
 
 /// Runs one of Qt's own loops until `done` holds, for a minute at most.
 bool execUntil(const std::function<bool()>& done) {
@@ -37,6 +29,16 @@ bool execUntil(const std::function<bool()>& done) {
     events.exec();
     return done();
 }
+
+struct QtLoop {
+    using Loop = QtRunLoop;
+
+    bool runUntil(const std::function<bool()>& done) { return execUntil(done); }
+
+    Loop loop;
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, RunLoopContract, QtLoop, contract::Names);
 
 TEST(QtRunLoop, TimersAndWorkRunInQtsOwnLoop) {
     QtRunLoop loop;
@@ -101,95 +103,12 @@ TEST(QtRunLoop, ATickThatRunsADialogLeavesOtherTimersTheirTicks) {
     EXPECT_TRUE(execUntil([&] { return dialog.result() == QDialog::Accepted && own > 1; }));
 }
 
-TEST(QtRunLoop, TimersHoldBackInAModalScopeAndTickOnceAfterwards) {
-    QtRunLoop loop;
-    int ticks = 0;
-    bool worked = false;
-    const auto timer = loop.scheduleTimer(
-        0.02, [&](NSTimer&) { ++ticks; }, true);
-    {
-        const QtRunLoop::ModalScope modal(loop);
-        loop.mainQueue().async([&] { worked = true; });
-        QEventLoop events;
-        QTimer::singleShot(500, &events, &QEventLoop::quit);
-        events.exec();
-        EXPECT_EQ(ticks, 0);
-        EXPECT_TRUE(worked);
-    }
-    onePass(loop);
-    EXPECT_EQ(ticks, 1);
-    EXPECT_TRUE(execUntil([&] { return ticks > 2; }));
-}
-
-TEST(QtRunLoop, WorkThatAddsWorkLeavesTimersTheirTurn) {
-    QtRunLoop loop;
-    bool ended = false;
-    std::function<void()> again = [&] {
-        if (!ended) {
-            loop.mainQueue().async(again);
-        }
-    };
-    loop.mainQueue().async(again);
-    const auto timer = loop.scheduleTimer(
-        0.002, [&](NSTimer&) { ended = true; }, false);
-    EXPECT_TRUE(execUntil([&] { return ended; }));
-}
-
-TEST(QtRunLoop, AnyDateAndAnyIntervalAreTaken) {
-    QtRunLoop loop;
-    using Limits = std::numeric_limits<double>;
-    for (const double interval : {Limits::infinity(), Limits::max(), 1e15, 3599999.0}) {
-        int ticks = 0;
-        const auto timer = loop.scheduleTimer(
-            interval, [&](NSTimer&) { ++ticks; }, true);
-        onePass(loop);
-        loop.runUntilDate(fromNow(0.01));
-        EXPECT_EQ(ticks, 0) << interval;
-        timer->invalidate();
-    }
-    loop.runUntilDate({Limits::quiet_NaN()});
-    loop.runUntilDate({-Limits::infinity()});
-}
-
-TEST(QtRunLoop, SleepsWhenThereIsNothingToDo) {
-    QtRunLoop loop;
-    const auto timer = loop.scheduleTimer(
-        3599999.0, [](NSTimer&) {}, true);
-    rusage before{};
-    getrusage(RUSAGE_THREAD, &before);
-    loop.runUntilDate(fromNow(0.3));
-    rusage after{};
-    getrusage(RUSAGE_THREAD, &after);
-    // A loop that spins would take all of the 300,000.
-    const long microseconds = (after.ru_utime.tv_sec - before.ru_utime.tv_sec) * 1000000 +
-                              after.ru_utime.tv_usec - before.ru_utime.tv_usec;
-    EXPECT_LT(microseconds, 100000);
-}
-
 TEST(QtRunLoop, RunUntilDateKeepsEventsGoing) {
     QtRunLoop loop;
     bool came = false;
     QTimer::singleShot(1, [&] { came = true; });
-    loop.runUntilDate(fromNow(0.1));
+    loop.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.1});
     EXPECT_TRUE(came);
-}
-
-TEST(QtRunLoop, KnowsItsThread) {
-    QtRunLoop loop;
-    EXPECT_TRUE(loop.isMainThread());
-    std::thread([&] { EXPECT_FALSE(loop.isMainThread()); }).join();
-}
-
-TEST(QtRunLoop, TimersThatOutliveTheLoopAreInvalid) {
-    std::shared_ptr<NSTimer> timer;
-    {
-        QtRunLoop loop;
-        timer = loop.scheduleTimer(
-            3600.0, [](NSTimer&) {}, true);
-    }
-    EXPECT_FALSE(timer->isValid());
-    timer->fire();
-    timer->invalidate();
 }
 
 } // namespace
