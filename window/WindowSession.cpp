@@ -164,6 +164,7 @@ void WindowSession::launch() {
     parts_.controller.awakeFromNib();
     parts_.panel.awakeFromNib();
     parts_.panel.restoreDockSetting();
+    tellThatNoCameraIsThere();
     // The settings are in the controls now.
     parts_.isLaunched = true;
     showMainWindow();
@@ -184,6 +185,18 @@ void WindowSession::connectInterface() {
     }
     if (!missing.empty()) {
         parts_.log.fail("The interface has no control '" + missing.front() + "'.");
+    }
+}
+
+void WindowSession::tellThatNoCameraIsThere() {
+    if (parts_.controller.AVDevicePopUp->indexOfSelectedItem() >= 0) {
+        return;
+    }
+    for (QWidget* view : parts_.interface.mainWindow().findChildren<QWidget*>()) {
+        const QVariant hint = view->property("hintWithoutCameras");
+        if (hint.isValid()) {
+            view->setProperty("hint", hint);
+        }
     }
 }
 

@@ -35,6 +35,7 @@ private:
 
     void rememberFolder(const std::string& path);
     void connectInterface();
+    void tellThatNoCameraIsThere();
     void showMainWindow();
     /// Looking for cameras takes a moment in which nothing is drawn.
     void awaitDisplay();

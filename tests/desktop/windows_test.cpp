@@ -28,5 +28,13 @@ TEST_F(Windows, ClickingTheMainWindowBringsItInFrontOfTheTips) {
     EXPECT_EQ(quit(), 0);
 }
 
+TEST_F(Windows, TheKeysOfTheMenusWorkInASmallWindowToo) {
+    start();
+    const Window tips = *await("the tips", [this] { return windowTitled("Quick Start Tips"); });
+    await("the tips to be active", [&] { return screen().activeWindow() == tips.number; });
+    screen().press({"Control_L", "q"});
+    EXPECT_EQ(awaitEnd(), 0);
+}
+
 } // namespace
 } // namespace vistrane

@@ -11,6 +11,7 @@
 
 #include "platform/qt/controls/HeldKeys.h"
 #include "platform/qt/controls/PathButton.h"
+#include "platform/qt/controls/PictureButton.h"
 #include "platform/qt/controls/QtButton.h"
 #include "platform/qt/controls/QtImage.h"
 #include "platform/qt/controls/QtImageView.h"

@@ -27,6 +27,7 @@ namespace vistrane {
 ///     delegate      window: the object that is told "windowWillClose:"
 ///     image         view: the name of the picture that it shows at first
 ///     hint          view: what it says until there is a first picture
+///     hintWithoutCameras   the same, when there is no camera to get one from
 class QtInterface {
 public:
     explicit QtInterface(const QtResources& resources);

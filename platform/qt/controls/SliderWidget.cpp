@@ -9,6 +9,7 @@
 
 #include "platform/media/pictures/graphics_state.h"
 #include "platform/qt/controls/QtGraphicsContext.h"
+#include "platform/qt/controls/focus_ring.h"
 
 namespace vistrane {
 
@@ -16,8 +17,6 @@ namespace {
 
 /// Points; the picture of a knob needs more room than the style's own.
 constexpr int knobSize = 20;
-/// Points around the knob, for the ring that tells where the keyboard is.
-constexpr int ringSize = 2;
 
 } // namespace
 
@@ -35,21 +34,21 @@ void SliderWidget::setUnmovedPressHandler(std::function<void()> handler) {
 
 QSize SliderWidget::sizeHint() const {
     const QSize size = QSlider::sizeHint();
-    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * ringSize)) : size;
+    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * focusRingWidth)) : size;
 }
 
 QSize SliderWidget::minimumSizeHint() const {
     const QSize size = QSlider::minimumSizeHint();
-    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * ringSize)) : size;
+    return cell_ ? size.expandedTo(QSize(0, knobSize + 2 * focusRingWidth)) : size;
 }
 
 QRectF SliderWidget::knobRect() const {
     QStyleOptionSlider option;
     initStyleOption(&option);
-    const double range = width() - knobSize - 2.0 * ringSize;
+    const double range = width() - knobSize - 2.0 * focusRingWidth;
     const int place = QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(),
                                                       static_cast<int>(range), option.upsideDown);
-    return {static_cast<double>(ringSize + place), (height() - knobSize) / 2.0,
+    return {static_cast<double>(focusRingWidth + place), (height() - knobSize) / 2.0,
             static_cast<double>(knobSize), static_cast<double>(knobSize)};
 }
 
@@ -57,8 +56,8 @@ int SliderWidget::valueAt(const QPointF& place) const {
     QStyleOptionSlider option;
     initStyleOption(&option);
     QRectF knob = knobRect();
-    double start = ringSize;
-    double range = width() - knobSize - 2.0 * ringSize;
+    double start = focusRingWidth;
+    double range = width() - knobSize - 2.0 * focusRingWidth;
     if (!cell_) {
         const QRect groove =
             style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderGroove, this);
@@ -122,14 +121,9 @@ void SliderWidget::paintWithCell() {
     const auto context = std::make_shared<QtGraphicsContext>(painter, height());
     paintTicks(painter, *context);
     const QRectF knob = knobRect();
-    if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(palette().color(QPalette::Highlight), ringSize));
-        constexpr double half = ringSize / 2.0;
-        constexpr double cornerRadius = 7.0;
-        painter.drawRoundedRect(knob.adjusted(-half, -half, half, half), cornerRadius,
-                                cornerRadius);
+    if (showsFocusRing(*this)) {
+        constexpr double width = focusRingWidth;
+        drawFocusRing(painter, knob.adjusted(-width, -width, width, width), palette());
     }
     pushGraphicsContext();
     setCurrentGraphicsContext(context);

@@ -46,6 +46,13 @@ QPalette darkPalette() {
     return palette;
 }
 
+/// An empty bar must not look like a full one.
+QPalette darkBarPalette() {
+    QPalette palette = darkPalette();
+    palette.setColor(QPalette::Base, QColor(0x36, 0x36, 0x39));
+    return palette;
+}
+
 QPalette lightPalette() {
     const QColor window(0xf4, 0xf4, 0xf5);
     const QColor text(0x1e, 0x1e, 0x20);
@@ -110,6 +117,9 @@ void applyPalette(bool isDark) {
     } else {
         QApplication::setStyle("Fusion");
         QApplication::setPalette(ownPalette(isDark));
+        if (isDark) {
+            QApplication::setPalette(darkBarPalette(), "QProgressBar");
+        }
     }
 }
 

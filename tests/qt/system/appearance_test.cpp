@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDBusVariant>
 #include <QPalette>
+#include <QProgressBar>
 #include <gtest/gtest.h>
 
 #include "platform/posix/clock.h"
@@ -139,6 +140,20 @@ TEST(Palette, LetsBoxesAndFieldsStandOutFromADarkWindow) {
     EXPECT_GE(palette.color(QPalette::Text).lightness(),
               palette.color(QPalette::Base).lightness() + 120);
     applyPalette(false);
+}
+
+TEST(Palette, OfABarFollowsTheSwitch) {
+    applyPalette(true);
+    QProgressBar bar;
+    bar.ensurePolished();
+    EXPECT_LT(bar.palette().color(QPalette::Base).lightness(),
+              QApplication::palette().color(QPalette::Base).lightness());
+    applyPalette(false);
+    EXPECT_EQ(bar.palette().color(QPalette::Base), QApplication::palette().color(QPalette::Base));
+    QProgressBar another;
+    another.ensurePolished();
+    EXPECT_EQ(another.palette().color(QPalette::Base),
+              QApplication::palette().color(QPalette::Base));
 }
 
 } // namespace

@@ -1,0 +1,17 @@
+#include "platform/qt/controls/PictureButton.h"
+
+#include <QPainter>
+
+#include "platform/qt/controls/focus_ring.h"
+
+namespace vistrane {
+
+void PictureButton::paintEvent(QPaintEvent* event) {
+    QToolButton::paintEvent(event);
+    if (showsFocusRing(*this)) {
+        QPainter painter(this);
+        drawFocusRing(painter, rect(), palette());
+    }
+}
+
+} // namespace vistrane
