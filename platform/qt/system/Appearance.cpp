@@ -116,6 +116,7 @@ void applyPalette(bool isDark) {
         QApplication::setPalette(QPalette());
     } else {
         QApplication::setStyle("Fusion");
+        // Like the line above it takes away what was set for one kind of widget.
         QApplication::setPalette(ownPalette(isDark));
         if (isDark) {
             QApplication::setPalette(darkBarPalette(), "QProgressBar");
