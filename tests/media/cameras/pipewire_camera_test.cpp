@@ -1,9 +1,9 @@
 #include "tests/media/cameras/CameraTestBed.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
-
 #include <thread>
 
 #include <gmock/gmock.h>
