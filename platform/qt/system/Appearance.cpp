@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QProgressBar>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -46,9 +47,9 @@ QPalette darkPalette() {
     return palette;
 }
 
-/// An empty bar must not look like a full one.
-QPalette darkBarPalette() {
-    QPalette palette = darkPalette();
+/// An empty bar must not look like a full one, as it would with the colour of fields.
+QPalette darkBarColours() {
+    QPalette palette;
     palette.setColor(QPalette::Base, QColor(0x36, 0x36, 0x39));
     return palette;
 }
@@ -111,15 +112,18 @@ QPalette ownPalette(bool isDark) {
 
 void applyPalette(bool isDark) {
     const DesktopLook& desktop = desktopLook();
+    QPalette barColours;
     if (isDarkPalette(desktop.palette) == isDark) {
         QApplication::setStyle(desktop.style);
         QApplication::setPalette(QPalette());
     } else {
         QApplication::setStyle("Fusion");
-        // Like the line above it takes away what was set for one kind of widget.
         QApplication::setPalette(ownPalette(isDark));
-        if (isDark) {
-            QApplication::setPalette(darkBarPalette(), "QProgressBar");
+        barColours = isDark ? darkBarColours() : QPalette();
+    }
+    for (QWidget* const widget : QApplication::allWidgets()) {
+        if (qobject_cast<QProgressBar*>(widget) != nullptr) {
+            widget->setPalette(barColours);
         }
     }
 }
