@@ -1,5 +1,5 @@
 // Any bytes as a picture: it is refused, or it can be drawn and saved, and what was saved is the
-// same picture.
+// same picture. What is decoded without libpng is what libpng makes of it.
 
 #include <zlib.h>
 
@@ -15,6 +15,8 @@
 #include "platform/media/pictures/MediaCoreVideo.h"
 #include "platform/media/pictures/Pictures.h"
 #include "platform/media/pictures/PixelBuffer.h"
+#include "platform/media/pictures/libpng_decoding.h"
+#include "platform/media/pictures/png_decoding.h"
 
 namespace vistrane {
 
@@ -89,7 +91,24 @@ Bytes draw(Kits& kits, const NSImage& image, std::size_t width, std::size_t heig
     return pixels;
 }
 
+void tryTwins(const Bytes& bytes, PixelForm form) {
+    const auto read = readPngHeader(bytes, limits);
+    const auto* header = std::get_if<PngHeader>(&read);
+    if (header == nullptr) {
+        return;
+    }
+    const std::size_t stride = bytesPerPixel(form) * header->width;
+    Bytes ours(stride * header->height);
+    Bytes theirs(ours.size());
+    if (decodeUsualPng(bytes, *header, form, ours.data(), static_cast<std::ptrdiff_t>(stride))) {
+        require(!decodeByLibpng(bytes, *header, form, theirs.data(),
+                                static_cast<std::ptrdiff_t>(stride)));
+        require(ours == theirs);
+    }
+}
+
 void tryPicture(const Bytes& bytes) {
+    tryTwins(bytes, static_cast<PixelForm>(bytes.size() % 3));
     Kits kits;
     const auto image = kits.pictures.imageWithData(DataBytes::copyOf(bytes));
     if (!image) {

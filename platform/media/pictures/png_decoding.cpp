@@ -1,130 +1,112 @@
 #include "platform/media/pictures/png_decoding.h"
 
-#include <png.h>
-
-#include <csetjmp>
+#include <algorithm>
 #include <cstring>
+#include <utility>
+
+#include "platform/media/pictures/ByteArray.h"
+#include "platform/media/pictures/Inflation.h"
+#include "platform/media/pictures/libpng_decoding.h"
+#include "platform/media/pictures/png_expansion.h"
+#include "platform/media/pictures/png_filters.h"
 
 namespace vistrane {
 
 namespace {
 
-/// Everything that the library's callbacks touch. Plain data: errors leave by a long jump, past
-/// which no destructor may stand.
-struct Decoding {
-    const std::uint8_t* file = nullptr;
-    std::size_t length = 0;
-    std::size_t position = 0;
-    bool inPixels = false;
-    char fault[160] = {};
-};
+/// libpng minds chunks that are longer than their pixels can be, unless they are short.
+constexpr std::size_t shortChunk = 1'000'000;
+constexpr std::size_t longestRow = std::size_t{1} << 24;
 
-void keepFault(Decoding& decoding, const char* message) {
-    std::strncpy(decoding.fault, message, sizeof decoding.fault - 1);
-}
+/// Turns the decompressed bytes into the rows asked for.
+class RowWriting {
+public:
+    RowWriting(const PngExpansion& expansion, std::uint8_t* rows, std::ptrdiff_t stride)
+        : expansion_(expansion), length_(expansion.rowBytes()), rows_(rows), stride_(stride) {}
 
-[[noreturn]] void onError(png_structp png, png_const_charp message) {
-    keepFault(*static_cast<Decoding*>(png_get_error_ptr(png)), message);
-    png_longjmp(png, 1);
-}
-
-/// Data after the last pixel harm nobody. Any other complaint while pixels are read means that
-/// they are wrong, above all a checksum of the compressed data that does not fit.
-void onWarning(png_structp png, png_const_charp message) {
-    Decoding& decoding = *static_cast<Decoding*>(png_get_error_ptr(png));
-    const bool harmless = std::strstr(message, "Too much image data") != nullptr ||
-                          std::strstr(message, "Extra compressed data") != nullptr;
-    if (decoding.inPixels && !harmless) {
-        png_error(png, message);
-    }
-}
-
-void onRead(png_structp png, png_bytep bytes, std::size_t length) {
-    Decoding& decoding = *static_cast<Decoding*>(png_get_io_ptr(png));
-    if (length > decoding.length - decoding.position) {
-        png_error(png, "the file ends too early");
-    }
-    std::memcpy(bytes, decoding.file + decoding.position, length);
-    decoding.position += length;
-}
-
-/// Only the size, the palette, the transparency and the pixels are wanted. The rest would cost
-/// time and memory that the file's author decides on.
-void skipOtherChunks(png_structp png) {
-    static const png_byte names[] = "bKGD\0cHRM\0eXIf\0gAMA\0hIST\0iCCP\0iTXt\0oFFs\0pCAL\0pHYs\0"
-                                    "sBIT\0sCAL\0sPLT\0sRGB\0tEXt\0tIME\0zTXt";
-    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, 0);
-    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, names, sizeof names / 5);
-}
-
-void setUp(png_structp png, const PngHeader& header) {
-    skipOtherChunks(png);
-    png_set_user_limits(png, header.width, header.height);
-    png_set_crc_action(png, PNG_CRC_QUIET_USE, PNG_CRC_QUIET_USE);
-}
-
-void askForForm(png_structp png, png_infop info, PixelForm form) {
-    const bool hasAlpha = (png_get_color_type(png, info) & PNG_COLOR_MASK_ALPHA) != 0 ||
-                          png_get_valid(png, info, PNG_INFO_tRNS) != 0;
-    png_set_expand(png);
-    png_set_scale_16(png);
-    png_set_gray_to_rgb(png);
-    if (form == PixelForm::RGB) {
-        png_set_strip_alpha(png);
-    } else if (!hasAlpha) {
-        png_set_filler(png, 0xFF, form == PixelForm::ARGB ? PNG_FILLER_BEFORE : PNG_FILLER_AFTER);
-    } else if (form == PixelForm::ARGB) {
-        png_set_swap_alpha(png);
-    }
-}
-
-/// An interlaced picture comes in several passes, each of which fills in some pixels of the rows.
-void readRows(png_structp png, const PngHeader& header, std::uint8_t* rows, std::ptrdiff_t stride,
-              int passes) {
-    for (int pass = 0; pass < passes; ++pass) {
-        for (std::uint32_t y = 0; y < header.height; ++y) {
-            png_read_row(png, rows + static_cast<std::ptrdiff_t>(y) * stride, nullptr);
+    /// False when there is no memory.
+    bool begin() {
+        const std::size_t room = length_ + filterMargin;
+        auto lines = ByteArray::ofLength(expansion_.isCopy() ? room : 2 * room);
+        if (!lines) {
+            return false;
         }
+        lines_ = std::move(*lines);
+        std::memset(lines_.data(), 0, lines_.length());
+        above_ = lines_.data();
+        line_ = lines_.data() + room;
+        return true;
     }
-}
 
-bool decode(png_structp png, png_infop info, Decoding& decoding, const PngHeader& header,
-            PixelForm form, std::uint8_t* rows, std::ptrdiff_t stride) {
-    if (setjmp(png_jmpbuf(png)) != 0) {
-        return false;
+    /// One row with its filter's number before it. False when there is no such filter.
+    bool write(const std::uint8_t* filtered) {
+        if (filtered[0] > lastPngFilter) {
+            return false;
+        }
+        std::uint8_t* to = expansion_.isCopy() ? rows_ : line_;
+        unfilterRow(static_cast<PngFilter>(filtered[0]), filtered + 1, above_, to, length_,
+                    expansion_.pixelBytes());
+        if (expansion_.isCopy()) {
+            above_ = to;
+        } else {
+            expansion_.expand(to, rows_);
+            std::swap(above_, line_);
+        }
+        rows_ += stride_;
+        return true;
     }
-    setUp(png, header);
-    png_set_read_fn(png, &decoding, onRead);
-    png_read_info(png, info);
-    askForForm(png, info, form);
-    const int passes = png_set_interlace_handling(png);
-    png_read_update_info(png, info);
-    if (png_get_image_width(png, info) != header.width ||
-        png_get_image_height(png, info) != header.height ||
-        png_get_rowbytes(png, info) != header.width * bytesPerPixel(form)) {
-        png_error(png, "its form is not the one announced");
-    }
-    decoding.inPixels = true;
-    readRows(png, header, rows, stride, passes);
-    return true;
-}
+
+private:
+    const PngExpansion& expansion_;
+    std::size_t length_;
+    std::uint8_t* rows_;
+    std::ptrdiff_t stride_;
+    ByteArray lines_;
+    std::uint8_t* above_ = nullptr;
+    std::uint8_t* line_ = nullptr;
+};
 
 } // namespace
 
+bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
+                    std::uint8_t* rows, std::ptrdiff_t stride) {
+    if (header.interlaced) {
+        return false;
+    }
+    const auto expansion = PngExpansion::of(file, header, form);
+    if (!expansion || expansion->rowBytes() > longestRow) {
+        return false;
+    }
+    const std::size_t rowBytes = expansion->rowBytes() + 1;
+    const std::size_t length = rowBytes * header.height;
+    if (header.imageBytes > std::max(length, shortChunk)) {
+        return false;
+    }
+    RowWriting writing(*expansion, rows, stride);
+    if (!writing.begin()) {
+        return false;
+    }
+    const ByteRange& chunks = header.imageChunks;
+    Inflation inflation(ImageData(file.subspan(chunks.offset, chunks.length)), length, rowBytes);
+    Inflation::Outcome outcome = Inflation::Outcome::Going;
+    while (outcome == Inflation::Outcome::Going) {
+        outcome = inflation.more();
+        while (outcome != Inflation::Outcome::GivenUp && inflation.freshLength() >= rowBytes) {
+            if (!writing.write(inflation.fresh())) {
+                return false;
+            }
+            inflation.take(rowBytes);
+        }
+    }
+    return outcome == Inflation::Outcome::Ended;
+}
+
 std::optional<std::string> decodePng(std::span<const std::uint8_t> file, const PngHeader& header,
                                      PixelForm form, std::uint8_t* rows, std::ptrdiff_t stride) {
-    Decoding decoding;
-    decoding.file = file.data();
-    decoding.length = file.size();
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &decoding, onError, onWarning);
-    png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
-    if (info == nullptr) {
-        png_destroy_read_struct(&png, nullptr, nullptr);
-        return "there is not enough memory";
+    if (decodeUsualPng(file, header, form, rows, stride)) {
+        return std::nullopt;
     }
-    const bool whole = decode(png, info, decoding, header, form, rows, stride);
-    png_destroy_read_struct(&png, &info, nullptr);
-    return whole ? std::nullopt : std::optional<std::string>(decoding.fault);
+    return decodeByLibpng(file, header, form, rows, stride);
 }
 
 } // namespace vistrane

@@ -19,7 +19,15 @@ namespace vistrane {
 /// values: neither gamma nor a profile is applied. For the rows see `PictureSource::readPixels`.
 ///
 /// The header step has tested the chunks' checksums: this step tests the pixel data's own.
+///
+/// The usual forms of file are decoded here, anything else by libpng, which also has the last word
+/// on a file that seems to be damaged.
 std::optional<std::string> decodePng(std::span<const std::uint8_t> file, const PngHeader& header,
                                      PixelForm form, std::uint8_t* rows, std::ptrdiff_t stride);
+
+/// The part of `decodePng` that is done without libpng. True if the file is whole and of a usual
+/// form; then the rows are what libpng makes of it.
+bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
+                    std::uint8_t* rows, std::ptrdiff_t stride);
 
 } // namespace vistrane

@@ -1,6 +1,6 @@
 #include "platform/media/pictures/png_header.h"
 
-#include <zlib.h>
+#include <libdeflate.h>
 
 #include <algorithm>
 #include <array>
@@ -46,8 +46,7 @@ bool isChunkType(std::string_view type) {
 }
 
 bool checksumFits(std::span<const std::uint8_t> typeAndData, std::uint32_t checksum) {
-    // Chunks are shorter than 2^31, which is what the length's type holds.
-    return ::crc32(0, typeAndData.data(), static_cast<uInt>(typeAndData.size())) == checksum;
+    return ::libdeflate_crc32(0, typeAndData.data(), typeAndData.size()) == checksum;
 }
 
 std::variant<Chunk, PngRefusal> chunkAt(std::span<const std::uint8_t> file, std::size_t offset) {
@@ -200,22 +199,38 @@ private:
             (!fits || hasPalette_ || header_.imageChunks.length > 0)) {
             return damaged("its palette is not valid");
         }
+        const bool afterPixels = header_.imageChunks.length > 0;
+        if (hasPalette_ || afterPixels || header_.hasTransparencyChunk ||
+            header_.colour != PngColour::Palette) {
+            header_.hasPlainColours = false;
+        }
+        header_.palette = rangeOf(chunk);
         hasPalette_ = true;
         return std::nullopt;
     }
 
     void takeAncillary(const Chunk& chunk) {
         if (chunk.type == "tRNS") {
-            header_.hasTransparencyChunk = true;
+            takeTransparency(chunk);
         } else if (chunk.type == "pHYs" && chunk.data.size() == 9 && chunk.data[8] == 1) {
             const PixelDensity density{number(chunk.data.data()), number(chunk.data.data() + 4)};
             const bool valid = density.x != 0 && density.y != 0 && density.x <= largestNumber &&
                                density.y <= largestNumber;
             header_.density = valid ? std::optional(density) : std::nullopt;
         } else if (chunk.type == "iCCP") {
-            header_.profile = ByteRange{chunk.offset + 8, chunk.data.size()};
+            header_.profile = rangeOf(chunk);
         }
     }
+
+    void takeTransparency(const Chunk& chunk) {
+        if (header_.hasTransparencyChunk) {
+            header_.hasPlainColours = false;
+        }
+        header_.transparency = rangeOf(chunk);
+        header_.hasTransparencyChunk = true;
+    }
+
+    static ByteRange rangeOf(const Chunk& chunk) { return {chunk.offset + 8, chunk.data.size()}; }
 
     std::span<const std::uint8_t> file_;
     const PictureLimits& limits_;

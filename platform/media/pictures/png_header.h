@@ -33,6 +33,12 @@ struct PngHeader {
     std::optional<PixelDensity> density;
     /// The data of an iCCP chunk.
     std::optional<ByteRange> profile;
+    /// The data of the PLTE and tRNS chunks that stand before the pixels, if there are any.
+    ByteRange palette;
+    ByteRange transparency;
+    /// Whether these two stand where, and as often as, the format has them. Readers differ in what
+    /// they make of others.
+    bool hasPlainColours = true;
     /// From the first IDAT chunk's length field to the last one's checksum: they stand in one
     /// row. The sum of their data's lengths.
     ByteRange imageChunks;

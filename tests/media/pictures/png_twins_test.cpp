@@ -1,0 +1,332 @@
+// Reading without libpng, beside libpng: for whatever file, both say the same and make the same
+// pixels of it.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "platform/media/pictures/libpng_decoding.h"
+#include "platform/media/pictures/png_decoding.h"
+#include "tests/media/pictures/DeflateSamples.h"
+#include "tests/media/pictures/PngSamples.h"
+
+namespace vistrane::testing {
+namespace {
+
+constexpr PictureLimits limits{1024, 1U << 16, 1U << 20};
+constexpr PixelForm pixelForms[] = {PixelForm::ARGB, PixelForm::RGBA, PixelForm::RGB};
+
+/// How a file was taken.
+struct Tally {
+    std::size_t refused = 0;
+    std::size_t damaged = 0;
+    std::size_t decoded = 0;
+    std::size_t withoutLibpng = 0;
+};
+
+struct Decoded {
+    std::optional<std::string> fault;
+    Bytes rows;
+};
+
+std::uint32_t below(std::mt19937& random, std::uint32_t limit) {
+    return static_cast<std::uint32_t>(random() % limit);
+}
+
+constexpr std::uint8_t untouched = 0xA5;
+constexpr std::size_t gap = 5;
+
+template <typename Decode>
+Decoded decoded(const PngHeader& header, PixelForm form, const Decode& decode) {
+    const std::size_t stride = bytesPerPixel(form) * header.width + gap;
+    Decoded result{std::nullopt, Bytes(stride * header.height, untouched)};
+    result.fault = decode(result.rows.data(), static_cast<std::ptrdiff_t>(stride));
+    return result;
+}
+
+/// False where the two differ.
+bool agree(const Bytes& file, PixelForm form, Tally& tally, const PictureLimits& allowed = limits) {
+    const auto read = readPngHeader(file, allowed);
+    const auto* header = std::get_if<PngHeader>(&read);
+    if (header == nullptr) {
+        ++tally.refused;
+        return true;
+    }
+    bool fast = false;
+    const Decoded ours = decoded(*header, form, [&](auto* rows, auto stride) {
+        fast = decodeUsualPng(file, *header, form, rows, stride);
+        return std::optional<std::string>();
+    });
+    const Decoded theirs = decoded(*header, form, [&](auto* rows, auto stride) {
+        return decodeByLibpng(file, *header, form, rows, stride);
+    });
+    ++(theirs.fault ? tally.damaged : tally.decoded);
+    tally.withoutLibpng += fast ? 1 : 0;
+    // What is not decoded without libpng is left to it.
+    return !fast || (!theirs.fault && ours.rows == theirs.rows);
+}
+
+PixelForm anyForm(std::mt19937& random) {
+    return pixelForms[below(random, 3)];
+}
+
+PngForm usualForm(std::mt19937& random) {
+    constexpr PngForm forms[] = {{0, 1, false, false}, {0, 2, false, false}, {0, 4, false, false},
+                                 {0, 8, false, false}, {2, 8, false, false}, {2, 8, false, false},
+                                 {3, 1, false, false}, {3, 2, false, false}, {3, 4, false, false},
+                                 {3, 8, false, false}, {4, 8, false, false}, {6, 8, false, false},
+                                 {6, 8, false, false}};
+    return forms[below(random, std::uint32_t(std::size(forms)))];
+}
+
+std::size_t rowBytesOf(const PngForm& form, std::uint32_t width) {
+    constexpr std::size_t components[] = {1, 0, 3, 1, 2, 0, 4};
+    return 1 + (components[form.colour] * std::size_t(form.depth) * width + 7) / 8;
+}
+
+template <typename MakeStream>
+Tally compareStreams(unsigned count, unsigned seed, const MakeStream& make) {
+    Tally tally;
+    std::mt19937 random(seed);
+    for (unsigned i = 0; i < count; ++i) {
+        const PngForm form = usualForm(random);
+        const std::uint32_t width = 1 + below(random, random() % 4 == 0 ? 300 : 12);
+        const std::uint32_t height = 1 + below(random, 4);
+        Bytes file = pngAround(form, width, height, make(random, rowBytesOf(form, width), height));
+        if (below(random, 8) == 0) {
+            file = withSplitData(file, 1 + below(random, 40));
+        }
+        EXPECT_TRUE(agree(file, anyForm(random), tally))
+            << "input " << i << ", " << form.text() << ", " << width << " x " << height;
+    }
+    return tally;
+}
+
+TEST(PngTwins, StreamsOfEveryMakeAreDecodedAlike) {
+    const Tally tally = compareStreams(60000, 1, randomStream);
+    EXPECT_GT(tally.withoutLibpng, 30000U);
+    EXPECT_GT(tally.damaged, 6000U);
+}
+
+TEST(PngTwins, StreamsOfZlibAreDecodedAlike) {
+    const Tally tally = compareStreams(30000, 2, zlibStream);
+    EXPECT_GT(tally.withoutLibpng, 20000U);
+    EXPECT_GT(tally.damaged, 500U);
+}
+
+TEST(PngTwins, MatchesThatTheFormatDoesNotHaveAreLeftToLibpng) {
+    std::mt19937 random(10);
+    constexpr PictureLimits wide{1U << 15, 1U << 16, 1U << 20};
+    for (std::size_t symbol = 257; symbol < 288; ++symbol) {
+        for (std::size_t farSymbol = 0; farSymbol < 32; farSymbol += symbol == 257 ? 1 : 7) {
+            const Bytes stream = oneMatchStream(random, 28001, symbol, farSymbol);
+            Tally tally;
+            EXPECT_TRUE(agree(pngAround({0, 8, false, false}, 28000, 1, stream), PixelForm::RGB,
+                              tally, wide));
+            EXPECT_EQ(tally.withoutLibpng, symbol < 286 && farSymbol < 30 ? 1U : 0U)
+                << symbol << ", " << farSymbol;
+        }
+    }
+}
+
+std::vector<Bytes> smallFiles() {
+    std::vector<Bytes> files;
+    for (const PngForm& form : allPngForms()) {
+        files.push_back(randomPng(form, 7, 5, 11).file);
+    }
+    std::mt19937 random(3);
+    for (int i = 0; i < 60; ++i) {
+        const PngForm form = usualForm(random);
+        files.push_back(pngAround(form, 9, 3, randomStream(random, rowBytesOf(form, 9), 3)));
+        files.push_back(withSplitData(files.back(), 1 + below(random, 30)));
+    }
+    return files;
+}
+
+TEST(PngTwins, FilesWithWrongBitsAreTakenAlike) {
+    Tally tally;
+    std::mt19937 random(4);
+    const std::vector<Bytes> files = smallFiles();
+    for (int i = 0; i < 60000; ++i) {
+        Bytes file = files[below(random, std::uint32_t(files.size()))];
+        for (unsigned flips = 1 + below(random, 3); flips > 0; --flips) {
+            file[below(random, std::uint32_t(file.size()))] ^=
+                static_cast<std::uint8_t>(1U << below(random, 8));
+        }
+        file = below(random, 16) == 0 ? file : withRightChecksums(file);
+        EXPECT_TRUE(agree(file, anyForm(random), tally)) << i;
+    }
+    EXPECT_GT(tally.decoded, 3000U);
+    EXPECT_GT(tally.damaged, 10000U);
+}
+
+/// The same with the streams' own checksum put right, where the stream can still be read: so the
+/// wrong bits show in the pixels.
+Bytes withRightPixelSum(Bytes file) {
+    for (const ChunkPlace& place : chunksOf(file)) {
+        const auto at = [&](std::size_t i) -> std::uint8_t& { return file[place.offset + 8 + i]; };
+        if (place.type == "IDAT" && place.dataLength > 6) {
+            // Of a stored block: 2 bytes before it, 5 of its own and 4 after it.
+            const std::size_t length = place.dataLength < 11 ? 0 : place.dataLength - 11;
+            std::uint32_t low = 1;
+            std::uint32_t high = 0;
+            for (std::size_t i = 0; i < length; ++i) {
+                low = (low + at(7 + i)) % 65521;
+                high = (high + low) % 65521;
+            }
+            const std::uint32_t sum = high << 16 | low;
+            for (std::size_t i = 0; i < 4; ++i) {
+                at(place.dataLength - 4 + i) = static_cast<std::uint8_t>(sum >> (24 - 8 * i));
+            }
+        }
+    }
+    return withRightChecksums(file);
+}
+
+/// A stream of one stored block.
+Bytes storedStream(std::mt19937& random, std::size_t rowBytes, std::size_t rows) {
+    const std::size_t length = rowBytes * rows;
+    Bytes stream = {0x78,
+                    1,
+                    1,
+                    std::uint8_t(length),
+                    std::uint8_t(length >> 8),
+                    std::uint8_t(~length),
+                    std::uint8_t(~length >> 8)};
+    for (std::size_t i = 0; i < length; ++i) {
+        const bool rowStart = i % rowBytes == 0;
+        stream.push_back(static_cast<std::uint8_t>(rowStart ? below(random, 5) : random()));
+    }
+    stream.resize(stream.size() + 4);
+    return stream;
+}
+
+TEST(PngTwins, AnyBytesUnderAnyFilterAreDecodedAlike) {
+    Tally tally;
+    std::mt19937 random(5);
+    for (int i = 0; i < 30000; ++i) {
+        const PngForm form = usualForm(random);
+        const std::uint32_t width = 1 + below(random, 40);
+        const std::uint32_t height = 1 + below(random, 5);
+        const Bytes stream = storedStream(random, rowBytesOf(form, width), height);
+        Bytes file = pngAround(form, width, height, stream);
+        if (below(random, 4) == 0) {
+            file[file.size() - 20 - below(random, std::uint32_t(stream.size()))] ^=
+                static_cast<std::uint8_t>(1U << below(random, 8));
+        }
+        EXPECT_TRUE(agree(withRightPixelSum(file), anyForm(random), tally)) << i;
+    }
+    EXPECT_GT(tally.withoutLibpng, 25000U);
+}
+
+TEST(PngTwins, FilesCutOffAnywhereAreTakenAlike) {
+    Tally tally;
+    std::mt19937 random(6);
+    for (const Bytes& whole : smallFiles()) {
+        for (const ChunkPlace& place : chunksOf(whole)) {
+            // The last chunk of pixels ends early, under a right checksum.
+            for (std::size_t length = 0; place.type == "IDAT" && length < place.dataLength;
+                 ++length) {
+                Bytes file(whole.begin(), whole.begin() + std::ptrdiff_t(place.offset));
+                const Bytes data =
+                    chunk("IDAT", std::span(whole).subspan(place.offset + 8, length));
+                const Bytes end = chunk("IEND", Bytes());
+                file.insert(file.end(), data.begin(), data.end());
+                file.insert(file.end(), end.begin(), end.end());
+                EXPECT_TRUE(agree(file, anyForm(random), tally)) << length;
+            }
+        }
+        for (std::size_t length = 0; length < whole.size(); ++length) {
+            EXPECT_TRUE(agree(Bytes(whole.begin(), whole.begin() + std::ptrdiff_t(length)),
+                              anyForm(random), tally));
+        }
+    }
+    EXPECT_GT(tally.damaged, 3000U);
+    EXPECT_GT(tally.refused, 3000U);
+}
+
+Bytes randomChunk(std::mt19937& random) {
+    constexpr const char* types[] = {"PLTE", "tRNS", "tRNS", "gAMA",
+                                     "tEXt", "sBIT", "IDAT", "abCd"};
+    Bytes data(below(random, 10) == 0 ? below(random, 800) : (1 + below(random, 4)) * 3);
+    std::generate(data.begin(), data.end(), [&] { return static_cast<std::uint8_t>(random()); });
+    return chunk(types[below(random, std::uint32_t(std::size(types)))], data);
+}
+
+TEST(PngTwins, FilesOfRandomPartsAreTakenAlike) {
+    Tally tally;
+    std::mt19937 random(7);
+    const std::vector<Bytes> files = smallFiles();
+    for (int i = 0; i < 30000; ++i) {
+        Bytes file = files[below(random, std::uint32_t(files.size()))];
+        for (unsigned changes = 1 + below(random, 3); changes > 0; --changes) {
+            const auto chunks = chunksOf(file);
+            const ChunkPlace& place = chunks[1 + below(random, std::uint32_t((chunks.size() - 1)))];
+            const auto start = file.begin() + std::ptrdiff_t(place.offset);
+            const auto end = start + std::ptrdiff_t(place.dataLength + 12);
+            if (below(random, 8) == 0 && place.type != "IEND") {
+                file.erase(start, end);
+            } else {
+                const Bytes more = below(random, 4) == 0 ? Bytes(start, end) : randomChunk(random);
+                file.insert(start, more.begin(), more.end());
+            }
+        }
+        EXPECT_TRUE(agree(file, anyForm(random), tally)) << i;
+    }
+    EXPECT_GT(tally.decoded, 5000U);
+    EXPECT_GT(tally.refused, 2000U);
+}
+
+TEST(PngTwins, TheUsualFormsNeedNoLibpng) {
+    for (const PngForm& form : allPngForms()) {
+        const bool rare =
+            form.depth == 16 || form.interlaced || (form.transparency && form.colour != 3);
+        for (const PixelForm pixels : pixelForms) {
+            Tally tally;
+            EXPECT_TRUE(agree(randomPng(form, 33, 9).file, pixels, tally)) << form.text();
+            EXPECT_EQ(tally.withoutLibpng, rare ? 0U : 1U) << form.text();
+        }
+    }
+}
+
+/// More than the part of the picture that is at hand at once, by more than one writer.
+TEST(PngTwins, LargePicturesAreDecodedAlike) {
+    Tally tally;
+    std::mt19937 random(8);
+    constexpr PictureLimits large{1U << 15, 1U << 24, 1U << 26};
+    for (int i = 0; i < 40; ++i) {
+        const PngForm form = usualForm(random);
+        const std::uint32_t width = 1 + below(random, i % 10 == 0 ? 30000 : 1500);
+        const std::uint32_t height = 1 + 200000 / width;
+        Bytes file =
+            pngAround(form, width, height, zlibStream(random, rowBytesOf(form, width), height));
+        file = i % 2 == 0 ? withSplitData(file, 1000 + below(random, 9000)) : file;
+        EXPECT_TRUE(agree(file, anyForm(random), tally, large)) << i;
+    }
+    EXPECT_GT(tally.withoutLibpng, 15U);
+}
+
+TEST(PngTwins, OddFilesGetTheVerdictOfLibpng) {
+    std::mt19937 random(9);
+    for (int i = 0; i < 2000; ++i) {
+        const Bytes file = pngAround({2, 8, false, false}, 20, 3, randomStream(random, 61, 3));
+        const auto read = readPngHeader(file, limits);
+        const auto* header = std::get_if<PngHeader>(&read);
+        if (header == nullptr) {
+            continue;
+        }
+        const auto whole = [&](const auto& decode) {
+            return decoded(*header, PixelForm::ARGB, [&](auto* rows, auto stride) {
+                return decode(file, *header, PixelForm::ARGB, rows, stride);
+            });
+        };
+        const Decoded ours = whole(decodePng);
+        const Decoded theirs = whole(decodeByLibpng);
+        EXPECT_EQ(ours.fault, theirs.fault);
+        EXPECT_TRUE(ours.fault || ours.rows == theirs.rows);
+    }
+}
+
+} // namespace
+} // namespace vistrane::testing
