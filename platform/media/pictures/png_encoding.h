@@ -11,9 +11,9 @@ namespace vistrane {
 /// where all of it is opaque, else RGBA. Lossless. Nothing when the picture cannot be decoded or
 /// there is no memory.
 ///
-/// Made for speed: the picture is wanted on disk before the next one comes. At the fastest level
-/// with one simple filter a file is a fifth larger than with the library's defaults, and done in
-/// a tenth of their time.
+/// Made for speed: the picture is wanted on disk before the next one comes. With one simple filter
+/// and the fastest level of igzip a photograph's file is a tenth shorter than from libpng at its
+/// fastest, and done in a quarter of the time.
 std::optional<ByteArray> encodePng(const PictureSource& picture);
 
 } // namespace vistrane
