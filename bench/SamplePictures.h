@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vistrane::bench {
+
+/// Pixels of a made-up picture, three bytes each, rows without gaps.
+struct SamplePicture {
+    std::string kind;
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::vector<std::uint8_t> rgb;
+};
+
+/// noise: a scene as a camera delivers it. gradient: smooth ones. screen: windows with text.
+/// flat: one colour.
+inline const std::vector<std::string> sampleKinds = {"noise", "gradient", "screen", "flat"};
+
+/// The same picture each time. `frame` moves what is in it, as from frame to frame of a movie.
+SamplePicture samplePicture(const std::string& kind, std::uint32_t width, std::uint32_t height,
+                            unsigned frame = 0);
+
+} // namespace vistrane::bench
