@@ -18,8 +18,8 @@ constexpr std::size_t farthestBack = 32768;
 /// How much is made before it is taken: the caches hold it, and moving the last 32 KiB to the
 /// front costs little beside it.
 constexpr std::size_t stretch = std::size_t{128} * 1024;
-/// More than one turn of the decoding loop writes: six literals, the longest match and the rest of
-/// the 16 bytes that are copied at once.
+/// More than one turn of the decoding loop writes: eight literals, the longest match and the rest
+/// of the 16 bytes that are copied at once.
 constexpr std::size_t turnOutput = 320;
 /// More than one turn of the decoding loop takes into the bits.
 constexpr std::ptrdiff_t turnInput = 32;
@@ -400,6 +400,7 @@ struct InflationLoop {
         refill();
         std::uint32_t entry = literals[lowBits(bits, Inflation::literalBits)];
         while (in < inLimit && out < outLimit) {
+            // Four looks into the table use up 44 of the 56 bits that there are at least.
             if ((entry & isLiteral) != 0) {
                 put(entry);
                 entry = literals[lowBits(bits, Inflation::literalBits)];
@@ -408,9 +409,13 @@ struct InflationLoop {
                     entry = literals[lowBits(bits, Inflation::literalBits)];
                     if ((entry & isLiteral) != 0) {
                         put(entry);
-                        refill();
                         entry = literals[lowBits(bits, Inflation::literalBits)];
-                        continue;
+                        if ((entry & isLiteral) != 0) {
+                            put(entry);
+                            refill();
+                            entry = literals[lowBits(bits, Inflation::literalBits)];
+                            continue;
+                        }
                     }
                 }
                 refill();
