@@ -2,8 +2,8 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "platform/FileNames.h"
 #include "platform/foundation/NSObject.h"
 
 namespace vistrane {
@@ -16,8 +16,7 @@ public:
 
     /// The names of a folder's entries, hidden ones included, "." and ".." left out, in no
     /// promised order, every byte of a name kept. Nothing when the folder cannot be listed.
-    virtual std::optional<std::vector<std::string>>
-    contentsOfDirectoryAtPath(const std::string& path) const = 0;
+    virtual std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const = 0;
 };
 
 } // namespace vistrane

@@ -38,18 +38,17 @@ bool SimFiles::fileExistsAtPath(const std::string& path, bool& isDirectory) cons
     return entry != nullptr;
 }
 
-std::optional<std::vector<std::string>>
-SimFiles::contentsOfDirectoryAtPath(const std::string& path) const {
+std::optional<FileNames> SimFiles::contentsOfDirectoryAtPath(const std::string& path) const {
     call("contentsOfDirectoryAtPath: " + path);
     const std::shared_lock lock(mutex_);
     const Entry* folder = find(path);
     if (!folder || !folder->isFolder || unlistable_.count(path) != 0) {
         return std::nullopt;
     }
-    std::vector<std::string> names;
+    FileNames names;
     for (const Entry& entry : entries_) {
         if (entry.path != "/" && parentOf(entry.path) == path) {
-            names.push_back(nameIn(entry.path));
+            names.append(nameIn(entry.path));
         }
     }
     return names;

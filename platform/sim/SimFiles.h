@@ -19,8 +19,7 @@ public:
     explicit SimFiles(CallLog& log) : SimObject(log, "defaultManager") {}
 
     bool fileExistsAtPath(const std::string& path, bool& isDirectory) const override;
-    std::optional<std::vector<std::string>>
-    contentsOfDirectoryAtPath(const std::string& path) const override;
+    std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const override;
 
     void addFolder(const std::string& path);
     /// A file; when its name ends in ".png" it is a picture of 640 x 480 points.

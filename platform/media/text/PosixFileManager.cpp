@@ -1,11 +1,10 @@
 #include "platform/media/text/PosixFileManager.h"
 
-#include <cerrno>
-#include <memory>
-#include <string_view>
-
-#include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/media/text/entry_names.h"
 
 namespace vistrane {
 
@@ -15,8 +14,24 @@ bool namesSomething(const std::string& path) {
     return path.find('\0') == std::string::npos;
 }
 
-struct DirectoryCloser {
-    void operator()(DIR* directory) const { closedir(directory); }
+/// Closed at the end of its scope.
+class OpenFolder {
+public:
+    explicit OpenFolder(const std::string& path)
+        : number_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC)) {}
+    OpenFolder(const OpenFolder&) = delete;
+    OpenFolder& operator=(const OpenFolder&) = delete;
+    ~OpenFolder() {
+        if (number_ >= 0) {
+            close(number_);
+        }
+    }
+
+    /// Negative when the folder could not be opened.
+    int number() const { return number_; }
+
+private:
+    const int number_;
 };
 
 } // namespace
@@ -30,28 +45,13 @@ bool PosixFileManager::fileExistsAtPath(const std::string& path, bool& isDirecto
     return true;
 }
 
-std::optional<std::vector<std::string>>
+std::optional<FileNames>
 PosixFileManager::contentsOfDirectoryAtPath(const std::string& path) const {
     if (!namesSomething(path)) {
         return std::nullopt;
     }
-    const std::unique_ptr<DIR, DirectoryCloser> directory(opendir(path.c_str()));
-    if (!directory) {
-        return std::nullopt;
-    }
-    std::vector<std::string> names;
-    errno = 0;
-    while (const dirent* entry = readdir(directory.get())) {
-        const std::string_view name(entry->d_name);
-        if (name != "." && name != "..") {
-            names.emplace_back(name);
-        }
-        errno = 0;
-    }
-    if (errno != 0) {
-        return std::nullopt;
-    }
-    return names;
+    const OpenFolder folder(path);
+    return folder.number() < 0 ? std::nullopt : entryNames(folder.number());
 }
 
 } // namespace vistrane

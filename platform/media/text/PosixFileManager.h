@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/foundation/NSFileManager.h"
 
@@ -15,8 +14,7 @@ public:
 
     /// Nothing also when an error cuts the listing short: half a folder would look as if files had
     /// been removed.
-    std::optional<std::vector<std::string>>
-    contentsOfDirectoryAtPath(const std::string& path) const override;
+    std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const override;
 };
 
 } // namespace vistrane

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vistrane {
+
+/// The names of a folder's entries, in the order of their listing.
+///
+/// They lie one behind the other in one piece of memory, so that a listing costs no allocation for
+/// each name and two listings are compared at the speed of memory. The views that reading gives
+/// last as long as the names are neither changed nor moved.
+class FileNames {
+public:
+    class Iterator {
+    public:
+        using iterator_concept = std::forward_iterator_tag;
+        using iterator_category = std::input_iterator_tag;
+        using value_type = std::string_view;
+        using difference_type = std::ptrdiff_t;
+        using pointer = void;
+        using reference = std::string_view;
+
+        Iterator() = default;
+        /// `at`: the first byte of a name that a zero byte ends.
+        explicit Iterator(const char* at) : name_(at) {}
+
+        reference operator*() const { return name_; }
+        Iterator& operator++() {
+            name_ = std::string_view(name_.data() + name_.size() + 1);
+            return *this;
+        }
+        // NOLINTNEXTLINE(cert-dcl21-cpp): iterators can be assigned to
+        Iterator operator++(int) {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const Iterator& other) const { return name_.data() == other.name_.data(); }
+
+    private:
+        std::string_view name_;
+    };
+
+    using value_type = std::string_view;
+    using const_iterator = Iterator;
+    using iterator = Iterator;
+
+    /// `name`: any bytes but zero.
+    void append(std::string_view name) {
+        bytes_.append(name);
+        bytes_.push_back('\0');
+        ++count_;
+    }
+
+    // The string's own zero byte stands at the end, where a name would begin.
+    Iterator begin() const { return Iterator(bytes_.c_str()); }
+    Iterator end() const { return Iterator(bytes_.c_str() + bytes_.size()); }
+    std::size_t size() const { return count_; }
+    bool empty() const { return count_ == 0; }
+
+    /// The same names in the same order.
+    bool operator==(const FileNames& other) const { return bytes_ == other.bytes_; }
+
+    /// For readers who keep or change them.
+    // NOLINTNEXTLINE(google-explicit-constructor): nothing but the names is lost
+    operator std::vector<std::string>() const { return {begin(), end()}; }
+
+private:
+    /// Each name, ended by a zero byte.
+    std::string bytes_;
+    std::size_t count_ = 0;
+};
+
+} // namespace vistrane
