@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/foundation/NSObject.h"
 
@@ -37,6 +38,10 @@ public:
     /// order over any bytes, valid UTF-8 or not.
     virtual NSComparisonResult compare(const std::string& first, const std::string& second,
                                        std::uint32_t options, NSRange range) const = 0;
+
+    /// Brings the texts, compared whole, into the order of `compare`; those that it calls the same
+    /// stay in the order in which they were.
+    virtual void sort(std::vector<std::string>& texts, std::uint32_t options) const = 0;
 };
 
 } // namespace vistrane

@@ -110,4 +110,11 @@ NSComparisonResult SimLocale::compare(const std::string& first, const std::strin
     return result;
 }
 
+void SimLocale::sort(std::vector<std::string>& texts, std::uint32_t options) const {
+    std::stable_sort(
+        texts.begin(), texts.end(), [&](const std::string& first, const std::string& second) {
+            return compare(first, second, options, {0, first.size()}) == NSOrderedAscending;
+        });
+}
+
 } // namespace vistrane

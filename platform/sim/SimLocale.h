@@ -1,5 +1,9 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <vector>
+
 #include "platform/foundation/NSLocale.h"
 #include "platform/sim/CallLog.h"
 
@@ -13,6 +17,7 @@ public:
 
     NSComparisonResult compare(const std::string& first, const std::string& second,
                                std::uint32_t options, NSRange range) const override;
+    void sort(std::vector<std::string>& texts, std::uint32_t options) const override;
 };
 
 } // namespace vistrane

@@ -88,10 +88,36 @@ TYPED_TEST_P(LocaleContract, TheRangeLimitsTheFirstStringOnly) {
     EXPECT_EQ(this->locale_->compare("abc", "bc", this->allOptions, {1, 100}), NSOrderedSame);
 }
 
+TYPED_TEST_P(LocaleContract, TextsAreSortedAsTheyCompare) {
+    const std::vector<std::string> names = {"/f/b.png",    "/f/B.png",   "/f/a10.png", "/f/a9.png",
+                                            "/f/A9.png",   "",           "/f/a9.png",  "/f/",
+                                            "/f/\xff.png", "/f/a09.png", "/g/a"};
+    for (std::uint32_t options = 0; options < 1024; ++options) {
+        auto expected = names;
+        std::stable_sort(expected.begin(), expected.end(),
+                         [&](const std::string& first, const std::string& second) {
+                             return this->compare(first, second, options) == NSOrderedAscending;
+                         });
+        auto texts = names;
+        this->locale_->sort(texts, options);
+        EXPECT_EQ(texts, expected) << "options " << options;
+    }
+}
+
+TYPED_TEST_P(LocaleContract, NoTextAndOneTextAreSorted) {
+    std::vector<std::string> texts;
+    this->locale_->sort(texts, this->allOptions);
+    EXPECT_THAT(texts, ::testing::IsEmpty());
+    texts = {"/f/a.png"};
+    this->locale_->sort(texts, this->allOptions);
+    EXPECT_THAT(texts, ::testing::ElementsAre("/f/a.png"));
+}
+
 REGISTER_TYPED_TEST_SUITE_P(LocaleContract, NumbersCountByValueAndCaseDoesNotCount,
                             FrameStampsSortByTime, OnlyTheSameBytesAreTheSame,
                             TiesAreBrokenByCodePoint, WithoutForcedOrderATieIsTheSame,
                             WithoutNumericOrderDigitsCountOneByOne,
-                            TheRangeLimitsTheFirstStringOnly);
+                            TheRangeLimitsTheFirstStringOnly, TextsAreSortedAsTheyCompare,
+                            NoTextAndOneTextAreSorted);
 
 } // namespace vistrane

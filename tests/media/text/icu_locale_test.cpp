@@ -84,6 +84,54 @@ TEST(IcuLocale, AnyBytesAreInAStrictWeakOrder) {
     }
 }
 
+std::vector<std::string> sortedByComparing(const NSLocale& locale, std::vector<std::string> texts,
+                                           std::uint32_t options) {
+    std::stable_sort(texts.begin(), texts.end(),
+                     [&](const std::string& first, const std::string& second) {
+                         return compare(locale, first, second, options) == NSOrderedAscending;
+                     });
+    return texts;
+}
+
+TEST(IcuLocale, AnyBytesAreSortedAsTheyCompare) {
+    std::mt19937 random(20260308);
+    for (const char* name : {"en_US", "en_US_POSIX", "de_DE", "tr_TR", "ja_JP", "th_TH", "fr_CA",
+                             "sv_SE", "cs_CZ", "hu_HU", "ko_KR", "zh_CN", "vi_VN", "ar_EG"}) {
+        const IcuLocale locale(name);
+        for (int round = 0; round < 60; ++round) {
+            std::vector<std::string> texts;
+            const std::string folder = round % 4 == 0 ? "" : "/" + randomName(random) + "/";
+            for (auto left = random() % 100; left > 0; --left) {
+                texts.push_back(folder + randomName(random));
+            }
+            for (const std::uint32_t options :
+                 {frameOptions, static_cast<std::uint32_t>(random() % 1024)}) {
+                auto sorted = texts;
+                locale.sort(sorted, options);
+                ASSERT_EQ(sorted, sortedByComparing(locale, texts, options))
+                    << name << ", round " << round << ", options " << options;
+            }
+        }
+    }
+}
+
+TEST(IcuLocale, TextsThatNeedMuchRoomAreSorted) {
+    const IcuLocale locale("en_US");
+    std::vector<std::string> texts;
+    for (const std::size_t length : {200000U, 10U, 300000U, 70000U}) {
+        for (const char* letter : {"b", "é", "a", "B"}) {
+            std::string text;
+            while (text.size() < length) {
+                text += letter;
+            }
+            texts.push_back(text);
+        }
+    }
+    auto sorted = texts;
+    locale.sort(sorted, frameOptions);
+    EXPECT_EQ(sorted, sortedByComparing(locale, texts, frameOptions));
+}
+
 TEST(IcuLocale, ForcedOrderCallsOnlyEqualBytesTheSame) {
     std::mt19937 random(1);
     const IcuLocale locale("en_US");
@@ -134,6 +182,18 @@ TEST(IcuLocale, LongDigitRunsCompareByValue) {
     const std::string large = "f1" + std::string(99, '0') + ".png";
     EXPECT_EQ(compare("en_US", small, large), NSOrderedAscending);
     EXPECT_EQ(compare("en_US", "f" + std::string(50, '0') + "7", "f8"), NSOrderedAscending);
+}
+
+TEST(IcuLocale, DigitsOfOtherScriptsContinueANumberInEveryLanguage) {
+    for (const char* locale : {"en_US", "tr_TR", "ja_JP"}) {
+        // Nought, and then the letter counts.
+        EXPECT_EQ(compare(locale, "0e", "0\u0660é"), NSOrderedAscending) << locale;
+        EXPECT_EQ(compare(locale, "00e", "0\u0660é"), NSOrderedAscending) << locale;
+        EXPECT_EQ(compare(locale, "1\u0660", "19"), NSOrderedAscending) << locale;
+        EXPECT_EQ(compare(locale, "1\u0660", "9"), NSOrderedDescending) << locale;
+        EXPECT_EQ(compare(locale, "1\uFF11e", "11é"), NSOrderedAscending) << locale;
+        EXPECT_EQ(compare(locale, "1\uFF11é", "11e"), NSOrderedDescending) << locale;
+    }
 }
 
 TEST(IcuLocale, TheOrderIsTheLanguages) {
