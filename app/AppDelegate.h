@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/Published.h"
+#include "folder/SortedFrames.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSImageView.h"
@@ -224,6 +225,8 @@ private:
     void postJobEnd();
 
     Platform platform_;
+    /// The frame list's own: what the last listing gave.
+    SortedFrames sortedFrames_;
 };
 
 } // namespace vistrane

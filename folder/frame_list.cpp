@@ -1,6 +1,6 @@
 #include "folder/frame_list.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "app/AppDelegate.h"
 #include "folder/project_folder.h"
@@ -12,30 +12,18 @@ namespace vistrane {
 
 namespace {
 
-/// Only the extension counts: hidden names and folders are frames too, other cases of the
-/// extension are not.
-bool isFrameName(const std::string& name) {
-    return pathExtension(name) == "png";
-}
-
-std::vector<std::string> framePaths(const std::string& folder,
-                                    const std::vector<std::string>& names) {
-    std::vector<std::string> paths;
-    for (const std::string& name : names) {
-        if (isFrameName(name)) {
-            paths.push_back(stringWithFormat("%@/%@", {folder, name}));
-        }
-    }
-    return paths;
-}
+constexpr std::uint32_t frameOrderOptions =
+    NSCaseInsensitiveSearch | NSNumericSearch | NSWidthInsensitiveSearch | NSForcedOrderingSearch;
 
 } // namespace
 
 NSComparisonResult frameNameCompare(const std::string& first, const std::string& second,
                                     const NSLocale& locale) {
-    constexpr std::uint32_t options = NSCaseInsensitiveSearch | NSNumericSearch |
-                                      NSWidthInsensitiveSearch | NSForcedOrderingSearch;
-    return locale.compare(first, second, options, NSRange{0, first.size()});
+    return locale.compare(first, second, frameOrderOptions, NSRange{0, first.size()});
+}
+
+void sortFrames(std::vector<std::string>& paths, const NSLocale& locale) {
+    locale.sort(paths, frameOrderOptions);
 }
 
 void AppDelegate::startMonitoringFolder(NSObject*) {
@@ -57,19 +45,15 @@ void AppDelegate::refreshArray(NSObject*) {
     if (!folder) {
         return;
     }
-    const auto names = platform_.foundation.defaultManager().contentsOfDirectoryAtPath(*folder);
+    auto names = platform_.foundation.defaultManager().contentsOfDirectoryAtPath(*folder);
     if (!names) {
         return;
     }
-    auto paths = std::make_shared<std::vector<std::string>>(framePaths(*folder, *names));
-    const auto locale = platform_.foundation.currentLocale();
-    std::stable_sort(paths->begin(), paths->end(),
-                     [&locale](const std::string& first, const std::string& second) {
-                         return frameNameCompare(first, second, *locale) == NSOrderedAscending;
-                     });
+    const auto paths =
+        sortedFrames_.update(*folder, std::move(*names), platform_.foundation.currentLocale());
 
     const auto list = pictureArray.load();
-    if (list && *list == *paths) {
+    if (list && (list == paths || *list == *paths)) {
         return;
     }
     pictureArray.store(paths);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/foundation/NSLocale.h"
 
@@ -10,5 +11,8 @@ namespace vistrane {
 /// the same.
 NSComparisonResult frameNameCompare(const std::string& first, const std::string& second,
                                     const NSLocale& locale);
+
+/// Brings paths into the order of `frameNameCompare`.
+void sortFrames(std::vector<std::string>& paths, const NSLocale& locale);
 
 } // namespace vistrane

@@ -3,12 +3,13 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "folder/frame_list.h"
 #include "platform/media/text/IcuLocale.h"
 
 // Any three names, parted by NUL bytes: they have one order, in which only equal names are the
-// same.
+// same. Sorting, which has a way of its own, agrees.
 
 namespace {
 
@@ -46,6 +47,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     if (ab >= 0 && bc >= 0) {
         require(ac == (ab > 0 || bc > 0 ? NSOrderedDescending : NSOrderedSame));
+    }
+
+    std::vector<std::string> sorted = {"/f/" + a, "/f/" + b, "/f/" + c};
+    sortFrames(sorted, locale);
+    for (std::size_t at = 1; at < sorted.size(); ++at) {
+        require(frameNameCompare(sorted[at - 1], sorted[at], locale) <= 0);
     }
     return 0;
 }
