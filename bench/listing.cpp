@@ -1,0 +1,315 @@
+// Ticks of the frame list beside what else lists a folder: listing_bench [--short] [--cpu] [FOLDER]
+//
+// A tick is the controller's own, on the real file system and the real collation, with controls
+// and pictures that cost nothing. It takes turns with its peer:
+//   quiet-tick     nothing has changed; the peer reads the folder with readdir
+//   new-frame-tick one frame has come; the same peer
+//   first-listing  a controller's first tick; QDir lists and QCollator compares
+//   first-listing  kind "sort-keys": the same, sorted by QCollator's keys
+//   kept-bytes     no times but thousands of bytes that stay in use: ours, and QDir's list
+// One line for each:
+//   name  kind  size  ours_ms  peer_ms  ratio  spread
+// with tabs between. Times are medians, the ratio is the median of the turns' ratios, and the
+// spread is the distance of its quartiles. The folders are made in FOLDER, else in the folder for
+// temporary files, and taken away. --short leaves out a million names. --cpu counts processor time
+// instead of time, for a machine that others are using.
+
+#include <QCollator>
+#include <QCollatorSortKey>
+#include <QDir>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <malloc.h>
+#include <unistd.h>
+
+#include "app/AppDelegate.h"
+#include "platform/posix/PosixFoundation.h"
+#include "platform/sim/Sim.h"
+
+namespace vistrane::bench {
+
+namespace {
+
+constexpr int turns = 9;
+
+void require(bool holds, const std::string& what) {
+    if (!holds) {
+        std::fprintf(stderr, "listing_bench: %s\n", what.c_str());
+        std::exit(1);
+    }
+}
+
+clockid_t measuredClock = CLOCK_MONOTONIC;
+
+double milliseconds() {
+    timespec time{};
+    clock_gettime(measuredClock, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+double timeOf(const std::function<void()>& work) {
+    const double started = milliseconds();
+    work();
+    return milliseconds() - started;
+}
+
+double quantile(std::vector<double> values, double part) {
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1))];
+}
+
+void print(const char* name, const char* kind, std::size_t size, double our, double their,
+           double ratio, double spread) {
+    std::printf("%s\t%s\t%zu\t%.3f\t%.3f\t%.3f\t%.3f\n", name, kind, size, our, their, ratio,
+                spread);
+    std::fflush(stdout);
+}
+
+/// One turn of both sides: what is done before it is not measured.
+struct Pair {
+    std::function<void()> before;
+    std::function<void()> ours;
+    std::function<void()> peer;
+};
+
+void compare(const char* name, const char* kind, std::size_t size, const Pair& pair) {
+    std::vector<double> our;
+    std::vector<double> their;
+    std::vector<double> ratios;
+    for (int turn = 0; turn < turns; ++turn) {
+        pair.before();
+        our.push_back(timeOf(pair.ours));
+        their.push_back(timeOf(pair.peer));
+        ratios.push_back(our.back() / their.back());
+    }
+    print(name, kind, size, quantile(our, 0.5), quantile(their, 0.5), quantile(ratios, 0.5),
+          quantile(ratios, 0.75) - quantile(ratios, 0.25));
+}
+
+/// A folder of frames, named by the second, that goes away with it.
+class Folder {
+public:
+    explicit Folder(const std::string& parent) {
+        path_ = parent + "/vistrane-listing-XXXXXX";
+        require(mkdtemp(path_.data()) != nullptr, "no folder can be made in " + parent);
+    }
+    ~Folder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    const std::string& path() const { return path_; }
+    std::size_t count() const { return count_; }
+
+    void grow(std::size_t count) {
+        for (; count_ < count; ++count_) {
+            const auto moment = static_cast<std::time_t>(1767225600 + count_);
+            std::tm parts{};
+            gmtime_r(&moment, &parts);
+            char name[64];
+            std::strftime(name, sizeof name, "/%y-%m-%d-%H-%M-%S.png", &parts);
+            const int file = open((path_ + name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+            require(file >= 0, "no file can be made in " + path_);
+            close(file);
+        }
+    }
+
+private:
+    std::string path_;
+    std::size_t count_ = 0;
+};
+
+/// The real file system and collation; the rest is the sim's.
+class RealFiles final : public PosixFoundation {
+public:
+    explicit RealFiles(Foundation& sim) : PosixFoundation("0.0.0"), sim_(sim) {}
+
+    NSUserDefaults& standardUserDefaults() override { return sim_.standardUserDefaults(); }
+    NSDistributedNotificationCenter& defaultCenter() override { return sim_.defaultCenter(); }
+    NSRunLoop& currentRunLoop() override { return sim_.currentRunLoop(); }
+    std::shared_ptr<NSTimer> scheduledTimerWithTimeInterval(NSTimeInterval interval,
+                                                            std::function<void(NSTimer&)> tick,
+                                                            bool repeats) override {
+        return sim_.scheduledTimerWithTimeInterval(interval, std::move(tick), repeats);
+    }
+    void NSLog(const std::string& message) override { sim_.NSLog(message); }
+
+private:
+    Foundation& sim_;
+};
+
+class Controller {
+public:
+    explicit Controller(const std::string& folder) {
+        sim_.log().recordCalls(false);
+        delegate_.connectInterface(sim_.nib());
+        sim_.nib().button("outfolderB").currentTitle = folder;
+    }
+
+    void tick() { delegate_.refreshArray(nullptr); }
+    std::vector<std::string> frames() { return *delegate_.pictureArray.load(); }
+
+private:
+    Platform platform() {
+        Platform platform = sim_.platform();
+        return {files_,
+                platform.appKit,
+                platform.avFoundation,
+                platform.coreVideo,
+                platform.coreGraphics,
+                platform.dispatch};
+    }
+
+    Sim sim_;
+    RealFiles files_{sim_.platform().foundation};
+    AppDelegate delegate_{platform()};
+};
+
+/// The peer of the ticks: how many entries there are.
+std::size_t readWithReaddir(const std::string& path) {
+    DIR* folder = opendir(path.c_str());
+    require(folder != nullptr, "the folder cannot be read");
+    std::size_t count = 0;
+    while (readdir(folder) != nullptr) {
+        ++count;
+    }
+    closedir(folder);
+    return count;
+}
+
+QStringList listWithQDir(const std::string& path) {
+    const QDir folder(QString::fromStdString(path));
+    return folder.entryList({"*.png"}, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                            QDir::Unsorted);
+}
+
+QCollator collator() {
+    QCollator result(QLocale("en_US"));
+    result.setNumericMode(true);
+    result.setCaseSensitivity(Qt::CaseInsensitive);
+    return result;
+}
+
+QStringList sortedWithQCollator(const std::string& path) {
+    QStringList names = listWithQDir(path);
+    const QCollator order = collator();
+    std::sort(names.begin(), names.end(), order);
+    return names;
+}
+
+QStringList sortedByQCollatorsKeys(const std::string& path) {
+    const QCollator order = collator();
+    std::vector<std::pair<QCollatorSortKey, QString>> keyed;
+    for (const QString& name : listWithQDir(path)) {
+        keyed.emplace_back(order.sortKey(name), name);
+    }
+    std::sort(keyed.begin(), keyed.end(),
+              [](const auto& first, const auto& second) { return first.first < second.first; });
+    QStringList names;
+    for (const auto& [key, name] : keyed) {
+        names.append(name);
+    }
+    return names;
+}
+
+void requireSame(const std::string& folder, const std::vector<std::string>& ours,
+                 const QStringList& theirs) {
+    require(ours.size() == static_cast<std::size_t>(theirs.size()), "another number of frames");
+    for (std::size_t at = 0; at < ours.size(); ++at) {
+        require(ours[at] == folder + "/" + theirs[static_cast<qsizetype>(at)].toStdString(),
+                "another order");
+    }
+}
+
+double bytesInUse() {
+    const struct mallinfo2 info = mallinfo2();
+    return static_cast<double>(info.uordblks + info.hblkhd);
+}
+
+void measureMemory(const Folder& folder) {
+    Controller controller(folder.path());
+    double before = bytesInUse();
+    controller.tick();
+    const double ours = bytesInUse() - before;
+    before = bytesInUse();
+    const QStringList names = sortedWithQCollator(folder.path());
+    const double theirs = bytesInUse() - before;
+    print("kept-bytes", "stamps", static_cast<std::size_t>(names.size()), ours / 1e3, theirs / 1e3,
+          ours / theirs, 0.0);
+}
+
+void measure(const std::string& parent, std::size_t count) {
+    Folder folder(parent);
+    folder.grow(count);
+    const auto nothing = [] {};
+    std::size_t entries = 0;
+    const auto readdirLoop = [&] { entries = readWithReaddir(folder.path()); };
+
+    Controller controller(folder.path());
+    controller.tick();
+    const auto tick = [&] { controller.tick(); };
+    compare("quiet-tick", "stamps", count, {nothing, tick, readdirLoop});
+    require(entries == controller.frames().size() + 2, "another number of names");
+
+    std::unique_ptr<Controller> fresh;
+    QStringList theirs;
+    const auto renew = [&] { fresh = std::make_unique<Controller>(folder.path()); };
+    const auto firstTick = [&] { fresh->tick(); };
+    compare("first-listing", "stamps", count,
+            {renew, firstTick, [&] { theirs = sortedWithQCollator(folder.path()); }});
+    requireSame(folder.path(), fresh->frames(), theirs);
+    compare("first-listing", "sort-keys", count,
+            {renew, firstTick, [&] { theirs = sortedByQCollatorsKeys(folder.path()); }});
+    requireSame(folder.path(), fresh->frames(), theirs);
+    fresh.reset();
+
+    measureMemory(folder);
+
+    // Last, because it changes the folder.
+    compare("new-frame-tick", "stamps", count,
+            {[&] { folder.grow(folder.count() + 1); }, tick, readdirLoop});
+    requireSame(folder.path(), controller.frames(), sortedWithQCollator(folder.path()));
+}
+
+int run(int count, char** arguments) {
+    setenv("LC_ALL", "en_US.UTF-8", 1);
+    std::vector<std::size_t> sizes = {1000, 10000, 100000, 200000, 1000000};
+    std::string parent = std::filesystem::temp_directory_path();
+    for (int at = 1; at < count; ++at) {
+        if (std::string_view(arguments[at]) == "--short") {
+            sizes.pop_back();
+        } else if (std::string_view(arguments[at]) == "--cpu") {
+            measuredClock = CLOCK_PROCESS_CPUTIME_ID;
+        } else {
+            parent = arguments[at];
+        }
+    }
+    for (const std::size_t size : sizes) {
+        measure(parent, size);
+    }
+    return 0;
+}
+
+} // namespace
+
+} // namespace vistrane::bench
+
+int main(int count, char** arguments) {
+    return vistrane::bench::run(count, arguments);
+}
