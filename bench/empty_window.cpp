@@ -1,0 +1,23 @@
+// The peer of the program's start: a window with nothing in it, up to its first event.
+
+#include <cstdlib>
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QTimer>
+#include <QWindow>
+
+int main(int count, char** arguments) {
+    const QApplication application(count, arguments);
+    QMainWindow window;
+    window.resize(1120, 660);
+    window.show();
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&window] {
+        if (window.windowHandle()->isExposed()) {
+            std::_Exit(0);
+        }
+    });
+    look.start(1);
+    return QApplication::exec();
+}

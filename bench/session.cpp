@@ -1,0 +1,250 @@
+// The program in its window, driven from within, on a display that nobody sees:
+//
+//   session_bench start FOLDER             opens the window and ends at its first event
+//   session_bench compile FOLDER FPS       from the click to the whole movie
+//   session_bench compile-alone FOLDER FPS the same without a window
+//   session_bench play FOLDER              between two frames that were painted, at 60 a second
+//   session_bench capture FOLDER SECONDS   with the first camera, a still at each interval of the
+//                                          settings: the longest time that an event waited for
+//                                          its answer
+//
+// What was measured is printed in milliseconds; of "start" the process itself is to be timed.
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QEvent>
+#include <QLabel>
+#include <QSlider>
+#include <QTimer>
+#include <QWindow>
+
+#include <unistd.h>
+
+#include "bench/measuring.h"
+#include "commandline/Session.h"
+#include "window/WindowLog.h"
+#include "window/WindowSession.h"
+
+namespace vistrane::bench {
+
+namespace {
+
+[[noreturn]] void tell(double number) {
+    std::printf("%.3f\n", number);
+    std::fflush(stdout);
+    std::_Exit(0);
+}
+
+template <typename Widget>
+Widget& control(const char* name) {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == name) {
+            if (auto* const found = qobject_cast<Widget*>(window)) {
+                return *found;
+            }
+        }
+        if (auto* const found = window->findChild<Widget*>(name)) {
+            return *found;
+        }
+    }
+    require(false, std::string("the window has no ") + name);
+    std::abort();
+}
+
+/// Looks every few milliseconds, until it is so.
+void when(const std::function<bool()>& condition, const std::function<void()>& then,
+          int period = 5) {
+    auto* const look = new QTimer(qApp);
+    QObject::connect(look, &QTimer::timeout, [=] {
+        if (condition()) {
+            look->stop();
+            look->deleteLater();
+            then();
+        }
+    });
+    look->start(period);
+}
+
+std::size_t countIn(const std::string& folder, const std::string& extension) {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const std::filesystem::path& path = entry.path();
+        if (path.extension() == extension && path.filename().string().front() != '.') {
+            ++count;
+        }
+    }
+    return count;
+}
+
+/// The newest of so many frames is shown.
+void whenListed(const std::string& folder, const std::function<void()>& then) {
+    const auto count = QString::number(countIn(folder, ".png"));
+    auto& readOut = control<QLabel>("currentS");
+    when([&readOut, count] { return readOut.text().endsWith(" of " + count); }, then);
+}
+
+void compile(const std::string& folder, int rate) {
+    whenListed(folder, [=] {
+        control<QSlider>("fpsS").setValue(rate);
+        auto& button = control<QAbstractButton>("compilingB");
+        const std::size_t before = countIn(folder, ".mov");
+        const double started = milliseconds();
+        button.click();
+        when([=, &button] { return button.isEnabled() && countIn(folder, ".mov") > before; },
+             [=] { tell(milliseconds() - started); });
+    });
+}
+
+void compileAlone(const std::string& folder, int rate) {
+    SessionOptions options;
+    options.folder = folder;
+    Session& session = *new Session(options);
+    session.launch();
+    session.frames();
+    const double started = milliseconds();
+    session.compile(rate);
+    tell(milliseconds() - started);
+}
+
+/// Counts the frames of a playback that come to be painted.
+class PaintWatch final : public QObject {
+public:
+    explicit PaintWatch(const QSlider& slider) : slider_(slider) {}
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint && slider_.value() != shown_) {
+            shown_ = slider_.value();
+            times_.push_back(milliseconds());
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+    /// The last frame was painted.
+    bool isOver() const { return times_.size() > 1 && shown_ == slider_.maximum(); }
+    double meanPeriod() const {
+        return (times_.back() - times_.front()) / static_cast<double>(times_.size() - 1);
+    }
+
+private:
+    const QSlider& slider_;
+    int shown_ = -1;
+    std::vector<double> times_;
+};
+
+void play(const std::string& folder) {
+    whenListed(folder, [=] {
+        control<QSlider>("fpsS").setValue(60);
+        // Nothing of the newest frame is left to be painted.
+        QTimer::singleShot(500, qApp, [] {
+            auto* const watch = new PaintWatch(control<QSlider>("photoSlider"));
+            control<QWidget>("myDisplay").installEventFilter(watch);
+            control<QAbstractButton>("previewPlayButton").click();
+            when([=] { return watch->isOver(); }, [=] { tell(watch->meanPeriod()); });
+        });
+    });
+}
+
+/// Sends the main thread an event every five milliseconds and takes the time to its answer.
+class AnswerWatch {
+public:
+    void begin() {
+        std::thread([this] {
+            for (;;) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                isAnswered_ = false;
+                const double sent = milliseconds();
+                QMetaObject::invokeMethod(
+                    qApp,
+                    [this, sent] {
+                        answers_.push_back(milliseconds() - sent);
+                        isAnswered_ = true;
+                        isAnswered_.notify_one();
+                    },
+                    Qt::QueuedConnection);
+                isAnswered_.wait(false);
+            }
+        }).detach();
+    }
+
+    /// Main thread.
+    double longest() const { return quantile(answers_, 1.0); }
+    double median() const { return quantile(answers_, 0.5); }
+
+private:
+    std::atomic<bool> isAnswered_{false};
+    std::vector<double> answers_;
+};
+
+void capture(const std::string& folder, double seconds) {
+    auto& popUp = control<QComboBox>("AVDevicePopUp");
+    require(popUp.count() > 0, "there is no camera");
+    popUp.setCurrentIndex(0);
+    emit popUp.activated(0);
+    const std::size_t before = countIn(folder, ".png");
+    const auto begin = [=] {
+        control<QAbstractButton>("startB").click();
+        auto* const watch = new AnswerWatch;
+        watch->begin();
+        QTimer::singleShot(static_cast<int>(seconds * 1000), qApp, [=] {
+            const std::size_t stills = countIn(folder, ".png") - before;
+            std::fprintf(stderr, "%zu stills, answers: median %.1f ms\n", stills, watch->median());
+            require(static_cast<double>(stills) >= seconds - 2, "stills are missing");
+            tell(watch->longest());
+        });
+    };
+    // The camera has its first pictures behind it.
+    QTimer::singleShot(2000, qApp, begin);
+}
+
+int run(const std::vector<std::string>& arguments, char** names) {
+    require(arguments.size() >= 2, "usage: session_bench VERB FOLDER [NUMBER]");
+    const std::string& verb = arguments[0];
+    const std::string& folder = arguments[1];
+    const double number = arguments.size() > 2 ? std::strtod(arguments[2].c_str(), nullptr) : 0;
+    if (verb == "compile-alone") {
+        compileAlone(folder, static_cast<int>(number));
+    }
+    int count = 1;
+    WindowLog& log = *new WindowLog(STDERR_FILENO);
+    QCoreApplication::setApplicationName("vistrane");
+    QGuiApplication::setDesktopFileName("vistrane");
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    new QApplication(count, names);
+    WindowOptions options;
+    options.version = "0.0.0";
+    options.folder = folder;
+    WindowSession& session = *new WindowSession(options, log);
+    session.launch();
+    if (verb == "start") {
+        const auto& window = control<QWidget>("myWindow");
+        when([&window] { return window.windowHandle()->isExposed(); }, [] { std::_Exit(0); }, 1);
+    } else if (verb == "compile") {
+        compile(folder, static_cast<int>(number));
+    } else if (verb == "play") {
+        play(folder);
+    } else if (verb == "capture") {
+        capture(folder, number);
+    } else {
+        require(false, "there is no " + verb);
+    }
+    session.run();
+}
+
+} // namespace
+
+} // namespace vistrane::bench
+
+int main(int count, char** arguments) {
+    return vistrane::bench::run({arguments + 1, arguments + count}, arguments);
+}
