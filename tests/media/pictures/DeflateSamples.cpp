@@ -36,6 +36,16 @@ Range distanceRange(unsigned symbol) {
     return symbol >= 30 ? Range{24577, 13} : Range{distance, symbol < 4 ? 0 : symbol / 2 - 1};
 }
 
+/// The last symbol from `first` to `last` that stands for at most `value`.
+template <typename RangeOf>
+unsigned symbolOf(std::size_t value, unsigned first, unsigned last, const RangeOf& rangeOf) {
+    unsigned symbol = last;
+    while (symbol > first && rangeOf(symbol).first > value) {
+        --symbol;
+    }
+    return symbol;
+}
+
 struct Code {
     std::vector<std::uint8_t> lengths;
     std::vector<std::uint16_t> codes;
@@ -95,6 +105,32 @@ public:
         putBits(0, far.bits);
         for (unsigned i = 0; i < lengths.first; ++i) {
             make(made_[made_.size() - far.first]);
+        }
+        putSymbol(literals, endOfBlock);
+        finish();
+        return stream_;
+    }
+
+    Bytes writeMatches(std::span<const Match> matches) {
+        broken_ = false;
+        stream_ = {0x78, 0x01};
+        putBits(3, 3);
+        const Code literals = fixedLiterals();
+        const Code distances(std::vector<std::uint8_t>(distanceSymbols, 5));
+        for (const Match& match : matches) {
+            for (std::size_t i = 0; i < match.literals; ++i) {
+                make(static_cast<std::uint8_t>(random_()));
+                putSymbol(literals, made_.back());
+            }
+            const unsigned symbol = symbolOf(match.length, endOfBlock + 1, 285, lengthRange);
+            putSymbol(literals, symbol);
+            putBits(match.length - lengthRange(symbol).first, lengthRange(symbol).bits);
+            const unsigned farSymbol = symbolOf(match.distance, 0, 29, distanceRange);
+            putSymbol(distances, farSymbol);
+            putBits(match.distance - distanceRange(farSymbol).first, distanceRange(farSymbol).bits);
+            for (std::size_t i = 0; i < match.length; ++i) {
+                make(made_[made_.size() - match.distance]);
+            }
         }
         putSymbol(literals, endOfBlock);
         finish();
@@ -416,6 +452,10 @@ Bytes randomStream(std::mt19937& random, std::size_t rowBytes, std::size_t rows)
 Bytes oneMatchStream(std::mt19937& random, std::size_t length, std::size_t symbol,
                      std::size_t farSymbol) {
     return StreamWriting(random, length, 1).writeOneMatch(symbol, farSymbol);
+}
+
+Bytes matchStream(std::mt19937& random, std::span<const Match> matches) {
+    return StreamWriting(random, 1, 0).writeMatches(matches);
 }
 
 Bytes zlibStream(std::mt19937& random, std::size_t rowBytes, std::size_t rows) {

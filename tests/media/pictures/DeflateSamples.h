@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <random>
+#include <span>
 
 #include "tests/media/pictures/PngSamples.h"
 
@@ -19,6 +20,16 @@ Bytes randomStream(std::mt19937& random, std::size_t rowBytes, std::size_t rows)
 /// like 29. One row.
 Bytes oneMatchStream(std::mt19937& random, std::size_t length, std::size_t symbol,
                      std::size_t farSymbol);
+
+/// Random literals, then bytes that stand so far back, once more.
+struct Match {
+    std::size_t literals = 0;
+    std::size_t distance = 0;
+    std::size_t length = 0;
+};
+
+/// A zlib stream of these, in one block of fixed codes.
+Bytes matchStream(std::mt19937& random, std::span<const Match> matches);
 
 /// The same as the first by zlib, from random bytes, with random settings.
 Bytes zlibStream(std::mt19937& random, std::size_t rowBytes, std::size_t rows);
