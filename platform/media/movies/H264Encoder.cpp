@@ -82,6 +82,34 @@ void describePictures(AVCodecContext& context, int width, int height, std::int32
     context.chroma_sample_location = AVCHROMA_LOC_LEFT;
 }
 
+/// libx264's preset veryfast with a coarser motion search, and instead of that what costs less and
+/// gains more for pictures of which many are alike, as those of a still camera are:
+/// - three pictures to refer to, and a somewhat longer look ahead;
+/// - more of the bits for the pictures that others are made from;
+/// - chroma a little finer, as the slower presets have it too;
+/// - edges smoothed a little less, and coefficients that stand alone are kept.
+///
+/// 150 frames of 1920 x 1080, a scene with gusts of wind, people and sensor noise, encoded alone:
+/// size, SSIM of all planes, processor time.
+///
+///     medium 23                                 6.83 MB  0.9550  14.9 s
+///     veryfast 22                               7.90 MB  0.9547   5.4 s
+///     veryfast's motion search, 2 references    7.38 MB  0.9566   5.7 s  (21.6)
+///     these 21.9                                7.32 MB  0.9563   4.2 s
+///     ... with trellis, 2 references            7.58 MB  0.9571   5.0 s  (22)
+///     ... with 5 B-pictures, 2 references       7.11 MB  0.9549   4.2 s  (22)
+///     ... with 2 references                     7.50 MB  0.9560   4.0 s  (22)
+///
+/// Other quantisation by variance, a look ahead of 40 and other partitions gain nothing or less
+/// than they cost.
+void chooseOwnSettings(AVDictionary** settings) {
+    av_dict_set(settings, "preset", "veryfast", 0);
+    av_dict_set(settings, "x264-params",
+                "subme=1:ref=3:rc-lookahead=15:qcomp=0.5:chroma-qp-offset=-3:deblock=-2,-2:"
+                "no-dct-decimate=1",
+                0);
+}
+
 /// For encoders that know no constant quality: a fifth of a bit for each pixel.
 std::int64_t plentifulBitRate(int width, int height, std::int32_t timescale) {
     constexpr std::int64_t limit = 400'000'000;
@@ -200,7 +228,11 @@ std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, in
     if (std::string_view(codec.name) == "libx264") {
         char factor[32];
         std::snprintf(factor, sizeof factor, "%.3f", options_.constantRateFactor);
-        av_dict_set(&settings, "preset", options_.preset.c_str(), 0);
+        if (options_.preset.empty()) {
+            chooseOwnSettings(&settings);
+        } else {
+            av_dict_set(&settings, "preset", options_.preset.c_str(), 0);
+        }
         av_dict_set(&settings, "crf", factor, 0);
     } else {
         context->bit_rate = plentifulBitRate(width, height, timescale);
