@@ -14,9 +14,15 @@ namespace vistrane {
 
 namespace {
 
-/// libpng minds chunks that are longer than their pixels can be, unless they are short.
-constexpr std::size_t shortChunk = 1'000'000;
 constexpr std::size_t longestRow = std::size_t{1} << 24;
+
+/// libpng minds chunks that are longer than their pixels can be, unless they are short. Pixels that
+/// cannot be compressed are stored in blocks of some 32 KiB, each with a head of 5 bytes.
+std::size_t longestChunk(std::size_t length) {
+    constexpr std::size_t shortChunk = 1'000'000;
+    constexpr std::size_t block = 32566;
+    return std::max(length + 6 + 5 * (length / block + 1), shortChunk);
+}
 
 /// Turns the decompressed bytes into the rows asked for.
 class RowWriting {
@@ -79,7 +85,7 @@ bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header,
     }
     const std::size_t rowBytes = expansion->rowBytes() + 1;
     const std::size_t length = rowBytes * header.height;
-    if (header.imageBytes > std::max(length, shortChunk)) {
+    if (header.longestImageChunk > longestChunk(length)) {
         return false;
     }
     RowWriting writing(*expansion, rows, stride);

@@ -189,6 +189,7 @@ private:
         }
         range.length += chunkFrame + chunk.data.size();
         header_.imageBytes += chunk.data.size();
+        header_.longestImageChunk = std::max(header_.longestImageChunk, chunk.data.size());
         return std::nullopt;
     }
 

@@ -43,6 +43,8 @@ struct PngHeader {
     /// row. The sum of their data's lengths.
     ByteRange imageChunks;
     std::size_t imageBytes = 0;
+    /// Of the longest of them.
+    std::size_t longestImageChunk = 0;
 
     bool hasAlpha() const {
         return hasTransparencyChunk || colour == PngColour::GreyAlpha ||

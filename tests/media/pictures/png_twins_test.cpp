@@ -307,6 +307,18 @@ TEST(PngTwins, LargePicturesAreDecodedAlike) {
     EXPECT_GT(tally.withoutLibpng, 15U);
 }
 
+/// Noise is a little longer in the file than in memory, whoever writes it.
+TEST(PngTwins, LargePicturesOfNoiseNeedNoLibpng) {
+    constexpr PictureLimits large{1U << 15, 1U << 24, 1U << 26};
+    for (const PngForm& form : {PngForm{2, 8, false, false}, PngForm{6, 8, false, false}}) {
+        const Bytes file = randomPng(form, 640, 560).file;
+        ASSERT_GT(file.size(), rowBytesOf(form, 640) * 560);
+        Tally tally;
+        EXPECT_TRUE(agree(file, PixelForm::RGB, tally, large)) << form.text();
+        EXPECT_EQ(tally.withoutLibpng, 1U) << form.text();
+    }
+}
+
 TEST(PngTwins, OddFilesGetTheVerdictOfLibpng) {
     std::mt19937 random(9);
     for (int i = 0; i < 2000; ++i) {
