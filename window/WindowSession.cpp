@@ -38,6 +38,13 @@ namespace vistrane {
 
 namespace {
 
+/// Whatever is compiled, the window answers.
+MovieOptions optionsOfMovies() {
+    MovieOptions options;
+    options.givesWay = true;
+    return options;
+}
+
 /// How often capturing is looked at, in seconds: how long the machine may stay awake too long.
 constexpr double captureLook = 1.0;
 
@@ -105,7 +112,7 @@ struct WindowSession::Parts {
     MediaCoreVideo coreVideo;
     MediaCoreGraphics coreGraphics{coreVideo};
     Cameras cameras;
-    Movies movies{observer};
+    Movies movies{observer, optionsOfMovies()};
     MediaAVFoundation avFoundation{cameras, movies};
     QtFoundation foundation;
     QtWorkspace workspace{[this](const std::string& path, Movies::Finished callback) {
@@ -164,11 +171,11 @@ void WindowSession::launch() {
     parts_.controller.awakeFromNib();
     parts_.panel.awakeFromNib();
     parts_.panel.restoreDockSetting();
-    tellThatNoCameraIsThere();
     // The settings are in the controls now.
     parts_.isLaunched = true;
     showMainWindow();
     parts_.controller.applicationDidFinishLaunching();
+    tellThatNoCameraIsThere();
     keepAwakeWhileCapturing();
 }
 
@@ -189,13 +196,15 @@ void WindowSession::connectInterface() {
 }
 
 void WindowSession::tellThatNoCameraIsThere() {
-    if (parts_.controller.AVDevicePopUp->indexOfSelectedItem() >= 0) {
+    if (!parts_.controller.allAVdevices.empty()) {
         return;
     }
     for (QWidget* view : parts_.interface.mainWindow().findChildren<QWidget*>()) {
         const QVariant hint = view->property("hintWithoutCameras");
         if (hint.isValid()) {
             view->setProperty("hint", hint);
+            view->setAccessibleDescription(hint.toString());
+            view->update();
         }
     }
 }

@@ -36,5 +36,27 @@ TEST_F(Windows, TheKeysOfTheMenusWorkInASmallWindowToo) {
     EXPECT_EQ(awaitEnd(), 0);
 }
 
+TEST_F(Windows, TheCamerasViewTellsThatThereIsNoneToBePicked) {
+    storeUsual();
+    const auto description = [this] {
+        return (*await("the camera's view",
+                       [this] {
+                           return firstBelow(root(), [](const Control& control) {
+                               return control.name() == "Live camera";
+                           });
+                       }))
+            .description();
+    };
+    start();
+    await("the news", [&] { return description().starts_with("No camera was found"); });
+    keepScreen("no-camera");
+    EXPECT_EQ(quit(), 0);
+    start({"--demo-camera"});
+    button("Start Auto Capture");
+    EXPECT_EQ(description(), "The picture of the camera that was picked");
+    keepScreen("camera-to-be-picked");
+    EXPECT_EQ(quit(), 0);
+}
+
 } // namespace
 } // namespace vistrane

@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "platform/media/movies/movie_errors.h"
+#include "platform/posix/threads.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -148,6 +151,20 @@ bool isHighProfile(unsigned profile) {
     return profile == 100 || profile == 110 || profile == 122 || profile == 144;
 }
 
+/// The threads that the work starts give way; the one that waits here does not, nor what it starts
+/// later.
+void onGivingWay(const std::function<void()>& work) {
+    std::thread thread = startThread([&work] {
+        giveWayToOtherThreads();
+        work();
+    });
+    if (thread.joinable()) {
+        thread.join();
+    } else {
+        work();
+    }
+}
+
 } // namespace
 
 void FrameDeleter::operator()(AVFrame* frame) const {
@@ -237,7 +254,13 @@ std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, in
     } else {
         context->bit_rate = plentifulBitRate(width, height, timescale);
     }
-    const int result = avcodec_open2(context.get(), &codec, &settings);
+    int result = 0;
+    const auto open = [&] { result = avcodec_open2(context.get(), &codec, &settings); };
+    if (options_.givesWay) {
+        onGivingWay(open);
+    } else {
+        open();
+    }
     av_dict_free(&settings);
     if (result < 0) {
         return encoderError(result,

@@ -18,6 +18,8 @@ struct MovieOptions {
     double constantRateFactor = 21.9;
     /// Threads of the encoder; 0 leaves it to the encoder.
     int threads = 0;
+    /// The encoder's threads leave the processor to the others when there is not enough for all.
+    bool givesWay = false;
 };
 
 } // namespace vistrane

@@ -33,7 +33,9 @@ private:
         // The bar is full at the maximum and not before, however near the value is.
         const double part = std::floor(std::min(value_, maximum_) * steps / maximum_);
         // The comparison is false for what is no number.
-        widget_.setValue(maximum_ > 0.0 && part > 0.0 ? static_cast<int>(part) : 0);
+        widget_.setValue(maximum_ > 0.0 && part > 0.0
+                             ? static_cast<int>(std::min(part, static_cast<double>(steps)))
+                             : 0);
     }
 
     QProgressBar& widget_;

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/posix/PosixFoundation.h"
-#include "platform/posix/threads.h"
 #include "platform/qt/system/NotificationCenter.h"
 #include "platform/qt/system/QtRunLoop.h"
 
@@ -28,14 +27,6 @@ public:
                                                             std::function<void(NSTimer&)> tick,
                                                             bool repeats) override {
         return loop_.scheduleTimer(interval, std::move(tick), repeats);
-    }
-
-    /// Whatever the thread does, the window answers.
-    std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) override {
-        return PosixFoundation::threadWithEntry([entry = std::move(entry)] {
-            giveWayToOtherThreads();
-            entry();
-        });
     }
 
     void NSLog(const std::string& message) override { log_(message); }
