@@ -37,7 +37,7 @@
 #include <unistd.h>
 
 #include "app/AppDelegate.h"
-#include "platform/posix/PosixFoundation.h"
+#include "bench/RealFiles.h"
 #include "platform/sim/Sim.h"
 
 namespace vistrane::bench {
@@ -133,25 +133,6 @@ public:
 private:
     std::string path_;
     std::size_t count_ = 0;
-};
-
-/// The real file system and collation; the rest is the sim's.
-class RealFiles final : public PosixFoundation {
-public:
-    explicit RealFiles(Foundation& sim) : PosixFoundation("0.0.0"), sim_(sim) {}
-
-    NSUserDefaults& standardUserDefaults() override { return sim_.standardUserDefaults(); }
-    NSDistributedNotificationCenter& defaultCenter() override { return sim_.defaultCenter(); }
-    NSRunLoop& currentRunLoop() override { return sim_.currentRunLoop(); }
-    std::shared_ptr<NSTimer> scheduledTimerWithTimeInterval(NSTimeInterval interval,
-                                                            std::function<void(NSTimer&)> tick,
-                                                            bool repeats) override {
-        return sim_.scheduledTimerWithTimeInterval(interval, std::move(tick), repeats);
-    }
-    void NSLog(const std::string& message) override { sim_.NSLog(message); }
-
-private:
-    Foundation& sim_;
 };
 
 class Controller {

@@ -29,12 +29,12 @@
 #include <QWidget>
 
 #include "app/AppDelegate.h"
+#include "bench/RealFiles.h"
 #include "bench/measuring.h"
 #include "platform/avfoundation/AVFoundation.h"
 #include "platform/media/pictures/DataBytes.h"
 #include "platform/media/pictures/PictureAppKit.h"
 #include "platform/media/pictures/ppm.h"
-#include "platform/posix/PosixFoundation.h"
 #include "platform/qt/controls/QtImageView.h"
 #include "platform/sim/Sim.h"
 
@@ -44,25 +44,6 @@ namespace {
 
 /// As large as the window has it at first.
 constexpr QSize viewSize(530, 372);
-
-/// The real files; the rest is the sim's.
-class RealFiles final : public PosixFoundation {
-public:
-    explicit RealFiles(Foundation& sim) : PosixFoundation("0.0.0"), sim_(sim) {}
-
-    NSUserDefaults& standardUserDefaults() override { return sim_.standardUserDefaults(); }
-    NSDistributedNotificationCenter& defaultCenter() override { return sim_.defaultCenter(); }
-    NSRunLoop& currentRunLoop() override { return sim_.currentRunLoop(); }
-    std::shared_ptr<NSTimer> scheduledTimerWithTimeInterval(NSTimeInterval interval,
-                                                            std::function<void(NSTimer&)> tick,
-                                                            bool repeats) override {
-        return sim_.scheduledTimerWithTimeInterval(interval, std::move(tick), repeats);
-    }
-    void NSLog(const std::string& message) override { sim_.NSLog(message); }
-
-private:
-    Foundation& sim_;
-};
 
 /// The real pictures; the rest is the sim's.
 class RealPictures final : public PictureAppKit {
