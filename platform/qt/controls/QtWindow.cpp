@@ -1,6 +1,5 @@
 #include "platform/qt/controls/QtWindow.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <QEvent>
@@ -21,7 +20,7 @@ bool QtWindow::makeFirstResponder(NSObject* responder) {
         }
     }
     if (responder == nullptr) {
-        takeFocusFromField();
+        takeFocus();
         return true;
     }
     const auto control = controls_.find(responder);
@@ -32,13 +31,9 @@ bool QtWindow::makeFirstResponder(NSObject* responder) {
     return true;
 }
 
-void QtWindow::takeFocusFromField() {
+void QtWindow::takeFocus() {
     QWidget* const focused = widget_.focusWidget();
-    const bool isField = std::any_of(fields_.begin(), fields_.end(), [&](const auto& field) {
-        const auto control = controls_.find(field.get());
-        return control != controls_.end() && control->second == focused;
-    });
-    if (focused == nullptr || !isField) {
+    if (focused == nullptr || focused == noControl_) {
         return;
     }
     if (noControl_ == nullptr) {

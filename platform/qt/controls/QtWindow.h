@@ -27,9 +27,9 @@ public:
     void addField(std::shared_ptr<QtTextField> field) { fields_.push_back(std::move(field)); }
 
     /// Ends the edit of every other field and gives the focus to the control; false when the
-    /// window has no such control. With null a field loses the focus, so that nothing more is
-    /// typed into it; the tabulator then goes on from that field, and a control that is no field
-    /// keeps the focus: who works without a mouse is not sent back to the first control.
+    /// window has no such control. With null no control has the focus, so that nothing more is
+    /// typed into a field; the tabulator then goes on from the control that had it: who works
+    /// without a mouse is not sent back to the first one.
     bool makeFirstResponder(NSObject* responder) override;
     /// Shows the window, also when it is minimised. One that is held back waits.
     void makeKeyAndOrderFront(NSObject* sender) override;
@@ -47,7 +47,7 @@ public:
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void takeFocusFromField();
+    void takeFocus();
 
     QWidget& widget_;
     /// Has the focus when no control has; not reached by the tabulator.

@@ -183,6 +183,25 @@ TEST_F(QtInterfaceTest, AfterTheStartWhatIsTypedGoesIntoNoFieldAndTheTabulatorGo
     }
 }
 
+TEST_F(QtInterfaceTest, AfterTheStartByItsKeyTheTabulatorGoesOnFromTheButton) {
+    show();
+    const auto window = outlet<NSWindow>(controller(), "myWindow");
+    controller().action("startRunning:",
+                        [window](NSObject*) { window->makeFirstResponder(nullptr); });
+    auto& start = widget<QWidget>("startB");
+    for (int round = 0; round < 2; ++round) {
+        start.setFocus();
+        QTest::keyClick(&start, Qt::Key_Space);
+        QWidget* const focused = QApplication::focusWidget();
+        ASSERT_NE(focused, nullptr);
+        ASSERT_NE(focused, &start);
+        window->makeFirstResponder(nullptr);
+        EXPECT_EQ(QApplication::focusWidget(), focused);
+        QTest::keyClick(focused, round == 0 ? Qt::Key_Tab : Qt::Key_Backtab);
+        EXPECT_EQ(QApplication::focusWidget(), &widget<QWidget>(round == 0 ? "oneB" : "startB"));
+    }
+}
+
 TEST_F(QtInterfaceTest, APressOfTheFrameSliderTellsOfTheFramesHoweverFewThereAre) {
     Sim sim;
     AppDelegate delegate(sim.platform());
