@@ -135,6 +135,25 @@ Bytes scene(const PictureShape& shape, std::mt19937& random) {
     return pixels;
 }
 
+/// Parts that repeat and parts that do not, in turn, so that each follows the other.
+TEST(PngWriting, PicturesThatChangeTheirKindAreReadBack) {
+    std::mt19937 random(5);
+    for (const bool transparent : {false, true}) {
+        const PictureShape shape{500, 2000, std::nullopt, transparent};
+        Bytes pixels(strideOf(shape) * shape.height);
+        for (std::size_t y = 0; y < shape.height; ++y) {
+            const std::size_t kind = y / 150 % 3;
+            for (std::size_t x = 0; x < strideOf(shape); ++x) {
+                pixels[y * strideOf(shape) + x] =
+                    static_cast<std::uint8_t>(kind == 0   ? 40
+                                              : kind == 1 ? random() % 20
+                                                          : (x * y) % 251);
+            }
+        }
+        check(shape, pixels);
+    }
+}
+
 TEST(PngWriting, APhotographIsNoLongerThanByLibpng) {
     std::mt19937 random(3);
     const PictureShape shape{640, 480, std::nullopt, false};
