@@ -18,6 +18,10 @@ constexpr std::size_t farthestBack = 32768;
 /// How much is made before it is taken: the caches hold it, and moving the last 32 KiB to the
 /// front costs little beside it.
 constexpr std::size_t stretch = std::size_t{128} * 1024;
+/// What each of two chunks of literals may become: a slab of `encodeByIgzip`.
+constexpr std::size_t literalRoom = std::size_t{132} * 1024;
+/// How much of a file has to follow what is read without looking for its end at every step.
+constexpr std::size_t readMargin = 16;
 /// More than one turn of the decoding loop writes: eight literals, the longest match and the rest
 /// of the 16 bytes that are copied at once.
 constexpr std::size_t turnOutput = 320;
@@ -307,37 +311,56 @@ inline void copyMatch(std::uint8_t* to, std::size_t distance, std::size_t length
 
 } // namespace
 
+/// On to the next chunk with data where the one at hand has none left.
+bool ImageData::findData() {
+    while (data_.empty() && !chunks_.empty()) {
+        const std::size_t length = static_cast<std::size_t>(chunks_[0]) << 24 |
+                                   static_cast<std::size_t>(chunks_[1]) << 16 |
+                                   static_cast<std::size_t>(chunks_[2]) << 8 | chunks_[3];
+        data_ = chunks_.subspan(chunkHead, length);
+        chunks_ = chunks_.subspan(chunkHead + length + chunkEnd);
+    }
+    return !data_.empty();
+}
+
 std::size_t ImageData::read(std::uint8_t* to, std::size_t room) {
     std::size_t read = 0;
-    while (read < room) {
-        while (data_.empty() && !chunks_.empty()) {
-            const std::size_t length = static_cast<std::size_t>(chunks_[0]) << 24 |
-                                       static_cast<std::size_t>(chunks_[1]) << 16 |
-                                       static_cast<std::size_t>(chunks_[2]) << 8 | chunks_[3];
-            data_ = chunks_.subspan(chunkHead, length);
-            chunks_ = chunks_.subspan(chunkHead + length + chunkEnd);
-        }
-        if (data_.empty()) {
-            break;
-        }
+    while (read < room && findData()) {
         const std::size_t length = std::min(room - read, data_.size());
         std::memcpy(to + read, data_.data(), length);
         data_ = data_.subspan(length);
         read += length;
     }
+    position_ += read;
     return read;
 }
 
+void ImageData::passOver(std::size_t length) {
+    while (length > 0 && findData()) {
+        const std::size_t part = std::min(length, data_.size());
+        data_ = data_.subspan(part);
+        position_ += part;
+        length -= part;
+    }
+}
+
+std::span<const std::uint8_t> ImageData::restOfChunk() {
+    findData();
+    return data_;
+}
+
 Inflation::Inflation(ImageData data, std::size_t length, std::size_t untaken)
-    : data_(data), length_(length) {
+    : data_(data), length_(length), ahead_(data) {
     const std::size_t atOnce = std::min(length, farthestBack + untaken + stretch);
-    if (auto window = ByteArray::ofLength(atOnce + 2 * turnOutput)) {
+    const std::size_t room = std::min(length, atOnce + 2 * literalRoom) + 2 * turnOutput;
+    if (auto window = ByteArray::ofLength(room)) {
         window_ = std::move(*window);
         out_ = window_.data();
         taken_ = out_;
-        outLimit_ = out_ + window_.length() - turnOutput;
+        outLimit_ = out_ + atOnce + turnOutput;
     }
-    in_ = inEnd_ = input_.data();
+    inEnd_ = input_.data();
+    reader_.startAt(inEnd_);
 }
 
 /// Decompresses the codes of a block. What changes at every turn is held apart from the object, so
@@ -381,39 +404,40 @@ struct InflationLoop {
 
     /// False when there is no such code or distance.
     [[gnu::always_inline]] static inline bool run(Inflation& inflation) {
-        InflationLoop loop{inflation.in_, inflation.bits_, inflation.bitCount_, inflation.out_};
+        InflationLoop loop{inflation.reader_.in, inflation.reader_.bits, inflation.reader_.bitCount,
+                           inflation.out_};
         const bool fine = loop.decode(inflation);
-        inflation.in_ = loop.in;
-        inflation.bits_ = loop.bits;
-        inflation.bitCount_ = loop.bitCount;
+        inflation.reader_.in = loop.in;
+        inflation.reader_.bits = loop.bits;
+        inflation.reader_.bitCount = loop.bitCount;
         inflation.out_ = loop.out;
         return fine;
     }
 
     [[gnu::always_inline]] inline bool decode(Inflation& inflation) {
-        const std::uint32_t* const literals = inflation.literalTable_.data();
-        const std::uint32_t* const distances = inflation.distanceTable_.data();
+        const std::uint32_t* const literals = inflation.reader_.literalTable.data();
+        const std::uint32_t* const distances = inflation.reader_.distanceTable.data();
         const std::uint8_t* const window = inflation.window_.data();
         const std::uint8_t* const outLimit = inflation.outLimit_;
         const std::uint8_t* const inLimit =
             inflation.inEnd_ + (inflation.drained_ ? turnInput : -turnInput);
         refill();
-        std::uint32_t entry = literals[lowBits(bits, Inflation::literalBits)];
+        std::uint32_t entry = literals[lowBits(bits, DeflateReader::literalBits)];
         while (in < inLimit && out < outLimit) {
             // Four looks into the table use up 44 of the 56 bits that there are at least.
             if ((entry & isLiteral) != 0) {
                 put(entry);
-                entry = literals[lowBits(bits, Inflation::literalBits)];
+                entry = literals[lowBits(bits, DeflateReader::literalBits)];
                 if ((entry & isLiteral) != 0) {
                     put(entry);
-                    entry = literals[lowBits(bits, Inflation::literalBits)];
+                    entry = literals[lowBits(bits, DeflateReader::literalBits)];
                     if ((entry & isLiteral) != 0) {
                         put(entry);
-                        entry = literals[lowBits(bits, Inflation::literalBits)];
+                        entry = literals[lowBits(bits, DeflateReader::literalBits)];
                         if ((entry & isLiteral) != 0) {
                             put(entry);
                             refill();
-                            entry = literals[lowBits(bits, Inflation::literalBits)];
+                            entry = literals[lowBits(bits, DeflateReader::literalBits)];
                             continue;
                         }
                     }
@@ -428,7 +452,7 @@ struct InflationLoop {
                 if ((entry & isLiteral) != 0) {
                     put(entry);
                     refill();
-                    entry = literals[lowBits(bits, Inflation::literalBits)];
+                    entry = literals[lowBits(bits, DeflateReader::literalBits)];
                     continue;
                 }
                 if ((entry & isRare) != 0) {
@@ -439,7 +463,7 @@ struct InflationLoop {
                 }
             }
             const std::uint32_t length = value(entry);
-            entry = distances[lowBits(bits, Inflation::distanceBits)];
+            entry = distances[lowBits(bits, DeflateReader::distanceBits)];
             if ((entry & isSubtable) != 0) {
                 entry = inSubtable(distances, entry);
             }
@@ -451,11 +475,89 @@ struct InflationLoop {
                 return false;
             }
             refill();
-            entry = literals[lowBits(bits, Inflation::literalBits)];
+            entry = literals[lowBits(bits, DeflateReader::literalBits)];
             copyMatch(out, distance, length);
             out += length;
         }
         return true;
+    }
+};
+
+/// Decompresses two blocks of literals, one code of each in turn.
+class LiteralLoops {
+public:
+    struct Lane {
+        DeflateReader& reader;
+        const std::uint8_t* inEnd;
+        std::uint8_t* out;
+        const std::uint8_t* outEnd;
+    };
+
+    /// False when one of the two does not end in time, or has no such code.
+    [[gnu::always_inline]] static inline bool run(Lane& first, Lane& second) {
+        InflationLoop a = loopOf(first);
+        InflationLoop b = loopOf(second);
+        decodeTogether(a, first, b, second);
+        return decodeRest(a, first) && decodeRest(b, second);
+    }
+
+private:
+    static InflationLoop loopOf(const Lane& lane) {
+        return {lane.reader.in, lane.reader.bits, lane.reader.bitCount, lane.out};
+    }
+
+    /// Of a turn: it takes at most 7 bytes in, and makes at most 8.
+    static std::ptrdiff_t turns(const InflationLoop& loop, const Lane& lane) {
+        return std::min(lane.inEnd - loop.in, lane.outEnd - loop.out) / 8;
+    }
+
+    [[gnu::always_inline]] static inline void decodeTogether(InflationLoop& a, const Lane& first,
+                                                             InflationLoop& b, const Lane& second) {
+        const std::uint32_t* const codes = first.reader.literalTable.data();
+        const std::uint32_t* const otherCodes = second.reader.literalTable.data();
+        for (;;) {
+            std::ptrdiff_t left = std::min(turns(a, first), turns(b, second));
+            if (left <= 0) {
+                return;
+            }
+            for (; left > 0; --left) {
+                a.refill();
+                b.refill();
+                // Four codes use up 44 of the 56 bits that there are at least.
+                for (int i = 0; i < 4; ++i) {
+                    const std::uint32_t entry = codes[lowBits(a.bits, DeflateReader::literalBits)];
+                    const std::uint32_t other =
+                        otherCodes[lowBits(b.bits, DeflateReader::literalBits)];
+                    if ((entry & other & isLiteral) == 0) {
+                        return;
+                    }
+                    a.put(entry);
+                    b.put(other);
+                }
+            }
+        }
+    }
+
+    /// To the end of the block.
+    [[gnu::always_inline]] static inline bool decodeRest(InflationLoop& loop, Lane& lane) {
+        const std::uint32_t* const codes = lane.reader.literalTable.data();
+        while (loop.in <= lane.inEnd + readMargin / 2 && lane.outEnd - loop.out >= 2) {
+            loop.refill();
+            std::uint32_t entry = codes[lowBits(loop.bits, DeflateReader::literalBits)];
+            if ((entry & isSubtable) != 0) {
+                entry = loop.inSubtable(codes, entry);
+            }
+            if ((entry & isLiteral) == 0) {
+                loop.use(entry & 31U);
+                lane.reader.in = loop.in;
+                lane.reader.bits = loop.bits;
+                lane.reader.bitCount = loop.bitCount;
+                lane.out = loop.out;
+                return (entry & isBlockEnd) != 0;
+            }
+            loop.put(entry);
+        }
+        return false;
     }
 };
 
@@ -465,29 +567,118 @@ bool decodeWithAnyProcessor(Inflation& inflation) {
     return InflationLoop::run(inflation);
 }
 
+bool decodeTwoWithAnyProcessor(LiteralLoops::Lane& first, LiteralLoops::Lane& second) {
+    return LiteralLoops::run(first, second);
+}
+
 #if defined(__x86_64__)
 // Its shifts take their count from any register and leave the flags alone.
 __attribute__((target("bmi,bmi2"))) bool decodeWithBmi2(Inflation& inflation) {
     return InflationLoop::run(inflation);
 }
+
+__attribute__((target("bmi,bmi2"))) bool decodeTwoWithBmi2(LiteralLoops::Lane& first,
+                                                           LiteralLoops::Lane& second) {
+    return LiteralLoops::run(first, second);
+}
 #endif
 
-using DecodeLoop = bool (*)(Inflation&);
+struct Decoding {
+    bool (*block)(Inflation&) = decodeWithAnyProcessor;
+    bool (*twoBlocks)(LiteralLoops::Lane&, LiteralLoops::Lane&) = decodeTwoWithAnyProcessor;
+};
 
-DecodeLoop chooseLoop() {
+Decoding chooseDecoding() {
 #if defined(__x86_64__)
-    if (__builtin_cpu_supports("bmi2")) {
-        return decodeWithBmi2;
+    if (__builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2")) {
+        return {decodeWithBmi2, decodeTwoWithBmi2};
     }
 #endif
-    return decodeWithAnyProcessor;
+    return {};
+}
+
+const Decoding& decoding() {
+    static const Decoding chosen = chooseDecoding();
+    return chosen;
+}
+
+/// What a chunk ends with whose last block is an empty stored one.
+constexpr std::array<std::uint8_t, 4> emptyBlock = {0, 0, 0xFF, 0xFF};
+
+/// Whether these are a block with codes of its own for nothing but literals, not the last one of
+/// its stream, and an empty stored block, by what can be told from the ends.
+bool seemLiterals(std::span<const std::uint8_t> bytes, std::size_t longestHead) {
+    constexpr std::uint8_t literalsOnly = 4;
+    return bytes.size() >= longestHead && bytes.front() == literalsOnly &&
+           std::equal(emptyBlock.begin(), emptyBlock.end(), bytes.end() - emptyBlock.size());
+}
+
+bool endsWithEmptyBlock(DeflateReader& reader, const std::uint8_t* end) {
+    constexpr std::uint32_t stored = 0;
+    if (reader.takeBits(3) != stored) {
+        return false;
+    }
+    reader.returnWholeBytes();
+    return end - reader.in == emptyBlock.size();
 }
 
 } // namespace
 
 bool Inflation::decodeCodes() {
-    static const DecodeLoop loop = chooseLoop();
-    return loop(*this);
+    return decoding().block(*this);
+}
+
+/// True when the next two chunks were nothing but literals, and are done. Else nothing has changed,
+/// and the blocks are to be read as usual.
+bool Inflation::decodeTwoChunks() {
+    if (!triesTwoChunks_ || reader_.bitCount % 8 != 0) {
+        return false;
+    }
+    const std::size_t unread = static_cast<std::size_t>(inEnd_ - reader_.in) + reader_.bitCount / 8;
+    ahead_.passOver(data_.position() - unread - ahead_.position());
+    const std::span<const std::uint8_t> first = ahead_.restOfChunk();
+    if (!seemLiterals(first, longestHead)) {
+        return false;
+    }
+    ImageData next = ahead_;
+    next.passOver(first.size());
+    const std::span<const std::uint8_t> second = next.restOfChunk();
+    if (!seemLiterals(second, longestHead) || next.behindChunk() < readMargin) {
+        return false;
+    }
+    next.passOver(second.size());
+    triesTwoChunks_ = decodeLiterals(first, second);
+    if (triesTwoChunks_) {
+        data_ = ahead_ = next;
+        inEnd_ = input_.data();
+        reader_.startAt(inEnd_);
+        drained_ = false;
+    }
+    return triesTwoChunks_;
+}
+
+bool Inflation::decodeLiterals(std::span<const std::uint8_t> first,
+                               std::span<const std::uint8_t> second) {
+    const std::uint8_t* const end = window_.data() + window_.length() - turnOutput;
+    const auto room = static_cast<std::size_t>(std::max<std::ptrdiff_t>(end - out_, 0));
+    const std::size_t each = std::min(literalRoom, room / 2);
+    std::uint8_t* const middle = out_ + each;
+    DeflateReader& one = twoReaders_[0];
+    DeflateReader& other = twoReaders_[1];
+    LiteralLoops::Lane lane{one, first.data() + first.size(), out_, middle};
+    LiteralLoops::Lane otherLane{other, second.data() + second.size(), middle, middle + each};
+    one.startAt(first.data());
+    other.startAt(second.data());
+    one.takeBits(3);
+    other.takeBits(3);
+    if (!one.readCodes() || !other.readCodes() || !decoding().twoBlocks(lane, otherLane) ||
+        !endsWithEmptyBlock(one, lane.inEnd) || !endsWithEmptyBlock(other, otherLane.inEnd)) {
+        return false;
+    }
+    const auto length = static_cast<std::size_t>(otherLane.out - middle);
+    std::memmove(lane.out, middle, length);
+    out_ = lane.out + length;
+    return true;
 }
 
 Inflation::Outcome Inflation::more() {
@@ -527,7 +718,10 @@ void Inflation::slide() {
 }
 
 bool Inflation::goOn() {
-    if (!drained_ && inEnd_ - in_ < static_cast<std::ptrdiff_t>(longestHead)) {
+    if (step_ == Step::Head && decodeTwoChunks()) {
+        return true;
+    }
+    if (!drained_ && inEnd_ - reader_.in < static_cast<std::ptrdiff_t>(longestHead)) {
         fillInput();
     }
     switch (step_) {
@@ -542,11 +736,11 @@ bool Inflation::goOn() {
 
 void Inflation::fillInput() {
     // Up to 8 bytes that are in the bits may have to be given back.
-    const std::ptrdiff_t gone = std::max<std::ptrdiff_t>(in_ - input_.data() - 8, 0);
+    const std::ptrdiff_t gone = std::max<std::ptrdiff_t>(reader_.in - input_.data() - 8, 0);
     const auto kept = static_cast<std::size_t>(inEnd_ - input_.data() - gone);
     std::memmove(input_.data(), input_.data() + gone, kept);
     const std::size_t read = data_.read(input_.data() + kept, inputRoom - kept);
-    in_ -= gone;
+    reader_.in -= gone;
     inEnd_ = input_.data() + kept + read;
     if (read < inputRoom - kept) {
         drained_ = true;
@@ -556,39 +750,36 @@ void Inflation::fillInput() {
 
 /// Whether bits were used that the file does not have.
 bool Inflation::isOverrun() const {
-    return drained_ && in_ - bitCount_ / 8 > inEnd_;
+    return drained_ && reader_.in - reader_.bitCount / 8 > inEnd_;
 }
 
-void Inflation::refill() {
-    bits_ |= loadWord(in_) << bitCount_;
-    in_ += (63 - bitCount_) / 8;
-    bitCount_ |= 56;
+void DeflateReader::refill() {
+    bits |= loadWord(in) << bitCount;
+    in += (63 - bitCount) / 8;
+    bitCount |= 56;
 }
 
-std::uint32_t Inflation::takeBits(unsigned count) {
+std::uint32_t DeflateReader::takeBits(unsigned count) {
     refill();
-    const std::uint32_t value = lowBits(bits_, count);
-    bits_ >>= count;
-    bitCount_ -= count;
+    const std::uint32_t value = lowBits(bits, count);
+    bits >>= count;
+    bitCount -= count;
     return value;
 }
 
-/// On to the next whole byte, which is then the one at `in_`.
-void Inflation::returnWholeBytes() {
-    in_ -= bitCount_ / 8;
-    bits_ = 0;
-    bitCount_ = 0;
+void DeflateReader::returnWholeBytes() {
+    startAt(in - bitCount / 8);
 }
 
 bool Inflation::readStreamHead() {
     started_ = true;
     fillInput();
-    if (inEnd_ - in_ < 2) {
+    if (inEnd_ - reader_.in < 2) {
         return false;
     }
-    const unsigned method = in_[0];
-    const unsigned flags = in_[1];
-    in_ += 2;
+    const unsigned method = reader_.in[0];
+    const unsigned flags = reader_.in[1];
+    reader_.in += 2;
     const unsigned windowBits = (method >> 4) + 8;
     constexpr unsigned dictionary = 0x20;
     // Where all of the bytes fit into the announced window, nothing can refer beyond it.
@@ -598,15 +789,15 @@ bool Inflation::readStreamHead() {
 }
 
 bool Inflation::readBlockHead() {
-    lastBlock_ = takeBits(1) == 1;
+    lastBlock_ = reader_.takeBits(1) == 1;
     step_ = Step::Codes;
-    switch (takeBits(2)) {
+    switch (reader_.takeBits(2)) {
     case 0:
         return readStoredHead();
     case 1:
-        return useFixedCodes();
+        return reader_.useFixedCodes();
     case 2:
-        return readCodes();
+        return reader_.readCodes();
     default:
         return false;
     }
@@ -614,24 +805,26 @@ bool Inflation::readBlockHead() {
 
 bool Inflation::readStoredHead() {
     step_ = Step::Stored;
-    returnWholeBytes();
-    const unsigned length = static_cast<unsigned>(in_[0]) | static_cast<unsigned>(in_[1]) << 8;
-    const unsigned opposite = static_cast<unsigned>(in_[2]) | static_cast<unsigned>(in_[3]) << 8;
-    in_ += 4;
+    reader_.returnWholeBytes();
+    const unsigned length =
+        static_cast<unsigned>(reader_.in[0]) | static_cast<unsigned>(reader_.in[1]) << 8;
+    const unsigned opposite =
+        static_cast<unsigned>(reader_.in[2]) | static_cast<unsigned>(reader_.in[3]) << 8;
+    reader_.in += 4;
     storedLeft_ = length;
     return (length ^ opposite) == 0xFFFF;
 }
 
 bool Inflation::copyStored() {
-    if (in_ > inEnd_) {
+    if (reader_.in > inEnd_) {
         return false;
     }
-    const std::size_t length = std::min({storedLeft_, static_cast<std::size_t>(inEnd_ - in_),
+    const std::size_t length = std::min({storedLeft_, static_cast<std::size_t>(inEnd_ - reader_.in),
                                          static_cast<std::size_t>(outLimit_ - out_)});
     if (length > 0) {
-        std::memcpy(out_, in_, length);
+        std::memcpy(out_, reader_.in, length);
     }
-    in_ += length;
+    reader_.in += length;
     out_ += length;
     storedLeft_ -= length;
     if (storedLeft_ == 0) {
@@ -640,8 +833,8 @@ bool Inflation::copyStored() {
     return length > 0 || storedLeft_ == 0 || !drained_;
 }
 
-bool Inflation::useFixedCodes() {
-    const auto from = codeLengths_.begin();
+bool DeflateReader::useFixedCodes() {
+    const auto from = codeLengths.begin();
     std::fill(from, from + 144, std::uint8_t{8});
     std::fill(from + 144, from + 256, std::uint8_t{9});
     std::fill(from + 256, from + 280, std::uint8_t{7});
@@ -650,7 +843,7 @@ bool Inflation::useFixedCodes() {
     return buildCodes(288, 32);
 }
 
-bool Inflation::readCodes() {
+bool DeflateReader::readCodes() {
     const std::size_t literals = takeBits(5) + 257;
     const std::size_t distances = takeBits(5) + 1;
     const std::size_t lengthCodes = takeBits(4) + 4;
@@ -678,53 +871,53 @@ bool Inflation::readCodes() {
     std::size_t known = 0;
     while (known < literals + distances) {
         refill();
-        const std::uint32_t entry = table[lowBits(bits_, tableBits)];
-        bits_ >>= entry & 31U;
-        bitCount_ -= entry & 31U;
+        const std::uint32_t entry = table[lowBits(bits, tableBits)];
+        bits >>= entry & 31U;
+        bitCount -= entry & 31U;
         const std::uint32_t symbol = entry >> 16;
         if (symbol < 16) {
-            codeLengths_[known++] = static_cast<std::uint8_t>(symbol);
+            codeLengths[known++] = static_cast<std::uint8_t>(symbol);
             continue;
         }
         if (symbol == 16 && known == 0) {
             return false;
         }
-        const std::uint8_t repeated = symbol == 16 ? codeLengths_[known - 1] : std::uint8_t{0};
+        const std::uint8_t repeated = symbol == 16 ? codeLengths[known - 1] : std::uint8_t{0};
         const std::size_t times = symbol == 16   ? 3 + takeBits(2)
                                   : symbol == 17 ? 3 + takeBits(3)
                                                  : 11 + takeBits(7);
         if (times > literals + distances - known) {
             return false;
         }
-        std::fill_n(codeLengths_.begin() + static_cast<std::ptrdiff_t>(known), times, repeated);
+        std::fill_n(codeLengths.begin() + static_cast<std::ptrdiff_t>(known), times, repeated);
         known += times;
     }
-    return codeLengths_[endOfBlock] != 0 && buildCodes(literals, distances);
+    return codeLengths[endOfBlock] != 0 && buildCodes(literals, distances);
 }
 
-bool Inflation::buildCodes(std::size_t literals, std::size_t distances) {
-    const std::span<const std::uint8_t> lengths(codeLengths_);
+bool DeflateReader::buildCodes(std::size_t literals, std::size_t distances) {
+    const std::span<const std::uint8_t> lengths(codeLengths);
     const CodeOrder literalOrder(lengths.first(literals));
     const CodeOrder distanceOrder(lengths.subspan(literals, distances));
     if (!literalOrder.isComplete()) {
         return false;
     }
-    TableBuilding(literalOrder, literalValues.data(), literalTable_.data(), literalBits).build();
-    pairLiterals(literalTable_.data(), literalBits);
+    TableBuilding(literalOrder, literalValues.data(), literalTable.data(), literalBits).build();
+    pairLiterals(literalTable.data(), literalBits);
 
     if (distanceOrder.isComplete()) {
-        TableBuilding(distanceOrder, distanceValues.data(), distanceTable_.data(), distanceBits)
+        TableBuilding(distanceOrder, distanceValues.data(), distanceTable.data(), distanceBits)
             .build();
         return true;
     }
     // Literals alone need no distance, and the same distance again and again needs one code, which
     // is a single 0.
     const std::size_t symbols = distanceOrder.symbolCount();
-    std::fill_n(distanceTable_.begin(), 1U << distanceBits, noCode);
+    std::fill_n(distanceTable.begin(), 1U << distanceBits, noCode);
     if (symbols == 1 && distanceOrder.count[1] == 1) {
         const std::uint32_t entry = entryOf(distanceValues[distanceOrder.symbols[0]], 1);
         for (std::size_t i = 0; i < 1U << distanceBits; i += 2) {
-            distanceTable_[i] = entry;
+            distanceTable[i] = entry;
         }
         return true;
     }
@@ -736,13 +929,13 @@ bool Inflation::readChecksum() {
     if (!drained_) {
         fillInput();
     }
-    returnWholeBytes();
-    if (inEnd_ - in_ != 4 || !drained_) {
+    reader_.returnWholeBytes();
+    if (inEnd_ - reader_.in != 4 || !drained_) {
         return false;
     }
-    const std::uint32_t expected = static_cast<std::uint32_t>(in_[0]) << 24 |
-                                   static_cast<std::uint32_t>(in_[1]) << 16 |
-                                   static_cast<std::uint32_t>(in_[2]) << 8 | in_[3];
+    const std::uint32_t expected = static_cast<std::uint32_t>(reader_.in[0]) << 24 |
+                                   static_cast<std::uint32_t>(reader_.in[1]) << 16 |
+                                   static_cast<std::uint32_t>(reader_.in[2]) << 8 | reader_.in[3];
     step_ = Step::Ended;
     return expected == checksum_;
 }

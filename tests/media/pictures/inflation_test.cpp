@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <random>
 
+#include "platform/media/pictures/LiteralBlock.h"
 #include "tests/media/pictures/DeflateSamples.h"
 #include "tests/media/pictures/PngSamples.h"
 
@@ -18,7 +19,7 @@ constexpr std::size_t shortest = 3;
 constexpr std::size_t longest = 258;
 constexpr std::size_t farthest = 32768;
 /// More than is kept at hand: what has been made is moved to make room at least once.
-constexpr std::size_t beyondTheWindow = 260 * 1024;
+constexpr std::size_t beyondTheWindow = 600 * 1024;
 
 std::size_t lengthOf(const std::vector<Match>& matches) {
     std::size_t length = 0;
@@ -100,6 +101,50 @@ TEST(Inflation, TheFarthestBytesAreStillThereWhenTheWindowHasMoved) {
         EXPECT_TRUE(isMadeAlike(manyMatches(distance))) << distance;
         EXPECT_TRUE(isMadeAlike(manyMatches(distance), 2 * farthest)) << distance;
     }
+}
+
+/// Three chunks of noise as literals, then the end.
+Bytes literalChunks(const Bytes& bytes, std::size_t length) {
+    Bytes chunks;
+    for (std::size_t from = 0; from < bytes.size(); from += length) {
+        const LiteralBlock block(std::span<const std::uint8_t>(bytes).subspan(from, length));
+        Bytes data(block.room());
+        const bool last = from + length == bytes.size();
+        data.resize(static_cast<std::size_t>(block.write(data.data(), last) - data.data()));
+        if (from == 0) {
+            data.insert(data.begin(), {0x78, 0x01});
+        }
+        if (last) {
+            const uLong sum = ::adler32(1, bytes.data(), static_cast<uInt>(bytes.size()));
+            for (unsigned shift = 32; shift > 0; shift -= 8) {
+                data.push_back(static_cast<std::uint8_t>(sum >> (shift - 8)));
+            }
+        }
+        const Bytes framed = chunk("IDAT", data);
+        chunks.insert(chunks.end(), framed.begin(), framed.end());
+    }
+    return chunks;
+}
+
+TEST(Inflation, ChunksOfLiteralsAreReadTwoAtATime) {
+    std::mt19937 random(3);
+    constexpr std::size_t length = 120000;
+    Bytes bytes(5 * length);
+    std::generate(bytes.begin(), bytes.end(),
+                  [&] { return static_cast<std::uint8_t>(random() % 30 * (random() % 3)); });
+    const Bytes chunks = literalChunks(bytes, length);
+    Inflation inflation(ImageData(chunks), bytes.size(), 0);
+    Bytes made;
+    auto outcome = Inflation::Outcome::Going;
+    for (std::size_t turn = 0; outcome == Inflation::Outcome::Going; ++turn) {
+        outcome = inflation.more();
+        // What is read one code after the other stops within a chunk.
+        EXPECT_EQ(inflation.freshLength(), turn < 2 ? 2 * length : length);
+        made.insert(made.end(), inflation.fresh(), inflation.fresh() + inflation.freshLength());
+        inflation.take(inflation.freshLength());
+    }
+    EXPECT_EQ(outcome, Inflation::Outcome::Ended);
+    EXPECT_EQ(made, bytes);
 }
 
 } // namespace

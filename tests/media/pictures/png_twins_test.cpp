@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <random>
 
+#include "platform/media/pictures/LiteralBlock.h"
 #include "platform/media/pictures/libpng_decoding.h"
 #include "platform/media/pictures/png_decoding.h"
 #include "tests/media/pictures/DeflateSamples.h"
@@ -317,6 +320,138 @@ TEST(PngTwins, LargePicturesOfNoiseNeedNoLibpng) {
         EXPECT_TRUE(agree(file, PixelForm::RGB, tally, large)) << form.text();
         EXPECT_EQ(tally.withoutLibpng, 1U) << form.text();
     }
+}
+
+/// The pixel stream of a picture in pieces, each a chunk: mostly blocks of nothing but literals,
+/// as this program's own frames have them.
+struct Pieces {
+    std::vector<Bytes> stream;
+    Bytes bytes;
+};
+
+Bytes zlibPiece(const Bytes& bytes, int flush) {
+    z_stream zlib{};
+    EXPECT_EQ(deflateInit2(&zlib, 6, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY), Z_OK);
+    Bytes piece(bytes.size() * 2 + 100);
+    zlib.next_in = const_cast<Bytef*>(bytes.data());
+    zlib.avail_in = static_cast<uInt>(bytes.size());
+    zlib.next_out = piece.data();
+    zlib.avail_out = static_cast<uInt>(piece.size());
+    deflate(&zlib, flush);
+    piece.resize(zlib.total_out);
+    deflateEnd(&zlib);
+    return piece;
+}
+
+Pieces literalPieces(std::mt19937& random, std::size_t rowBytes, std::size_t rows) {
+    Pieces pieces;
+    for (std::size_t i = 0; i < rowBytes * rows; ++i) {
+        const std::uint32_t noise = below(random, 8) * below(random, 30);
+        pieces.bytes.push_back(
+            static_cast<std::uint8_t>(i % rowBytes == 0 ? below(random, 5) : noise));
+    }
+    pieces.stream.push_back({0x78, 0x01});
+    const bool alone = below(random, 2) == 0;
+    for (std::size_t from = 0; from < pieces.bytes.size();) {
+        const std::size_t length =
+            std::min<std::size_t>(1800 + below(random, 1200), pieces.bytes.size() - from);
+        const auto start = pieces.bytes.begin() + std::ptrdiff_t(from);
+        const Bytes part(start, start + std::ptrdiff_t(length));
+        from += length;
+        const bool last = from == pieces.bytes.size();
+        Bytes piece;
+        if (below(random, 8) == 0) {
+            piece = zlibPiece(part, last ? Z_FINISH : Z_SYNC_FLUSH);
+        } else {
+            const LiteralBlock block(part);
+            piece.resize(block.room());
+            piece.resize(std::size_t(block.write(piece.data(), last) - piece.data()));
+        }
+        if (pieces.stream.size() == 1 && alone) {
+            pieces.stream.front().insert(pieces.stream.front().end(), piece.begin(), piece.end());
+        } else {
+            pieces.stream.push_back(piece);
+        }
+    }
+    return pieces;
+}
+
+/// With the checksum of what zlib makes of it.
+Bytes checksumOf(const Pieces& pieces) {
+    Bytes stream;
+    for (const Bytes& piece : pieces.stream) {
+        stream.insert(stream.end(), piece.begin(), piece.end());
+    }
+    Bytes made(pieces.bytes.size() + 1);
+    z_stream zlib{};
+    EXPECT_EQ(inflateInit(&zlib), Z_OK);
+    zlib.next_in = stream.data();
+    zlib.avail_in = static_cast<uInt>(stream.size());
+    zlib.next_out = made.data();
+    zlib.avail_out = static_cast<uInt>(made.size());
+    inflate(&zlib, Z_SYNC_FLUSH);
+    const uLong sum = ::adler32(1, made.data(), static_cast<uInt>(zlib.total_out));
+    inflateEnd(&zlib);
+    return {std::uint8_t(sum >> 24), std::uint8_t(sum >> 16), std::uint8_t(sum >> 8),
+            std::uint8_t(sum)};
+}
+
+void damage(std::vector<Bytes>& stream, std::mt19937& random) {
+    const std::size_t index = 1 + below(random, std::uint32_t(stream.size() - 1));
+    Bytes& piece = stream[index];
+    switch (below(random, 6)) {
+    case 0:
+        piece.resize(below(random, std::uint32_t(piece.size())));
+        break;
+    case 1:
+        std::swap(piece, stream[below(random, std::uint32_t(stream.size()))]);
+        break;
+    case 2:
+        piece.insert(piece.end(), {0, 0, 0, 0xFF, 0xFF});
+        break;
+    case 3: // the other parts of the chunk move into the one before
+        stream[index - 1].insert(stream[index - 1].end(), piece.begin(), piece.begin() + 1);
+        piece.erase(piece.begin());
+        break;
+    case 4: // in the heads, where a bit changes all codes
+        piece[below(random, std::min(60U, std::uint32_t(piece.size())))] ^=
+            static_cast<std::uint8_t>(1U << below(random, 8));
+        break;
+    default:
+        piece[below(random, std::uint32_t(piece.size()))] ^=
+            static_cast<std::uint8_t>(1U << below(random, 8));
+        break;
+    }
+}
+
+TEST(PngTwins, ChunksOfLiteralsAreDecodedAlike) {
+    Tally tally;
+    std::mt19937 random(11);
+    const PngForm form{2, 8, false, false};
+    for (int i = 0; i < 6000; ++i) {
+        const std::uint32_t width = 1 + below(random, 100);
+        const std::uint32_t height = 1 + below(random, 12000 / width / 3);
+        Pieces pieces = literalPieces(random, rowBytesOf(form, width), height);
+        for (unsigned count = below(random, 3); count > 0; --count) {
+            if (pieces.stream.size() > 1) {
+                damage(pieces.stream, random);
+            }
+        }
+        const Bytes sum = checksumOf(pieces);
+        pieces.stream.back().insert(pieces.stream.back().end(), sum.begin(), sum.end());
+        Bytes file = pngAround(form, width, height, pieces.stream.front());
+        const Bytes end(file.end() - 12, file.end());
+        file.resize(file.size() - end.size());
+        for (std::size_t piece = 1; piece < pieces.stream.size(); ++piece) {
+            const Bytes data = chunk("IDAT", pieces.stream[piece]);
+            file.insert(file.end(), data.begin(), data.end());
+        }
+        file.insert(file.end(), end.begin(), end.end());
+        EXPECT_TRUE(agree(file, anyForm(random), tally)) << i;
+    }
+    EXPECT_LT(tally.refused, 200U);
+    EXPECT_GT(tally.withoutLibpng, 2000U);
+    EXPECT_GT(tally.damaged, 1000U);
 }
 
 TEST(PngTwins, OddFilesGetTheVerdictOfLibpng) {
