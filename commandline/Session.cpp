@@ -160,7 +160,11 @@ void Session::launch() {
     if (!missing.empty()) {
         fail("The interface has no control '" + missing.front() + "'.");
     }
-    parts_.controller.awakeFromNib();
+    {
+        // There is no interface that sets itself up meanwhile.
+        const ConsoleRunLoop::HurryScope hurry(parts_.loop);
+        parts_.controller.awakeFromNib();
+    }
     parts_.controller.applicationDidFinishLaunching();
     parts_.isLaunched = true;
 }

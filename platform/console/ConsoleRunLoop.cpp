@@ -56,12 +56,17 @@ void ConsoleRunLoop::runUntil(std::int64_t deadline) {
         ++passes_;
         mainQueue_.runWaiting();
         timers_.runDue();
-        const bool isLast = stopped_ || monotonicNow() >= deadline;
+        const bool isLast =
+            stopped_ || monotonicNow() >= deadline || (isInAHurry_ && hasNothingToWaitFor());
         waitForInput(isLast ? 0 : waitingTime(deadline));
         if (isLast) {
             return;
         }
     }
+}
+
+bool ConsoleRunLoop::hasNothingToWaitFor() const {
+    return mainQueue_.size() == 0 && !timers_.nextDate() && inputs_.empty();
 }
 
 int ConsoleRunLoop::waitingTime(std::int64_t deadline) const {

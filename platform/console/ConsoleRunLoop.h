@@ -59,6 +59,19 @@ public:
         explicit ModalScope(ConsoleRunLoop& loop) : RunLoopTimers::ModalScope(loop.timers_) {}
     };
 
+    /// While one lives, `runUntilDate` comes back as soon as nothing is left that could happen by
+    /// then: no timer, no input, no work. What another thread posts later waits for the next pass.
+    class HurryScope {
+    public:
+        explicit HurryScope(ConsoleRunLoop& loop) : loop_(loop) { loop_.isInAHurry_ = true; }
+        ~HurryScope() { loop_.isInAHurry_ = false; }
+        HurryScope(const HurryScope&) = delete;
+        HurryScope& operator=(const HurryScope&) = delete;
+
+    private:
+        ConsoleRunLoop& loop_;
+    };
+
 private:
     struct Input {
         int descriptor;
@@ -66,6 +79,7 @@ private:
     };
 
     void runUntil(std::int64_t deadline);
+    bool hasNothingToWaitFor() const;
     int waitingTime(std::int64_t deadline) const;
     void waitForInput(int milliseconds);
     void serve(int descriptor, short events);
@@ -76,6 +90,7 @@ private:
     RunLoopTimers timers_;
     std::vector<Input> inputs_;
     std::atomic<bool> stopped_{false};
+    bool isInAHurry_ = false;
     /// How many passes were begun, nested ones included.
     std::uint64_t passes_ = 0;
 };

@@ -168,6 +168,20 @@ TEST(ConsoleRunLoop, StopEndsARunUntilADateThatNeverComes) {
     loop.runUntilDate({std::numeric_limits<double>::infinity()});
 }
 
+TEST(ConsoleRunLoop, InAHurryOnlyWhatMayHappenIsWaitedFor) {
+    ConsoleRunLoop loop;
+    const NSDate farAway{wallClockNow().timeIntervalSince1970 + 1e6};
+    const ConsoleRunLoop::HurryScope hurry(loop);
+    loop.runUntilDate(farAway);
+
+    int worked = 0;
+    loop.mainQueue().async([&] { loop.mainQueue().async([&] { ++worked; }); });
+    const auto timer = loop.scheduleTimer(
+        0.02, [&](NSTimer&) { ++worked; }, false);
+    loop.runUntilDate(farAway);
+    EXPECT_EQ(worked, 2);
+}
+
 TEST(ConsoleRunLoop, ReadableInputIsServed) {
     ConsoleRunLoop loop;
     const auto guard = failAfterAMinute(loop);
