@@ -98,7 +98,7 @@ void describePictures(AVCodecContext& context, int width, int height, std::int32
 ///     medium 23                                 6.83 MB  0.9550  14.9 s
 ///     veryfast 22                               7.90 MB  0.9547   5.4 s
 ///     veryfast's motion search, 2 references    7.38 MB  0.9566   5.7 s  (21.6)
-///     these 21.9                                7.32 MB  0.9563   4.2 s
+///     these 21.75                               7.48 MB  0.9576  4.3 s
 ///     ... with trellis, 2 references            7.58 MB  0.9571   5.0 s  (22)
 ///     ... with 5 B-pictures, 2 references       7.11 MB  0.9549   4.2 s  (22)
 ///     ... with 2 references                     7.50 MB  0.9560   4.0 s  (22)

@@ -15,7 +15,7 @@ struct MovieOptions {
     /// libx264's preset, taken as it is; empty takes this program's own settings.
     std::string preset;
     /// 0 to 51, lower is better and larger.
-    double constantRateFactor = 21.9;
+    double constantRateFactor = 21.75;
     /// Threads of the encoder; 0 leaves it to the encoder.
     int threads = 0;
     /// The encoder's threads leave the processor to the others when there is not enough for all.
