@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/media/pictures/DataBytes.h"
+#include "platform/media/pictures/Downscaling.h"
 #include "platform/media/pictures/ProfileConversion.h"
 #include "platform/media/pictures/picture_errors.h"
 #include "platform/media/pictures/png_decoding.h"
@@ -37,6 +38,14 @@ public:
         return std::nullopt;
     }
 
+    std::optional<NSError> passRows(PixelForm form, PictureRows& rows) const override {
+        const std::span<const std::uint8_t> bytes(file_->bytes(), file_->length());
+        if (!header_.profile && passUsualPng(bytes, header_, form, rows)) {
+            return std::nullopt;
+        }
+        return PictureSource::passRows(form, rows);
+    }
+
 private:
     void convertToSrgb(std::span<const std::uint8_t> profile, PixelForm form, std::uint8_t* rows,
                        std::ptrdiff_t stride) const {
@@ -66,6 +75,30 @@ NSSize PictureShape::sizeInPoints() const {
     }
     return {width * pointsPerInch / dotsPerInch(density->x),
             height * pointsPerInch / dotsPerInch(density->y)};
+}
+
+std::optional<NSError> PictureSource::passRows(PixelForm form, PictureRows& rows) const {
+    const std::size_t stride = bytesPerPixel(form) * shape_.width;
+    auto bitmap = ByteArray::ofLength(stride * shape_.height);
+    if (!bitmap) {
+        return pictureError(PictureFault::NoMemory, name_,
+                            "needs more memory than there is; close other programs");
+    }
+    if (auto error = readPixels(form, bitmap->data(), static_cast<std::ptrdiff_t>(stride))) {
+        return error;
+    }
+    rows.begin();
+    for (std::size_t y = 0; y < shape_.height; ++y) {
+        rows.take(bitmap->data() + y * stride);
+    }
+    return std::nullopt;
+}
+
+std::optional<NSError> PictureSource::readSmaller(std::size_t width, std::size_t height,
+                                                  std::uint32_t* pixels,
+                                                  std::ptrdiff_t stride) const {
+    Downscaling smaller(shape_, PixelForm::RGB, width, height, pixels, stride);
+    return passRows(PixelForm::RGB, smaller);
 }
 
 double dotsPerInch(std::uint32_t pixelsPerMetre) {

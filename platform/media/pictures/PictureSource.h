@@ -55,6 +55,22 @@ double dotsPerInch(std::uint32_t pixelsPerMetre);
 /// in metres) and are best forgotten.
 bool densityMakesSense(PixelDensity density, std::uint32_t width, std::uint32_t height);
 
+/// Takes the rows of a picture as they are decoded.
+class PictureRows {
+public:
+    virtual ~PictureRows() = default;
+    PictureRows(const PictureRows&) = delete;
+    PictureRows& operator=(const PictureRows&) = delete;
+
+    /// Before the top row. Another time when the rows up to there do not count: all come again.
+    virtual void begin() = 0;
+    /// From the top; to be read until this returns.
+    virtual void take(const std::uint8_t* row) = 0;
+
+protected:
+    PictureRows() = default;
+};
+
 /// A picture whose form was checked and whose pixels can be had. Immutable; any thread.
 class PictureSource {
 public:
@@ -72,6 +88,22 @@ public:
     /// row's pixels is touched. On failure the rows hold anything.
     virtual std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
                                               std::ptrdiff_t stride) const = 0;
+
+    /// Hands on the same rows, one after the other: there is no need for memory for all of them.
+    /// After a failure those that came do not count.
+    virtual std::optional<NSError> passRows(PixelForm form, PictureRows& rows) const;
+
+    /// Makes an opaque picture smaller for a view: by the average of the area, 0xFFRRGGBB, neither
+    /// side less than 1 or larger than the picture's own. `stride` is in bytes. On failure the
+    /// pixels are anything.
+    virtual std::optional<NSError> readSmaller(std::size_t width, std::size_t height,
+                                               std::uint32_t* pixels, std::ptrdiff_t stride) const;
+
+    /// A view is going to ask for that: whoever decodes the picture first may see to it.
+    virtual void expectSmaller(std::size_t width, std::size_t height) const {
+        (void)width;
+        (void)height;
+    }
 
     /// The top row, where all rows lie in memory in that form without gaps; else null. Valid as
     /// long as the source.

@@ -24,17 +24,61 @@ std::size_t longestChunk(std::size_t length) {
     return std::max(length + 6 + 5 * (length / block + 1), shortChunk);
 }
 
+/// Rows that all lie in memory.
+class RowsInMemory {
+public:
+    RowsInMemory(std::uint8_t* rows, std::ptrdiff_t stride) : rows_(rows), stride_(stride) {}
+
+    bool begin(std::size_t) { return true; }
+    std::uint8_t* place() { return rows_; }
+    void filled() { rows_ += stride_; }
+
+private:
+    std::uint8_t* rows_;
+    std::ptrdiff_t stride_;
+};
+
+/// Rows that are handed on, each as soon as it is there. The one above stays until then.
+class RowsHandedOn {
+public:
+    explicit RowsHandedOn(PictureRows& rows) : rows_(rows) {}
+
+    bool begin(std::size_t length) {
+        auto lines = ByteArray::ofLength(2 * length);
+        if (!lines) {
+            return false;
+        }
+        lines_ = std::move(*lines);
+        place_ = lines_.data();
+        other_ = lines_.data() + length;
+        rows_.begin();
+        return true;
+    }
+    std::uint8_t* place() { return place_; }
+    void filled() {
+        rows_.take(place_);
+        std::swap(place_, other_);
+    }
+
+private:
+    PictureRows& rows_;
+    ByteArray lines_;
+    std::uint8_t* place_ = nullptr;
+    std::uint8_t* other_ = nullptr;
+};
+
 /// Turns the decompressed bytes into the rows asked for.
+template <typename Rows>
 class RowWriting {
 public:
-    RowWriting(const PngExpansion& expansion, std::uint8_t* rows, std::ptrdiff_t stride)
-        : expansion_(expansion), length_(expansion.rowBytes()), rows_(rows), stride_(stride) {}
+    RowWriting(const PngExpansion& expansion, Rows& rows)
+        : expansion_(expansion), length_(expansion.rowBytes()), rows_(rows) {}
 
-    /// False when there is no memory.
-    bool begin() {
+    /// `length`: of a row asked for. False when there is no memory.
+    bool begin(std::size_t length) {
         const std::size_t room = length_ + filterMargin;
         auto lines = ByteArray::ofLength(expansion_.isCopy() ? room : 2 * room);
-        if (!lines) {
+        if (!lines || !rows_.begin(length)) {
             return false;
         }
         lines_ = std::move(*lines);
@@ -49,33 +93,31 @@ public:
         if (filtered[0] > lastPngFilter) {
             return false;
         }
-        std::uint8_t* to = expansion_.isCopy() ? rows_ : line_;
+        std::uint8_t* to = expansion_.isCopy() ? rows_.place() : line_;
         unfilterRow(static_cast<PngFilter>(filtered[0]), filtered + 1, above_, to, length_,
                     expansion_.pixelBytes());
         if (expansion_.isCopy()) {
             above_ = to;
         } else {
-            expansion_.expand(to, rows_);
+            expansion_.expand(to, rows_.place());
             std::swap(above_, line_);
         }
-        rows_ += stride_;
+        rows_.filled();
         return true;
     }
 
 private:
     const PngExpansion& expansion_;
     std::size_t length_;
-    std::uint8_t* rows_;
-    std::ptrdiff_t stride_;
+    Rows& rows_;
     ByteArray lines_;
     std::uint8_t* above_ = nullptr;
     std::uint8_t* line_ = nullptr;
 };
 
-} // namespace
-
-bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
-                    std::uint8_t* rows, std::ptrdiff_t stride) {
+template <typename Rows>
+bool decodeUsual(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
+                 Rows& rows) {
     if (header.interlaced) {
         return false;
     }
@@ -88,8 +130,8 @@ bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header,
     if (header.longestImageChunk > longestChunk(length)) {
         return false;
     }
-    RowWriting writing(*expansion, rows, stride);
-    if (!writing.begin()) {
+    RowWriting writing(*expansion, rows);
+    if (!writing.begin(bytesPerPixel(form) * header.width)) {
         return false;
     }
     const ByteRange& chunks = header.imageChunks;
@@ -105,6 +147,20 @@ bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header,
         }
     }
     return outcome == Inflation::Outcome::Ended;
+}
+
+} // namespace
+
+bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
+                    std::uint8_t* rows, std::ptrdiff_t stride) {
+    RowsInMemory inMemory(rows, stride);
+    return decodeUsual(file, header, form, inMemory);
+}
+
+bool passUsualPng(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
+                  PictureRows& rows) {
+    RowsHandedOn handedOn(rows);
+    return decodeUsual(file, header, form, handedOn);
 }
 
 std::optional<std::string> decodePng(std::span<const std::uint8_t> file, const PngHeader& header,

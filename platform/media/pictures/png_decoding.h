@@ -30,4 +30,8 @@ std::optional<std::string> decodePng(std::span<const std::uint8_t> file, const P
 bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
                     std::uint8_t* rows, std::ptrdiff_t stride);
 
+/// The same, handing on one row after the other. After false those that came do not count.
+bool passUsualPng(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
+                  PictureRows& rows);
+
 } // namespace vistrane

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "platform/media/pictures/Downscaling.h"
 #include "platform/media/pictures/MediaImage.h"
 #include "platform/qt/controls/QtImage.h"
 
@@ -33,6 +34,61 @@ QImage decoded(const PictureSource& source) {
                : pixels;
 }
 
+const PictureSource* fileOf(const std::shared_ptr<NSImage>& picture) {
+    const auto* const file = dynamic_cast<const MediaImage*>(picture.get());
+    return file != nullptr ? file->source().get() : nullptr;
+}
+
+std::size_t number(int side) {
+    return static_cast<std::size_t>(side);
+}
+
+/// Of `size`, which is that of a place, at least 1 x 1.
+bool canBeMadeSmaller(const PictureShape& shape, QSize size) {
+    return !shape.mayBeTransparent && number(size.width()) <= shape.width &&
+           number(size.height()) <= shape.height;
+}
+
+/// Null when the file is damaged.
+QImage madeSmaller(const PictureSource& source, QSize size) {
+    QImage pixels(size, QImage::Format_RGB32);
+    if (pixels.isNull() || source.readSmaller(number(size.width()), number(size.height()),
+                                              reinterpret_cast<std::uint32_t*>(pixels.bits()),
+                                              pixels.bytesPerLine())) {
+        return {};
+    }
+    return pixels;
+}
+
+QImage madeSmaller(const QImage& image, QSize size) {
+    QImage pixels(size, QImage::Format_RGB32);
+    if (pixels.isNull()) {
+        return {};
+    }
+    const PictureShape shape{static_cast<std::uint32_t>(image.width()),
+                             static_cast<std::uint32_t>(image.height()),
+                             {},
+                             false};
+    Downscaling smaller(shape, PixelForm::RGBA, number(size.width()), number(size.height()),
+                        reinterpret_cast<std::uint32_t*>(pixels.bits()), pixels.bytesPerLine());
+    smaller.begin();
+    for (int y = 0; y < image.height(); ++y) {
+        smaller.take(image.constScanLine(y));
+    }
+    return pixels;
+}
+
+QImage scaled(const QImage& image, QSize size) {
+    const bool isSmaller = size.width() <= image.width() && size.height() <= image.height();
+    if (isSmaller && image.format() == QImage::Format_RGBX8888) {
+        return madeSmaller(image, size);
+    }
+    // A form that is painted as it is.
+    return image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+        .convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                 : QImage::Format_RGB32);
+}
+
 } // namespace
 
 PictureWidget::PictureWidget(QWidget* parent) : QWidget(parent) {}
@@ -47,7 +103,16 @@ void PictureWidget::setPicture(std::shared_ptr<NSImage> picture) {
     isMovingPicture_ = false;
     pixels_ = {};
     scaled_ = {};
+    const NSSize size = picture ? picture->size() : NSSize{};
+    shape_ = QSizeF(size.width, size.height);
     picture_ = std::move(picture);
+    const PictureSource* const file = fileOf(picture_);
+    if (file != nullptr && isVisible()) {
+        const QSize wanted = pixelsIn(place());
+        if (canBeMadeSmaller(file->shape(), wanted)) {
+            file->expectSmaller(number(wanted.width()), number(wanted.height()));
+        }
+    }
     update();
 }
 
@@ -55,6 +120,7 @@ void PictureWidget::setFrame(QImage frame) {
     isInUse_ = isInUse_ || !frame.isNull();
     isMovingPicture_ = true;
     picture_.reset();
+    scaled_ = {};
     shape_ = frame.size();
     pixels_ = std::move(frame);
     update();
@@ -100,49 +166,61 @@ void PictureWidget::paintEvent(QPaintEvent*) {
     }
 }
 
-void PictureWidget::decode() {
-    const auto file = std::dynamic_pointer_cast<MediaImage>(picture_);
-    const auto resource = std::dynamic_pointer_cast<QtImage>(picture_);
-    const QImage* const pixels = resource ? std::get_if<QImage>(&resource->picture()) : nullptr;
-    if (!file && pixels == nullptr) {
-        return;
-    }
-    const NSSize size = picture_->size();
-    shape_ = QSizeF(size.width, size.height);
-    pixels_ = file ? decoded(*file->source()) : *pixels;
-    // Damaged or not: it is not read a second time.
-    picture_.reset();
-}
-
-QRect PictureWidget::placeFor(const QSizeF& shape) const {
-    QRectF place(QPointF(), shape.scaled(size(), Qt::KeepAspectRatio));
+/// Where the picture is.
+QRect PictureWidget::place() const {
+    QRectF place(QPointF(), shape_.scaled(size(), Qt::KeepAspectRatio));
     place.moveCenter(QRectF(rect()).center());
     return place.toAlignedRect().intersected(rect());
 }
 
-void PictureWidget::paintPicture(QPainter& painter) {
-    decode();
-    if (const auto drawn = std::dynamic_pointer_cast<QtImage>(picture_)) {
-        const NSSize size = drawn->size();
-        drawn->paint(painter, placeFor(QSizeF(size.width, size.height)));
-    } else if (!pixels_.isNull() && !shape_.isEmpty()) {
-        paintPixels(painter, placeFor(shape_));
-    }
+QSize PictureWidget::pixelsIn(const QRect& place) const {
+    return (QSizeF(place.size()) * devicePixelRatioF()).toSize().expandedTo(QSize(1, 1));
 }
 
-void PictureWidget::paintPixels(QPainter& painter, const QRect& place) {
-    if (isMovingPicture_) {
-        painter.drawImage(place, pixels_);
+void PictureWidget::decode() {
+    if (const PictureSource* const file = fileOf(picture_)) {
+        pixels_ = decoded(*file);
+    } else if (const auto* const resource = dynamic_cast<const QtImage*>(picture_.get())) {
+        pixels_ = std::get<QImage>(resource->picture());
+    }
+    // Damaged or not: it is not read another time.
+    picture_.reset();
+}
+
+void PictureWidget::scaleTo(QSize size) {
+    if (scaled_.size() == size) {
         return;
     }
-    const double ratio = devicePixelRatioF();
-    const QSize wanted = (QSizeF(place.size()) * ratio).toSize().expandedTo(QSize(1, 1));
-    if (scaled_.size() != wanted) {
-        scaled_ = QPixmap::fromImage(
-            pixels_.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    const PictureSource* const file = fileOf(picture_);
+    const bool isFirst = scaled_.isNull();
+    if (file != nullptr && isFirst && canBeMadeSmaller(file->shape(), size)) {
+        scaled_ = madeSmaller(*file, size);
+        if (scaled_.isNull()) {
+            picture_.reset();
+        }
+        return;
     }
-    scaled_.setDevicePixelRatio(ratio);
-    painter.drawPixmap(place.topLeft(), scaled_);
+    if (picture_) {
+        decode();
+    }
+    scaled_ = pixels_.isNull() ? QImage() : scaled(pixels_, size);
+}
+
+void PictureWidget::paintPicture(QPainter& painter) {
+    if (shape_.isEmpty()) {
+        return;
+    }
+    const QRect place = this->place();
+    const auto* const drawn = dynamic_cast<const QtImage*>(picture_.get());
+    if (drawn != nullptr && !std::holds_alternative<QImage>(drawn->picture())) {
+        drawn->paint(painter, place);
+    } else if (isMovingPicture_) {
+        painter.drawImage(place, pixels_);
+    } else {
+        scaleTo(pixelsIn(place));
+        scaled_.setDevicePixelRatio(devicePixelRatioF());
+        painter.drawImage(place.topLeft(), scaled_);
+    }
 }
 
 void PictureWidget::paintHint(QPainter& painter) const {

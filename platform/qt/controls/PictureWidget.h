@@ -6,7 +6,6 @@
 
 #include <QColor>
 #include <QImage>
-#include <QPixmap>
 #include <QWidget>
 
 #include "platform/appkit/NSImage.h"
@@ -16,7 +15,9 @@ namespace vistrane {
 /// A place for one picture: as large as it fits with its shape kept, centred. Main thread only.
 ///
 /// A picture file is decoded once, when it is first painted, and scaled once for each size and
-/// scale of the screen. One that turns out to be damaged shows as none.
+/// scale of the screen. A large one is made smaller while it is decoded, so that it is never in
+/// memory whole, and is decoded once more, whole, should another size be wanted. One that turns
+/// out to be damaged shows as none.
 class PictureWidget : public QWidget {
 public:
     explicit PictureWidget(QWidget* parent = nullptr);
@@ -41,22 +42,23 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    QRect place() const;
+    QSize pixelsIn(const QRect& place) const;
     void decode();
-    QRect placeFor(const QSizeF& shape) const;
+    void scaleTo(QSize size);
     void paintPicture(QPainter& painter);
-    void paintPixels(QPainter& painter, const QRect& place);
     void paintHint(QPainter& painter) const;
 
     std::optional<QColor> background_;
-    /// Until it is decoded, or as long as it is made of vectors.
+    /// Until it is decoded whole, or as long as it is made of vectors.
     std::shared_ptr<NSImage> picture_;
     bool isMovingPicture_ = false;
     /// A hint makes room for the first picture, also for one that cannot be read, and does not come
     /// back.
     bool isInUse_ = false;
-    QImage pixels_;
     QSizeF shape_;
-    QPixmap scaled_;
+    QImage pixels_;
+    QImage scaled_;
     std::function<void(bool)> visibilityHandler_;
     QSize preferredSize_{320, 240};
 };

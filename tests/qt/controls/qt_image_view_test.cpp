@@ -95,6 +95,30 @@ TEST_F(QtImageViewTest, APictureIsDecodedOnceForHoweverManyPaintings) {
     EXPECT_EQ(picture->decoded_, 1);
 }
 
+TEST_F(QtImageViewTest, ALargePictureIsDecodedOnceMoreForOtherSizes) {
+    blacken();
+    const auto picture = show(800, 400);
+    place_.grab();
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::white));
+    EXPECT_EQ(picture->decoded_, 1);
+    for (const int side : {150, 300, 100}) {
+        place_.resize(side, side);
+        EXPECT_EQ(colorAt(side / 2, side / 2), QColor(Qt::white));
+        EXPECT_EQ(colorAt(2, side / 2), QColor(Qt::white));
+        EXPECT_EQ(colorAt(side / 2, side / 5), QColor(Qt::black));
+        EXPECT_EQ(picture->decoded_, 2);
+    }
+}
+
+TEST_F(QtImageViewTest, ALargeDamagedPictureIsNoPictureAndIsTriedOnce) {
+    blacken();
+    const auto picture = show(800, 400, true);
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+    place_.resize(300, 300);
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+    EXPECT_EQ(picture->decoded_, 1);
+}
+
 TEST_F(QtImageViewTest, APictureThatIsReplacedBeforeItIsSeenIsNeverDecoded) {
     const auto first = show(64, 64);
     const auto second = show(64, 64);
