@@ -6,6 +6,7 @@
 #include "platform/media/pictures/BitmapContext.h"
 #include "platform/media/pictures/MediaBitmapImageRep.h"
 #include "platform/media/pictures/MediaImage.h"
+#include "platform/media/pictures/PictureCache.h"
 #include "platform/media/pictures/PictureSource.h"
 #include "platform/media/pictures/file_bytes.h"
 #include "platform/media/pictures/graphics_state.h"
@@ -32,15 +33,22 @@ std::shared_ptr<const PictureSource> pngOrPpm(const std::shared_ptr<NSData>& dat
 } // namespace
 
 Pictures::Pictures(MediaObserver& observer, PictureLimits limits)
-    : observer_(observer), limits_(limits) {}
+    : observer_(observer), limits_(limits), cache_(std::make_unique<PictureCache>()) {}
+
+Pictures::~Pictures() = default;
 
 std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& path) const {
-    FileBytesResult file = readFile(path, limits_.largestFile);
-    if (file.error) {
-        observer_.imageCouldNotBeRead(path, *file.error);
-        return nullptr;
-    }
-    const auto result = pictureFromPng(std::move(file.bytes), path, limits_);
+    const auto load = [&](OpenFile& file) -> PictureSourceResult {
+        FileBytesResult read = file.read();
+        return read.error ? PictureSourceResult(*read.error)
+                          : pictureFromPng(std::move(read.bytes), path, limits_);
+    };
+    auto opened = OpenFile::at(path, limits_.largestFile);
+    auto* const file = std::get_if<OpenFile>(&opened);
+    const auto result = file == nullptr ? PictureSourceResult(std::get<NSError>(opened))
+                        : file->state().isSettled()
+                            ? cache_->picture(path, file->state(), [&] { return load(*file); })
+                            : load(*file);
     if (const auto* error = std::get_if<NSError>(&result)) {
         observer_.imageCouldNotBeRead(path, *error);
         return nullptr;

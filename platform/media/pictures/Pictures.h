@@ -12,6 +12,8 @@
 
 namespace vistrane {
 
+class PictureCache;
+
 /// The picture messages of `AppKit`, for a front end to pass on. Any thread.
 ///
 /// Pictures are PNG files of every form. They are checked when loaded and decoded when drawn, into
@@ -21,8 +23,12 @@ class Pictures {
 public:
     /// The observer outlives everything made here.
     explicit Pictures(MediaObserver& observer, PictureLimits limits = {});
+    Pictures(const Pictures&) = delete;
+    Pictures& operator=(const Pictures&) = delete;
+    ~Pictures();
 
-    /// Tells the observer why when it returns null. The name's ending does not matter.
+    /// Tells the observer why when it returns null. The name's ending does not matter. What was
+    /// read of a file is shared with those who still have a picture of its present state.
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) const;
     /// PNG or PPM.
     std::shared_ptr<NSImage> imageWithData(const std::shared_ptr<NSData>& data) const;
@@ -41,6 +47,7 @@ public:
 private:
     MediaObserver& observer_;
     PictureLimits limits_;
+    std::unique_ptr<PictureCache> cache_;
 };
 
 } // namespace vistrane

@@ -4,8 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <memory>
@@ -35,6 +37,8 @@ public:
     }
 
     int number() const { return number_; }
+    /// It is the caller's to close.
+    int release() { return std::exchange(number_, -1); }
 
     /// The system's number of an error that only closing brings to light (a quota, a remote
     /// disk), else 0. An interrupted close has closed.
@@ -68,6 +72,10 @@ int openRetrying(const std::string& path, int flags) {
 std::optional<NSError> notAFile(const std::string& path) {
     return NSError{pictureErrorDomain, static_cast<std::int64_t>(PictureFault::NotAFile),
                    shownText(path) + " is not a regular file; choose another name or remove it"};
+}
+
+std::int64_t nanosecondsOf(const struct timespec& time) {
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
 /// The system's error number, or 0 when all bytes were written.
@@ -110,39 +118,62 @@ std::string siblingName(const std::string& path) {
 
 } // namespace
 
-FileBytesResult readFile(const std::string& path, std::uint64_t largestFile) {
-    FileBytesResult result;
-    const Descriptor file(openRetrying(path, O_RDONLY));
+bool FileState::isSettled() const {
+    using namespace std::chrono;
+    constexpr nanoseconds margin = seconds(2);
+    const auto now = duration_cast<nanoseconds>(system_clock::now().time_since_epoch()).count();
+    return std::max(changed, touched) < now - margin.count();
+}
+
+std::variant<OpenFile, NSError> OpenFile::at(const std::string& path, std::uint64_t largestFile) {
+    Descriptor file(openRetrying(path, O_RDONLY));
     struct stat state {};
     if (file.number() < 0 || ::fstat(file.number(), &state) != 0) {
-        result.error = systemError(errno, "Cannot open the picture", path, readAdvice);
-        return result;
+        return systemError(errno, "Cannot open the picture", path, readAdvice);
     }
     if (!S_ISREG(state.st_mode)) {
-        result.error = pictureError(PictureFault::NotAFile, path,
-                                    "cannot be used: it is not a regular file; remove it");
-        return result;
+        return pictureError(PictureFault::NotAFile, path,
+                            "cannot be used: it is not a regular file; remove it");
     }
     if (static_cast<std::uint64_t>(state.st_size) > largestFile) {
-        result.error = pictureError(PictureFault::TooLarge, path,
-                                    "is too large a file; make it smaller or remove it");
-        return result;
+        return pictureError(PictureFault::TooLarge, path,
+                            "is too large a file; make it smaller or remove it");
     }
+    return OpenFile(file.release(), path,
+                    {state.st_dev, state.st_ino, static_cast<std::uint64_t>(state.st_size),
+                     nanosecondsOf(state.st_mtim), nanosecondsOf(state.st_ctim)});
+}
+
+OpenFile::OpenFile(int descriptor, std::string path, const FileState& state)
+    : descriptor_(descriptor), path_(std::move(path)), state_(state) {}
+
+OpenFile::OpenFile(OpenFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)), path_(std::move(other.path_)),
+      state_(other.state_) {}
+
+OpenFile::~OpenFile() {
+    if (descriptor_ >= 0) {
+        ::close(descriptor_);
+    }
+}
+
+FileBytesResult OpenFile::read() {
+    FileBytesResult result;
     // Read, not mapped: a mapped file that somebody shortens kills its reader.
-    auto bytes = ByteArray::ofLength(static_cast<std::size_t>(state.st_size));
+    auto bytes = ByteArray::ofLength(static_cast<std::size_t>(state_.length));
     if (!bytes) {
-        result.error = pictureError(PictureFault::NoMemory, path,
+        result.error = pictureError(PictureFault::NoMemory, path_,
                                     "needs more memory than there is; close other programs");
         return result;
     }
     std::size_t length = 0;
     while (length < bytes->length()) {
-        const ssize_t got = ::read(file.number(), bytes->data() + length, bytes->length() - length);
+        const ssize_t got = ::read(descriptor_, bytes->data() + length, bytes->length() - length);
         if (got < 0 && errno == EINTR) {
             continue;
         }
         if (got < 0) {
-            result.error = systemError(errno, "Cannot read the picture", path, readAdvice);
+            result.error = systemError(errno, "Cannot read the picture", path_, readAdvice);
             return result;
         }
         if (got == 0) {

@@ -1,3 +1,9 @@
+#include <chrono>
+#include <thread>
+
+#include "platform/media/pictures/MediaImage.h"
+#include "platform/media/pictures/SharedPicture.h"
+#include "platform/media/pictures/file_bytes.h"
 #include "tests/media/pictures/PicturesTest.h"
 
 namespace vistrane::testing {
@@ -5,6 +11,11 @@ namespace {
 
 using PictureFiles = PicturesTest;
 using ::testing::HasSubstr;
+
+const SharedDecoding& sharedOf(const std::shared_ptr<NSImage>& image) {
+    const auto source = dynamic_cast<const MediaImage&>(*image).source();
+    return dynamic_cast<const SharedPicture&>(*source).decoding();
+}
 
 Bytes someFile() {
     return randomPng({2, 8, false, false}, 6, 4).file;
@@ -114,6 +125,36 @@ TEST_F(PictureFiles, ALoadedPictureDoesNotNeedItsFileAnyMore) {
     const auto image = pictures_.imageWithContentsOfFile(folder_.file("a.png"));
     ASSERT_EQ(::truncate(folder_.file("a.png").c_str(), 10), 0);
     EXPECT_EQ(draw(image, 6, 4).rgb, overBlack(sample.rgba));
+}
+
+TEST_F(PictureFiles, AFileThatWasRewrittenAMomentAgoIsReadAnew) {
+    const std::string path = folder_.file("a.png");
+    std::vector<std::shared_ptr<NSImage>> images;
+    for (unsigned seed = 1; seed < 20; ++seed) {
+        // No row's length changes, and often neither do the file's nor its time.
+        const PngSample sample = randomPng({2, 8, false, false}, 6, 4, seed);
+        put(path, sample.file);
+        images.push_back(pictures_.imageWithContentsOfFile(path));
+        EXPECT_EQ(draw(images.back(), 6, 4).rgb, overBlack(sample.rgba));
+    }
+}
+
+TEST_F(PictureFiles, WhatWasReadOfAFileThatStaysIsShared) {
+    const std::string path = folder_.file("a.png");
+    const PngSample sample = randomPng({2, 8, false, false}, 6, 4);
+    put(path, sample.file);
+    while (!std::get<OpenFile>(OpenFile::at(path, 1000)).state().isSettled()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    const auto first = pictures_.imageWithContentsOfFile(path);
+    const auto second = pictures_.imageWithContentsOfFile(path);
+    EXPECT_EQ(&sharedOf(first), &sharedOf(second));
+    EXPECT_EQ(draw(first, 6, 4).rgb, overBlack(sample.rgba));
+    EXPECT_EQ(draw(second, 6, 4).rgb, overBlack(sample.rgba));
+    const PngSample other = randomPng({2, 8, false, false}, 6, 4, 2);
+    put(path, other.file);
+    EXPECT_EQ(draw(pictures_.imageWithContentsOfFile(path), 6, 4).rgb, overBlack(other.rgba));
+    EXPECT_EQ(draw(first, 6, 4).rgb, overBlack(sample.rgba));
 }
 
 TEST_F(PictureFiles, AReasonIsOneLineWhateverThePath) {
