@@ -39,7 +39,10 @@ Resampling::Resampling(double origin, double step, std::size_t count, double low
 }
 
 void Resampling::addAverage(double from, double to, double low, double high) {
-    const double start = std::clamp(from, low, high);
+    // What rounding leaves of the pixel before is not the first one.
+    const double nearest = std::round(from);
+    const double start =
+        std::clamp(std::abs(nearest - from) < leastCover ? nearest : from, low, high);
     const double end = std::clamp(to, low, high);
     const std::size_t first = index(start, low, high);
     const std::size_t offset = weights_.size();

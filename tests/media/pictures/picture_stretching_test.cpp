@@ -70,6 +70,16 @@ TEST_F(PictureStretching, ShrinksToTheAverage) {
     EXPECT_EQ(pixelAt(drawn, 2, 1, 1), (Bytes{150, 0, 0}));
 }
 
+/// 1080 / 99 times 11 is 120, but for the rounding, which makes it a little less.
+TEST_F(PictureStretching, ShrinksToTheAverageWhateverRoundingLeavesOfAPixel) {
+    const auto image =
+        load(pngOf(1080, 2, [](auto x, auto) { return x < 120 ? 0x000000FFU : 0xFFFFFFFFU; }).file);
+    const Drawn drawn = drawIn(image, 99, 2, {{0, 0}, {99, 2}});
+    for (std::size_t x = 0; x < 99; ++x) {
+        EXPECT_EQ(pixelAt(drawn, 99, x, 0), Bytes(3, x < 11 ? 0 : 255)) << x;
+    }
+}
+
 TEST_F(PictureStretching, CountsTheRectangleInPointsWhateverThePicturesDensity) {
     const auto image = load(withDensity(pngOf(4, 4, redOverBlue).file, 5669, 5669));
     ASSERT_EQ(image->size(), (NSSize{2, 2}));
