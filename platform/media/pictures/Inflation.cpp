@@ -631,30 +631,35 @@ bool Inflation::decodeCodes() {
 /// True when the next two chunks were nothing but literals, and are done. Else nothing has changed,
 /// and the blocks are to be read as usual.
 bool Inflation::decodeTwoChunks() {
-    if (!triesTwoChunks_ || reader_.bitCount % 8 != 0) {
+    if (reader_.bitCount % 8 != 0) {
         return false;
     }
     const std::size_t unread = static_cast<std::size_t>(inEnd_ - reader_.in) + reader_.bitCount / 8;
-    ahead_.passOver(data_.position() - unread - ahead_.position());
+    const std::size_t position = data_.position() - unread;
+    if (position < nextTry_) {
+        return false;
+    }
+    ahead_.passOver(position - ahead_.position());
     const std::span<const std::uint8_t> first = ahead_.restOfChunk();
     if (!seemLiterals(first, longestHead)) {
         return false;
     }
+    nextTry_ = position + first.size();
     ImageData next = ahead_;
     next.passOver(first.size());
     const std::span<const std::uint8_t> second = next.restOfChunk();
     if (!seemLiterals(second, longestHead) || next.behindChunk() < readMargin) {
         return false;
     }
-    next.passOver(second.size());
-    triesTwoChunks_ = decodeLiterals(first, second);
-    if (triesTwoChunks_) {
-        data_ = ahead_ = next;
-        inEnd_ = input_.data();
-        reader_.startAt(inEnd_);
-        drained_ = false;
+    if (!decodeLiterals(first, second)) {
+        return false;
     }
-    return triesTwoChunks_;
+    next.passOver(second.size());
+    data_ = ahead_ = next;
+    inEnd_ = input_.data();
+    reader_.startAt(inEnd_);
+    drained_ = false;
+    return true;
 }
 
 bool Inflation::decodeLiterals(std::span<const std::uint8_t> first,

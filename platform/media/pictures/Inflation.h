@@ -145,7 +145,9 @@ private:
     // Of chunks that are read two at a time.
     ImageData ahead_;
     std::array<DeflateReader, 2> twoReaders_;
-    bool triesTwoChunks_ = true;
+    /// From where in the data on: a chunk is tried once, however many blocks it has and however
+    /// many empty chunks there are behind it.
+    std::size_t nextTry_ = 0;
 
     std::array<std::uint8_t, inputRoom + longestHead + 128> input_{};
 };

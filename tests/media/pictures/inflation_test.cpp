@@ -103,36 +103,52 @@ TEST(Inflation, TheFarthestBytesAreStillThereWhenTheWindowHasMoved) {
     }
 }
 
-/// Three chunks of noise as literals, then the end.
-Bytes literalChunks(const Bytes& bytes, std::size_t length) {
-    Bytes chunks;
+Bytes noise(std::size_t length) {
+    std::mt19937 random(3);
+    Bytes bytes(length);
+    std::generate(bytes.begin(), bytes.end(),
+                  [&] { return static_cast<std::uint8_t>(random() % 30 * (random() % 3)); });
+    return bytes;
+}
+
+Bytes literalBlock(std::span<const std::uint8_t> bytes, bool last) {
+    const LiteralBlock block(bytes);
+    Bytes data(block.room());
+    data.resize(static_cast<std::size_t>(block.write(data.data(), last) - data.data()));
+    return data;
+}
+
+void append(Bytes& bytes, const Bytes& more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
+
+/// A zlib stream of blocks of literals, each of so many bytes.
+std::vector<Bytes> literalBlocks(const Bytes& bytes, std::size_t length) {
+    std::vector<Bytes> blocks;
     for (std::size_t from = 0; from < bytes.size(); from += length) {
-        const LiteralBlock block(std::span<const std::uint8_t>(bytes).subspan(from, length));
-        Bytes data(block.room());
-        const bool last = from + length == bytes.size();
-        data.resize(static_cast<std::size_t>(block.write(data.data(), last) - data.data()));
-        if (from == 0) {
-            data.insert(data.begin(), {0x78, 0x01});
-        }
-        if (last) {
-            const uLong sum = ::adler32(1, bytes.data(), static_cast<uInt>(bytes.size()));
-            for (unsigned shift = 32; shift > 0; shift -= 8) {
-                data.push_back(static_cast<std::uint8_t>(sum >> (shift - 8)));
-            }
-        }
-        const Bytes framed = chunk("IDAT", data);
-        chunks.insert(chunks.end(), framed.begin(), framed.end());
+        const auto part = std::span<const std::uint8_t>(bytes).subspan(from, length);
+        blocks.push_back(literalBlock(part, from + length == bytes.size()));
+    }
+    blocks.front().insert(blocks.front().begin(), {0x78, 0x01});
+    const uLong sum = ::adler32(1, bytes.data(), static_cast<uInt>(bytes.size()));
+    for (unsigned shift = 32; shift > 0; shift -= 8) {
+        blocks.back().push_back(static_cast<std::uint8_t>(sum >> (shift - 8)));
+    }
+    return blocks;
+}
+
+Bytes framed(const std::vector<Bytes>& parts) {
+    Bytes chunks;
+    for (const Bytes& part : parts) {
+        append(chunks, chunk("IDAT", part));
     }
     return chunks;
 }
 
 TEST(Inflation, ChunksOfLiteralsAreReadTwoAtATime) {
-    std::mt19937 random(3);
     constexpr std::size_t length = 120000;
-    Bytes bytes(5 * length);
-    std::generate(bytes.begin(), bytes.end(),
-                  [&] { return static_cast<std::uint8_t>(random() % 30 * (random() % 3)); });
-    const Bytes chunks = literalChunks(bytes, length);
+    const Bytes bytes = noise(5 * length);
+    const Bytes chunks = framed(literalBlocks(bytes, length));
     Inflation inflation(ImageData(chunks), bytes.size(), 0);
     Bytes made;
     auto outcome = Inflation::Outcome::Going;
@@ -145,6 +161,50 @@ TEST(Inflation, ChunksOfLiteralsAreReadTwoAtATime) {
     }
     EXPECT_EQ(outcome, Inflation::Outcome::Ended);
     EXPECT_EQ(made, bytes);
+}
+
+TEST(Inflation, ChunksAreReadTwoAtATimeAgainAfterTwoThatCannotBe) {
+    constexpr std::size_t length = 120000;
+    const Bytes bytes = noise(9 * length);
+    std::vector<Bytes> parts = literalBlocks(bytes, length);
+    // Looks like one block from its ends.
+    append(parts[1], parts[2]);
+    parts.erase(parts.begin() + 2);
+    const Bytes chunks = framed(parts);
+    Inflation inflation(ImageData(chunks), bytes.size(), 0);
+    Bytes made;
+    std::size_t mostAtOnce = 0;
+    auto outcome = Inflation::Outcome::Going;
+    while (outcome == Inflation::Outcome::Going) {
+        outcome = inflation.more();
+        mostAtOnce = std::max(mostAtOnce, inflation.freshLength());
+        made.insert(made.end(), inflation.fresh(), inflation.fresh() + inflation.freshLength());
+        inflation.take(inflation.freshLength());
+    }
+    EXPECT_EQ(outcome, Inflation::Outcome::Ended);
+    EXPECT_EQ(made, bytes);
+    EXPECT_GE(mostAtOnce, 2 * length);
+}
+
+/// Whoever looks behind the empty chunks again at every block takes the better part of an hour, and
+/// does not end in the time that a test has.
+TEST(Inflation, WhatFollowsAChunkIsLookedForOnce) {
+    const Bytes bytes = noise(5);
+    std::vector<Bytes> parts = literalBlocks(bytes, bytes.size());
+    const Bytes block = literalBlock({}, false);
+    Bytes manyBlocks = {0x78, 0x01};
+    while (manyBlocks.size() < std::size_t{2} * 1024 * 1024) {
+        append(manyBlocks, block);
+    }
+    Bytes chunks = chunk("IDAT", manyBlocks);
+    const Bytes empty = chunk("IDAT", {});
+    for (std::size_t i = 0; i < 6'000'000; ++i) {
+        append(chunks, empty);
+    }
+    append(chunks, chunk("IDAT", Bytes(parts[0].begin() + 2, parts[0].end())));
+    Inflation inflation(ImageData(chunks), bytes.size(), 0);
+    EXPECT_EQ(inflation.more(), Inflation::Outcome::Ended);
+    EXPECT_EQ(Bytes(inflation.fresh(), inflation.fresh() + inflation.freshLength()), bytes);
 }
 
 } // namespace
