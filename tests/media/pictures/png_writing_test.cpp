@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <random>
 
+#include "platform/media/pictures/libpng_decoding.h"
 #include "platform/media/pictures/libpng_encoding.h"
+#include "platform/media/pictures/png_decoding.h"
 #include "platform/media/pictures/png_encoding.h"
 #include "tests/media/pictures/PngSamples.h"
 
@@ -151,6 +153,29 @@ TEST(PngWriting, PicturesThatChangeTheirKindAreReadBack) {
             }
         }
         check(shape, pixels);
+    }
+}
+
+/// A row of these is longer than what is compressed at once.
+TEST(PngWriting, TheWidestPicturesAreReadBack) {
+    std::mt19937 random(6);
+    for (const bool transparent : {false, true}) {
+        const PictureShape shape{PictureLimits().largestSide, 4, std::nullopt, transparent};
+        Bytes pixels(strideOf(shape) * shape.height);
+        std::generate(pixels.begin(), pixels.end(),
+                      [&] { return static_cast<std::uint8_t>(random()); });
+        const Bytes file = copyOf(encodePng(PixelSource(shape, pixels)));
+        const auto read = readPngHeader(file, PictureLimits());
+        const auto* header = std::get_if<PngHeader>(&read);
+        ASSERT_NE(header, nullptr);
+        const auto form = transparent ? PixelForm::RGBA : PixelForm::RGB;
+        const auto stride = static_cast<std::ptrdiff_t>(strideOf(shape));
+        Bytes ours(pixels.size());
+        EXPECT_TRUE(decodeUsualPng(file, *header, form, ours.data(), stride));
+        EXPECT_EQ(ours, pixels);
+        Bytes theirs(pixels.size());
+        EXPECT_FALSE(decodeByLibpng(file, *header, form, theirs.data(), stride));
+        EXPECT_EQ(theirs, pixels);
     }
 }
 
