@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "platform/media/pictures/DataBytes.h"
@@ -54,6 +55,58 @@ void repairChecksums(Bytes& file) {
         }
         offset += 12 + length;
     }
+}
+
+/// The data of the IDAT chunks in one, and where each byte of them is in the file.
+struct PixelStream {
+    Bytes bytes;
+    std::vector<std::size_t> places;
+};
+
+PixelStream pixelStreamOf(const Bytes& file) {
+    PixelStream stream;
+    for (std::size_t offset = 8; offset + 12 <= file.size();) {
+        const std::size_t length = number(file, offset);
+        if (length > file.size() - offset - 12) {
+            break;
+        }
+        const bool isData = std::equal(file.begin() + std::ptrdiff_t(offset) + 4,
+                                       file.begin() + std::ptrdiff_t(offset) + 8, "IDAT");
+        for (std::size_t i = 0; isData && i < length; ++i) {
+            stream.places.push_back(offset + 8 + i);
+            stream.bytes.push_back(file[offset + 8 + i]);
+        }
+        offset += 12 + length;
+    }
+    return stream;
+}
+
+/// Gives the pixels' stream the checksum of what zlib makes of it, if it gets as far. True if it
+/// had another; the checksum of its chunk is then wrong.
+bool repairStreamChecksum(Bytes& file) {
+    const PixelStream stream = pixelStreamOf(file);
+    if (stream.bytes.size() < 2) {
+        return false;
+    }
+    Bytes made(std::size_t{1} << 20);
+    z_stream zlib{};
+    require(::inflateInit2(&zlib, -15) == Z_OK);
+    zlib.next_in = const_cast<Bytef*>(stream.bytes.data()) + 2;
+    zlib.avail_in = static_cast<uInt>(stream.bytes.size() - 2);
+    zlib.next_out = made.data();
+    zlib.avail_out = static_cast<uInt>(made.size());
+    const int result = ::inflate(&zlib, Z_FINISH);
+    const uLong sum = ::adler32(1, made.data(), static_cast<uInt>(zlib.total_out));
+    const std::size_t end = 2 + zlib.total_in;
+    ::inflateEnd(&zlib);
+    bool changed = false;
+    for (std::size_t i = 0; result == Z_STREAM_END && i < 4; ++i) {
+        const auto right = static_cast<std::uint8_t>(sum >> (24 - 8 * i));
+        if (end + i < stream.places.size()) {
+            changed |= std::exchange(file[stream.places[end + i]], right) != right;
+        }
+    }
+    return changed;
 }
 
 struct Kits {
@@ -146,5 +199,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     vistrane::tryPicture(bytes);
     vistrane::repairChecksums(bytes);
     vistrane::tryPicture(bytes);
+    if (vistrane::repairStreamChecksum(bytes)) {
+        vistrane::repairChecksums(bytes);
+        vistrane::tryPicture(bytes);
+    }
     return 0;
 }
