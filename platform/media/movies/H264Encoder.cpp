@@ -9,14 +9,11 @@
 #include <thread>
 #include <utility>
 
+#include "platform/media/movies/Libav.h"
 #include "platform/media/movies/movie_errors.h"
 #include "platform/posix/threads.h"
 
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavutil/dict.h>
-#include <libavutil/error.h>
-#include <libavutil/frame.h>
 #include <libavutil/log.h>
 }
 
@@ -40,19 +37,23 @@ bool takesPlanar420(const AVCodec& codec) {
 }
 
 bool isUsable(const AVCodec& codec) {
-    return av_codec_is_encoder(&codec) && codec.id == AV_CODEC_ID_H264 && takesPlanar420(codec) &&
-           (codec.capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0;
+    return libav()->av_codec_is_encoder(&codec) && codec.id == AV_CODEC_ID_H264 &&
+           takesPlanar420(codec) && (codec.capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0;
 }
 
 /// The encoders to try, the best first. Some that are there work with certain hardware only.
 std::vector<const AVCodec*> findEncoders(const std::string& name) {
     std::vector<const AVCodec*> encoders;
-    const AVCodec* wanted = avcodec_find_encoder_by_name(name.empty() ? "libx264" : name.c_str());
+    if (libav() == nullptr) {
+        return encoders;
+    }
+    const AVCodec* wanted =
+        libav()->avcodec_find_encoder_by_name(name.empty() ? "libx264" : name.c_str());
     if (wanted && isUsable(*wanted)) {
         encoders.push_back(wanted);
     }
     void* position = nullptr;
-    while (const AVCodec* codec = name.empty() ? av_codec_iterate(&position) : nullptr) {
+    while (const AVCodec* codec = name.empty() ? libav()->av_codec_iterate(&position) : nullptr) {
         if (codec != wanted && isUsable(*codec)) {
             encoders.push_back(codec);
         }
@@ -62,7 +63,7 @@ std::vector<const AVCodec*> findEncoders(const std::string& name) {
 
 NSError encoderError(int number, const std::string& what, const std::string& advice) {
     char reason[AV_ERROR_MAX_STRING_SIZE] = {};
-    av_strerror(number, reason, sizeof reason);
+    libav()->av_strerror(number, reason, sizeof reason);
     return movieError(AVErrorUnknown, what + ": " + reason + ". " + advice);
 }
 
@@ -106,11 +107,12 @@ void describePictures(AVCodecContext& context, int width, int height, std::int32
 /// Other quantisation by variance, a look ahead of 40 and other partitions gain nothing or less
 /// than they cost.
 void chooseOwnSettings(AVDictionary** settings) {
-    av_dict_set(settings, "preset", "veryfast", 0);
-    av_dict_set(settings, "x264-params",
-                "subme=1:ref=3:rc-lookahead=15:qcomp=0.5:chroma-qp-offset=-3:deblock=-2,-2:"
-                "no-dct-decimate=1",
-                0);
+    libav()->av_dict_set(settings, "preset", "veryfast", 0);
+    libav()->av_dict_set(
+        settings, "x264-params",
+        "subme=1:ref=3:rc-lookahead=15:qcomp=0.5:chroma-qp-offset=-3:deblock=-2,-2:"
+        "no-dct-decimate=1",
+        0);
 }
 
 /// For encoders that know no constant quality: a fifth of a bit for each pixel.
@@ -168,11 +170,11 @@ void onGivingWay(const std::function<void()>& work) {
 } // namespace
 
 void FrameDeleter::operator()(AVFrame* frame) const {
-    av_frame_free(&frame);
+    libav()->av_frame_free(&frame);
 }
 
 FramePointer makeFrame(int width, int height) {
-    FramePointer frame(av_frame_alloc());
+    FramePointer frame(libav() == nullptr ? nullptr : libav()->av_frame_alloc());
     if (!frame) {
         return nullptr;
     }
@@ -184,25 +186,31 @@ FramePointer makeFrame(int width, int height) {
     frame->color_trc = AVCOL_TRC_BT709;
     frame->colorspace = AVCOL_SPC_BT709;
     frame->chroma_location = AVCHROMA_LOC_LEFT;
-    return av_frame_get_buffer(frame.get(), 0) == 0 ? std::move(frame) : nullptr;
+    return libav()->av_frame_get_buffer(frame.get(), 0) == 0 ? std::move(frame) : nullptr;
 }
 
 bool isFrameUnshared(const AVFrame& frame) {
     // The parameter has lacked its const in some versions of the library.
-    return av_frame_is_writable(const_cast<AVFrame*>(&frame)) > 0;
+    return libav()->av_frame_is_writable(const_cast<AVFrame*>(&frame)) > 0;
 }
 
 void H264Encoder::ContextDeleter::operator()(AVCodecContext* context) const {
-    avcodec_free_context(&context);
+    libav()->avcodec_free_context(&context);
 }
 
 void H264Encoder::PacketDeleter::operator()(AVPacket* packet) const {
-    av_packet_free(&packet);
+    libav()->av_packet_free(&packet);
 }
 
 std::optional<NSError> H264Encoder::availability(const MovieOptions& options) {
     if (!findEncoders(options.encoder).empty()) {
         return std::nullopt;
+    }
+    if (libav() == nullptr) {
+        return movieError(AVErrorEncoderNotFound,
+                          std::string("The movie cannot be made: ") + libavcodecName + " or " +
+                              libavutilName +
+                              " is not on this system. Install libavcodec with libx264");
     }
     const std::string wanted = options.encoder.empty() ? "" : " \"" + options.encoder + "\"";
     return movieError(AVErrorEncoderNotFound,
@@ -230,8 +238,9 @@ std::optional<NSError> H264Encoder::open(int width, int height, std::int32_t tim
 
 std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, int height,
                                              std::int32_t timescale) {
-    std::unique_ptr<AVCodecContext, ContextDeleter> context(avcodec_alloc_context3(&codec));
-    packet_.reset(av_packet_alloc());
+    std::unique_ptr<AVCodecContext, ContextDeleter> context(
+        libav()->avcodec_alloc_context3(&codec));
+    packet_.reset(libav()->av_packet_alloc());
     if (!context || !packet_) {
         return encodingError(AVERROR(ENOMEM));
     }
@@ -248,20 +257,20 @@ std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, in
         if (options_.preset.empty()) {
             chooseOwnSettings(&settings);
         } else {
-            av_dict_set(&settings, "preset", options_.preset.c_str(), 0);
+            libav()->av_dict_set(&settings, "preset", options_.preset.c_str(), 0);
         }
-        av_dict_set(&settings, "crf", factor, 0);
+        libav()->av_dict_set(&settings, "crf", factor, 0);
     } else {
         context->bit_rate = plentifulBitRate(width, height, timescale);
     }
     int result = 0;
-    const auto open = [&] { result = avcodec_open2(context.get(), &codec, &settings); };
+    const auto open = [&] { result = libav()->avcodec_open2(context.get(), &codec, &settings); };
     if (options_.givesWay) {
         onGivingWay(open);
     } else {
         open();
     }
-    av_dict_free(&settings);
+    libav()->av_dict_free(&settings);
     if (result < 0) {
         return encoderError(result,
                             "The H.264 encoder " + std::string(codec.name) +
@@ -287,12 +296,12 @@ std::optional<NSError> H264Encoder::finish(const Sink& sink) {
 }
 
 std::optional<NSError> H264Encoder::send(const AVFrame* frame, const Sink& sink) {
-    int result = avcodec_send_frame(context_.get(), frame);
+    int result = libav()->avcodec_send_frame(context_.get(), frame);
     if (result == AVERROR(EAGAIN)) {
         if (auto error = receive(sink)) {
             return error;
         }
-        result = avcodec_send_frame(context_.get(), frame);
+        result = libav()->avcodec_send_frame(context_.get(), frame);
     }
     if (result < 0) {
         return encodingError(result);
@@ -302,7 +311,7 @@ std::optional<NSError> H264Encoder::send(const AVFrame* frame, const Sink& sink)
 
 std::optional<NSError> H264Encoder::receive(const Sink& sink) {
     while (true) {
-        const int result = avcodec_receive_packet(context_.get(), packet_.get());
+        const int result = libav()->avcodec_receive_packet(context_.get(), packet_.get());
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) {
             return std::nullopt;
         }
@@ -310,7 +319,7 @@ std::optional<NSError> H264Encoder::receive(const Sink& sink) {
             return encodingError(result);
         }
         repackage();
-        av_packet_unref(packet_.get());
+        libav()->av_packet_unref(packet_.get());
         if (auto error = sink(picture_)) {
             return error;
         }
