@@ -59,20 +59,18 @@ std::optional<std::string> contentsOf(const std::string& path) {
         errno = S_ISREG(facts.st_mode) ? EFBIG : EINVAL;
         return std::nullopt;
     }
-    std::string contents(static_cast<std::size_t>(longestFile), '\0');
-    std::size_t length = 0;
-    while (length < contents.size()) {
-        const ssize_t count =
-            ::read(file.number(), contents.data() + length, contents.size() - length);
+    std::string contents;
+    char part[4096];
+    while (contents.size() < static_cast<std::size_t>(longestFile)) {
+        const ssize_t count = ::read(file.number(), part, sizeof part);
         if (count == 0) {
             break;
         }
         if (count < 0 && errno != EINTR) {
             return std::nullopt;
         }
-        length += static_cast<std::size_t>(count > 0 ? count : 0);
+        contents.append(part, static_cast<std::size_t>(count > 0 ? count : 0));
     }
-    contents.resize(length);
     return contents;
 }
 
