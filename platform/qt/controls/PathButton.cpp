@@ -1,5 +1,7 @@
 #include "platform/qt/controls/PathButton.h"
 
+#include <algorithm>
+
 #include <QHelpEvent>
 #include <QStyleOptionButton>
 #include <QStylePainter>
@@ -12,9 +14,27 @@ namespace vistrane {
 
 namespace {
 
-/// A path reads from left to right in every language.
-QString isolated(const QString& path) {
-    return QChar(0x2066) + path + QChar(0x2069);
+bool isRightToLeft(char32_t character) {
+    switch (QChar::direction(character)) {
+    case QChar::DirR:
+    case QChar::DirAL:
+    case QChar::DirAN:
+    case QChar::DirRLE:
+    case QChar::DirRLO:
+    case QChar::DirRLI:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// A path reads from left to right in every language. One that does so by itself stays as it is:
+/// most fonts lack the marks, and all others would be searched for them.
+QString isolated(const QString& path, Qt::LayoutDirection around) {
+    const auto characters = path.toUcs4();
+    const bool readsByItself = around == Qt::LeftToRight &&
+                               std::none_of(characters.begin(), characters.end(), isRightToLeft);
+    return readsByItself ? path : QChar(0x2066) + path + QChar(0x2069);
 }
 
 /// A tool tip takes a text that looks like marked-up text for that.
@@ -61,7 +81,7 @@ void PathButton::paintEvent(QPaintEvent*) {
     QStylePainter painter(this);
     QStyleOptionButton option;
     initStyleOption(&option);
-    option.text = isolated(fittingText());
+    option.text = isolated(fittingText(), layoutDirection());
     painter.drawControl(QStyle::CE_PushButton, option);
 }
 

@@ -183,6 +183,21 @@ TEST_F(PathButtonTest, ALongPathDoesNotWidenTheWindow) {
     EXPECT_LE(button_.sizeHint().width(), 240);
 }
 
+TEST_F(PathButtonTest, APathReadsFromLeftToRightInEveryLanguage) {
+    const auto picture = [this](const QString& path, Qt::LayoutDirection direction) {
+        button_.setText(path);
+        button_.setLayoutDirection(direction);
+        return button_.grab().toImage();
+    };
+    button_.resize(400, 30);
+    // Left alone, its first stroke would stand at the end.
+    for (const QString& path : {QStringLiteral("/home/frames."), QStringLiteral("/123/45."),
+                                QString::fromUtf8("/home/\u05d0\u05d1/\u05d2\u05d3.")}) {
+        EXPECT_EQ(picture(path, Qt::LeftToRight), picture(path, Qt::RightToLeft))
+            << path.toStdString();
+    }
+}
+
 TEST_F(PathButtonTest, BothEndsOfALongPathAreSeen) {
     const auto picture = [this](const char* path) {
         button_.setText(QString::fromUtf8(path));
