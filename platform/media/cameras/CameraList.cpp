@@ -88,6 +88,13 @@ Camera cameraOf(GstDevice* device, const std::string& provider) {
     return camera;
 }
 
+/// Each listing would print libcamera's version otherwise. First on the main thread, which is the
+/// one that reads the environment.
+void quietLibcamera() {
+    static const bool isQuiet = setenv("LIBCAMERA_LOG_LEVELS", "*:ERROR", 0) == 0;
+    static_cast<void>(isQuiet);
+}
+
 } // namespace
 
 struct CameraList::Provider {
@@ -141,6 +148,13 @@ struct Answers {
 CameraList::CameraList() = default;
 
 CameraList::~CameraList() = default;
+
+void CameraList::prepare() {
+    quietLibcamera();
+    startDetachedThread([self = shared_from_this()] {
+        std::call_once(self->providersFound_, [&self] { self->findProviders(); });
+    });
+}
 
 void CameraList::findProviders() {
     if (!startGStreamer()) {
@@ -222,11 +236,8 @@ Camera demoCamera() {
 }
 
 bool startGStreamer() {
-    static const bool works = [] {
-        // Each listing would print libcamera's version otherwise.
-        setenv("LIBCAMERA_LOG_LEVELS", "*:ERROR", 0);
-        return gst_init_check(nullptr, nullptr, nullptr) != FALSE;
-    }();
+    quietLibcamera();
+    static const bool works = gst_init_check(nullptr, nullptr, nullptr) != FALSE;
     return works;
 }
 

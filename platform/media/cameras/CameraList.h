@@ -27,13 +27,17 @@ struct Camera {
 /// the cameras of a PipeWire that was restarted, and PipeWire's watcher, at least up to 0.3.65,
 /// damages the heap when it is stopped. A provider that hangs costs the waiting time and one
 /// thread, however often it is asked.
-class CameraList {
+class CameraList : public std::enable_shared_from_this<CameraList> {
 public:
-    /// Starts nothing: that happens with the first question.
+    /// Starts nothing: that happens with `prepare` or the first question.
     CameraList();
     ~CameraList();
     CameraList(const CameraList&) = delete;
     CameraList& operator=(const CameraList&) = delete;
+
+    /// Finds out whom to ask, on a thread of its own: loading the providers takes longer than they
+    /// take to answer. A question that comes meanwhile waits for it. Main thread only.
+    void prepare();
 
     /// Every camera once, in the platform's order, without the demo camera. Waits for slow
     /// providers at most `patience`, then goes on without them.

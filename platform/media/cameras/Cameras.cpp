@@ -60,6 +60,12 @@ Cameras::~Cameras() {
     }
 }
 
+void Cameras::prepare() {
+    if (options_.findsCameras) {
+        cameraList()->prepare();
+    }
+}
+
 std::shared_ptr<AVCaptureDeviceDiscoverySession> Cameras::discoverySessionWithDeviceTypes(
     const std::vector<std::optional<AVCaptureDeviceType>>& types, AVMediaType mediaType,
     AVCaptureDevicePosition) {

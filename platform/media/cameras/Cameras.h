@@ -30,6 +30,9 @@ public:
     Cameras(const Cameras&) = delete;
     Cameras& operator=(const Cameras&) = delete;
 
+    /// Prepares the first listing without holding anything up.
+    void prepare();
+
     /// Lists what is there now; waits at most `CameraOptions::listing`. The types make no
     /// difference (what is built in cannot be told reliably), as long as there is one. A query
     /// for video finds muxed sources as well.

@@ -70,6 +70,16 @@ TEST_F(PipeWireCamera, IsListedOnceUnderItsName) {
     EXPECT_TRUE(bed.device("Testcam")->supportsAVCaptureSessionPreset(AVCaptureSessionPresetPhoto));
 }
 
+TEST_F(PipeWireCamera, IsListedOnceByAPreparedListing) {
+    bed.cameras->prepare();
+    bed.cameras->prepare();
+    int found = 0;
+    for (const auto& device : bed.devices()) {
+        found += device->localizedName() == "Testcam" ? 1 : 0;
+    }
+    EXPECT_EQ(found, 1);
+}
+
 TEST_F(PipeWireCamera, StillShowsWhatTheCameraSees) {
     ASSERT_TRUE(bed.pick("Testcam"));
     bed.request();
