@@ -1,6 +1,8 @@
 // The program in its window, driven from within, on a display that nobody sees:
 //
-//   session_bench start FOLDER             opens the window and ends at its first event
+//   session_bench start FOLDER             ends when the window is seen and takes events
+//   session_bench launch FOLDER            ends when the start is over: with the settings in the
+//                                          controls and the cameras in their list
 //   session_bench compile FOLDER FPS       from the click to the whole movie
 //   session_bench compile-alone FOLDER FPS the same without a window
 //   session_bench play FOLDER              between two frames that were painted, at 60 a second
@@ -8,7 +10,8 @@
 //                                          settings: the longest time that an event waited for
 //                                          its answer
 //
-// What was measured is printed in milliseconds; of "start" the process itself is to be timed.
+// What was measured is printed in milliseconds; of "start" and "launch" the process itself is to be
+// timed.
 
 #include <atomic>
 #include <chrono>
@@ -35,6 +38,7 @@
 #include "commandline/Session.h"
 #include "window/WindowLog.h"
 #include "window/WindowSession.h"
+#include "window/open_window.h"
 
 namespace vistrane::bench {
 
@@ -207,7 +211,16 @@ void capture(const std::string& folder, double seconds) {
     QTimer::singleShot(2000, qApp, begin);
 }
 
-int run(const std::vector<std::string>& arguments, char** names) {
+void endWhenExposed() {
+    const QWidget& window = control<QWidget>("myWindow");
+    const auto isExposed = [&window] {
+        return window.windowHandle() != nullptr && window.windowHandle()->isExposed();
+    };
+    when(
+        isExposed, [] { std::_Exit(0); }, 1);
+}
+
+void run(const std::vector<std::string>& arguments) {
     require(arguments.size() >= 2, "usage: session_bench VERB FOLDER [NUMBER]");
     const std::string& verb = arguments[0];
     const std::string& folder = arguments[1];
@@ -215,30 +228,28 @@ int run(const std::vector<std::string>& arguments, char** names) {
     if (verb == "compile-alone") {
         compileAlone(folder, static_cast<int>(number));
     }
-    int count = 1;
     WindowLog& log = *new WindowLog(STDERR_FILENO);
-    QCoreApplication::setApplicationName("vistrane");
-    QGuiApplication::setDesktopFileName("vistrane");
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    new QApplication(count, names);
+    makeApplication();
     WindowOptions options;
     options.version = "0.0.0";
     options.folder = folder;
     WindowSession& session = *new WindowSession(options, log);
-    session.launch();
     if (verb == "start") {
-        const auto& window = control<QWidget>("myWindow");
-        when([&window] { return window.windowHandle()->isExposed(); }, [] { std::_Exit(0); }, 1);
-    } else if (verb == "compile") {
-        compile(folder, static_cast<int>(number));
-    } else if (verb == "play") {
-        play(folder);
-    } else if (verb == "capture") {
-        capture(folder, number);
-    } else {
-        require(false, "there is no " + verb);
+        endWhenExposed();
     }
-    session.run();
+    session.run([&] {
+        if (verb == "start" || verb == "launch") {
+            endWhenExposed();
+        } else if (verb == "compile") {
+            compile(folder, static_cast<int>(number));
+        } else if (verb == "play") {
+            play(folder);
+        } else if (verb == "capture") {
+            capture(folder, number);
+        } else {
+            require(false, "there is no " + verb);
+        }
+    });
 }
 
 } // namespace
@@ -246,5 +257,5 @@ int run(const std::vector<std::string>& arguments, char** names) {
 } // namespace vistrane::bench
 
 int main(int count, char** arguments) {
-    return vistrane::bench::run({arguments + 1, arguments + count}, arguments);
+    vistrane::bench::run({arguments + 1, arguments + count});
 }

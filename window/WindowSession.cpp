@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <thread>
+#include <utility>
 
 #include <QApplication>
 #include <QEvent>
@@ -131,6 +132,8 @@ struct WindowSession::Parts {
     const Platform platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch};
     AppDelegate controller{platform};
     mantisQRXpanel panel{platform};
+    /// What waited for the main window to be drawn is done.
+    bool isDrawn = false;
     /// Shared with who ends the process: the settings are restored and may be saved.
     bool isLaunched = false;
     std::atomic<bool> isEnding{false};
@@ -145,9 +148,6 @@ WindowSession* running = nullptr;
 
 WindowSession::WindowSession(const WindowOptions& options, WindowLog& log)
     : parts_(*new Parts(options, log)) {
-    if (const std::shared_ptr<NSImage> icon = parts_.resources.imageNamed("vistrane")) {
-        QApplication::setWindowIcon(iconOf(*icon));
-    }
     if (options.folder) {
         rememberFolder(*options.folder);
     }
@@ -168,18 +168,34 @@ void WindowSession::launch() {
     followAppearance();
     connectInterface();
     parts_.interface.holdSmallWindows();
+    // A window without a task-bar entry never has one.
+    const bool isDockSettingStored = parts_.defaults.integerForKey("firstTime") == 1;
+    if (isDockSettingStored) {
+        parts_.panel.restoreDockSetting();
+    }
+    showMainWindow();
+    // The controller lets the loop run before it sets the controls: the window is drawn meanwhile.
     parts_.controller.awakeFromNib();
     parts_.panel.awakeFromNib();
-    parts_.panel.restoreDockSetting();
+    if (!isDockSettingStored) {
+        parts_.panel.restoreDockSetting();
+    }
     // The settings are in the controls now.
     parts_.isLaunched = true;
-    showMainWindow();
+    showOtherWindows();
     parts_.controller.applicationDidFinishLaunching();
     tellThatNoCameraIsThere();
     keepAwakeWhileCapturing();
 }
 
-void WindowSession::run() {
+void WindowSession::run(const std::function<void()>& launched) {
+    // Within the loop: to be told to quit counts from now on.
+    parts_.loop.mainQueue().async([this, &launched] {
+        launch();
+        if (launched) {
+            launched();
+        }
+    });
     QApplication::exec();
     end(0);
 }
@@ -212,12 +228,27 @@ void WindowSession::tellThatNoCameraIsThere() {
 void WindowSession::showMainWindow() {
     QWidget& window = parts_.interface.mainWindow();
     parts_.application.setMainWindow(&window);
-    parts_.statusIcon = std::make_unique<StatusIcon>(
-        parts_.interface.statusMenu(), QApplication::windowIcon(), "Vistrane",
-        [this] { parts_.controller.realUnhide(&parts_.controller); });
     window.installEventFilter(this);
     parts_.closeRequests = std::make_unique<CloseRequests>(window, [this] { end(0); });
     window.show();
+    window.windowHandle()->installEventFilter(this);
+}
+
+void WindowSession::mainWindowIsDrawn() {
+    if (std::exchange(parts_.isDrawn, true)) {
+        return;
+    }
+    if (const std::shared_ptr<NSImage> icon = parts_.resources.imageNamed("vistrane")) {
+        QApplication::setWindowIcon(iconOf(*icon));
+    }
+    parts_.cameras.prepare();
+}
+
+void WindowSession::showOtherWindows() {
+    mainWindowIsDrawn(); // At the latest: it may be on a desktop that is not seen.
+    parts_.statusIcon = std::make_unique<StatusIcon>(
+        parts_.interface.statusMenu(), QApplication::windowIcon(), "Vistrane",
+        [this] { parts_.controller.realUnhide(&parts_.controller); });
     awaitDisplay();
     // Only now: what appears last is in front, and the main window's place is known.
     parts_.interface.releaseSmallWindows();
@@ -280,6 +311,11 @@ void WindowSession::handleEndings() {
 bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Close && watched == &parts_.interface.mainWindow()) {
         end(0);
+    }
+    if (event->type() == QEvent::Expose) {
+        // Its drawing comes first.
+        watched->removeEventFilter(this);
+        parts_.loop.mainQueue().async([this] { mainWindowIsDrawn(); });
     }
     return QObject::eventFilter(watched, event);
 }

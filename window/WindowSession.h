@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QObject>
 
 #include "window/WindowLog.h"
@@ -20,11 +22,9 @@ public:
     /// Never called: sessions end with the process.
     ~WindowSession() override = default;
 
-    /// Loads the interface, wakes its objects and shows the main window.
-    void launch();
-
-    /// Runs the program to its end.
-    [[noreturn]] void run();
+    /// Shows the main window, wakes the interface's objects and runs the program to its end.
+    /// `launched` is called when all that is to be seen at first is there.
+    [[noreturn]] void run(const std::function<void()>& launched = {});
 
 protected:
     /// Sees the main window close.
@@ -33,10 +33,14 @@ protected:
 private:
     struct Parts;
 
+    void launch();
     void rememberFolder(const std::string& path);
     void connectInterface();
     void tellThatNoCameraIsThere();
     void showMainWindow();
+    /// What can wait until the user sees something. Once, however often it is called.
+    void mainWindowIsDrawn();
+    void showOtherWindows();
     /// Looking for cameras takes a moment in which nothing is drawn.
     void awaitDisplay();
     /// The last window in the interface that shows gets it.

@@ -3,8 +3,10 @@
 #include <cstdlib>
 
 #include <QApplication>
+#include <fontconfig/fontconfig.h>
 #include <unistd.h>
 
+#include "platform/posix/threads.h"
 #include "window/WindowLog.h"
 #include "window/WindowSession.h"
 
@@ -23,6 +25,22 @@ bool hasDisplay() {
     return isSet("QT_QPA_PLATFORM") || isSet("WAYLAND_DISPLAY") || isSet("DISPLAY");
 }
 
+void makeApplication() {
+    // While the display's answers are waited for.
+    std::thread fonts = startThread([] { FcInit(); });
+    static int count = 1;
+    static char name[] = "vistrane";
+    static char* arguments[] = {name, nullptr};
+    QCoreApplication::setApplicationName("vistrane");
+    QGuiApplication::setDesktopFileName("vistrane");
+    // The session ends the program itself, with what is to be saved.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    new QApplication(count, arguments);
+    if (fonts.joinable()) {
+        fonts.join();
+    }
+}
+
 void openWindow(const WindowOptions& options) {
     // Nothing here is ever taken apart: threads may still be at work when the process ends.
     WindowLog& log = *new WindowLog(STDERR_FILENO);
@@ -32,19 +50,11 @@ void openWindow(const WindowOptions& options) {
     }
     log.takeMessagesOfQt();
 
-    static int count = 1;
-    static char name[] = "vistrane";
-    static char* arguments[] = {name, nullptr};
-    QCoreApplication::setApplicationName("vistrane");
     QCoreApplication::setApplicationVersion(QString::fromStdString(options.version));
-    QGuiApplication::setDesktopFileName("vistrane");
-    // The session ends the program itself, with what is to be saved.
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    new QApplication(count, arguments);
+    makeApplication();
     log.windowCanBeOpened();
 
     WindowSession& session = *new WindowSession(options, log);
-    session.launch();
     session.run();
 }
 

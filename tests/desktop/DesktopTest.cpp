@@ -70,11 +70,15 @@ void DesktopTest::keepScreen(const std::string& name) {
                                      number + "-" + name + ".png");
 }
 
-void DesktopTest::start(const std::vector<std::string>& arguments, const Environment& more) {
+void DesktopTest::launch(const std::vector<std::string>& arguments, const Environment& more) {
     std::vector<std::string> command{VISTRANE_PROGRAM};
     command.insert(command.end(), arguments.begin(), arguments.end());
     root_.reset();
     program_ = desktop.start("vistrane", command, more);
+}
+
+void DesktopTest::start(const std::vector<std::string>& arguments, const Environment& more) {
+    launch(arguments, more);
     root_ = desktop.controlsOf(*program_);
     find("check box", "Lower Quality");
     window();

@@ -39,6 +39,8 @@ protected:
 
     void TearDown() override;
 
+    /// Starts the program and waits for nothing.
+    void launch(const std::vector<std::string>& arguments = {}, const Environment& more = {});
     /// Starts the program and waits for its window.
     void start(const std::vector<std::string>& arguments = {}, const Environment& more = {});
     /// Closes the main window and waits for the end: its status. How long it took is printed.

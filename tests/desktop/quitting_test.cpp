@@ -44,6 +44,19 @@ TEST_F(Quitting, DuringACompileLeavesNoBrokenMovie) {
     }
 }
 
+TEST_F(Quitting, WhileItStartsKeepsTheSettings) {
+    storeUsual(12);
+    const auto before = stored();
+    launch({folder});
+    // From the first moment on in which the program may have the keys.
+    const int status = await("the program's end", [this] {
+                           screen().press({"Control_L", "q"});
+                           return program().status();
+                       }).value();
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(stored(), before);
+}
+
 TEST_F(Quitting, DuringPlayingSavesTheSettings) {
     makeFrames(60);
     storeUsual(1);
