@@ -211,7 +211,8 @@ void Desktop::startWindowManager() {
     const std::string settings = work_ / "openbox.xml";
     writeFile(settings, windowManagerSettings);
     processes_.push_back(start("openbox", {"openbox", "--sm-disable", "--config-file", settings}));
-    await("the window manager", [this] { return screen_->isManaged(); });
+    // The second window is one that it has not found when it came.
+    await("the window manager", [this] { return screen_->isManaged() && screen_->isManaged(); });
 }
 
 void Desktop::recordOpening() const {

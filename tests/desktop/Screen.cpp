@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cctype>
+#include <chrono>
 #include <cstring>
 #include <stdexcept>
 #include <thread>
@@ -284,7 +285,26 @@ Rectangle Screen::placeOf(const Window& window) const {
 }
 
 bool Screen::isManaged() const {
-    return !x_->property<unsigned long>(x_->root, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW).empty();
+    if (x_->property<unsigned long>(x_->root, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW).empty()) {
+        return false;
+    }
+    const ::Window probe = XCreateSimpleWindow(x_->display, x_->root, 0, 0, 8, 8, 0, 0, 0);
+    XMapWindow(x_->display, probe);
+    XSync(x_->display, False);
+    const auto isListed = [this, probe] {
+        const auto all =
+            x_->property<unsigned long>(x_->root, "_NET_CLIENT_LIST_STACKING", XA_WINDOW);
+        return std::find(all.begin(), all.end(), probe) != all.end();
+    };
+    bool wasListed = false;
+    for (int look = 0; look < 100 && !wasListed; ++look) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        wasListed = isListed();
+    }
+    XDestroyWindow(x_->display, probe);
+    XSync(x_->display, False);
+    await("the small window's end", [&] { return !isListed(); });
+    return wasListed;
 }
 
 std::optional<unsigned long> Screen::activeWindow() const {

@@ -51,7 +51,8 @@ public:
     std::vector<Window> windows() const;
     /// Without the window manager's frame.
     Rectangle placeOf(const Window& window) const;
-    /// True when a window manager runs.
+    /// Shows a small window for a moment. True when a window manager has taken it into its list:
+    /// one that is starting says that it is there before it sees every new window.
     bool isManaged() const;
     std::optional<unsigned long> activeWindow() const;
     /// As the close button of a task bar does.
