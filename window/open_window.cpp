@@ -3,10 +3,8 @@
 #include <cstdlib>
 
 #include <QApplication>
-#include <fontconfig/fontconfig.h>
 #include <unistd.h>
 
-#include "platform/posix/threads.h"
 #include "window/WindowLog.h"
 #include "window/WindowSession.h"
 
@@ -26,8 +24,6 @@ bool hasDisplay() {
 }
 
 void makeApplication() {
-    // While the display's answers are waited for.
-    std::thread fonts = startThread([] { FcInit(); });
     static int count = 1;
     static char name[] = "vistrane";
     static char* arguments[] = {name, nullptr};
@@ -36,9 +32,6 @@ void makeApplication() {
     // The session ends the program itself, with what is to be saved.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     new QApplication(count, arguments);
-    if (fonts.joinable()) {
-        fonts.join();
-    }
 }
 
 void openWindow(const WindowOptions& options) {

@@ -17,8 +17,7 @@ struct WindowOptions {
 /// Whether the environment names a display to open a window on.
 bool hasDisplay();
 
-/// Makes the QApplication, which is never taken apart. Reads the list of fonts meanwhile, for which
-/// the first text would wait otherwise. Main thread only, once.
+/// Makes the QApplication, which is never taken apart. Main thread only, once.
 void makeApplication();
 
 /// Opens the window and runs the program in it. Ends the process when the window is closed, when
