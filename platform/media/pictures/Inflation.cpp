@@ -21,7 +21,7 @@ constexpr std::size_t stretch = std::size_t{128} * 1024;
 /// What each of two chunks of literals may become: a slab of `encodeByIgzip`.
 constexpr std::size_t literalRoom = std::size_t{132} * 1024;
 /// How much of a file has to follow what is read without looking for its end at every step.
-constexpr std::size_t readMargin = 16;
+constexpr std::size_t readMargin = 24;
 /// More than one turn of the decoding loop writes: eight literals, the longest match and the rest
 /// of the 16 bytes that are copied at once.
 constexpr std::size_t turnOutput = 320;
@@ -541,7 +541,7 @@ private:
     /// To the end of the block.
     [[gnu::always_inline]] static inline bool decodeRest(InflationLoop& loop, Lane& lane) {
         const std::uint32_t* const codes = lane.reader.literalTable.data();
-        while (loop.in <= lane.inEnd + readMargin / 2 && lane.outEnd - loop.out >= 2) {
+        while (loop.in <= lane.inEnd + 8 && lane.outEnd - loop.out >= 2) {
             loop.refill();
             std::uint32_t entry = codes[lowBits(loop.bits, DeflateReader::literalBits)];
             if ((entry & isSubtable) != 0) {

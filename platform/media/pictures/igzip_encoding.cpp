@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/media/pictures/LiteralBlock.h"
+#include "platform/media/pictures/PictureLimits.h"
 #include "platform/media/pictures/png_filters.h"
 
 namespace vistrane {
@@ -173,6 +174,10 @@ private:
     static constexpr std::size_t pieceLength = std::size_t{8} * 1024;
     /// A slab of literals and what else is around it.
     static constexpr std::size_t chunkRoom = slab + std::size_t{2} * 1024;
+    // A slab has one row at least, and its literals take a thousandth more and a head.
+    static constexpr std::size_t longestRow =
+        1 + bytesPerPixel(PixelForm::RGBA) * PictureLimits().largestSide;
+    static_assert(longestRow + longestRow / 1000 + 1024 <= chunkRoom);
 
     bool addSmallest(std::span<std::uint8_t> bytes, bool last) {
         if (hasManyZeros(bytes)) {
