@@ -8,9 +8,6 @@
 // lengths in thousands of bytes. WORD picks the lines whose name, kind or size has it. --short
 // leaves out what takes very long.
 
-#include <ctime>
-#include <png.h>
-
 #include <png.h>
 
 #include <QBuffer>
@@ -287,11 +284,19 @@ void compareSaving(const Table& table, const SamplePicture& picture, const std::
         const QImage image(picture.rgb.data(), static_cast<int>(picture.width),
                            static_cast<int>(picture.height), static_cast<int>(picture.width) * 3,
                            QImage::Format_RGB888);
+        QByteArray saved;
         table.compare({"save-qimage", picture.kind, size}, ours,
-                      [&] { their = static_cast<std::size_t>(saveWithQImage(image).size()); });
+                      [&] { saved = saveWithQImage(image); });
+        if (!saved.isEmpty()) {
+            Bytes rgba(std::size_t{picture.width} * picture.height * 4);
+            readByLibpng(Bytes(saved.begin(), saved.end()), rgba);
+            checkPixels(picture, rgba);
+        }
     }
     Bytes rgba(std::size_t{picture.width} * picture.height * 4);
     readByLibpng(encodeByUs(*source), rgba);
+    checkPixels(picture, rgba);
+    readByLibpng(writeByLibpng(picture, 1), rgba);
     checkPixels(picture, rgba);
 }
 
