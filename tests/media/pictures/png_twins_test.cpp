@@ -48,7 +48,37 @@ Decoded decoded(const PngHeader& header, PixelForm form, const Decode& decode) {
     return result;
 }
 
-/// False where the two differ.
+/// What comes in rows, one after the other, put where the others decode to.
+class RowsPutDown final : public PictureRows {
+public:
+    RowsPutDown(std::uint8_t* rows, std::ptrdiff_t stride, std::size_t length)
+        : rows_(rows), stride_(stride), length_(length) {}
+    void begin() override { place_ = rows_; }
+    void take(const std::uint8_t* row) override {
+        std::copy_n(row, length_, place_);
+        place_ += stride_;
+    }
+
+private:
+    std::uint8_t* rows_;
+    std::ptrdiff_t stride_;
+    std::size_t length_;
+    std::uint8_t* place_ = nullptr;
+};
+
+/// False where the rows that are handed on differ from those that are decoded in place.
+bool agreesPassed(const Bytes& file, const PngHeader& header, PixelForm form, bool expected,
+                  const Bytes& rows) {
+    bool isPassed = false;
+    const Decoded passed = decoded(header, form, [&](auto* to, auto stride) {
+        RowsPutDown putDown(to, stride, bytesPerPixel(form) * header.width);
+        isPassed = passUsualPng(file, header, form, putDown);
+        return std::optional<std::string>();
+    });
+    return isPassed == expected && passed.rows == rows;
+}
+
+/// False where two of them differ.
 bool agree(const Bytes& file, PixelForm form, Tally& tally, const PictureLimits& allowed = limits) {
     const auto read = readPngHeader(file, allowed);
     const auto* header = std::get_if<PngHeader>(&read);
@@ -66,6 +96,11 @@ bool agree(const Bytes& file, PixelForm form, Tally& tally, const PictureLimits&
     });
     ++(theirs.fault ? tally.damaged : tally.decoded);
     tally.withoutLibpng += fast ? 1 : 0;
+    // Every other file, for the time it takes; the first is one of them.
+    const bool passes = (tally.damaged + tally.decoded) % 2 == 1;
+    if (passes && !agreesPassed(file, *header, form, fast, ours.rows)) {
+        return false;
+    }
     // What is not decoded without libpng is left to it.
     return !fast || (!theirs.fault && ours.rows == theirs.rows);
 }
@@ -107,9 +142,9 @@ Tally compareStreams(unsigned count, unsigned seed, const MakeStream& make) {
 }
 
 TEST(PngTwins, StreamsOfEveryMakeAreDecodedAlike) {
-    const Tally tally = compareStreams(60000, 1, randomStream);
-    EXPECT_GT(tally.withoutLibpng, 30000U);
-    EXPECT_GT(tally.damaged, 6000U);
+    const Tally tally = compareStreams(80000, 1, randomStream);
+    EXPECT_GT(tally.withoutLibpng, 40000U);
+    EXPECT_GT(tally.damaged, 8000U);
 }
 
 TEST(PngTwins, StreamsOfZlibAreDecodedAlike) {
