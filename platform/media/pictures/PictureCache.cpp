@@ -6,6 +6,24 @@
 
 namespace vistrane {
 
+/// Of the one who loads: however it ends, also by an exception, those who wait for it go on.
+class PictureCache::Turn {
+public:
+    Turn(PictureCache& cache, const std::string& path, const FileState& state)
+        : cache_(cache), path_(path), state_(state) {}
+    ~Turn() { cache_.conclude(path_, state_, decoding); }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    /// Null for a failure.
+    std::shared_ptr<SharedDecoding> decoding;
+
+private:
+    PictureCache& cache_;
+    const std::string& path_;
+    const FileState& state_;
+};
+
 std::vector<PictureCache::Entry>::iterator PictureCache::find(const std::string& path,
                                                               const FileState& state) {
     return std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
@@ -30,12 +48,24 @@ PictureSourceResult PictureCache::picture(const std::string& path, const FileSta
     }
     entries_.push_back({path, state, {}, true});
     lock.unlock();
+    return loaded(path, state, load);
+}
 
-    const PictureSourceResult result = load();
+PictureSourceResult PictureCache::loaded(const std::string& path, const FileState& state,
+                                         const Loading& load) {
+    Turn turn(*this, path, state);
+    PictureSourceResult result = load();
     const auto* const source = std::get_if<std::shared_ptr<const PictureSource>>(&result);
-    auto decoding = source != nullptr ? std::make_shared<SharedDecoding>(*source) : nullptr;
+    if (source == nullptr) {
+        return result;
+    }
+    turn.decoding = std::make_shared<SharedDecoding>(*source);
+    return std::make_shared<SharedPicture>(turn.decoding);
+}
 
-    lock.lock();
+void PictureCache::conclude(const std::string& path, const FileState& state,
+                            const std::shared_ptr<SharedDecoding>& decoding) {
+    const std::lock_guard lock(mutex_);
     const auto entry = find(path, state);
     if (decoding) {
         entry->decoding = decoding;
@@ -44,8 +74,6 @@ PictureSourceResult PictureCache::picture(const std::string& path, const FileSta
         entries_.erase(entry);
     }
     changed_.notify_all();
-    lock.unlock();
-    return decoding ? std::make_shared<SharedPicture>(std::move(decoding)) : result;
 }
 
 } // namespace vistrane

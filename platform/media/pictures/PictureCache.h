@@ -21,7 +21,7 @@ public:
 
     /// The picture of the file at `path`, of which `state` is what the open file says: shared with
     /// those who have it already, or are just reading it (that is waited for), else loaded. A
-    /// failure is nobody's but the caller's.
+    /// failure is nobody's but the caller's, as is an exception of `load`.
     PictureSourceResult picture(const std::string& path, const FileState& state,
                                 const Loading& load);
 
@@ -34,7 +34,13 @@ private:
         bool isLoading = true;
     };
 
+    class Turn;
+
     std::vector<Entry>::iterator find(const std::string& path, const FileState& state);
+    PictureSourceResult loaded(const std::string& path, const FileState& state,
+                               const Loading& load);
+    void conclude(const std::string& path, const FileState& state,
+                  const std::shared_ptr<SharedDecoding>& decoding);
 
     std::mutex mutex_;
     std::condition_variable changed_;

@@ -1,6 +1,7 @@
 #include "platform/media/pictures/PictureSource.h"
 
 #include <cmath>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -67,6 +68,11 @@ PictureShape shapeOf(const PngHeader& header) {
     return shape;
 }
 
+NSError memoryError(const std::string& name) {
+    return pictureError(PictureFault::NoMemory, name,
+                        "needs more memory than there is; close other programs");
+}
+
 } // namespace
 
 NSSize PictureShape::sizeInPoints() const {
@@ -81,8 +87,7 @@ std::optional<NSError> PictureSource::passRows(PixelForm form, PictureRows& rows
     const std::size_t stride = bytesPerPixel(form) * shape_.width;
     auto bitmap = ByteArray::ofLength(stride * shape_.height);
     if (!bitmap) {
-        return pictureError(PictureFault::NoMemory, name_,
-                            "needs more memory than there is; close other programs");
+        return memoryError(name_);
     }
     if (auto error = readPixels(form, bitmap->data(), static_cast<std::ptrdiff_t>(stride))) {
         return error;
@@ -97,8 +102,12 @@ std::optional<NSError> PictureSource::passRows(PixelForm form, PictureRows& rows
 std::optional<NSError> PictureSource::readSmaller(std::size_t width, std::size_t height,
                                                   std::uint32_t* pixels,
                                                   std::ptrdiff_t stride) const {
-    Downscaling smaller(shape_, PixelForm::RGB, width, height, pixels, stride);
-    return passRows(PixelForm::RGB, smaller);
+    try {
+        Downscaling smaller(shape_, PixelForm::RGB, width, height, pixels, stride);
+        return passRows(PixelForm::RGB, smaller);
+    } catch (const std::bad_alloc&) {
+        return memoryError(name_);
+    }
 }
 
 double dotsPerInch(std::uint32_t pixelsPerMetre) {

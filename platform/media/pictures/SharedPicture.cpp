@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 
 #include "platform/media/pictures/Downscaling.h"
 
@@ -14,6 +15,25 @@ namespace {
 constexpr std::chrono::milliseconds patience(20);
 
 } // namespace
+
+/// Of one who decodes: however it ends, also by an exception, those who wait for it go on.
+class SharedDecoding::Turn {
+public:
+    explicit Turn(SharedDecoding& decoding) : decoding_(decoding) {
+        const std::lock_guard lock(decoding_.mutex_);
+        ++decoding_.decoding_;
+    }
+    ~Turn() {
+        const std::lock_guard lock(decoding_.mutex_);
+        --decoding_.decoding_;
+        decoding_.changed_.notify_all();
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    SharedDecoding& decoding_;
+};
 
 void SharedDecoding::join() {
     const std::lock_guard lock(mutex_);
@@ -28,18 +48,18 @@ void SharedDecoding::leave() {
 
 std::optional<NSError> SharedDecoding::readPixels(PixelForm form, std::uint8_t* rows,
                                                   std::ptrdiff_t stride) {
-    {
-        const std::lock_guard lock(mutex_);
-        ++decoding_;
-    }
+    const Turn turn(*this);
     auto error = picture_->readPixels(form, rows, stride);
-    if (!error) {
-        makeSmaller(form, rows, stride);
+    if (error) {
+        return error;
     }
-    const std::lock_guard lock(mutex_);
-    --decoding_;
-    changed_.notify_all();
-    return error;
+    try {
+        makeSmaller(form, rows, stride);
+    } catch (const std::bad_alloc&) {
+        // What the view wants is no matter of who has read the pixels: it makes that itself.
+        return std::nullopt;
+    }
+    return std::nullopt;
 }
 
 void SharedDecoding::makeSmaller(PixelForm form, const std::uint8_t* rows, std::ptrdiff_t stride) {

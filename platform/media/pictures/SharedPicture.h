@@ -33,6 +33,7 @@ public:
     void expectSmaller(std::size_t width, std::size_t height);
 
 private:
+    class Turn;
     struct Smaller {
         std::size_t width = 0;
         std::size_t height = 0;

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <future>
 #include <memory>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -17,6 +18,7 @@
 
 #include "platform/media/pictures/PictureCache.h"
 #include "tests/media/pictures/sharing/CountedPicture.h"
+#include "tests/media/pictures/sharing/FailingAllocation.h"
 
 namespace vistrane::testing {
 namespace {
@@ -195,6 +197,47 @@ TEST_F(PictureCaches, WhoHasWaitedForAFailureLoadsByItself) {
     EXPECT_TRUE(second.get());
     loader.join();
     EXPECT_EQ(loaded_, 1);
+}
+
+TEST_F(PictureCaches, WhoHasWaitedForOneThatThrowsLoadsByItself) {
+    put(path_, "one");
+    const FileState same = state();
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    std::thread loader([&] {
+        const auto load = [&]() -> PictureSourceResult {
+            begun.set_value();
+            goOn.get_future().wait();
+            throw std::bad_alloc();
+        };
+        EXPECT_THROW(cache_.picture(path_, same, load), std::bad_alloc);
+    });
+    begun.get_future().wait();
+    auto second = std::async(std::launch::async, [&] { return load(same); });
+    goOn.set_value();
+    EXPECT_TRUE(second.get());
+    loader.join();
+    EXPECT_EQ(loaded_, 1);
+}
+
+/// Whichever of its own allocations fails.
+TEST_F(PictureCaches, AfterALackOfMemoryTheNextIsLoaded) {
+    put(path_, "one");
+    const FileState same = state();
+    int failures = 0;
+    for (bool hasFailed = true; hasFailed; ++failures) {
+        {
+            const FailingAllocation failing(failures);
+            try {
+                load(same);
+            } catch (const std::bad_alloc&) {
+                EXPECT_TRUE(failing.hasFailed());
+            }
+            hasFailed = failing.hasFailed();
+        }
+        EXPECT_TRUE(load(same)) << failures;
+    }
+    EXPECT_GT(failures, 3);
 }
 
 TEST(FileStates, AFileThatWasChangedAMomentAgoIsNotSettled) {

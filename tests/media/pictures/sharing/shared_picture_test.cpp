@@ -1,10 +1,13 @@
 #include <future>
+#include <new>
+#include <optional>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 #include "platform/media/pictures/SharedPicture.h"
 #include "tests/media/pictures/sharing/CountedPicture.h"
+#include "tests/media/pictures/sharing/FailingAllocation.h"
 
 namespace vistrane::testing {
 namespace {
@@ -133,6 +136,62 @@ TEST_F(SharedPictures, ADamagedPictureIsDamagedForEach) {
     viewed->expectSmaller(11, 7);
     EXPECT_TRUE(decode(*written));
     EXPECT_FALSE(view(*viewed));
+}
+
+TEST_F(SharedPictures, AViewDecodesByItselfWhenAnotherThrows) {
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    picture_->whileDecoding = [&] {
+        if (picture_->decoded == 1) {
+            begun.set_value();
+            goOn.get_future().wait();
+            throw std::bad_alloc();
+        }
+    };
+    const auto written = load();
+    const auto viewed = load();
+    viewed->expectSmaller(11, 7);
+    std::thread writer([&] { EXPECT_THROW(decode(*written), std::bad_alloc); });
+    begun.get_future().wait();
+    auto seen = std::async(std::launch::async, [&] { return view(*viewed); });
+    goOn.set_value();
+    EXPECT_EQ(seen.get(), picture_->smaller(11, 7));
+    writer.join();
+    EXPECT_EQ(picture_->decoded, 2);
+    EXPECT_FALSE(decode(*written));
+}
+
+/// Whichever allocation for the view fails, the other gets its pixels.
+TEST_F(SharedPictures, ALackOfMemoryForTheViewIsTheViewsAlone) {
+    int failures = 0;
+    for (bool hasFailed = true; hasFailed; ++failures) {
+        const auto written = load();
+        const auto viewed = load();
+        viewed->expectSmaller(11, 7);
+        std::optional<FailingAllocation> failing;
+        picture_->whileDecoding = [&] { failing.emplace(failures); };
+        EXPECT_FALSE(decode(*written)) << failures;
+        hasFailed = failing && failing->hasFailed();
+        failing.reset();
+        picture_->whileDecoding = nullptr;
+        picture_->decoded = 0;
+        EXPECT_EQ(view(*viewed), picture_->smaller(11, 7)) << failures;
+        EXPECT_EQ(picture_->decoded, hasFailed ? 1 : 0) << failures;
+    }
+    EXPECT_GT(failures, 3);
+}
+
+TEST_F(SharedPictures, AViewWithoutMemoryGetsAnError) {
+    std::vector<std::uint32_t> pixels(std::size_t{11} * 7);
+    int failures = 0;
+    for (bool hasFailed = true; hasFailed; ++failures) {
+        const auto viewed = load();
+        const FailingAllocation failing(failures);
+        const auto error = viewed->readSmaller(11, 7, pixels.data(), 44);
+        hasFailed = failing.hasFailed();
+        EXPECT_EQ(error.has_value(), hasFailed) << failures;
+    }
+    EXPECT_GT(failures, 3);
 }
 
 TEST_F(SharedPictures, ManyAtOnceGetTheSame) {
