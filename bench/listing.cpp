@@ -250,7 +250,8 @@ void measure(const std::string& parent, std::size_t count) {
     const auto tick = [&] { controller.tick(); };
     constexpr double untilTheNext = 100.0;
     const double longest = compare("quiet-tick", "stamps", count, {nothing, tick, readdirLoop});
-    print("quiet-tick-longest", "stamps", count, longest, untilTheNext, longest / untilTheNext, 0.0);
+    print("quiet-tick-longest", "stamps", count, longest, untilTheNext, longest / untilTheNext,
+          0.0);
     require(entries == controller.frames().size() + 2, "another number of names");
 
     std::unique_ptr<Controller> fresh;
