@@ -79,9 +79,11 @@ void DesktopTest::launch(const std::vector<std::string>& arguments, const Enviro
 
 void DesktopTest::start(const std::vector<std::string>& arguments, const Environment& more) {
     launch(arguments, more);
+    // The window is there before its launch is over, but what is asked of it once it has its title
+    // is answered afterwards.
+    window();
     root_ = desktop.controlsOf(*program_);
     find("check box", "Lower Quality");
-    window();
 }
 
 void DesktopTest::giveKeysToMainWindow() {
