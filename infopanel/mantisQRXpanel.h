@@ -100,8 +100,8 @@ public:
 
     // ---- Dock icon -----------------------------------------------------------------------------
     /// Shows the saved setting in the check box and applies it, without bringing the program to
-    /// the front. Once, when the outlets are filled and, at the first
-    /// start, the panel is awake: that stores the setting.
+    /// the front. Once, when the outlets are filled and, at the first start, the panel is awake:
+    /// that stores the setting.
     void restoreDockSetting();
     void dockIconSwitching(NSObject* sender);
     /// Saves the Dock setting and answers yes. Nothing else saves it: whoever ends the program asks
