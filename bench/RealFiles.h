@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/posix/PosixFoundation.h"
+#include "backends/posix/PosixFoundation.h"
 
 namespace vistrane::bench {
 

@@ -18,9 +18,9 @@
 #include <variant>
 #include <vector>
 
-#include "platform/media/pictures/DataBytes.h"
-#include "platform/media/pictures/PictureSource.h"
-#include "platform/media/pictures/png_encoding.h"
+#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/PictureSource.h"
+#include "backends/pictures/png_encoding.h"
 
 namespace vistrane {
 namespace {

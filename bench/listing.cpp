@@ -37,9 +37,9 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include "app/AppDelegate.h"
+#include "backends/sim/Sim.h"
 #include "bench/RealFiles.h"
-#include "platform/sim/Sim.h"
+#include "core/app/AppDelegate.h"
 
 namespace vistrane::bench {
 

@@ -25,11 +25,11 @@
 #include <string>
 #include <vector>
 
+#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/PictureSource.h"
+#include "backends/pictures/png_encoding.h"
+#include "backends/pictures/ppm.h"
 #include "bench/SamplePictures.h"
-#include "platform/media/pictures/DataBytes.h"
-#include "platform/media/pictures/PictureSource.h"
-#include "platform/media/pictures/png_encoding.h"
-#include "platform/media/pictures/ppm.h"
 
 namespace vistrane::bench {
 

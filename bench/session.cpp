@@ -35,10 +35,10 @@
 #include <unistd.h>
 
 #include "bench/measuring.h"
-#include "commandline/Session.h"
-#include "window/WindowLog.h"
-#include "window/WindowSession.h"
-#include "window/open_window.h"
+#include "frontends/commandline/Session.h"
+#include "frontends/window/WindowLog.h"
+#include "frontends/window/WindowSession.h"
+#include "frontends/window/open_window.h"
 
 namespace vistrane::bench {
 

@@ -28,15 +28,15 @@
 #include <QPainter>
 #include <QWidget>
 
-#include "app/AppDelegate.h"
+#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/PictureAppKit.h"
+#include "backends/pictures/ppm.h"
+#include "backends/qt/controls/QtImageView.h"
+#include "backends/sim/Sim.h"
 #include "bench/RealFiles.h"
 #include "bench/measuring.h"
+#include "core/app/AppDelegate.h"
 #include "platform/avfoundation/AVFoundation.h"
-#include "platform/media/pictures/DataBytes.h"
-#include "platform/media/pictures/PictureAppKit.h"
-#include "platform/media/pictures/ppm.h"
-#include "platform/qt/controls/QtImageView.h"
-#include "platform/sim/Sim.h"
 
 namespace vistrane::bench {
 

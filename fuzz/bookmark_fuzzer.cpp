@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "platform/media/text/bookmark.h"
+#include "backends/posix/bookmark.h"
 
 // Any bytes as a bookmark: refused, or an address whose own bookmark finds it again.
 

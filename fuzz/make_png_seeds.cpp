@@ -10,8 +10,8 @@
 #include <span>
 #include <string>
 
-#include "platform/media/pictures/LiteralBlock.h"
-#include "tests/media/pictures/PngSamples.h"
+#include "backends/pictures/LiteralBlock.h"
+#include "tests/backends/pictures/PngSamples.h"
 
 namespace vistrane::testing {
 

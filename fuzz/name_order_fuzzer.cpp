@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "folder/frame_list.h"
-#include "platform/media/text/IcuLocale.h"
+#include "backends/icu/IcuLocale.h"
+#include "core/folder/frame_list.h"
 
 // Any three names, parted by NUL bytes: they have one order, in which only equal names are the
 // same. Sorting, which has a way of its own, agrees.

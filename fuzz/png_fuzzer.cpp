@@ -11,13 +11,13 @@
 #include <utility>
 #include <vector>
 
-#include "platform/media/pictures/DataBytes.h"
-#include "platform/media/pictures/MediaCoreGraphics.h"
-#include "platform/media/pictures/MediaCoreVideo.h"
-#include "platform/media/pictures/Pictures.h"
-#include "platform/media/pictures/PixelBuffer.h"
-#include "platform/media/pictures/libpng_decoding.h"
-#include "platform/media/pictures/png_decoding.h"
+#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/MediaCoreGraphics.h"
+#include "backends/pictures/MediaCoreVideo.h"
+#include "backends/pictures/Pictures.h"
+#include "backends/pictures/PixelBuffer.h"
+#include "backends/pictures/libpng_decoding.h"
+#include "backends/pictures/png_decoding.h"
 
 namespace vistrane {
 

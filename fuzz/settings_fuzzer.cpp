@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/posix/settings_text.h"
+#include "backends/posix/settings_text.h"
 
 /// Any bytes give settings that come back from their own text, or an error and no settings.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

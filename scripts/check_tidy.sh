@@ -28,5 +28,5 @@ export -f check
 export clean newest build
 
 sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' "$build/compile_commands.json" | sort -u |
-    grep -E "^$root/(app|folder|capture|preview|compiler|infopanel|platform|commandline|window|fuzz)/" |
+    grep -E "^$root/(core|platform|backends|frontends|fuzz)/" |
     xargs -r -d '\n' -P 2 -n 1 bash -c 'check "$1"' check

@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include "backends/posix/clock.h"
 #include "platform/foundation/NSTimer.h"
-#include "platform/posix/clock.h"
 #include "tests/contract/contract.h"
 
 namespace vistrane {

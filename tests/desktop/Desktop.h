@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "tests/commandline/CommandLineTest.h"
 #include "tests/desktop/Accessibility.h"
 #include "tests/desktop/AppearancePortal.h"
 #include "tests/desktop/Process.h"
 #include "tests/desktop/Screen.h"
+#include "tests/frontends/commandline/CommandLineTest.h"
 
 namespace vistrane {
 

@@ -10,10 +10,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/commandline/CommandLineTest.h"
-#include "tests/commandline/frame_files.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/waiting.h"
+#include "tests/frontends/commandline/CommandLineTest.h"
+#include "tests/frontends/commandline/frame_files.h"
 
 namespace vistrane {
 

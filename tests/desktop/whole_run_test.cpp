@@ -2,9 +2,9 @@
 #include <ctime>
 #include <filesystem>
 
-#include "tests/commandline/movie_facts.h"
 #include "tests/desktop/DesktopTest.h"
 #include "tests/desktop/play_button.h"
+#include "tests/frontends/commandline/movie_facts.h"
 
 namespace vistrane {
 namespace {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# check_includes.sh RULES ROOT: tells every include under ROOT that RULES does not allow, and fails
-# if there is one.
+# check_includes.sh RULES ROOT: reports every include under ROOT that RULES does not allow and every
+# cycle between the folders of RULES, and fails if there is one.
 set -eu
 export LC_ALL=C
 rules=$(readlink -f "$1")
@@ -19,15 +19,15 @@ awk -v rules="$rules" '
         return header == pattern
     }
 
-    function allows(group, header,    i) {
-        for (i = 1; i <= size[group]; i++)
-            if (fits(header, member[group, i])) return 1
+    function isIn(library, header,    i) {
+        for (i = 1; i <= size[library]; i++)
+            if (fits(header, member[library, i])) return 1
         return 0
     }
 
     # The longest path with a rule that is the file or holds it, or nothing.
     function folderOf(path) {
-        while (!(path in groupsOf))
+        while (!(path in rule))
             if (!sub(/\/[^\/]*$/, "", path)) return ""
         return path
     }
@@ -37,24 +37,50 @@ awk -v rules="$rules" '
         bad = 1
     }
 
+    # Whether a file of this folder may include this header: of the folder itself, of a folder that
+    # its rule names, or of a library that its rule names.
+    function allows(folder, header,    count, item, i) {
+        if (folderOf(header) == folder) return 1
+        count = split(rule[folder], item, " ")
+        for (i = 1; i <= count; i++)
+            if (item[i] in rule ? folderOf(header) == item[i] : isIn(item[i], header)) return 1
+        return 0
+    }
+
+    # Depth first, along the folders that a rule names; `path` is the way here.
+    function findCycle(folder, path,    count, item, i) {
+        if (state[folder] == "done") return
+        if (state[folder] == "open") {
+            printf "%s: a cycle: %s %s\n", rules, path, folder
+            bad = 1
+            return
+        }
+        state[folder] = "open"
+        count = split(rule[folder], item, " ")
+        for (i = 1; i <= count; i++)
+            if (item[i] in rule) findCycle(item[i], path folder " -> ")
+        state[folder] = "done"
+    }
+
     BEGIN {
         while ((getline line < rules) > 0) {
             sub(/#.*/, "", line)
             count = split(line, word, /[ \t]+/)
-            if (word[1] == "group")
+            if (word[1] == "library")
                 for (i = 3; i <= count; i++)
                     if (word[i] != "") member[word[2], ++size[word[2]]] = word[i]
             if (word[1] == "folder")
-                for (i = 3; i <= count; i++)
-                    if (word[i] != "") groupsOf[word[2]] = groupsOf[word[2]] " " word[i]
+                for (i = 2; i <= count; i++)
+                    if (word[i] != "") rule[word[2]] = rule[word[2]] (i > 2 ? " " word[i] : "")
         }
-        for (folder in groupsOf) {
-            count = split(groupsOf[folder], group, " ")
+        for (folder in rule) {
+            count = split(rule[folder], item, " ")
             for (i = 1; i <= count; i++)
-                if (!(group[i] in size)) {
-                    printf "%s: no group is named %s\n", rules, group[i]
+                if (!(item[i] in size) && !(item[i] in rule)) {
+                    printf "%s: no folder and no library is named %s\n", rules, item[i]
                     bad = 1
                 }
+            findCycle(folder, "")
         }
     }
 
@@ -77,11 +103,9 @@ awk -v rules="$rules" '
             report("the included path goes through . or ..: " name)
             next
         }
-        count = split(groupsOf[folder], group, " ")
-        for (i = 1; i <= count; i++)
-            if (allows(group[i], name)) next
-        if (FILENAME ~ /_linux\.[a-z]+$/ && groupsOf[folder] ~ / posix/)
-            if (allows("linux", name)) next
+        if (allows(folder, name)) next
+        if (FILENAME ~ /_linux\.[a-z]+$/ && rule[folder] ~ /(^| )posix( |$)/ && isIn("linux", name))
+            next
         report("files under " folder " may not include " name)
     }
 

@@ -35,35 +35,50 @@ finds() { # PATH LINE
     rm "$tree/$1"
 }
 
-accepts app/a.cpp '#include <vector>'
-accepts folder/a.h '#include "app/AppDelegate.h"'
-accepts compiler/a.cpp '#include "platform/corevideo/CoreVideo.h"'
-accepts platform/media/movies/a.cpp '#include <libavcodec/avcodec.h>'
-accepts platform/media/cameras/a_linux.cpp '#include <sys/inotify.h>'
-accepts app/words.cpp '// #include <unistd.h>'
+accepts core/app/a.cpp '#include <vector>'
+accepts core/folder/a.h '#include "core/app/AppDelegate.h"'
+accepts core/compiler/a.cpp '#include "platform/corevideo/CoreVideo.h"'
+accepts backends/movies/a.cpp '#include <libavcodec/avcodec.h>'
+accepts backends/cameras/a_linux.cpp '#include <sys/inotify.h>'
+accepts core/app/words.cpp '// #include <unistd.h>'
 
-finds app/b.cpp '#include <unicode/coll.h>'
-finds folder/b.cpp '#include <unistd.h>'
-finds capture/b.h '#  include <gst/gst.h>'
-finds preview/b.cpp '#include "platform/sim/Sim.h"'
-finds compiler/b.cpp '#include "platform/media/movies/MovieWriter.h"'
-finds infopanel/b.cpp '#include "platform/console/Console.h"'
-finds app/b.cpp '#include "AppDelegate.h"'
-finds app/b.cpp '#include "../platform/sim/Sim.h"'
-finds app/b.cpp '#include "platform/appkit/../sim/Sim.h"'
-finds app/b.cpp '#include CAMERA_HEADER'
-finds app/b.cpp 'import <thread>;'
-finds app/b_linux.cpp '#include <sys/inotify.h>'
-finds platform/foundation/b.h '#include "app/AppDelegate.h"'
-finds platform/appkit/b.h '#include "platform/sim/Sim.h"'
-finds platform/sim/b.cpp '#include <unistd.h>'
-finds platform/sim/b.cpp '#include "app/AppDelegate.h"'
-finds platform/media/movies/b.cpp '#include <gst/gst.h>'
-finds platform/media/cameras/b.cpp '#include <sys/inotify.h>'
-finds platform/console/b.cpp '#include "commandline/main.h"'
-finds tests/app/b.cpp '#include <png.h>'
+finds core/app/b.cpp '#include <unicode/coll.h>'
+finds core/folder/b.cpp '#include <unistd.h>'
+finds core/capture/b.h '#  include <gst/gst.h>'
+finds core/preview/b.cpp '#include "backends/sim/Sim.h"'
+finds core/compiler/b.cpp '#include "backends/movies/MovieWriter.h"'
+finds core/infopanel/b.cpp '#include "backends/console/Console.h"'
+finds core/app/b.cpp '#include "AppDelegate.h"'
+finds core/app/b.cpp '#include "../backends/sim/Sim.h"'
+finds core/app/b.cpp '#include "platform/appkit/../sim/Sim.h"'
+finds core/app/b.cpp '#include CAMERA_HEADER'
+finds core/app/b.cpp 'import <thread>;'
+finds core/app/b_linux.cpp '#include <sys/inotify.h>'
+finds platform/foundation/b.h '#include "core/app/AppDelegate.h"'
+finds platform/appkit/b.h '#include "backends/sim/Sim.h"'
+finds backends/sim/b.cpp '#include <unistd.h>'
+finds backends/sim/b.cpp '#include "core/app/AppDelegate.h"'
+finds backends/movies/b.cpp '#include <gst/gst.h>'
+finds backends/cameras/b.cpp '#include <sys/inotify.h>'
+finds backends/console/b.cpp '#include "frontends/commandline/main.h"'
+finds tests/core/app/b.cpp '#include <png.h>'
+finds backends/posix/b.cpp '#include "backends/pictures/MediaImage.h"'
+finds backends/pictures/b.cpp '#include "frontends/window/WindowSession.h"'
 finds elsewhere/b.cpp '#include <vector>'
 finds b.cpp '#include <vector>'
+
+# A cycle in the rules themselves is a fault, however long it is.
+sed 's|^folder backends/icu .*|& backends/cameras|' "$here/includes.rules" >"$tree/cyclic.rules"
+if out=$(bash "$here/check_includes.sh" "$tree/cyclic.rules" "$tree" 2>&1) ||
+    [[ $out != *'a cycle: '*'backends/icu'* ]]; then
+    printf 'the cycle through backends/icu was not found:\n%s\n' "$out"
+    failures=$((failures + 1))
+fi
+sed 's|^folder core .*|& backends/unknown|' "$here/includes.rules" >"$tree/unknown.rules"
+if bash "$here/check_includes.sh" "$tree/unknown.rules" "$tree" >/dev/null 2>&1; then
+    echo 'a rule that names an unknown folder passes'
+    failures=$((failures + 1))
+fi
 
 rm -r "$tree"
 mkdir "$tree"

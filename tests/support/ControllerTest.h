@@ -5,10 +5,10 @@
 
 #include <gmock/gmock.h>
 
-#include "app/AppDelegate.h"
-#include "app/appearance.h"
-#include "compiler/compile_job.h"
-#include "platform/sim/Sim.h"
+#include "backends/sim/Sim.h"
+#include "core/app/AppDelegate.h"
+#include "core/app/appearance.h"
+#include "core/compiler/compile_job.h"
 #include "tests/support/procedure.h"
 
 namespace vistrane {

@@ -5,9 +5,9 @@
 
 #include <gmock/gmock.h>
 
-#include "infopanel/mantisQRXpanel.h"
-#include "infopanel/promotions.h"
-#include "platform/sim/Sim.h"
+#include "backends/sim/Sim.h"
+#include "core/infopanel/mantisQRXpanel.h"
+#include "core/infopanel/promotions.h"
 #include "tests/support/procedure.h"
 
 namespace vistrane {

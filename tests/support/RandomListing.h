@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "folder/frame_list.h"
+#include "core/folder/frame_list.h"
 
 namespace vistrane {
 

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/sim/Sim.h"
+#include "backends/sim/Sim.h"
 
 namespace vistrane {
 

@@ -1,0 +1,249 @@
+#include "backends/cameras/CaptureSession.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "backends/cameras/PhotoBytes.h"
+
+namespace vistrane {
+
+namespace {
+
+class Photo final : public AVCapturePhoto {
+public:
+    explicit Photo(std::shared_ptr<NSData> file) : file_(std::move(file)) {}
+    std::shared_ptr<NSData> fileDataRepresentation() const override { return file_; }
+
+private:
+    std::shared_ptr<NSData> file_;
+};
+
+/// A preview sample, mapped and held.
+struct HeldPreview {
+    GstPointer<GstSample> sample;
+    GstVideoFrame frame{};
+    bool isMapped = false;
+
+    explicit HeldPreview(GstSample* lent) : sample(gst_sample_ref(lent)) {
+        GstVideoInfo info;
+        const GstCaps* caps = gst_sample_get_caps(lent);
+        isMapped = caps != nullptr && gst_video_info_from_caps(&info, caps) &&
+                   gst_video_frame_map(&frame, &info, gst_sample_get_buffer(lent), GST_MAP_READ);
+    }
+    ~HeldPreview() {
+        if (isMapped) {
+            gst_video_frame_unmap(&frame);
+        }
+    }
+    HeldPreview(const HeldPreview&) = delete;
+    HeldPreview& operator=(const HeldPreview&) = delete;
+};
+
+PreviewPicture pictureOf(GstSample* sample) {
+    PreviewPicture picture;
+    if (sample == nullptr) {
+        return picture;
+    }
+    auto held = std::make_shared<HeldPreview>(sample);
+    if (!held->isMapped) {
+        return picture;
+    }
+    picture.width = GST_VIDEO_FRAME_WIDTH(&held->frame);
+    picture.height = GST_VIDEO_FRAME_HEIGHT(&held->frame);
+    picture.stride = static_cast<std::size_t>(GST_VIDEO_FRAME_PLANE_STRIDE(&held->frame, 0));
+    const auto* first =
+        static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&held->frame, 0));
+    picture.pixels = std::shared_ptr<const std::uint8_t>(std::move(held), first);
+    return picture;
+}
+
+} // namespace
+
+CameraDevice::CameraDevice(Camera camera) : camera_(std::move(camera)) {}
+
+bool CameraDevice::hasMediaType(AVMediaType type) const {
+    return offersMediaType(*camera_.modes, type);
+}
+
+std::string CameraDevice::localizedName() const {
+    return camera_.facts.name;
+}
+
+bool CameraDevice::supportsAVCaptureSessionPreset(AVCaptureSessionPreset preset) const {
+    return preset == AVCaptureSessionPresetPhoto ? photoMode(*camera_.modes) != nullptr
+                                                 : movingPictureMode(*camera_.modes) != nullptr;
+}
+
+const Camera& CameraDevice::camera() const {
+    return camera_;
+}
+
+CameraInput::CameraInput(std::shared_ptr<AVCaptureDevice> device, Camera camera)
+    : device_(std::move(device)), camera_(std::move(camera)) {}
+
+std::shared_ptr<AVCaptureDevice> CameraInput::device() const {
+    return device_;
+}
+
+const Camera& CameraInput::camera() const {
+    return camera_;
+}
+
+struct CaptureSession::Shared : std::enable_shared_from_this<CaptureSession::Shared> {
+    explicit Shared(std::shared_ptr<MainThreadGate> queue) : mainQueue(std::move(queue)) {}
+
+    const std::shared_ptr<MainThreadGate> mainQueue;
+    std::mutex mutex;
+    /// Requests without an outcome, by number. Under the mutex.
+    std::map<std::uint64_t, Waiting> waiting;
+    std::atomic<bool> previewIsOnItsWay{false};
+    /// Main thread only.
+    std::vector<std::weak_ptr<MediaPreviewLayer>> layers;
+
+    void deliver(std::uint64_t request, StillOutcome outcome);
+    void preview(GstSample* sample);
+    void show(const PreviewPicture& picture);
+};
+
+void CaptureSession::Shared::deliver(std::uint64_t request, StillOutcome outcome) {
+    std::unique_lock lock(mutex);
+    const auto found = waiting.find(request);
+    if (found == waiting.end()) {
+        return;
+    }
+    const Waiting answered = found->second;
+    waiting.erase(found);
+    lock.unlock();
+    std::shared_ptr<NSData> file;
+    if (!outcome.error) {
+        file = std::make_shared<PhotoBytes>(std::move(outcome.file));
+    }
+    mainQueue->post([answered, file, error = std::move(outcome.error)] {
+        const auto output = answered.output.lock();
+        if (!output) {
+            return;
+        }
+        const Photo photo(file);
+        answered.delegate->captureOutputDidFinishProcessingPhoto(*output, error ? nullptr : &photo,
+                                                                 error);
+    });
+}
+
+void CaptureSession::Shared::preview(GstSample* sample) {
+    const bool mustArrive = sample == nullptr;
+    if (previewIsOnItsWay.exchange(true) && !mustArrive) {
+        return;
+    }
+    mainQueue->post([shared = shared_from_this(), picture = pictureOf(sample)] {
+        shared->previewIsOnItsWay = false;
+        shared->show(picture);
+    });
+}
+
+void CaptureSession::Shared::show(const PreviewPicture& picture) {
+    const auto current = layers;
+    for (const auto& weak : current) {
+        if (const auto layer = weak.lock()) {
+            layer->show(picture);
+        }
+    }
+}
+
+CaptureSession::CaptureSession(std::shared_ptr<CameraList> list, MediaObserver& observer,
+                               const CameraOptions& options,
+                               std::shared_ptr<MainThreadGate> mainQueue)
+    : shared_(std::make_shared<Shared>(std::move(mainQueue))),
+      engine_(std::move(list), observer, options,
+              {[shared = shared_](std::uint64_t request, StillOutcome outcome) {
+                   shared->deliver(request, std::move(outcome));
+               },
+               [shared = shared_](GstSample* sample) { shared->preview(sample); }}) {}
+
+CaptureSession::~CaptureSession() = default;
+
+void CaptureSession::setSessionPreset(AVCaptureSessionPreset preset) {
+    preset_ = preset;
+}
+
+bool CaptureSession::canAddOutput(const AVCapturePhotoOutput& output) const {
+    const auto* photoOutput = dynamic_cast<const PhotoOutput*>(&output);
+    return photoOutput != nullptr && !photoOutput->isAttached() && !output_;
+}
+
+void CaptureSession::addOutput(std::shared_ptr<AVCapturePhotoOutput> output) {
+    if (!output || !canAddOutput(*output)) {
+        return;
+    }
+    std::dynamic_pointer_cast<PhotoOutput>(output)->attach(weak_from_this());
+    output_ = std::move(output);
+}
+
+std::vector<std::shared_ptr<AVCaptureDeviceInput>> CaptureSession::inputs() const {
+    return inputs_;
+}
+
+void CaptureSession::addInput(std::shared_ptr<AVCaptureDeviceInput> input) {
+    if (std::dynamic_pointer_cast<CameraInput>(input)) {
+        inputs_.push_back(std::move(input));
+    }
+}
+
+void CaptureSession::removeInput(const AVCaptureDeviceInput& input) {
+    const auto found = std::find_if(inputs_.begin(), inputs_.end(),
+                                    [&](const auto& own) { return own.get() == &input; });
+    if (found == inputs_.end()) {
+        return;
+    }
+    if (found == inputs_.begin()) {
+        stopRunning();
+    }
+    inputs_.erase(found);
+}
+
+void CaptureSession::startRunning() {
+    if (inputs_.empty() || engine_.isRunning()) {
+        return;
+    }
+    engine_.start(std::static_pointer_cast<CameraInput>(inputs_.front())->camera(), preset_);
+}
+
+void CaptureSession::stopRunning() {
+    if (engine_.isRunning()) {
+        engine_.stop();
+    }
+}
+
+bool CaptureSession::isRunning() const {
+    return engine_.isRunning();
+}
+
+void CaptureSession::requestStill(std::shared_ptr<AVCapturePhotoOutput> output,
+                                  AVCapturePhotoCaptureDelegate& delegate) {
+    const std::uint64_t request = ++lastRequest_;
+    {
+        std::lock_guard lock(shared_->mutex);
+        shared_->waiting[request] = Waiting{output, &delegate};
+    }
+    engine_.requestStill(request);
+}
+
+bool CaptureSession::offers(AVMediaType type) const {
+    return !inputs_.empty() && inputs_.front()->device()->hasMediaType(type);
+}
+
+std::shared_ptr<MediaPreviewLayer> CaptureSession::makeLayer() {
+    auto layer = std::make_shared<MediaPreviewLayer>([weak = weak_from_this()](bool wanted) {
+        if (const auto session = weak.lock()) {
+            session->preview(wanted);
+        }
+    });
+    std::erase_if(shared_->layers, [](const auto& other) { return other.expired(); });
+    shared_->layers.push_back(layer);
+    return layer;
+}
+
+void CaptureSession::preview(bool wanted) {
+    engine_.wantPreview(wanted);
+}
+
+} // namespace vistrane

@@ -1,0 +1,86 @@
+#include "backends/console/ConsoleOutput.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace vistrane {
+
+namespace {
+
+/// Back to the line's start, and away with what stands there.
+constexpr std::string_view clearLine = "\r\x1b[K";
+
+constexpr std::size_t usualColumns = 80;
+
+bool waitUntilWritable(int descriptor) {
+    pollfd watched{descriptor, POLLOUT, 0};
+    return poll(&watched, 1, -1) >= 0 || errno == EINTR;
+}
+
+} // namespace
+
+ConsoleOutput::ConsoleOutput(int descriptor)
+    : descriptor_(descriptor), isTerminal_(isatty(descriptor) == 1) {}
+
+void ConsoleOutput::writeLine(std::string_view text) {
+    const std::lock_guard lock(mutex_);
+    std::string bytes(bar_.empty() ? std::string_view() : clearLine);
+    bytes.append(text).append("\n").append(bar_);
+    write(bytes);
+}
+
+void ConsoleOutput::showProgress(double value, double maximum) {
+    if (!isTerminal_) {
+        return;
+    }
+    const std::lock_guard lock(mutex_);
+    const bool hasBar = value > 0.0 && maximum > 0.0 && std::isfinite(maximum);
+    std::string bar = hasBar ? barFor(value, maximum) : std::string();
+    if (bar == bar_) {
+        return;
+    }
+    write(std::string(clearLine) + bar);
+    bar_ = std::move(bar);
+}
+
+std::string ConsoleOutput::barFor(double value, double maximum) const {
+    const double part = std::min(value / maximum, 1.0);
+    const std::string percent = std::to_string(static_cast<int>(part * 100.0)) + " %";
+    // The last column stays free: a full line would scroll.
+    const std::size_t used = std::string_view("[] 100 %").size() + 1;
+    const std::size_t available = columns();
+    if (available <= used) {
+        return percent.substr(0, available - std::min<std::size_t>(available, 1));
+    }
+    const std::size_t width = available - used;
+    const auto filled = static_cast<std::size_t>(part * static_cast<double>(width));
+    return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "] " + percent;
+}
+
+std::size_t ConsoleOutput::columns() const {
+    winsize size{};
+    if (ioctl(descriptor_, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
+        return usualColumns;
+    }
+    return size.ws_col;
+}
+
+void ConsoleOutput::write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+        if (written >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN && !waitUntilWritable(descriptor_)) {
+            return;
+        } else if (errno != EINTR && errno != EAGAIN) {
+            return;
+        }
+    }
+}
+
+} // namespace vistrane

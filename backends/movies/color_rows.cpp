@@ -1,0 +1,64 @@
+#include "backends/movies/color_rows.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "backends/movies/color_rows_plain.h"
+#include "backends/movies/color_rows_x86.h"
+#include "backends/movies/color_weights.h"
+
+namespace vistrane {
+
+namespace {
+
+/// The sum of a channel with a weight of eight: two rows, and columns weighted 1, 2, 1.
+std::int32_t sumOfEight(const std::uint8_t* top, const std::uint8_t* bottom, std::size_t left,
+                        std::size_t middle, std::size_t right) {
+    return top[left] + 2 * top[middle] + top[right] + bottom[left] + 2 * bottom[middle] +
+           bottom[right];
+}
+
+void convertChromaRow(const std::uint8_t* top, const std::uint8_t* bottom, std::size_t width,
+                      std::uint8_t* blueDifference, std::uint8_t* redDifference) {
+    convertChromaPlainly(top, bottom, width, 0, width, blueDifference, redDifference);
+}
+
+std::vector<RowConversion> findRowConversions() {
+    std::vector<RowConversion> found{{"plain", convertLumaPlainly, convertChromaRow}};
+    addX86RowConversions(found);
+    return found;
+}
+
+} // namespace
+
+void convertLumaPlainly(const std::uint8_t* pixels, std::size_t width, std::uint8_t* luma) {
+    for (std::size_t x = 0; x < width; ++x) {
+        const std::uint8_t* pixel = pixels + 4 * x;
+        luma[x] = static_cast<std::uint8_t>(
+            (lumaWeights.sum(pixel[1], pixel[2], pixel[3]) + lumaOffset) >> fractionBits);
+    }
+}
+
+void convertChromaPlainly(const std::uint8_t* top, const std::uint8_t* bottom, std::size_t width,
+                          std::size_t from, std::size_t to, std::uint8_t* blueDifference,
+                          std::uint8_t* redDifference) {
+    for (std::size_t x = from; x < to; x += 2) {
+        const std::size_t left = 4 * (x == 0 ? 0 : x - 1);
+        const std::size_t middle = 4 * x;
+        const std::size_t right = 4 * std::min(x + 1, width - 1);
+        const std::int32_t red = sumOfEight(top + 1, bottom + 1, left, middle, right);
+        const std::int32_t green = sumOfEight(top + 2, bottom + 2, left, middle, right);
+        const std::int32_t blue = sumOfEight(top + 3, bottom + 3, left, middle, right);
+        blueDifference[x / 2] = static_cast<std::uint8_t>(
+            (blueWeights.sum(red, green, blue) + chromaOffset) >> chromaBits);
+        redDifference[x / 2] = static_cast<std::uint8_t>(
+            (redWeights.sum(red, green, blue) + chromaOffset) >> chromaBits);
+    }
+}
+
+std::span<const RowConversion> rowConversions() {
+    static const std::vector<RowConversion> found = findRowConversions();
+    return found;
+}
+
+} // namespace vistrane

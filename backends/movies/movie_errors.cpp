@@ -1,0 +1,49 @@
+#include "backends/movies/movie_errors.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include "platform/shown_text.h"
+
+namespace vistrane {
+
+namespace {
+
+const char* adviceFor(int number) {
+    switch (number) {
+    case ENOSPC:
+    case EDQUOT:
+        return "Free some space on that disk and compile again";
+    case EFBIG:
+        return "The file has reached the largest size allowed there: raise that limit, or use "
+               "another disk";
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return "Choose a project folder that you may write to";
+    case ENOENT:
+    case ENOTDIR:
+        return "Check that the project folder is still there and choose it again";
+    case ENAMETOOLONG:
+        return "Choose a project folder with a shorter path";
+    case EMFILE:
+    case ENFILE:
+        return "Too many files are open: close some programs and compile again";
+    default:
+        return "Check that disk and compile again";
+    }
+}
+
+} // namespace
+
+NSError movieError(MovieErrorCode code, std::string text) {
+    return {"AVFoundationErrorDomain", code, std::move(text)};
+}
+
+NSError systemError(int number, const std::string& what, const std::string& path) {
+    return {"NSPOSIXErrorDomain", number,
+            what + " (" + shownText(path) + "): " + std::generic_category().message(number) + ". " +
+                adviceFor(number)};
+}
+
+} // namespace vistrane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+
+#include "backends/pictures/PictureSource.h"
+#include "backends/posix/MediaObserver.h"
+#include "platform/appkit/NSBitmapImageRep.h"
+
+namespace vistrane {
+
+/// A picture to be encoded. The data that it makes report their writing to the observer, which
+/// outlives them.
+class MediaBitmapImageRep final : public NSBitmapImageRep {
+public:
+    MediaBitmapImageRep(std::shared_ptr<const PictureSource> source, MediaObserver& observer);
+
+    /// PNG only; see `encodePng`.
+    std::shared_ptr<NSData>
+    representationUsingType(NSBitmapImageFileType type,
+                            const NSBitmapImageProperties& properties) const override;
+
+    const std::shared_ptr<const PictureSource>& source() const { return source_; }
+
+private:
+    std::shared_ptr<const PictureSource> source_;
+    MediaObserver& observer_;
+};
+
+} // namespace vistrane

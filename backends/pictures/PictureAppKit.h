@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "backends/pictures/Pictures.h"
+#include "platform/appkit/AppKit.h"
+
+namespace vistrane {
+
+/// What of the AppKit kit has to do with pictures. The rest is added by the front ends.
+class PictureAppKit : public AppKit {
+public:
+    std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {
+        return pictures_.imageWithContentsOfFile(path);
+    }
+    std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) override {
+        return pictures_.imageWithData(data);
+    }
+    std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) override {
+        return pictures_.imageRepWithData(data);
+    }
+
+    std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
+                                                                    bool flipped) override {
+        return pictures_.graphicsContextWithCGContext(context, flipped);
+    }
+    void saveGraphicsState() override { pictures_.saveGraphicsState(); }
+    void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) override {
+        pictures_.setCurrentContext(std::move(context));
+    }
+    void restoreGraphicsState() override { pictures_.restoreGraphicsState(); }
+
+protected:
+    /// `pictures` outlives this object.
+    explicit PictureAppKit(const Pictures& pictures) : pictures_(pictures) {}
+
+private:
+    const Pictures& pictures_;
+};
+
+} // namespace vistrane

@@ -1,0 +1,98 @@
+#include "backends/pictures/Pictures.h"
+
+#include <utility>
+#include <variant>
+
+#include "backends/pictures/BitmapContext.h"
+#include "backends/pictures/MediaBitmapImageRep.h"
+#include "backends/pictures/MediaImage.h"
+#include "backends/pictures/PictureCache.h"
+#include "backends/pictures/PictureSource.h"
+#include "backends/pictures/file_bytes.h"
+#include "backends/pictures/graphics_state.h"
+
+namespace vistrane {
+
+namespace {
+
+constexpr char dataName[] = "in memory";
+
+std::shared_ptr<const PictureSource> sourceOf(const PictureSourceResult& result) {
+    const auto* source = std::get_if<std::shared_ptr<const PictureSource>>(&result);
+    return source != nullptr ? *source : nullptr;
+}
+
+std::shared_ptr<const PictureSource> pngOrPpm(const std::shared_ptr<NSData>& data,
+                                              const PictureLimits& limits) {
+    if (auto source = sourceOf(pictureFromPng(data, dataName, limits))) {
+        return source;
+    }
+    return sourceOf(pictureFromPpm(data, dataName, limits));
+}
+
+} // namespace
+
+Pictures::Pictures(MediaObserver& observer, PictureLimits limits)
+    : observer_(observer), limits_(limits), cache_(std::make_unique<PictureCache>()) {}
+
+Pictures::~Pictures() = default;
+
+std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& path) const {
+    const auto load = [&](OpenFile& file) -> PictureSourceResult {
+        FileBytesResult read = file.read();
+        return read.error ? PictureSourceResult(*read.error)
+                          : pictureFromPng(std::move(read.bytes), path, limits_);
+    };
+    auto opened = OpenFile::at(path, limits_.largestFile);
+    auto* const file = std::get_if<OpenFile>(&opened);
+    const auto result = file == nullptr ? PictureSourceResult(std::get<NSError>(opened))
+                        : file->state().isSettled()
+                            ? cache_->picture(path, file->state(), [&] { return load(*file); })
+                            : load(*file);
+    if (const auto* error = std::get_if<NSError>(&result)) {
+        observer_.imageCouldNotBeRead(path, *error);
+        return nullptr;
+    }
+    return std::make_shared<MediaImage>(sourceOf(result));
+}
+
+std::shared_ptr<NSImage> Pictures::imageWithData(const std::shared_ptr<NSData>& data) const {
+    auto source = data ? pngOrPpm(data, limits_) : nullptr;
+    if (data && !source) {
+        const auto result = pictureFromPpm(data, dataName, limits_);
+        if (const auto* error = std::get_if<NSError>(&result)) {
+            observer_.imageCouldNotBeRead("", *error);
+        }
+    }
+    return source ? std::make_shared<MediaImage>(std::move(source)) : nullptr;
+}
+
+std::shared_ptr<NSBitmapImageRep>
+Pictures::imageRepWithData(const std::shared_ptr<NSData>& data) const {
+    auto source = data ? sourceOf(pictureFromTiff(data, dataName, limits_)) : nullptr;
+    if (data && !source) {
+        source = pngOrPpm(data, limits_);
+    }
+    return source ? std::make_shared<MediaBitmapImageRep>(std::move(source), observer_) : nullptr;
+}
+
+std::shared_ptr<NSGraphicsContext> Pictures::graphicsContextWithCGContext(CGContextRef context,
+                                                                          bool flipped) const {
+    return context != nullptr ? std::make_shared<MediaGraphicsContext>(
+                                    static_cast<BitmapContext*>(context), flipped)
+                              : nullptr;
+}
+
+void Pictures::saveGraphicsState() const {
+    pushGraphicsContext();
+}
+
+void Pictures::setCurrentContext(std::shared_ptr<NSGraphicsContext> context) const {
+    setCurrentGraphicsContext(std::move(context));
+}
+
+void Pictures::restoreGraphicsState() const {
+    popGraphicsContext();
+}
+
+} // namespace vistrane

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "backends/pictures/PictureSource.h"
+
+namespace vistrane {
+
+/// What those have in common who have loaded the same picture: while one of them decodes it, what a
+/// view has asked for is made on the way. Any thread.
+class SharedDecoding {
+public:
+    explicit SharedDecoding(std::shared_ptr<const PictureSource> picture)
+        : picture_(std::move(picture)) {}
+
+    const PictureSource& picture() const { return *picture_; }
+
+    /// One more has loaded the picture and not read it yet; one less.
+    void join();
+    void leave();
+
+    std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows, std::ptrdiff_t stride);
+    std::optional<NSError> readSmaller(std::size_t width, std::size_t height, std::uint32_t* pixels,
+                                       std::ptrdiff_t stride);
+    void expectSmaller(std::size_t width, std::size_t height);
+
+private:
+    class Turn;
+    struct Smaller {
+        std::size_t width = 0;
+        std::size_t height = 0;
+        /// Without gaps; empty until it is made.
+        std::vector<std::uint32_t> pixels;
+        bool hasSize(std::size_t w, std::size_t h) const { return width == w && height == h; }
+    };
+
+    bool isMade(std::size_t width, std::size_t height) const;
+    bool takeSmaller(std::size_t width, std::size_t height, std::uint32_t* pixels,
+                     std::ptrdiff_t stride);
+    void makeSmaller(PixelForm form, const std::uint8_t* rows, std::ptrdiff_t stride);
+
+    const std::shared_ptr<const PictureSource> picture_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::size_t unread_ = 0;
+    std::size_t decoding_ = 0;
+    /// What the view has asked for last.
+    std::optional<Smaller> smaller_;
+};
+
+/// A picture for one of those who have loaded it.
+class SharedPicture final : public PictureSource {
+public:
+    explicit SharedPicture(std::shared_ptr<SharedDecoding> decoding);
+    ~SharedPicture() override;
+
+    std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
+                                      std::ptrdiff_t stride) const override;
+    std::optional<NSError> passRows(PixelForm form, PictureRows& rows) const override;
+    std::optional<NSError> readSmaller(std::size_t width, std::size_t height, std::uint32_t* pixels,
+                                       std::ptrdiff_t stride) const override;
+    void expectSmaller(std::size_t width, std::size_t height) const override;
+
+    const SharedDecoding& decoding() const { return *decoding_; }
+
+private:
+    void beRead() const;
+
+    std::shared_ptr<SharedDecoding> decoding_;
+    mutable std::atomic<bool> isUnread_{true};
+};
+
+} // namespace vistrane

@@ -1,0 +1,44 @@
+#include "backends/pictures/graphics_state.h"
+
+#include <utility>
+#include <vector>
+
+namespace vistrane {
+
+namespace {
+
+struct GraphicsState {
+    std::shared_ptr<NSGraphicsContext> current;
+    std::vector<std::shared_ptr<NSGraphicsContext>> saved;
+};
+
+/// A property of the thread, as the kit has it: what draws is not handed its target.
+GraphicsState& stateOfThisThread() {
+    thread_local GraphicsState state;
+    return state;
+}
+
+} // namespace
+
+std::shared_ptr<NSGraphicsContext> currentGraphicsContext() {
+    return stateOfThisThread().current;
+}
+
+void setCurrentGraphicsContext(std::shared_ptr<NSGraphicsContext> context) {
+    stateOfThisThread().current = std::move(context);
+}
+
+void pushGraphicsContext() {
+    GraphicsState& state = stateOfThisThread();
+    state.saved.push_back(state.current);
+}
+
+void popGraphicsContext() {
+    GraphicsState& state = stateOfThisThread();
+    if (!state.saved.empty()) {
+        state.current = std::move(state.saved.back());
+        state.saved.pop_back();
+    }
+}
+
+} // namespace vistrane

@@ -1,0 +1,22 @@
+#include "backends/pictures/picture_errors.h"
+
+#include <cstdint>
+#include <system_error>
+
+#include "platform/shown_text.h"
+
+namespace vistrane {
+
+NSError pictureError(PictureFault fault, const std::string& name, const std::string& what) {
+    return NSError{pictureErrorDomain, static_cast<std::int64_t>(fault),
+                   "The picture " + shownText(name) + " " + what};
+}
+
+NSError systemError(int number, const std::string& what, const std::string& path,
+                    const std::string& advice) {
+    return NSError{"NSPOSIXErrorDomain", number,
+                   what + " " + shownText(path) + ": " + std::generic_category().message(number) +
+                       "; " + advice};
+}
+
+} // namespace vistrane

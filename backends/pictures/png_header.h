@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+
+#include "backends/pictures/PictureSource.h"
+#include "backends/pictures/picture_errors.h"
+
+namespace vistrane {
+
+/// Bytes of a file.
+struct ByteRange {
+    std::size_t offset = 0;
+    std::size_t length = 0;
+};
+
+/// Colour types of a PNG file: 1 palette, 2 colour, 4 alpha, added up.
+enum class PngColour : std::uint8_t { Grey = 0, Rgb = 2, Palette = 3, GreyAlpha = 4, RgbAlpha = 6 };
+
+/// What the chunks of a PNG file say, without any pixel.
+struct PngHeader {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::uint8_t bitDepth = 8;
+    PngColour colour = PngColour::Rgb;
+    bool interlaced = false;
+    bool hasTransparencyChunk = false;
+    /// Set where the unit is the metre; zero in either direction counts as absent.
+    std::optional<PixelDensity> density;
+    /// The data of an iCCP chunk.
+    std::optional<ByteRange> profile;
+    /// The data of the PLTE and tRNS chunks that stand before the pixels, if there are any.
+    ByteRange palette;
+    ByteRange transparency;
+    /// Whether these two stand where, and as often as, the format has them. Readers differ in what
+    /// they make of others.
+    bool hasPlainColours = true;
+    /// From the first IDAT chunk's length field to the last one's checksum: they stand in one
+    /// row. The sum of their data's lengths.
+    ByteRange imageChunks;
+    std::size_t imageBytes = 0;
+    /// Of the longest of them.
+    std::size_t longestImageChunk = 0;
+
+    bool hasAlpha() const {
+        return hasTransparencyChunk || colour == PngColour::GreyAlpha ||
+               colour == PngColour::RgbAlpha;
+    }
+    bool isGrey() const { return colour == PngColour::Grey || colour == PngColour::GreyAlpha; }
+};
+
+/// Why a file is refused; `what` continues "the picture <name> ".
+struct PngRefusal {
+    PictureFault fault = PictureFault::NotAPicture;
+    std::string what;
+};
+
+/// The header step of reading: takes no memory and decodes nothing.
+///
+/// Checks the signature, the IHDR fields, the limits, each chunk's place, length and checksum up
+/// to the end chunk, and that there are enough image data for that many pixels at all. So a file
+/// that is cut off anywhere, or has a wrong bit anywhere but in the pixels' own coding, is refused
+/// here. Bytes after the end chunk do not matter.
+std::variant<PngHeader, PngRefusal> readPngHeader(std::span<const std::uint8_t> file,
+                                                  const PictureLimits& limits);
+
+} // namespace vistrane

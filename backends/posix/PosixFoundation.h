@@ -1,0 +1,56 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "backends/icu/IcuLocale.h"
+#include "backends/posix/PosixFileManager.h"
+#include "backends/posix/ProgramBundle.h"
+#include "backends/posix/SystemProcessInfo.h"
+#include "platform/foundation/Foundation.h"
+
+namespace vistrane {
+
+/// What of the Foundation kit every front end has in common. Run loop, settings, notices and log
+/// are added by a class of the front end.
+class PosixFoundation : public Foundation {
+public:
+    explicit PosixFoundation(const std::string& version) : bundle_(version) {}
+
+    NSFileManager& defaultManager() override { return fileManager_; }
+    const NSBundle& mainBundle() const override { return bundle_; }
+    const NSProcessInfo& processInfo() const override { return processInfo_; }
+
+    NSDate date() override;
+    NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds) override;
+
+    std::unique_ptr<NSDateFormatter> dateFormatter() override;
+    /// One and the same for the whole run.
+    std::shared_ptr<const NSLocale> currentLocale() override { return locale_; }
+
+    /// Called, within `start`, when a thread cannot be started.
+    void setThreadFailureHandler(std::function<void()> handler) {
+        threadFailed_ = std::move(handler);
+    }
+
+    /// A thread that cannot be started says so in the log.
+    std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) override;
+    std::shared_ptr<NSThread> currentThread() override;
+
+    BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) override;
+    BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
+                                                 std::uint64_t options) override;
+    /// Every address is open to the program already.
+    bool startAccessingSecurityScopedResource(const NSURL&) override { return true; }
+
+private:
+    std::function<void()> threadFailed_;
+    const ProgramBundle bundle_;
+    const SystemProcessInfo processInfo_;
+    PosixFileManager fileManager_;
+    const std::shared_ptr<const NSLocale> locale_ = std::make_shared<const IcuLocale>();
+};
+
+} // namespace vistrane

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include <QPointer>
+#include <QWidget>
+
+#include "backends/qt/controls/PictureWidget.h"
+#include "platform/appkit/NSImageView.h"
+#include "platform/appkit/NSView.h"
+
+namespace vistrane {
+
+class MediaPreviewLayer;
+
+/// The layer of a view. Its background is the place's own; of the layers in it only a camera's
+/// live preview is shown, and it fills the place. It asks for pictures only while it is seen.
+class QtLayer final : public CALayer {
+public:
+    explicit QtLayer(PictureWidget& place);
+    ~QtLayer() override;
+
+    void setFrame(CGRect) override {}
+    void setBackgroundColor(CGColor color) override;
+    void addSublayer(std::shared_ptr<CALayer> layer) override;
+
+private:
+    void showPreview(bool isSeen);
+
+    QPointer<PictureWidget> place_;
+    std::vector<std::shared_ptr<CALayer>> sublayers_;
+    std::shared_ptr<MediaPreviewLayer> preview_;
+};
+
+/// A view on a widget that outlives it; serves as a view without a picture as well.
+class QtImageView final : public NSImageView {
+public:
+    explicit QtImageView(PictureWidget& place) : place_(place) {}
+
+    NSRect bounds() const override;
+    void setWantsLayer(bool wanted) override;
+    std::shared_ptr<CALayer> layer() override { return layer_; }
+    void setNeedsDisplay(bool needed) override;
+    void setImage(std::shared_ptr<NSImage> image) override;
+
+    /// For an alert that shows the view for a while.
+    PictureWidget& widget() const { return place_; }
+
+private:
+    PictureWidget& place_;
+    std::shared_ptr<QtLayer> layer_;
+};
+
+/// The widget of a view; null for a view that is none of an interface file.
+QWidget* widgetOf(NSView& view);
+
+} // namespace vistrane

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/appkit/NSImage.h"
+
+namespace vistrane {
+
+/// The pictures of the folder frontends/window/interface/pictures, which are part of the program.
+/// Main thread only.
+///
+/// A picture goes by its file's name, whole or without its ending: "play1" and "tip1.png" may both
+/// be vector files.
+class QtResources {
+public:
+    QtResources();
+
+    /// Null when there is no such picture, or when it is damaged.
+    std::shared_ptr<NSImage> imageNamed(const std::string& name) const;
+};
+
+} // namespace vistrane

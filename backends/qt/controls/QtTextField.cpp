@@ -1,0 +1,80 @@
+#include "backends/qt/controls/QtTextField.h"
+
+#include "backends/qt/controls/shown_text.h"
+#include "platform/foundation/NSString.h"
+
+namespace vistrane {
+
+void QtText::setStringValue(const std::string& text) {
+    keep(text);
+    show(text);
+}
+
+std::int32_t QtText::intValue() const {
+    return vistrane::intValue(text_);
+}
+
+NSInteger QtText::integerValue() const {
+    return vistrane::integerValue(text_);
+}
+
+void QtText::setIntValue(std::int32_t value) {
+    setStringValue(std::to_string(value));
+}
+
+void QtText::setIntegerValue(NSInteger value) {
+    setStringValue(std::to_string(value));
+}
+
+QtLabel::QtLabel(QLabel& widget) : widget_(widget) {
+    keep(widget.text().toStdString());
+    // What the program shows is text, whatever it looks like.
+    widget.setTextFormat(Qt::PlainText);
+}
+
+void QtLabel::setNeedsDisplay(bool needed) {
+    if (needed) {
+        widget_.update();
+    }
+}
+
+void QtLabel::show(const std::string& text) {
+    widget_.setText(shownText(text, true));
+}
+
+QtTextField::QtTextField(QLineEdit& widget) : widget_(widget) {
+    keep(widget.text().toStdString());
+    QObject::connect(&widget, &QLineEdit::textEdited, &connections_, [this](const QString& text) {
+        keep(text.toStdString());
+        isEdited_ = true;
+    });
+    QObject::connect(&widget, &QLineEdit::returnPressed, &connections_, [this] {
+        isEdited_ = true;
+        endEditing();
+        widget_.selectAll();
+    });
+    QObject::connect(&widget, &QLineEdit::editingFinished, &connections_, [this] { endEditing(); });
+}
+
+void QtTextField::setNeedsDisplay(bool needed) {
+    if (needed) {
+        widget_.update();
+    }
+}
+
+void QtTextField::endEditing() {
+    // First: the action may well end the edit of every field.
+    if (std::exchange(isEdited_, false)) {
+        action_.send(this);
+    }
+}
+
+void QtTextField::show(const std::string& text) {
+    isEdited_ = false;
+    const QString shown = shownText(text);
+    if (widget_.text() != shown) {
+        widget_.setText(shown);
+    }
+}
+
+} // namespace vistrane

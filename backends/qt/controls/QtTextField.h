@@ -1,0 +1,69 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QObject>
+
+#include "backends/qt/controls/Action.h"
+#include "platform/appkit/NSTextField.h"
+
+namespace vistrane {
+
+/// A text on a widget that outlives it, kept byte for byte beside what is shown.
+class QtText : public NSTextField {
+public:
+    void setStringValue(const std::string& text) override;
+    std::int32_t intValue() const override;
+    NSInteger integerValue() const override;
+    void setIntValue(std::int32_t value) override;
+    void setIntegerValue(NSInteger value) override;
+
+    const std::string& stringValue() const { return text_; }
+
+protected:
+    void keep(std::string text) { text_ = std::move(text); }
+    virtual void show(const std::string& text) = 0;
+
+private:
+    std::string text_;
+};
+
+/// A text that only the program changes.
+class QtLabel final : public QtText {
+public:
+    explicit QtLabel(QLabel& widget);
+    void setNeedsDisplay(bool needed) override;
+
+protected:
+    void show(const std::string& text) override;
+
+private:
+    QLabel& widget_;
+};
+
+/// A line that the user edits. What is typed counts at once as the field's value; the action is
+/// sent by Enter, and when the focus leaves after an edit. Setting a value gives an edit up.
+class QtTextField final : public QtText {
+public:
+    explicit QtTextField(QLineEdit& widget);
+    void setNeedsDisplay(bool needed) override;
+
+    void setAction(NSAction action) { action_.set(std::move(action)); }
+
+    /// Sends the action if the user was editing.
+    void endEditing();
+
+protected:
+    void show(const std::string& text) override;
+
+private:
+    QLineEdit& widget_;
+    bool isEdited_ = false;
+    Action action_;
+    QObject connections_;
+};
+
+} // namespace vistrane

@@ -1,0 +1,131 @@
+#include "backends/qt/system/Appearance.h"
+
+#include <utility>
+
+#include <QApplication>
+#include <QPalette>
+#include <QProgressBar>
+#include <QStyle>
+#include <QStyleFactory>
+
+#include "backends/qt/system/AppearancePortal.h"
+
+namespace vistrane {
+
+namespace {
+
+bool isDarkPalette(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() <
+           palette.color(QPalette::WindowText).lightness();
+}
+
+QPalette darkPalette() {
+    const QColor window(0x29, 0x29, 0x2b);
+    const QColor text(0xec, 0xec, 0xee);
+    const QColor dimmed(0x94, 0x94, 0x98);
+    // Lighter than the window: the style draws outlines darker than that, where boxes and fields
+    // would not be seen.
+    const QColor base(0x5a, 0x5a, 0x60);
+    const QColor highlight(0x3d, 0x7d, 0xd8);
+    QPalette palette(text, QColor(0x3a, 0x3a, 0x3d), QColor(0x58, 0x58, 0x5c),
+                     QColor(0x18, 0x18, 0x1a), QColor(0x28, 0x28, 0x2a), text, Qt::white, base,
+                     window);
+    palette.setColor(QPalette::AlternateBase, QColor(0x52, 0x52, 0x58));
+    palette.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3a, 0x3d));
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, dimmed);
+    palette.setColor(QPalette::Link, QColor(0x6c, 0xa8, 0xf2));
+    palette.setColor(QPalette::LinkVisited, QColor(0xb0, 0x90, 0xe0));
+    palette.setColor(QPalette::Highlight, highlight);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, dimmed);
+    }
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(0x4a, 0x4a, 0x4e));
+    palette.setColor(QPalette::Disabled, QPalette::HighlightedText, dimmed);
+    return palette;
+}
+
+/// An empty bar must not look like a full one, as it would with the colour of fields.
+QPalette darkBarColours() {
+    QPalette palette;
+    palette.setColor(QPalette::Base, QColor(0x36, 0x36, 0x39));
+    return palette;
+}
+
+QPalette lightPalette() {
+    const QColor window(0xf4, 0xf4, 0xf5);
+    const QColor text(0x1e, 0x1e, 0x20);
+    const QColor dimmed(0x8e, 0x8e, 0x93);
+    QPalette palette(text, QColor(0xfa, 0xfa, 0xfb), Qt::white, QColor(0xa6, 0xa6, 0xaa),
+                     QColor(0xc8, 0xc8, 0xcc), text, Qt::white, Qt::white, window);
+    palette.setColor(QPalette::PlaceholderText, dimmed);
+    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xcf));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, dimmed);
+    }
+    return palette;
+}
+
+/// How the desktop dressed the application, before the program changed anything.
+struct DesktopLook {
+    QString style = QApplication::style()->objectName();
+    QPalette palette = QApplication::palette();
+};
+
+const DesktopLook& desktopLook() {
+    static const DesktopLook look;
+    return look;
+}
+
+} // namespace
+
+Appearance::Appearance() : paletteIsDark_(isDarkPalette(desktopLook().palette)) {
+    portal_ = std::make_unique<Portal>([this] {
+        if (changed_) {
+            changed_();
+        }
+    });
+}
+
+Appearance::~Appearance() = default;
+
+bool Appearance::isDark() const {
+    return portal_->scheme() == Portal::dark ||
+           (portal_->scheme() == Portal::noPreference && paletteIsDark_);
+}
+
+std::optional<std::string> Appearance::interfaceStyle() const {
+    return isDark() ? std::optional<std::string>("Dark") : std::nullopt;
+}
+
+void Appearance::setChangeHandler(std::function<void()> handler) {
+    changed_ = std::move(handler);
+}
+
+QPalette ownPalette(bool isDark) {
+    return isDark ? darkPalette() : lightPalette();
+}
+
+void applyPalette(bool isDark) {
+    const DesktopLook& desktop = desktopLook();
+    QPalette barColours;
+    if (isDarkPalette(desktop.palette) == isDark) {
+        QApplication::setStyle(desktop.style);
+        QApplication::setPalette(QPalette());
+    } else {
+        QApplication::setStyle("Fusion");
+        QApplication::setPalette(ownPalette(isDark));
+        barColours = isDark ? darkBarColours() : QPalette();
+    }
+    for (QWidget* const widget : QApplication::allWidgets()) {
+        if (qobject_cast<QProgressBar*>(widget) != nullptr) {
+            widget->setPalette(barColours);
+        }
+    }
+}
+
+} // namespace vistrane

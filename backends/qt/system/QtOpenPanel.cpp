@@ -1,0 +1,65 @@
+#include "backends/qt/system/QtOpenPanel.h"
+
+#include <QAbstractItemView>
+#include <QAction>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QShortcut>
+
+#include "backends/qt/system/dialog_text.h"
+
+namespace vistrane {
+
+namespace {
+
+/// Leaves what is in the folders alone: people keep their frames there. A new folder can still be
+/// made, and be given its name.
+void forbidChanges(QFileDialog& dialog) {
+    for (const char* const name : {"qt_rename_action", "qt_delete_action"}) {
+        if (auto* const action = dialog.findChild<QAction*>(name)) {
+            action->setVisible(false);
+        }
+    }
+    for (QShortcut* const shortcut : dialog.findChildren<QShortcut*>()) {
+        if (shortcut->key() == QKeySequence(Qt::Key_Delete)) {
+            shortcut->setEnabled(false);
+        }
+    }
+    for (const char* const name : {"listView", "treeView"}) {
+        if (auto* const view = dialog.findChild<QAbstractItemView*>(name)) {
+            view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+            // Folders that are dragged onto each other would move.
+            view->setDragDropMode(QAbstractItemView::NoDragDrop);
+        }
+    }
+}
+
+} // namespace
+
+NSModalResponse QtOpenPanel::runModal() {
+    const QtRunLoop::ModalScope modal(rules_->loop);
+    QFileDialog dialog(dialogParent(*rules_), dialogText(title_), QDir::homePath());
+    dialog.setObjectName("openPanel");
+    // Qt's own: the desktops' dialogs know no title for the button that confirms.
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setOption(QFileDialog::ShowDirsOnly, canChooseDirectories_ && !canChooseFiles_);
+    dialog.setOption(QFileDialog::ReadOnly, !canCreateDirectories_);
+    dialog.setFileMode(canChooseFiles_ ? QFileDialog::ExistingFile : QFileDialog::Directory);
+    forbidChanges(dialog);
+    if (!prompt_.empty()) {
+        dialog.setLabelText(QFileDialog::Accept, dialogText(prompt_));
+    }
+    url_ = std::nullopt;
+    if (dialog.exec() != QDialog::Accepted) {
+        return NSModalResponseCancel;
+    }
+    const QString chosen = dialog.selectedFiles().value(0);
+    if (QFileInfo::exists(chosen)) {
+        url_ = NSURL::fileURLWithPath(QFile::encodeName(QDir::cleanPath(chosen)).toStdString());
+    }
+    return NSModalResponseOK;
+}
+
+} // namespace vistrane

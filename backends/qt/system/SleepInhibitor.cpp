@@ -1,0 +1,149 @@
+#include "backends/qt/system/SleepInhibitor.h"
+
+#include <array>
+#include <utility>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QDBusUnixFileDescriptor>
+#include <QVariantMap>
+
+namespace vistrane {
+
+namespace {
+
+constexpr char programName[] = "Vistrane";
+constexpr char reason[] = "Capturing a time-lapse";
+
+/// How one service is asked, and how the inhibition that it granted is ended. The latter is null
+/// for an answer that grants none.
+struct Way {
+    QDBusConnection (*bus)();
+    QDBusMessage (*question)();
+    std::function<void()> (*releaseOf)(const QDBusMessage& answer);
+};
+
+QDBusMessage portalQuestion() {
+    constexpr uint suspending = 4;
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
+        "org.freedesktop.portal.Inhibit", "Inhibit");
+    question << QString() << suspending << QVariantMap{{"reason", QString(reason)}};
+    return question;
+}
+
+std::function<void()> portalRelease(const QDBusMessage& answer) {
+    const auto request = answer.arguments().value(0).value<QDBusObjectPath>();
+    if (request.path().isEmpty()) {
+        return nullptr;
+    }
+    return [request] {
+        QDBusConnection::sessionBus().asyncCall(
+            QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", request.path(),
+                                           "org.freedesktop.portal.Request", "Close"));
+    };
+}
+
+QDBusMessage loginQuestion() {
+    QDBusMessage question =
+        QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1",
+                                       "org.freedesktop.login1.Manager", "Inhibit");
+    question << QString("sleep:idle") << QString(programName) << QString(reason)
+             << QString("block");
+    return question;
+}
+
+std::function<void()> loginRelease(const QDBusMessage& answer) {
+    const auto lock = answer.arguments().value(0).value<QDBusUnixFileDescriptor>();
+    if (!lock.isValid()) {
+        return nullptr;
+    }
+    // The inhibition ends with its last descriptor.
+    return [lock] {};
+}
+
+QDBusMessage screenSaverQuestion() {
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
+        "org.freedesktop.ScreenSaver", "Inhibit");
+    question << QString(programName) << QString(reason);
+    return question;
+}
+
+std::function<void()> screenSaverRelease(const QDBusMessage& answer) {
+    bool isNumber = false;
+    const uint cookie = answer.arguments().value(0).toUInt(&isNumber);
+    if (!isNumber) {
+        return nullptr;
+    }
+    return [cookie] {
+        QDBusMessage end = QDBusMessage::createMethodCall(
+            "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
+            "org.freedesktop.ScreenSaver", "UnInhibit");
+        QDBusConnection::sessionBus().asyncCall(end << cookie);
+    };
+}
+
+const std::array<Way, 3> ways = {{
+    {QDBusConnection::sessionBus, portalQuestion, portalRelease},
+    {QDBusConnection::systemBus, loginQuestion, loginRelease},
+    {QDBusConnection::sessionBus, screenSaverQuestion, screenSaverRelease},
+}};
+
+} // namespace
+
+SleepInhibitor::SleepInhibitor(std::function<void(const std::string&)> log)
+    : log_(std::move(log)) {}
+
+SleepInhibitor::~SleepInhibitor() = default;
+
+void SleepInhibitor::setActive(bool active) {
+    if (active == isActive_) {
+        return;
+    }
+    isActive_ = active;
+    if (!active && release_) {
+        std::exchange(release_, nullptr)();
+    } else if (active && !isAsking_) {
+        ask(0);
+    }
+}
+
+void SleepInhibitor::ask(std::size_t way) {
+    // A call on a bus that is not there never ends.
+    while (way < ways.size() && !ways.at(way).bus().isConnected()) {
+        ++way;
+    }
+    isAsking_ = isActive_ && way < ways.size();
+    if (isAsking_) {
+        const QDBusPendingCall call = ways.at(way).bus().asyncCall(ways.at(way).question());
+        auto* const watcher = new QDBusPendingCallWatcher(call, this);
+        connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, way] {
+            watcher->deleteLater();
+            answered(way, watcher->reply());
+        });
+    } else if (isActive_ && !std::exchange(hasComplained_, true)) {
+        log_("The machine cannot be kept awake while frames are captured: no desktop service "
+             "answers. Switch automatic suspend off.");
+    }
+}
+
+void SleepInhibitor::answered(std::size_t way, const QDBusMessage& answer) {
+    Release release =
+        answer.type() == QDBusMessage::ReplyMessage ? ways.at(way).releaseOf(answer) : nullptr;
+    if (!release) {
+        ask(way + 1);
+        return;
+    }
+    isAsking_ = false;
+    if (isActive_) {
+        release_ = std::move(release);
+    } else {
+        // Capturing has ended meanwhile.
+        release();
+    }
+}
+
+} // namespace vistrane

@@ -1,0 +1,146 @@
+#include "core/folder/SortedFrames.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "core/folder/frame_list.h"
+#include "platform/foundation/NSString.h"
+
+namespace vistrane {
+
+namespace {
+
+using Paths = SortedFrames::Paths;
+using Names = std::vector<std::string_view>;
+
+/// A listing of which more than one in so many names has changed is sorted anew: that takes no
+/// longer than to search the place of each.
+constexpr std::size_t searchedShare = 16;
+
+/// Only the extension counts: hidden names and folders are frames too, other cases of the
+/// extension are not.
+bool isFrameName(std::string_view name) {
+    return pathExtension(name) == "png";
+}
+
+template <typename SomeNames>
+Paths framePaths(const std::string& folder, const SomeNames& names) {
+    Paths paths;
+    for (const std::string_view name : names) {
+        if (isFrameName(name)) {
+            std::string& path = paths.emplace_back();
+            path.reserve(folder.size() + 1 + name.size());
+            path.append(folder).append(1, '/').append(name);
+        }
+    }
+    return paths;
+}
+
+/// The names that are in one of two listings and not in the other, in the order of their bytes. A
+/// name that a listing has twice, because of a change while it was made, counts twice.
+struct Difference {
+    Names removed;
+    Names added;
+};
+
+/// A file system gives names that stay in their order, so that only what lies between the first
+/// and the last change is searched.
+Difference difference(const FileNames& before, const FileNames& after) {
+    const auto [oldStart, newStart] =
+        std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    Names oldNames(oldStart, before.end());
+    Names newNames(newStart, after.end());
+    const auto [oldEnd, newEnd] =
+        std::mismatch(oldNames.rbegin(), oldNames.rend(), newNames.rbegin(), newNames.rend());
+    oldNames.erase(oldEnd.base(), oldNames.end());
+    newNames.erase(newEnd.base(), newNames.end());
+
+    std::sort(oldNames.begin(), oldNames.end());
+    std::sort(newNames.begin(), newNames.end());
+    Difference result;
+    std::set_difference(oldNames.begin(), oldNames.end(), newNames.begin(), newNames.end(),
+                        std::back_inserter(result.removed));
+    std::set_difference(newNames.begin(), newNames.end(), oldNames.begin(), oldNames.end(),
+                        std::back_inserter(result.added));
+    return result;
+}
+
+auto frameOrder(const NSLocale& locale) {
+    return [&locale](const std::string& first, const std::string& second) {
+        return frameNameCompare(first, second, locale) == NSOrderedAscending;
+    };
+}
+
+/// A sorted list without some of its paths, sorted too. Nothing when one of them is not found.
+std::optional<Paths> without(const Paths& removed, const Paths& paths, const NSLocale& locale) {
+    Paths rest;
+    rest.reserve(paths.size());
+    auto next = paths.begin();
+    for (const std::string& path : removed) {
+        const auto place = std::lower_bound(next, paths.end(), path, frameOrder(locale));
+        if (place == paths.end() || *place != path) {
+            return std::nullopt;
+        }
+        rest.insert(rest.end(), next, place);
+        next = std::next(place);
+    }
+    rest.insert(rest.end(), next, paths.end());
+    return rest;
+}
+
+/// A sorted list with other paths, sorted too, put in their places.
+Paths with(Paths added, Paths paths, const NSLocale& locale) {
+    Paths all;
+    all.reserve(paths.size() + added.size());
+    auto next = paths.begin();
+    const auto takeUpTo = [&](Paths::iterator end) {
+        all.insert(all.end(), std::make_move_iterator(next), std::make_move_iterator(end));
+        next = end;
+    };
+    for (std::string& path : added) {
+        takeUpTo(std::upper_bound(next, paths.end(), path, frameOrder(locale)));
+        all.push_back(std::move(path));
+    }
+    takeUpTo(paths.end());
+    return all;
+}
+
+} // namespace
+
+std::shared_ptr<const Paths> SortedFrames::update(const std::string& folder, FileNames names,
+                                                  const std::shared_ptr<const NSLocale>& locale) {
+    const bool isComparable = paths_ && folder == folder_ && locale == locale_;
+    if (isComparable && names == names_) {
+        return paths_;
+    }
+    std::optional<Paths> paths = isComparable ? changed(names) : std::nullopt;
+    if (!paths) {
+        paths = framePaths(folder, names);
+        sortFrames(*paths, *locale);
+    }
+    folder_ = folder;
+    names_ = std::move(names);
+    locale_ = locale;
+    if (!paths_ || *paths_ != *paths) {
+        paths_ = std::make_shared<const Paths>(std::move(*paths));
+    }
+    return paths_;
+}
+
+std::optional<Paths> SortedFrames::changed(const FileNames& names) const {
+    const auto [gone, come] = difference(names_, names);
+    if (gone.size() + come.size() > names.size() / searchedShare) {
+        return std::nullopt;
+    }
+    Paths removed = framePaths(folder_, gone);
+    Paths added = framePaths(folder_, come);
+    sortFrames(removed, *locale_);
+    sortFrames(added, *locale_);
+    std::optional<Paths> rest = without(removed, *paths_, *locale_);
+    return rest ? std::optional(with(std::move(added), std::move(*rest), *locale_)) : std::nullopt;
+}
+
+} // namespace vistrane

@@ -1,0 +1,56 @@
+#include "frontends/commandline/CompileReport.h"
+
+#include "platform/shown_text.h"
+
+namespace vistrane {
+
+void CompileReport::frameIsLoaded(const std::string& path) {
+    const std::lock_guard lock(mutex_);
+    path_ = path;
+    reason_.clear();
+}
+
+void CompileReport::frameCouldNotBeRead(const NSError& reason) {
+    const std::lock_guard lock(mutex_);
+    reason_ = reason.localizedDescription;
+}
+
+void CompileReport::frameWasAppended() {
+    const std::lock_guard lock(mutex_);
+    ++appended_;
+}
+
+void CompileReport::frameWasRefused(const NSError& reason) {
+    const std::lock_guard lock(mutex_);
+    // Why the file is no picture says more than that there is no picture to append.
+    const std::string& why = reason_.empty() ? reason.localizedDescription : reason_;
+    const std::string frame = shownText(path_);
+    const bool namesFrame = why.find(frame) != std::string::npos;
+    leftOut_.push_back({"Not in the movie: " + (namesFrame ? why : frame + ": " + why), why});
+}
+
+std::vector<std::string> CompileReport::lines() const {
+    const std::lock_guard lock(mutex_);
+    std::vector<std::string> lines;
+    for (const LeftOut& each : leftOut_) {
+        lines.push_back(each.line);
+    }
+    lines.push_back(std::to_string(appended_) + " of " +
+                    std::to_string(appended_ + leftOut_.size()) + " frames went into the movie.");
+    return lines;
+}
+
+std::vector<std::string> CompileReport::linesWithoutMovie(const NSError& reason) const {
+    const std::lock_guard lock(mutex_);
+    std::vector<std::string> lines;
+    for (const LeftOut& each : leftOut_) {
+        if (each.reason != reason.localizedDescription) {
+            lines.push_back(each.line);
+        }
+    }
+    lines.push_back("0 of " + std::to_string(appended_ + leftOut_.size()) +
+                    " frames went into a movie.");
+    return lines;
+}
+
+} // namespace vistrane

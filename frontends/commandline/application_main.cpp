@@ -1,0 +1,43 @@
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "backends/posix/EndingSignals.h"
+#include "frontends/commandline/commands.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/shown_text.h"
+
+namespace vistrane {
+
+namespace {
+
+/// A file that is opened later must not get the number of a closed standard stream: what is
+/// written to that stream would end up in the file. Writing to the stand-in fails as it would to
+/// the closed stream.
+void occupyStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) == -1) {
+            ::open("/dev/null", O_RDONLY);
+        }
+    }
+}
+
+} // namespace
+
+int NSApplicationMain(int argc, char** argv) {
+    occupyStandardStreams();
+    EndingSignals::block();
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    const ParsedArguments parsed = parseArguments(arguments);
+    if (!parsed.command) {
+        std::cerr << "vistrane: " << shownText(parsed.error)
+                  << " 'vistrane --help' tells the usage.\n";
+        return 2;
+    }
+    return runCommand(*parsed.command);
+}
+
+} // namespace vistrane

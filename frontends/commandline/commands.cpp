@@ -1,0 +1,183 @@
+#include "frontends/commandline/commands.h"
+
+#include <cstdlib>
+#include <iostream>
+
+#include <unistd.h>
+
+#include "backends/cameras/CameraOptions.h"
+#include "backends/posix/BackgroundWriter.h"
+#include "backends/posix/EndingSignals.h"
+#include "frontends/commandline/Session.h"
+#include "frontends/commandline/demo_folder.h"
+#include "frontends/commandline/project_folder_argument.h"
+#include "frontends/commandline/version.h"
+#include "frontends/window/open_window.h"
+#include "platform/shown_text.h"
+
+namespace vistrane {
+
+namespace {
+
+constexpr int demoStills = 10;
+constexpr int demoFramesPerSecond = 10;
+
+int refuse(const std::string& reason) {
+    std::cerr << "vistrane: " << reason << '\n';
+    return 1;
+}
+
+/// For a word that cannot be told from a misspelled command.
+std::string hintOnCommands(const std::string& folder) {
+    const bool isOneWord = folder.find('/') == std::string::npos;
+    return isOneWord ? " There is no command '" + shownText(folder) +
+                           "' either; 'vistrane --help' lists them."
+                     : "";
+}
+
+/// Prints without a session; the exit status.
+int print(const std::string& text) {
+    BackgroundWriter output(STDOUT_FILENO, [](int) {});
+    output.write(text);
+    if (output.flush()) {
+        return 0;
+    }
+    std::cerr << outputError(output.failure()) << '\n';
+    return 1;
+}
+
+/// A launched session; it ends with the process.
+Session& startSession(const SessionOptions& options) {
+    Session& session = *new Session(options);
+    session.launch();
+    return session;
+}
+
+[[noreturn]] void captureAndCompile(Session& session, const CaptureCommand& command,
+                                    const std::function<void(const std::string&)>& saved) {
+    if (command.compiles && !command.count) {
+        session.say("vistrane: Without --count capturing goes on until it is interrupted, and no "
+                    "movie is made.");
+    }
+    session.pickDevice(command.device);
+    if (command.interval) {
+        session.enterInterval(*command.interval);
+    }
+    const bool isComplete = session.capture(command.count, saved);
+    if (command.compiles) {
+        session.print(session.compile(command.movie.framesPerSecond));
+    }
+    session.end(isComplete ? 0 : 1);
+}
+
+int run(const HelpCommand&) {
+    return print(helpText());
+}
+
+int run(const VersionCommand&) {
+    return print(std::string("vistrane ") + programVersion + "\n");
+}
+
+int run(const WindowCommand& command) {
+    WindowOptions options{.version = programVersion, .demoCamera = command.demoCamera};
+    if (command.folder) {
+        const ProjectFolderArgument folder = projectFolderArgument(*command.folder);
+        if (!folder.error.empty()) {
+            return refuse(folder.error + hintOnCommands(*command.folder));
+        }
+        options.folder = folder.path;
+    }
+    openWindow(options);
+}
+
+int run(const DevicesCommand& command) {
+    Session& session = startSession({.findsCameras = true, .demoCamera = command.demoCamera});
+    const std::vector<std::string> names = session.deviceNames();
+    if (names.empty()) {
+        session.say("No camera was found.");
+    }
+    for (const std::string& name : names) {
+        session.print(name);
+    }
+    session.end(0);
+}
+
+int run(const FramesCommand& command) {
+    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
+    if (!folder.error.empty()) {
+        return refuse(folder.error);
+    }
+    Session& session = startSession({.folder = folder.path});
+    const char end = command.endsWithNul ? '\0' : '\n';
+    for (const std::string& path : session.frames()) {
+        session.print(path, end);
+    }
+    session.end(0);
+}
+
+int run(const CompileCommand& command) {
+    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
+    if (!folder.error.empty()) {
+        return refuse(folder.error);
+    }
+    Session& session = startSession({.folder = folder.path, .movie = command.movie});
+    session.print(session.compile(command.movie.framesPerSecond));
+    session.end(0);
+}
+
+int run(const CaptureCommand& command) {
+    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
+    if (!folder.error.empty()) {
+        return refuse(folder.error);
+    }
+    Session& session = startSession({.folder = folder.path,
+                                     .findsCameras = true,
+                                     .demoCamera = command.demoCamera,
+                                     .movie = command.movie});
+    captureAndCompile(session, command,
+                      [&session](const std::string& path) { session.print(path); });
+}
+
+int run(const DemoCommand& command) {
+    std::string path;
+    std::function<void()> cleanUp = [] {};
+    if (command.folder) {
+        const ProjectFolderArgument folder = projectFolderArgument(*command.folder);
+        if (!folder.error.empty()) {
+            return refuse(folder.error);
+        }
+        path = folder.path;
+    } else {
+        const NewFolder folder = createDemoFolder(videosFolder());
+        if (!folder.error.empty()) {
+            return refuse(folder.error);
+        }
+        path = folder.path;
+        cleanUp = [path] { removeIfEmpty(path); };
+        EndingSignals::handle({{}, [cleanUp](int status) {
+                                   cleanUp();
+                                   std::_Exit(status);
+                               }});
+    }
+    CaptureCommand capture;
+    capture.device = demoCameraName;
+    capture.interval = IntervalTexts{"0", "0", "1"};
+    capture.count = demoStills;
+    capture.compiles = true;
+    capture.movie.framesPerSecond = demoFramesPerSecond;
+    SessionOptions options;
+    options.folder = path;
+    options.demoCamera = true;
+    options.cleanUp = cleanUp;
+    Session& session = startSession(options);
+    captureAndCompile(session, capture,
+                      [&session](const std::string& frame) { session.say(shownText(frame)); });
+}
+
+} // namespace
+
+int runCommand(const Command& command) {
+    return std::visit([](const auto& each) { return run(each); }, command);
+}
+
+} // namespace vistrane

@@ -1,0 +1,54 @@
+#include "frontends/window/open_window.h"
+
+#include <cstdlib>
+
+#include <QApplication>
+#include <unistd.h>
+
+#include "frontends/window/WindowLog.h"
+#include "frontends/window/WindowSession.h"
+
+namespace vistrane {
+
+namespace {
+
+bool isSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+} // namespace
+
+bool hasDisplay() {
+    return isSet("QT_QPA_PLATFORM") || isSet("WAYLAND_DISPLAY") || isSet("DISPLAY");
+}
+
+void makeApplication() {
+    static int count = 1;
+    static char name[] = "vistrane";
+    static char* arguments[] = {name, nullptr};
+    QCoreApplication::setApplicationName("vistrane");
+    QGuiApplication::setDesktopFileName("vistrane");
+    // The session ends the program itself, with what is to be saved.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    new QApplication(count, arguments);
+}
+
+void openWindow(const WindowOptions& options) {
+    // Nothing here is ever taken apart: threads may still be at work when the process ends.
+    WindowLog& log = *new WindowLog(STDERR_FILENO);
+    if (!hasDisplay()) {
+        log.fail("There is no display to open a window on. 'vistrane --help' tells what can be "
+                 "done without one.");
+    }
+    log.takeMessagesOfQt();
+
+    QCoreApplication::setApplicationVersion(QString::fromStdString(options.version));
+    makeApplication();
+    log.windowCanBeOpened();
+
+    WindowSession& session = *new WindowSession(options, log);
+    session.run();
+}
+
+} // namespace vistrane

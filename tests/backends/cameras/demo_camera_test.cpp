@@ -1,0 +1,288 @@
+#include "tests/backends/cameras/CameraTestBed.h"
+
+#include <filesystem>
+#include <set>
+
+#include <gmock/gmock.h>
+
+#include "backends/cameras/MediaPreviewLayer.h"
+
+namespace vistrane {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr char demo[] = "Demo Camera";
+
+CameraOptions withDemo() {
+    CameraOptions options;
+    options.demoCamera = true;
+    return options;
+}
+
+class DemoCamera : public testing::Test {
+protected:
+    CameraTestBed bed{withDemo()};
+};
+
+std::ptrdiff_t openFiles() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                         std::filesystem::directory_iterator());
+}
+
+std::ptrdiff_t threads() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
+                         std::filesystem::directory_iterator());
+}
+
+TEST_F(DemoCamera, IsListedLastOnRequest) {
+    const auto devices = bed.devices();
+    ASSERT_FALSE(devices.empty());
+    EXPECT_EQ(devices.back()->localizedName(), demo);
+    EXPECT_TRUE(devices.back()->hasMediaType(AVMediaTypeVideo));
+    EXPECT_FALSE(devices.back()->hasMediaType(AVMediaTypeMuxed));
+    EXPECT_TRUE(devices.back()->supportsAVCaptureSessionPreset(AVCaptureSessionPresetPhoto));
+}
+
+TEST_F(DemoCamera, IsNotListedWithoutARequest) {
+    CameraTestBed plain{CameraOptions{}};
+    EXPECT_EQ(plain.device(demo), nullptr);
+}
+
+TEST_F(DemoCamera, NullTypesAloneFindNothing) {
+    EXPECT_TRUE(bed.cameras
+                    ->discoverySessionWithDeviceTypes({std::nullopt}, AVMediaTypeVideo,
+                                                      AVCaptureDevicePositionUnspecified)
+                    ->devices()
+                    .empty());
+    EXPECT_TRUE(bed.cameras
+                    ->discoverySessionWithDeviceTypes({AVCaptureDeviceTypeExternalUnknown},
+                                                      AVMediaTypeAudio,
+                                                      AVCaptureDevicePositionUnspecified)
+                    ->devices()
+                    .empty());
+}
+
+TEST_F(DemoCamera, NoDeviceGivesAnErrorAndNoInput) {
+    const auto result = bed.cameras->deviceInputWithDevice(nullptr);
+    EXPECT_EQ(result.input, nullptr);
+    ASSERT_TRUE(result.error);
+    EXPECT_THAT(result.error->localizedDescription, HasSubstr("There is no such device"));
+}
+
+TEST_F(DemoCamera, SessionWithoutInputDoesNotRun) {
+    bed.session->startRunning();
+    EXPECT_FALSE(bed.session->isRunning());
+    EXPECT_EQ(bed.output->connectionWithMediaType(AVMediaTypeVideo), nullptr);
+}
+
+TEST_F(DemoCamera, RunsAfterStartAndNotAfterStop) {
+    ASSERT_TRUE(bed.pick(demo));
+    EXPECT_NE(bed.output->connectionWithMediaType(AVMediaTypeVideo), nullptr);
+    EXPECT_EQ(bed.output->connectionWithMediaType(AVMediaTypeAudio), nullptr);
+    bed.session->stopRunning();
+    EXPECT_FALSE(bed.session->isRunning());
+    EXPECT_TRUE(bed.observer.messages().empty());
+}
+
+TEST_F(DemoCamera, StillIsAWholePixmapOfTheCamerasSize) {
+    ASSERT_TRUE(bed.pick(demo));
+    bed.request();
+    EXPECT_TRUE(bed.delegate.outcomes.empty());
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    ASSERT_THAT(bed.delegate.outcomes, ElementsAre(""));
+    const auto pixmap = pixmapOf(*bed.delegate.files.at(0));
+    ASSERT_TRUE(pixmap);
+    EXPECT_EQ(pixmap->width, 1280);
+    EXPECT_EQ(pixmap->height, 720);
+    // Something is to be seen in it.
+    EXPECT_GT(std::set<std::uint8_t>(pixmap->rgb.begin(), pixmap->rgb.end()).size(), 1U);
+}
+
+TEST_F(DemoCamera, EveryRequestGetsAPictureOfItsOwn) {
+    ASSERT_TRUE(bed.pick(demo));
+    for (int i = 0; i < 8; ++i) {
+        bed.request();
+    }
+    ASSERT_TRUE(bed.awaitOutcomes(8));
+    std::set<std::string> different;
+    for (const auto& file : bed.delegate.files) {
+        different.emplace(reinterpret_cast<const char*>(file->bytes()), file->length());
+    }
+    EXPECT_EQ(different.size(), 8U);
+}
+
+TEST_F(DemoCamera, OutcomesComeInTheOrderOfTheRequests) {
+    struct Numbered final : AVCapturePhotoCaptureDelegate {
+        void captureOutputDidFinishProcessingPhoto(AVCapturePhotoOutput&, const AVCapturePhoto*,
+                                                   const std::optional<NSError>&) override {
+            order->push_back(number);
+        }
+        std::vector<int>* order = nullptr;
+        int number = 0;
+    };
+    ASSERT_TRUE(bed.pick(demo));
+    std::vector<int> order;
+    std::vector<Numbered> delegates(6);
+    for (int i = 0; i < 6; ++i) {
+        delegates[static_cast<std::size_t>(i)].order = &order;
+        delegates[static_cast<std::size_t>(i)].number = i;
+        bed.output->capturePhotoWithSettings(bed.settings, delegates[static_cast<std::size_t>(i)]);
+    }
+    bed.session->stopRunning();
+    ASSERT_TRUE(bed.dispatch.runUntil([&] { return order.size() == 6; }));
+    EXPECT_THAT(order, ElementsAre(0, 1, 2, 3, 4, 5));
+}
+
+TEST_F(DemoCamera, StopEndsWhatIsOutstandingInErrors) {
+    ASSERT_TRUE(bed.pick(demo));
+    for (int i = 0; i < 50; ++i) {
+        bed.request();
+    }
+    bed.session->stopRunning();
+    ASSERT_TRUE(bed.awaitOutcomes(50));
+    EXPECT_EQ(bed.delegate.outcomes.size(), 50U);
+    EXPECT_THAT(bed.delegate.outcomes.back(), HasSubstr("stopped"));
+}
+
+TEST_F(DemoCamera, RequestWithoutARunningSessionEndsInAnErrorLater) {
+    bed.request();
+    EXPECT_TRUE(bed.delegate.outcomes.empty());
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_THAT(bed.delegate.outcomes,
+                ElementsAre("The camera is not running: pick a device first"));
+}
+
+TEST_F(DemoCamera, RequestAtAnOutputOfNoSessionEndsInAnErrorLater) {
+    const auto loose = bed.cameras->photoOutput();
+    loose->capturePhotoWithSettings(bed.settings, bed.delegate);
+    EXPECT_TRUE(bed.delegate.outcomes.empty());
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_THAT(bed.delegate.outcomes[0], HasSubstr("not running"));
+}
+
+TEST_F(DemoCamera, NothingIsDeliveredForAnOutputThatIsGone) {
+    const auto loose = bed.cameras->photoOutput();
+    loose->capturePhotoWithSettings(bed.settings, bed.delegate);
+    bed.request();
+    bed.output.reset();
+    bed.session.reset();
+    bed.dispatch.wake();
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_EQ(bed.delegate.outcomes.size(), 1U);
+}
+
+TEST_F(DemoCamera, ASessionTakesOneOutputOfItsOwnKind) {
+    EXPECT_FALSE(bed.session->canAddOutput(*bed.output));
+    const auto second = bed.cameras->photoOutput();
+    EXPECT_FALSE(bed.session->canAddOutput(*second));
+    EXPECT_TRUE(bed.cameras->captureSession()->canAddOutput(*second));
+}
+
+TEST_F(DemoCamera, SettingsDifferInTheirIds) {
+    const auto copy = bed.cameras->photoSettingsFromPhotoSettings(*bed.settings);
+    EXPECT_NE(copy->uniqueID(), bed.settings->uniqueID());
+}
+
+TEST_F(DemoCamera, PickingItAgainGoesOn) {
+    ASSERT_TRUE(bed.pick(demo));
+    ASSERT_TRUE(bed.pick(demo));
+    EXPECT_EQ(bed.session->inputs().size(), 1U);
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_EQ(bed.delegate.outcomes.back(), "");
+}
+
+TEST_F(DemoCamera, RemovingTheInputStopsTheSession) {
+    ASSERT_TRUE(bed.pick(demo));
+    bed.session->removeInput(*bed.session->inputs().front());
+    EXPECT_FALSE(bed.session->isRunning());
+}
+
+TEST_F(DemoCamera, ManyStartsAndStopsLeaveNoFileAndNoThreadBehind) {
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(bed.pick(demo));
+    }
+    bed.session->stopRunning();
+    const auto files = openFiles();
+    const auto before = threads();
+    for (int i = 0; i < 40; ++i) {
+        bed.session->startRunning();
+        ASSERT_TRUE(bed.session->isRunning());
+        bed.session->stopRunning();
+    }
+    EXPECT_LE(openFiles(), files + 2);
+    EXPECT_LE(threads(), before + 4);
+}
+
+TEST_F(DemoCamera, CamerasMayGoWhileTheSessionRuns) {
+    ASSERT_TRUE(bed.pick(demo));
+    bed.request();
+    const auto settings = bed.cameras->photoSettingsFromPhotoSettings(*bed.settings);
+    bed.cameras.reset();
+    EXPECT_FALSE(bed.session->isRunning());
+    bed.output->capturePhotoWithSettings(settings, bed.delegate);
+}
+
+class Preview : public DemoCamera {
+protected:
+    std::shared_ptr<MediaPreviewLayer> layer =
+        std::dynamic_pointer_cast<MediaPreviewLayer>(bed.cameras->layerWithSession(bed.session));
+};
+
+TEST_F(Preview, PicturesAreSmallWithTheirAspectKept) {
+    std::vector<PreviewPicture> pictures;
+    layer->setPictureHandler([&](PreviewPicture picture) { pictures.push_back(picture); });
+    ASSERT_TRUE(bed.pick(demo));
+    ASSERT_TRUE(bed.dispatch.runUntil([&] { return pictures.size() >= 3; }));
+    const auto seen = std::find_if(pictures.begin(), pictures.end(),
+                                   [](const auto& picture) { return picture.pixels != nullptr; });
+    ASSERT_NE(seen, pictures.end());
+    EXPECT_EQ(seen->width, 640);
+    EXPECT_EQ(seen->height, 360);
+    EXPECT_GE(seen->stride, 640U * 4U);
+    // The last byte of the last row can be read.
+    EXPECT_GE(seen->pixels.get()[seen->stride * 359 + 640 * 4 - 1], 0);
+}
+
+TEST_F(Preview, HandlerSetWhileRunningGetsPictures) {
+    ASSERT_TRUE(bed.pick(demo));
+    bool came = false;
+    layer->setPictureHandler(
+        [&](const PreviewPicture& picture) { came = picture.pixels != nullptr; });
+    EXPECT_TRUE(bed.dispatch.runUntil([&] { return came; }));
+}
+
+TEST_F(Preview, AtMostOnePictureWaitsForASlowMainThread) {
+    layer->setPictureHandler([](const PreviewPicture&) {});
+    ASSERT_TRUE(bed.pick(demo));
+    ASSERT_TRUE(bed.dispatch.waitForLength(1));
+    // Time for further pictures, measured in pictures: these stills come from later ones.
+    for (int i = 0; i < 10; ++i) {
+        bed.request();
+    }
+    ASSERT_TRUE(bed.dispatch.waitForLength(11));
+    EXPECT_EQ(bed.dispatch.length(), 11U);
+}
+
+TEST_F(Preview, AnEmptyPictureComesWhenTheSessionStops) {
+    PreviewPicture last;
+    layer->setPictureHandler([&](PreviewPicture picture) { last = std::move(picture); });
+    ASSERT_TRUE(bed.pick(demo));
+    ASSERT_TRUE(bed.dispatch.runUntil([&] { return last.pixels != nullptr; }));
+    bed.session->stopRunning();
+    EXPECT_TRUE(bed.dispatch.runUntil([&] { return last.pixels == nullptr; }));
+}
+
+TEST_F(Preview, LayerKeepsWhatItIsTold) {
+    layer->setFrame({{1, 2}, {3, 4}});
+    layer->setBackgroundColor({0.5, 0.25, 0.125, 1.0});
+    EXPECT_EQ(layer->frame(), (CGRect{{1, 2}, {3, 4}}));
+    EXPECT_EQ(layer->backgroundColor(), (CGColor{0.5, 0.25, 0.125, 1.0}));
+    layer->addSublayer(bed.cameras->layerWithSession(nullptr));
+    EXPECT_EQ(layer->sublayers().size(), 1U);
+}
+
+} // namespace
+} // namespace vistrane

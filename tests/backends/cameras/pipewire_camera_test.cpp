@@ -1,0 +1,241 @@
+#include "tests/backends/cameras/CameraTestBed.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+// Run through with_pipewire.sh: the cameras are real ones of a PipeWire of the test's own.
+
+namespace vistrane {
+namespace {
+
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::Ge;
+using testing::HasSubstr;
+using testing::Le;
+using testing::SizeIs;
+
+CameraOptions impatient() {
+    CameraOptions options;
+    options.retry = std::chrono::milliseconds(100);
+    options.doubt = std::chrono::milliseconds(300);
+    options.secondTry = std::chrono::milliseconds(1500);
+    return options;
+}
+
+bool testcam(const std::string& verb, const std::string& name, const std::string& settings = "") {
+    return std::system((settings + " " VISTRANE_TESTCAM " " + verb + " " + name).c_str()) == 0;
+}
+
+constexpr char red[] = "TESTCAM_SOURCE='videotestsrc is-live=true pattern=red'";
+constexpr char blue[] = "TESTCAM_SOURCE='videotestsrc is-live=true pattern=blue'";
+
+class PipeWireCamera : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(testcam("start", "Testcam", red)); }
+    void TearDown() override {
+        bed.session.reset();
+        EXPECT_TRUE(testcam("stop", "Testcam"));
+        EXPECT_TRUE(testcam("stop", "Othercam"));
+    }
+
+    bool awaitMessages(std::size_t count) {
+        return bed.dispatch.runUntil([&] { return bed.observer.messages().size() >= count; });
+    }
+
+    std::vector<int> colourOfLastStill() {
+        const auto pixmap = pixmapOf(*bed.delegate.files.back());
+        return pixmap ? pixmap->middle() : std::vector<int>{};
+    }
+
+    CameraTestBed bed{impatient()};
+};
+
+const auto isRed = ElementsAre(Ge(250), Le(5), Le(5));
+const auto isBlue = ElementsAre(Le(5), Le(5), Ge(250));
+
+TEST_F(PipeWireCamera, IsListedOnceUnderItsName) {
+    int found = 0;
+    for (const auto& device : bed.devices()) {
+        found += device->localizedName() == "Testcam" ? 1 : 0;
+    }
+    EXPECT_EQ(found, 1);
+    EXPECT_TRUE(bed.device("Testcam")->hasMediaType(AVMediaTypeVideo));
+    EXPECT_TRUE(bed.device("Testcam")->supportsAVCaptureSessionPreset(AVCaptureSessionPresetPhoto));
+}
+
+TEST_F(PipeWireCamera, IsListedOnceByAPreparedListing) {
+    bed.cameras->prepare();
+    bed.cameras->prepare();
+    int found = 0;
+    for (const auto& device : bed.devices()) {
+        found += device->localizedName() == "Testcam" ? 1 : 0;
+    }
+    EXPECT_EQ(found, 1);
+}
+
+TEST_F(PipeWireCamera, StillShowsWhatTheCameraSees) {
+    ASSERT_TRUE(bed.pick("Testcam"));
+    bed.request();
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(2));
+    ASSERT_THAT(bed.delegate.outcomes, ElementsAre("", ""));
+    const auto pixmap = pixmapOf(*bed.delegate.files[0]);
+    ASSERT_TRUE(pixmap);
+    EXPECT_EQ(pixmap->width, 1280);
+    EXPECT_EQ(pixmap->height, 720);
+    EXPECT_THAT(colourOfLastStill(), isRed);
+}
+
+TEST_F(PipeWireCamera, JpegCameraGivesStillsOfTheSameColours) {
+    ASSERT_TRUE(testcam("start", "Othercam",
+                        "TESTCAM_SOURCE='videotestsrc is-live=true pattern=blue ! "
+                        "video/x-raw,format=RGB,width=640,height=480,framerate=30/1 ! "
+                        "videoconvert ! video/x-raw,format=I420,colorimetry=1:4:0:0 ! jpegenc' "
+                        "TESTCAM_CAPS=image/jpeg,width=640,height=480,framerate=30/1"));
+    ASSERT_TRUE(bed.pick("Othercam"));
+    for (std::size_t i = 1; i <= 3; ++i) {
+        bed.request();
+        ASSERT_TRUE(bed.awaitOutcomes(i));
+        ASSERT_EQ(bed.delegate.outcomes.back(), "");
+    }
+    EXPECT_EQ(pixmapOf(*bed.delegate.files.back())->height, 480);
+    EXPECT_THAT(colourOfLastStill(), isBlue);
+}
+
+TEST_F(PipeWireCamera, PickingTheSameCameraAgainGoesOn) {
+    for (int picks = 0; picks < 3; ++picks) {
+        ASSERT_TRUE(bed.pick("Testcam"));
+        bed.request();
+        ASSERT_TRUE(bed.awaitOutcomes(bed.delegate.outcomes.size() + 1));
+        // This camera may restart when its last reader leaves it; then it is back in a moment.
+        for (int tries = 0; tries < 50 && !bed.delegate.outcomes.back().empty(); ++tries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            bed.request();
+            ASSERT_TRUE(bed.awaitOutcomes(bed.delegate.outcomes.size() + 1));
+        }
+        EXPECT_EQ(bed.delegate.outcomes.back(), "");
+    }
+}
+
+TEST_F(PipeWireCamera, ACameraThatIsGoneGivesNoInput) {
+    const auto device = bed.device("Testcam");
+    ASSERT_TRUE(testcam("stop", "Testcam"));
+    const auto result = bed.cameras->deviceInputWithDevice(device);
+    EXPECT_EQ(result.input, nullptr);
+    ASSERT_TRUE(result.error);
+    EXPECT_THAT(result.error->localizedDescription, HasSubstr("'Testcam' is not there"));
+}
+
+TEST_F(PipeWireCamera, UnpluggedCameraEndsStillsInErrorsAndIsTakenUpWhenItIsBack) {
+    ASSERT_TRUE(bed.pick("Testcam"));
+    ASSERT_TRUE(testcam("start", "Othercam", blue));
+    ASSERT_TRUE(testcam("stop", "Testcam"));
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_THAT(bed.delegate.outcomes.back(), HasSubstr("'Testcam' gives no pictures"));
+    ASSERT_TRUE(awaitMessages(1));
+    EXPECT_TRUE(bed.session->isRunning());
+    EXPECT_THAT(bed.observer.messages()[0], HasSubstr("'Testcam' gives no pictures"));
+
+    // The other camera would give pictures all the time.
+    for (std::size_t i = 2; i <= 30; ++i) {
+        bed.request();
+        ASSERT_TRUE(bed.awaitOutcomes(i));
+    }
+    EXPECT_TRUE(bed.delegate.files.empty());
+
+    ASSERT_TRUE(testcam("start", "Testcam", red));
+    ASSERT_TRUE(awaitMessages(2));
+    EXPECT_THAT(bed.observer.messages()[1], HasSubstr("'Testcam' is back"));
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(31));
+    EXPECT_EQ(bed.delegate.outcomes.back(), "");
+    EXPECT_THAT(colourOfLastStill(), isRed);
+    EXPECT_THAT(bed.observer.messages(), SizeIs(2));
+}
+
+TEST_F(PipeWireCamera, CameraThatFreezesIsReportedAndComesBack) {
+    ASSERT_TRUE(bed.pick("Testcam"));
+    ASSERT_EQ(std::system("/bin/kill -STOP -- -$(cat $XDG_RUNTIME_DIR/testcam-testcam.pid)"), 0);
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_NE(bed.delegate.outcomes.back(), "");
+    ASSERT_TRUE(awaitMessages(1));
+    ASSERT_EQ(std::system("/bin/kill -CONT -- -$(cat $XDG_RUNTIME_DIR/testcam-testcam.pid)"), 0);
+    ASSERT_TRUE(awaitMessages(2));
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(2));
+    EXPECT_EQ(bed.delegate.outcomes.back(), "");
+}
+
+TEST_F(PipeWireCamera, StopWhileTheCameraIsGoneIsWholeAndQuiet) {
+    ASSERT_TRUE(bed.pick("Testcam"));
+    ASSERT_TRUE(testcam("stop", "Testcam"));
+    ASSERT_TRUE(awaitMessages(1));
+    bed.session->stopRunning();
+    EXPECT_FALSE(bed.session->isRunning());
+    ASSERT_TRUE(testcam("start", "Testcam", red));
+    ASSERT_TRUE(bed.pick("Testcam"));
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_EQ(bed.delegate.outcomes.back(), "");
+    EXPECT_THAT(bed.observer.messages(), SizeIs(1));
+}
+
+TEST_F(PipeWireCamera, EachReplugIsSurvived) {
+    ASSERT_TRUE(bed.pick("Testcam"));
+    for (std::size_t i = 1; i <= 5; ++i) {
+        ASSERT_TRUE(testcam("stop", "Testcam"));
+        ASSERT_TRUE(awaitMessages(2 * i - 1));
+        ASSERT_TRUE(testcam("start", "Testcam", red));
+        ASSERT_TRUE(awaitMessages(2 * i));
+    }
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_EQ(bed.delegate.outcomes.back(), "");
+}
+
+TEST_F(PipeWireCamera, ReplugsLeaveNoFileAndNoThreadBehind) {
+    const auto count = [](const char* what) {
+        return std::distance(std::filesystem::directory_iterator(what),
+                             std::filesystem::directory_iterator());
+    };
+    ASSERT_TRUE(bed.pick("Testcam"));
+    std::ptrdiff_t files = 0;
+    std::ptrdiff_t threads = 0;
+    for (std::size_t i = 1; i <= 8; ++i) {
+        ASSERT_TRUE(testcam("stop", "Testcam"));
+        ASSERT_TRUE(awaitMessages(2 * i - 1));
+        ASSERT_TRUE(testcam("start", "Testcam", red));
+        ASSERT_TRUE(awaitMessages(2 * i));
+        if (i == 3) {
+            files = count("/proc/self/fd");
+            threads = count("/proc/self/task");
+        }
+    }
+    // Less than one for each of the five replugs.
+    EXPECT_LE(count("/proc/self/fd"), files + 4);
+    EXPECT_LE(count("/proc/self/task"), threads + 4);
+}
+
+TEST_F(PipeWireCamera, TheOtherOfTwoCamerasCanBePicked) {
+    ASSERT_TRUE(testcam("start", "Othercam", blue));
+    ASSERT_TRUE(bed.pick("Othercam"));
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(1));
+    EXPECT_THAT(colourOfLastStill(), isBlue);
+    ASSERT_TRUE(bed.pick("Testcam"));
+    bed.request();
+    ASSERT_TRUE(bed.awaitOutcomes(2));
+    EXPECT_THAT(colourOfLastStill(), isRed);
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,246 @@
+#include "backends/icu/IcuLocale.h"
+
+#include <cstdlib>
+#include <random>
+#include <thread>
+
+#include "tests/contract/LocaleContract.h"
+#include "tests/support/Environment.h"
+
+namespace vistrane {
+namespace {
+
+struct IcuLocaleBackend {
+    std::shared_ptr<const NSLocale> locale() { return std::make_shared<IcuLocale>("en_US"); }
+};
+
+constexpr std::uint32_t frameOptions = 833;
+
+NSComparisonResult compare(const NSLocale& locale, const std::string& first,
+                           const std::string& second, std::uint32_t options = frameOptions) {
+    return locale.compare(first, second, options, {0, first.size()});
+}
+
+NSComparisonResult compare(const char* locale, const std::string& first, const std::string& second,
+                           std::uint32_t options = frameOptions) {
+    return compare(IcuLocale(locale), first, second, options);
+}
+
+/// Pieces whose combinations tie often, and that meet every rule.
+const char* const pieces[] = {
+    "a",    "A",      "b",      "0",          "00",     "1",      "10",           "9",
+    "-",    ".",      " ",      "_",          "é",      "e",      "e\u0301",      "Ａ",
+    "１",   "ｶ",      "カ",     "ß",          "ss",     "\xff",   "\xc3",         "\x80",
+    "\xf0", "İ",      "ı",      "\U0001F600", "\u0301", "\u0327", "\xed\xa0\x80", "\xc0\xaf",
+    "\t",   "\u200b", "\u0660", "ch",         "lj"};
+
+std::string randomName(std::mt19937& random) {
+    std::string name;
+    for (auto left = random() % 7; left > 0; --left) {
+        name += pieces[random() % std::size(pieces)];
+        if (random() % 16 == 0) {
+            name += static_cast<char>(random() % 256);
+        }
+        if (random() % 16 == 0) {
+            name += std::string(random() % 300, static_cast<char>('0' + random() % 2));
+        }
+    }
+    return name;
+}
+
+/// Whether the order of three names has no contradiction.
+void expectOrder(const NSLocale& locale, const std::string& a, const std::string& b,
+                 const std::string& c, std::uint32_t options) {
+    const int ab = compare(locale, a, b, options);
+    const int bc = compare(locale, b, c, options);
+    const int ac = compare(locale, a, c, options);
+    EXPECT_EQ(ab, -compare(locale, b, a, options));
+    EXPECT_EQ(compare(locale, a, a, options), NSOrderedSame);
+    if (ab <= 0 && bc <= 0) {
+        EXPECT_EQ(ac, std::min(ab, bc)) << a << " | " << b << " | " << c;
+    }
+    if (ab >= 0 && bc >= 0) {
+        EXPECT_EQ(ac, std::max(ab, bc)) << a << " | " << b << " | " << c;
+    }
+}
+
+} // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Icu, LocaleContract, IcuLocaleBackend, contract::Names);
+
+namespace {
+
+TEST(IcuLocale, AnyBytesAreInAStrictWeakOrder) {
+    std::mt19937 random(20260307);
+    for (const char* name : {"en_US", "en_US_POSIX", "de_DE", "tr_TR", "ja_JP", "th_TH", "fr_CA"}) {
+        const IcuLocale locale(name);
+        for (int round = 0; round < 1500; ++round) {
+            const std::string a = randomName(random);
+            const std::string b = round % 3 == 0 ? a + randomName(random) : randomName(random);
+            expectOrder(locale, a, b, randomName(random), frameOptions);
+            expectOrder(locale, a, b, randomName(random),
+                        static_cast<std::uint32_t>(random() % 1024));
+        }
+    }
+}
+
+std::vector<std::string> sortedByComparing(const NSLocale& locale, std::vector<std::string> texts,
+                                           std::uint32_t options) {
+    std::stable_sort(texts.begin(), texts.end(),
+                     [&](const std::string& first, const std::string& second) {
+                         return compare(locale, first, second, options) == NSOrderedAscending;
+                     });
+    return texts;
+}
+
+TEST(IcuLocale, AnyBytesAreSortedAsTheyCompare) {
+    std::mt19937 random(20260308);
+    for (const char* name : {"en_US", "en_US_POSIX", "de_DE", "tr_TR", "ja_JP", "th_TH", "fr_CA",
+                             "sv_SE", "cs_CZ", "hu_HU", "ko_KR", "zh_CN", "vi_VN", "ar_EG"}) {
+        const IcuLocale locale(name);
+        for (int round = 0; round < 60; ++round) {
+            std::vector<std::string> texts;
+            const std::string folder = round % 4 == 0 ? "" : "/" + randomName(random) + "/";
+            for (auto left = random() % 100; left > 0; --left) {
+                texts.push_back(folder + randomName(random));
+            }
+            for (const std::uint32_t options :
+                 {frameOptions, static_cast<std::uint32_t>(random() % 1024)}) {
+                auto sorted = texts;
+                locale.sort(sorted, options);
+                ASSERT_EQ(sorted, sortedByComparing(locale, texts, options))
+                    << name << ", round " << round << ", options " << options;
+            }
+        }
+    }
+}
+
+TEST(IcuLocale, TextsThatNeedMuchRoomAreSorted) {
+    const IcuLocale locale("en_US");
+    std::vector<std::string> texts;
+    for (const std::size_t length : {200000U, 10U, 300000U, 70000U}) {
+        for (const char* letter : {"b", "é", "a", "B"}) {
+            std::string text;
+            while (text.size() < length) {
+                text += letter;
+            }
+            texts.push_back(text);
+        }
+    }
+    auto sorted = texts;
+    locale.sort(sorted, frameOptions);
+    EXPECT_EQ(sorted, sortedByComparing(locale, texts, frameOptions));
+}
+
+TEST(IcuLocale, ForcedOrderCallsOnlyEqualBytesTheSame) {
+    std::mt19937 random(1);
+    const IcuLocale locale("en_US");
+    for (int round = 0; round < 5000; ++round) {
+        const std::string a = randomName(random);
+        const std::string b = randomName(random);
+        EXPECT_EQ(compare(locale, a, b) == NSOrderedSame, a == b);
+    }
+}
+
+TEST(IcuLocale, CaseAndWidthAreIgnoredAndAccentsCount) {
+    constexpr std::uint32_t options = NSCaseInsensitiveSearch | NSWidthInsensitiveSearch;
+    EXPECT_EQ(compare("en_US", "frame", "ＦＲＡＭＥ", options), NSOrderedSame);
+    EXPECT_EQ(compare("en_US", "カ", "ｶ", options), NSOrderedSame);
+    EXPECT_NE(compare("en_US", "e", "é", options), NSOrderedSame);
+    EXPECT_EQ(compare("en_US", "é", "e\u0301", options), NSOrderedSame);
+    // The marks in either order are one and the same letter.
+    EXPECT_EQ(compare("en_US", "a\u0327\u0301", "a\u0301\u0327", options), NSOrderedSame);
+}
+
+TEST(IcuLocale, PunctuationCounts) {
+    for (const char* locale : {"en_US", "th_TH", "C"}) {
+        EXPECT_NE(compare(locale, "a-b", "ab", NSCaseInsensitiveSearch), NSOrderedSame) << locale;
+        EXPECT_NE(compare(locale, "a b", "a_b", 0), NSOrderedSame) << locale;
+    }
+}
+
+TEST(IcuLocale, EachOptionCountsByItself) {
+    EXPECT_EQ(compare("en_US", "a", "A", NSCaseInsensitiveSearch), NSOrderedSame);
+    EXPECT_NE(compare("en_US", "a", "A", NSWidthInsensitiveSearch), NSOrderedSame);
+    EXPECT_NE(compare("en_US", "a", "A", NSNumericSearch), NSOrderedSame);
+    EXPECT_NE(compare("en_US", "a", "A", 0), NSOrderedSame);
+
+    EXPECT_EQ(compare("en_US", "a", "ａ", NSWidthInsensitiveSearch), NSOrderedSame);
+    EXPECT_EQ(compare("en_US", "ガ", "ｶﾞ", NSWidthInsensitiveSearch), NSOrderedSame);
+    EXPECT_NE(compare("en_US", "a", "ａ", NSCaseInsensitiveSearch), NSOrderedSame);
+    EXPECT_NE(compare("en_US", "a", "ａ", 0), NSOrderedSame);
+
+    EXPECT_EQ(compare("en_US", "a7", "a07", NSNumericSearch), NSOrderedSame);
+    EXPECT_NE(compare("en_US", "a7", "a07", 0), NSOrderedSame);
+
+    EXPECT_EQ(compare("en_US", "a7", "a07", NSNumericSearch | NSForcedOrderingSearch),
+              NSOrderedDescending);
+}
+
+TEST(IcuLocale, LongDigitRunsCompareByValue) {
+    const std::string small = "f" + std::string(99, '9') + ".png";
+    const std::string large = "f1" + std::string(99, '0') + ".png";
+    EXPECT_EQ(compare("en_US", small, large), NSOrderedAscending);
+    EXPECT_EQ(compare("en_US", "f" + std::string(50, '0') + "7", "f8"), NSOrderedAscending);
+}
+
+TEST(IcuLocale, DigitsOfOtherScriptsContinueANumberInEveryLanguage) {
+    for (const char* locale : {"en_US", "tr_TR", "ja_JP"}) {
+        // Nought, and then the letter counts.
+        EXPECT_EQ(compare(locale, "0e", "0\u0660é"), NSOrderedAscending) << locale;
+        EXPECT_EQ(compare(locale, "00e", "0\u0660é"), NSOrderedAscending) << locale;
+        EXPECT_EQ(compare(locale, "1\u0660", "19"), NSOrderedAscending) << locale;
+        EXPECT_EQ(compare(locale, "1\u0660", "9"), NSOrderedDescending) << locale;
+        EXPECT_EQ(compare(locale, "1\uFF11e", "11é"), NSOrderedAscending) << locale;
+        EXPECT_EQ(compare(locale, "1\uFF11é", "11e"), NSOrderedDescending) << locale;
+    }
+}
+
+TEST(IcuLocale, TheOrderIsTheLanguages) {
+    EXPECT_EQ(compare("sv_SE", "ö", "z"), NSOrderedDescending);
+    EXPECT_EQ(compare("de_DE", "ö", "z"), NSOrderedAscending);
+    // Dotted and dotless i are two letters in Turkish only.
+    EXPECT_EQ(compare("tr_TR", "I", "ı", NSCaseInsensitiveSearch), NSOrderedSame);
+    EXPECT_NE(compare("tr_TR", "I", "i", NSCaseInsensitiveSearch), NSOrderedSame);
+    EXPECT_EQ(compare("en_US", "I", "i", NSCaseInsensitiveSearch), NSOrderedSame);
+}
+
+TEST(IcuLocale, ThePosixLocaleIgnoresCaseToo) {
+    const Environment all("LC_ALL", "C");
+    const IcuLocale locale;
+    EXPECT_EQ(compare(locale, "frame2", "Frame10"), NSOrderedAscending);
+    EXPECT_EQ(compare(locale, "Frame1", "frame2"), NSOrderedAscending);
+    EXPECT_EQ(compare(locale, "b", "C"), NSOrderedAscending);
+}
+
+TEST(IcuLocale, TheUsersLocaleNeedNotBeInstalledForTheCLibrary) {
+    const Environment all("LC_ALL", "sv_SE.UTF-8");
+    EXPECT_EQ(compare(IcuLocale(), "ö", "z"), NSOrderedDescending);
+}
+
+TEST(IcuLocale, ZeroBytesCount) {
+    const std::string withZero("a\0b", 3);
+    EXPECT_NE(compare("en_US", withZero, "ab"), NSOrderedSame);
+    EXPECT_NE(compare("en_US", withZero, "a"), NSOrderedSame);
+}
+
+TEST(IcuLocale, ThreadsShareOneLocale) {
+    const IcuLocale locale("en_US");
+    std::vector<std::thread> threads;
+    for (unsigned seed = 0; seed < 4; ++seed) {
+        threads.emplace_back([&locale, seed] {
+            std::mt19937 random(seed);
+            for (int round = 0; round < 500; ++round) {
+                const std::string name = randomName(random);
+                EXPECT_EQ(compare(locale, name, name), NSOrderedSame);
+                EXPECT_EQ(compare(locale, "frame2", "frame10"), NSOrderedAscending);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,121 @@
+#include <cstdint>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "backends/movies/color_rows.h"
+
+namespace vistrane {
+namespace {
+
+using testing::ElementsAreArray;
+
+constexpr std::uint8_t untouched = 0xA5;
+constexpr std::size_t margin = 64;
+
+std::vector<std::uint8_t> random(std::size_t count, std::uint32_t seed) {
+    std::vector<std::uint8_t> bytes(count);
+    for (std::uint8_t& byte : bytes) {
+        seed = seed * 1664525U + 1013904223U;
+        byte = static_cast<std::uint8_t>(seed >> 24);
+    }
+    return bytes;
+}
+
+/// What a conversion makes of two rows, with what it leaves untouched behind them.
+struct Planes {
+    std::vector<std::uint8_t> luma;
+    std::vector<std::uint8_t> blue;
+    std::vector<std::uint8_t> red;
+};
+
+Planes convert(const RowConversion& conversion, std::span<const std::uint8_t> top,
+               std::span<const std::uint8_t> bottom) {
+    const std::size_t width = top.size() / 4;
+    Planes planes{std::vector<std::uint8_t>(width + margin, untouched),
+                  std::vector<std::uint8_t>((width + 1) / 2 + margin, untouched),
+                  std::vector<std::uint8_t>((width + 1) / 2 + margin, untouched)};
+    conversion.luma(top.data(), width, planes.luma.data());
+    conversion.chroma(top.data(), bottom.data(), width, planes.blue.data(), planes.red.data());
+    return planes;
+}
+
+void expectTwins(std::span<const std::uint8_t> top, std::span<const std::uint8_t> bottom) {
+    const Planes plain = convert(rowConversions().front(), top, bottom);
+    for (const RowConversion& conversion : rowConversions()) {
+        SCOPED_TRACE(conversion.name + (" at width " + std::to_string(top.size() / 4)));
+        const Planes planes = convert(conversion, top, bottom);
+        ASSERT_THAT(planes.luma, ElementsAreArray(plain.luma));
+        ASSERT_THAT(planes.blue, ElementsAreArray(plain.blue));
+        ASSERT_THAT(planes.red, ElementsAreArray(plain.red));
+    }
+}
+
+TEST(ColorRows, ThePlainWayComesFirst) {
+    ASSERT_FALSE(rowConversions().empty());
+    EXPECT_STREQ(rowConversions().front().name, "plain");
+}
+
+#if defined(__x86_64__)
+TEST(ColorRows, AnX86ProcessorTakesVectors) {
+    EXPECT_GE(rowConversions().size(), __builtin_cpu_supports("avx2") ? 3U : 2U);
+}
+#endif
+
+TEST(ColorRows, EveryWayGivesTheSameBytesAtEveryWidthAndWritesNoFurther) {
+    for (std::size_t width = 1; width <= 200; ++width) {
+        const auto seed = static_cast<std::uint32_t>(width);
+        expectTwins(random(4 * width, seed), random(4 * width, seed + 1000));
+    }
+}
+
+TEST(ColorRows, EveryWayGivesTheSameBytesWhereverTheRowLies) {
+    const auto bytes = random(4 * 300, 1);
+    for (std::size_t offset = 0; offset < 40; ++offset) {
+        const std::span<const std::uint8_t> from = std::span(bytes).subspan(offset);
+        expectTwins(from.first(4 * 99), from.subspan(4 * 100, 4 * 99));
+    }
+}
+
+/// Every value of each channel together with the least and the greatest of the others.
+TEST(ColorRows, EveryWayGivesTheSameBytesForTheExtremesOfEveryChannel) {
+    for (int corner = 0; corner < 8; ++corner) {
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            std::vector<std::uint8_t> row;
+            for (int value = 0; value < 256; ++value) {
+                const std::uint8_t rest[] = {static_cast<std::uint8_t>((corner & 1) * 255),
+                                             static_cast<std::uint8_t>((corner >> 1 & 1) * 255),
+                                             static_cast<std::uint8_t>((corner >> 2 & 1) * 255)};
+                row.push_back(static_cast<std::uint8_t>(255 - value));
+                for (std::size_t c = 0; c < 3; ++c) {
+                    row.push_back(c == channel ? static_cast<std::uint8_t>(value) : rest[c]);
+                }
+            }
+            expectTwins(row, row);
+        }
+    }
+}
+
+/// All of 16 million colours as luma; a picture's chroma is weighed in the same way.
+TEST(ColorRows, EveryWayGivesTheSameLumaForEveryColor) {
+    std::vector<std::uint8_t> row(4 * 65536);
+    std::vector<std::uint8_t> plain(65536);
+    std::vector<std::uint8_t> other(65536);
+    for (int red = 0; red < 256; ++red) {
+        for (std::size_t i = 0; i < 65536; ++i) {
+            row[4 * i + 1] = static_cast<std::uint8_t>(red);
+            row[4 * i + 2] = static_cast<std::uint8_t>(i >> 8);
+            row[4 * i + 3] = static_cast<std::uint8_t>(i & 0xFF);
+        }
+        rowConversions().front().luma(row.data(), plain.size(), plain.data());
+        for (const RowConversion& conversion : rowConversions().subspan(1)) {
+            conversion.luma(row.data(), other.size(), other.data());
+            ASSERT_EQ(other, plain) << conversion.name << ", red " << red;
+        }
+    }
+}
+
+} // namespace
+} // namespace vistrane

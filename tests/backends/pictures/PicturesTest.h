@@ -1,0 +1,184 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/MediaCoreGraphics.h"
+#include "backends/pictures/MediaCoreVideo.h"
+#include "backends/pictures/Pictures.h"
+#include "backends/pictures/PixelBuffer.h"
+#include "tests/backends/pictures/PngSamples.h"
+
+namespace vistrane::testing {
+
+/// Remembers what a front end would be told.
+class RecordingObserver final : public MediaObserver {
+public:
+    void imageCouldNotBeRead(const std::string& path, const NSError& reason) override {
+        unread.emplace_back(path, reason);
+    }
+    void fileWasWritten(const std::string& path) override { written.push_back(path); }
+    void fileCouldNotBeWritten(const std::string& path, const NSError& reason) override {
+        unwritten.emplace_back(path, reason);
+    }
+
+    std::vector<std::pair<std::string, NSError>> unread;
+    std::vector<std::string> written;
+    std::vector<std::pair<std::string, NSError>> unwritten;
+};
+
+/// A folder of its own, gone at the end.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string name = ::testing::TempDir() + "picturesXXXXXX";
+        path_ = ::mkdtemp(name.data()) != nullptr ? name : std::string();
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        ::chmod(path_.c_str(), 0700);
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    std::string file(const std::string& name) const { return path_ + "/" + name; }
+    const std::string& path() const { return path_; }
+
+    std::vector<std::string> names() const {
+        std::vector<std::string> result;
+        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+            result.push_back(entry.path().filename());
+        }
+        return result;
+    }
+
+private:
+    std::string path_;
+};
+
+inline void put(const std::string& path, const Bytes& bytes) {
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+}
+
+inline Bytes get(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+inline Bytes bytesOf(const std::shared_ptr<NSData>& data) {
+    return data ? Bytes(data->bytes(), data->bytes() + data->length()) : Bytes();
+}
+
+/// One drawn picture: red, green and blue of each pixel; the damage, if any.
+struct Drawn {
+    Bytes rgb;
+    std::optional<NSError> damage;
+};
+
+/// The kits as a front end wires them.
+class PicturesTest : public ::testing::Test {
+protected:
+    std::shared_ptr<NSImage> load(const Bytes& file) {
+        return pictures_.imageWithData(DataBytes::copyOf(file));
+    }
+
+    /// Draws as a movie is made of pictures: into a new buffer, at the bottom left.
+    Drawn draw(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
+               NSCompositingOperation operation = NSCompositingOperationCopy) {
+        return drawAt(image, width, height, {0, 0}, NSZeroRect, operation, 1.0);
+    }
+
+    Drawn drawAt(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
+                 NSPoint point, NSRect from, NSCompositingOperation operation, double fraction,
+                 bool flipped = false, std::uint8_t background = 0) {
+        return drawWith([&] { image->drawAtPoint(point, from, operation, fraction); }, width,
+                        height, flipped, background);
+    }
+
+    /// Draws over a background, stretched.
+    Drawn drawIn(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
+                 NSRect rect, NSRect from = NSZeroRect,
+                 NSCompositingOperation operation = NSCompositingOperationSourceOver,
+                 double fraction = 1.0, std::uint8_t background = 9) {
+        return drawWith([&] { image->drawInRect(rect, from, operation, fraction); }, width, height,
+                        false, background);
+    }
+
+    /// What is drawn into a new buffer of that size.
+    Drawn drawWith(const std::function<void()>& drawing, std::size_t width, std::size_t height,
+                   bool flipped, std::uint8_t background) {
+        CVPixelBufferRef buffer = nullptr;
+        EXPECT_EQ(video_.CVPixelBufferCreate(width, height, kCVPixelFormatType_32ARGB, {}, &buffer),
+                  kCVReturnSuccess);
+        video_.CVPixelBufferLockBaseAddress(buffer, 0);
+        auto* rows = static_cast<std::uint8_t*>(video_.CVPixelBufferGetBaseAddress(buffer));
+        const std::size_t stride = video_.CVPixelBufferGetBytesPerRow(buffer);
+        std::fill_n(rows, stride * height, background);
+        CGColorSpaceRef space = graphics_.CGColorSpaceCreateWithName(kCGColorSpaceGenericRGB);
+        CGContextRef context = graphics_.CGBitmapContextCreate(rows, width, height, 8, stride,
+                                                               space, kCGImageAlphaNoneSkipFirst);
+        pictures_.saveGraphicsState();
+        pictures_.setCurrentContext(pictures_.graphicsContextWithCGContext(context, flipped));
+        drawing();
+        pictures_.restoreGraphicsState();
+        Drawn drawn{{}, PixelBuffer::from(buffer)->damage()};
+        for (std::size_t y = 0; y < height; ++y) {
+            for (std::size_t x = 0; x < width; ++x) {
+                const std::uint8_t* pixel = rows + y * stride + x * 4;
+                drawn.rgb.insert(drawn.rgb.end(), pixel + 1, pixel + 4);
+            }
+            // The padding of a row is nobody's.
+            for (std::size_t i = width * 4; i < stride; ++i) {
+                EXPECT_EQ(rows[y * stride + i], background);
+            }
+        }
+        video_.CVPixelBufferUnlockBaseAddress(buffer, 0);
+        graphics_.CFRelease(context);
+        graphics_.CGColorSpaceRelease(space);
+        video_.CVBufferRelease(buffer);
+        return drawn;
+    }
+
+    /// As stills are saved: to TIFF, to a rep, to PNG.
+    std::shared_ptr<NSData> encode(const std::shared_ptr<NSImage>& image) {
+        const auto rep = pictures_.imageRepWithData(image->TIFFRepresentation());
+        return rep ? rep->representationUsingType(NSBitmapImageFileTypePNG, {}) : nullptr;
+    }
+
+    RecordingObserver observer_;
+    Pictures pictures_{observer_};
+    MediaCoreVideo video_;
+    MediaCoreGraphics graphics_{video_};
+    TemporaryFolder folder_;
+};
+
+/// The pixels over black: what a context without alpha gets of them.
+inline Bytes overBlack(const Bytes& rgba) {
+    Bytes rgb;
+    for (std::size_t i = 0; i < rgba.size(); ++i) {
+        if (i % 4 != 3) {
+            const unsigned alpha = rgba[i / 4 * 4 + 3];
+            rgb.push_back(static_cast<std::uint8_t>((rgba[i] * alpha + 127) / 255));
+        }
+    }
+    return rgb;
+}
+
+} // namespace vistrane::testing

@@ -1,0 +1,377 @@
+#include "tests/backends/pictures/PngSamples.h"
+
+#include <png.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <array>
+#include <csetjmp>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <utility>
+
+namespace vistrane::testing {
+
+namespace {
+
+constexpr std::size_t signatureLength = 8;
+
+void put32(Bytes& bytes, std::uint32_t value) {
+    for (const int shift : {24, 16, 8, 0}) {
+        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+    }
+}
+
+std::uint32_t get32(std::span<const std::uint8_t> bytes, std::size_t offset) {
+    return static_cast<std::uint32_t>(bytes[offset]) << 24 |
+           static_cast<std::uint32_t>(bytes[offset + 1]) << 16 |
+           static_cast<std::uint32_t>(bytes[offset + 2]) << 8 | bytes[offset + 3];
+}
+
+int componentsOf(int colour) {
+    switch (colour) {
+    case 2:
+        return 3;
+    case 4:
+        return 2;
+    case 6:
+        return 4;
+    default:
+        return 1;
+    }
+}
+
+void appendBytes(png_structp png, png_bytep bytes, std::size_t length) {
+    auto* file = static_cast<Bytes*>(png_get_io_ptr(png));
+    file->insert(file->end(), bytes, bytes + length);
+}
+
+void flushNothing(png_structp) {}
+
+/// The values of one picture, as they go into the file.
+struct Values {
+    PngForm form;
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::vector<std::uint16_t> values;
+    std::vector<png_color> palette;
+    Bytes paletteAlpha;
+    png_color_16 key{};
+};
+
+Bytes packedRow(const Values& picture, std::uint32_t y) {
+    const auto perRow = static_cast<std::size_t>(componentsOf(picture.form.colour)) * picture.width;
+    Bytes row;
+    unsigned bits = 0;
+    unsigned held = 0;
+    for (std::size_t i = 0; i < perRow; ++i) {
+        const std::uint16_t value = picture.values[y * perRow + i];
+        if (picture.form.depth == 16) {
+            row.push_back(static_cast<std::uint8_t>(value >> 8));
+            row.push_back(static_cast<std::uint8_t>(value));
+            continue;
+        }
+        bits = bits << picture.form.depth | value;
+        held += static_cast<unsigned>(picture.form.depth);
+        if (held == 8) {
+            row.push_back(static_cast<std::uint8_t>(bits));
+            bits = held = 0;
+        }
+    }
+    if (held > 0) {
+        row.push_back(static_cast<std::uint8_t>(bits << (8 - held)));
+    }
+    return row;
+}
+
+Bytes written(const Values& picture) {
+    Bytes file;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_set_write_fn(png, &file, appendBytes, flushNothing);
+    png_set_IHDR(png, info, picture.width, picture.height, picture.form.depth, picture.form.colour,
+                 picture.form.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_ALL_FILTERS);
+    if (picture.form.colour == 3) {
+        png_set_PLTE(png, info, picture.palette.data(), static_cast<int>(picture.palette.size()));
+    }
+    if (picture.form.transparency) {
+        png_set_tRNS(png, info,
+                     picture.paletteAlpha.empty() ? nullptr : picture.paletteAlpha.data(),
+                     static_cast<int>(picture.paletteAlpha.size()), &picture.key);
+    }
+    png_write_info(png, info);
+    std::vector<Bytes> rows;
+    std::vector<png_bytep> pointers;
+    for (std::uint32_t y = 0; y < picture.height; ++y) {
+        rows.push_back(packedRow(picture, y));
+    }
+    for (Bytes& row : rows) {
+        pointers.push_back(row.data());
+    }
+    png_write_image(png, pointers.data());
+    png_write_end(png, info);
+    png_destroy_write_struct(&png, &info);
+    return file;
+}
+
+std::uint8_t toEightBits(unsigned value, int depth) {
+    if (depth == 16) {
+        return static_cast<std::uint8_t>((value * 255 + 32767) / 65535);
+    }
+    return static_cast<std::uint8_t>(value * 255 / ((1U << depth) - 1));
+}
+
+void addPixel(const Values& picture, const std::uint16_t* value, Bytes& rgba) {
+    const auto eight = [&](int i) { return toEightBits(value[i], picture.form.depth); };
+    const bool keyed = picture.form.transparency;
+    switch (picture.form.colour) {
+    case 0:
+        rgba.insert(rgba.end(), 3, eight(0));
+        rgba.push_back(keyed && value[0] == picture.key.gray ? 0 : 255);
+        break;
+    case 2:
+        rgba.insert(rgba.end(), {eight(0), eight(1), eight(2)});
+        rgba.push_back(keyed && value[0] == picture.key.red && value[1] == picture.key.green &&
+                               value[2] == picture.key.blue
+                           ? 0
+                           : 255);
+        break;
+    case 3: {
+        const png_color& colour = picture.palette[value[0]];
+        const bool listed = value[0] < picture.paletteAlpha.size();
+        rgba.insert(rgba.end(), {colour.red, colour.green, colour.blue,
+                                 listed ? picture.paletteAlpha[value[0]] : std::uint8_t{255}});
+        break;
+    }
+    case 4:
+        rgba.insert(rgba.end(), 3, eight(0));
+        rgba.push_back(eight(1));
+        break;
+    default:
+        rgba.insert(rgba.end(), {eight(0), eight(1), eight(2), eight(3)});
+    }
+}
+
+PngSample sampleOf(const Values& picture) {
+    PngSample sample{picture.width, picture.height, written(picture), {}};
+    const int components = componentsOf(picture.form.colour);
+    for (std::size_t i = 0; i < std::size_t{picture.width} * picture.height; ++i) {
+        addPixel(picture, &picture.values[i * static_cast<std::size_t>(components)], sample.rgba);
+    }
+    return sample;
+}
+
+void failReading(png_structp png, png_const_charp) {
+    png_longjmp(png, 1);
+}
+void ignoreWarning(png_structp, png_const_charp) {}
+
+struct Reading {
+    std::span<const std::uint8_t> file;
+};
+
+void takeBytes(png_structp png, png_bytep bytes, std::size_t length) {
+    auto* reading = static_cast<Reading*>(png_get_io_ptr(png));
+    if (length > reading->file.size()) {
+        png_error(png, "end");
+    }
+    std::memcpy(bytes, reading->file.data(), length);
+    reading->file = reading->file.subspan(length);
+}
+
+/// No destructors here: errors jump out.
+bool readAll(png_structp png, png_infop info, Reading* reading, PngSample* sample) {
+    if (setjmp(png_jmpbuf(png)) != 0) {
+        return false;
+    }
+    png_set_read_fn(png, reading, takeBytes);
+    png_read_info(png, info);
+    png_set_expand(png);
+    png_set_scale_16(png);
+    png_set_gray_to_rgb(png);
+    png_set_add_alpha(png, 0xFF, PNG_FILLER_AFTER);
+    const int passes = png_set_interlace_handling(png);
+    png_read_update_info(png, info);
+    sample->width = png_get_image_width(png, info);
+    sample->height = png_get_image_height(png, info);
+    if (sample->width > 4096 || sample->height > 4096) {
+        return false;
+    }
+    sample->rgba.assign(std::size_t{4} * sample->width * sample->height, 0);
+    for (int pass = 0; pass < passes; ++pass) {
+        for (std::uint32_t y = 0; y < sample->height; ++y) {
+            png_read_row(png, sample->rgba.data() + std::size_t{4} * sample->width * y, nullptr);
+        }
+    }
+    png_read_end(png, nullptr);
+    return true;
+}
+
+} // namespace
+
+std::string PngForm::text() const {
+    return "colour " + std::to_string(colour) + ", depth " + std::to_string(depth) +
+           (interlaced ? ", interlaced" : "") + (transparency ? ", tRNS" : "");
+}
+
+std::vector<PngForm> allPngForms() {
+    std::vector<PngForm> forms;
+    for (const int colour : {0, 2, 3, 4, 6}) {
+        for (const int depth : {1, 2, 4, 8, 16}) {
+            const bool fewBits = colour == 0 || colour == 3;
+            if ((depth < 8 && !fewBits) || (depth == 16 && colour == 3)) {
+                continue;
+            }
+            for (const bool interlaced : {false, true}) {
+                forms.push_back({colour, depth, interlaced, false});
+                if (colour < 4) {
+                    forms.push_back({colour, depth, interlaced, true});
+                }
+            }
+        }
+    }
+    return forms;
+}
+
+PngSample randomPng(const PngForm& form, std::uint32_t width, std::uint32_t height, unsigned seed) {
+    std::mt19937 random(seed);
+    Values picture{form, width, height, {}, {}, {}, {}};
+    const auto value = [&](unsigned below) { return static_cast<std::uint16_t>(random() % below); };
+    const unsigned steps = 1U << form.depth;
+    const auto count = static_cast<std::size_t>(componentsOf(form.colour)) * width * height;
+    for (std::size_t i = 0; i < count; ++i) {
+        picture.values.push_back(value(steps));
+    }
+    if (form.colour == 3) {
+        for (unsigned i = 0; i < steps; ++i) {
+            picture.palette.push_back({static_cast<std::uint8_t>(value(256)),
+                                       static_cast<std::uint8_t>(value(256)),
+                                       static_cast<std::uint8_t>(value(256))});
+        }
+    }
+    if (form.transparency && form.colour == 3) {
+        for (unsigned i = 0; i < (steps + 1) / 2; ++i) {
+            picture.paletteAlpha.push_back(static_cast<std::uint8_t>(value(256)));
+        }
+    } else if (form.transparency) {
+        // The first pixel's own value is the transparent one.
+        picture.key.gray = picture.key.red = picture.values[0];
+        picture.key.green = picture.values[count > 2 ? 1 : 0];
+        picture.key.blue = picture.values[count > 2 ? 2 : 0];
+    }
+    return sampleOf(picture);
+}
+
+PngSample pngOf(std::uint32_t width, std::uint32_t height,
+                const std::function<std::uint32_t(std::uint32_t, std::uint32_t)>& rgba) {
+    Bytes pixels;
+    bool opaque = true;
+    for (std::uint32_t y = 0; y < height; ++y) {
+        for (std::uint32_t x = 0; x < width; ++x) {
+            put32(pixels, rgba(x, y));
+            opaque = opaque && pixels.back() == 255;
+        }
+    }
+    Values picture{{opaque ? 2 : 6, 8, false, false}, width, height, {}, {}, {}, {}};
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        if (!opaque || i % 4 != 3) {
+            picture.values.push_back(pixels[i]);
+        }
+    }
+    return sampleOf(picture);
+}
+
+Bytes chunk(const std::string& type, std::span<const std::uint8_t> data) {
+    Bytes bytes;
+    put32(bytes, static_cast<std::uint32_t>(data.size()));
+    bytes.insert(bytes.end(), type.begin(), type.end());
+    bytes.insert(bytes.end(), data.begin(), data.end());
+    put32(bytes, static_cast<std::uint32_t>(
+                     ::crc32(0, bytes.data() + 4, static_cast<uInt>(bytes.size() - 4))));
+    return bytes;
+}
+
+std::vector<ChunkPlace> chunksOf(std::span<const std::uint8_t> file) {
+    std::vector<ChunkPlace> chunks;
+    std::size_t offset = signatureLength;
+    while (offset + 12 <= file.size()) {
+        const std::size_t length = get32(file, offset);
+        if (length > file.size() - offset - 12) {
+            break;
+        }
+        chunks.push_back({std::string(file.begin() + static_cast<std::ptrdiff_t>(offset) + 4,
+                                      file.begin() + static_cast<std::ptrdiff_t>(offset) + 8),
+                          offset, length});
+        offset += 12 + length;
+    }
+    return chunks;
+}
+
+Bytes withChunkBefore(const Bytes& file, const std::string& type, const Bytes& added) {
+    Bytes result = file;
+    for (const ChunkPlace& place : chunksOf(file)) {
+        if (place.type == type) {
+            result.insert(result.begin() + static_cast<std::ptrdiff_t>(place.offset), added.begin(),
+                          added.end());
+            break;
+        }
+    }
+    return result;
+}
+
+Bytes withDensity(const Bytes& file, std::uint32_t x, std::uint32_t y, std::uint8_t unit) {
+    Bytes data;
+    put32(data, x);
+    put32(data, y);
+    data.push_back(unit);
+    return withChunkBefore(file, "IDAT", chunk("pHYs", data));
+}
+
+Bytes withSplitData(const Bytes& file, std::size_t length) {
+    Bytes result(file.begin(), file.begin() + signatureLength);
+    bool first = true;
+    for (const ChunkPlace& place : chunksOf(file)) {
+        const auto data = std::span(file).subspan(place.offset + 8, place.dataLength);
+        const bool split = place.type == "IDAT";
+        for (std::size_t i = 0; split && i < data.size(); i += length) {
+            const Bytes part = chunk("IDAT", data.subspan(i, std::min(length, data.size() - i)));
+            const Bytes empty = chunk("IDAT", {});
+            if (std::exchange(first, false)) {
+                result.insert(result.end(), empty.begin(), empty.end());
+            }
+            result.insert(result.end(), part.begin(), part.end());
+        }
+        if (!split) {
+            const Bytes whole = chunk(place.type, data);
+            result.insert(result.end(), whole.begin(), whole.end());
+        }
+    }
+    return result;
+}
+
+Bytes withRightChecksums(Bytes file) {
+    for (const ChunkPlace& place : chunksOf(file)) {
+        const auto length = static_cast<uInt>(place.dataLength + 4);
+        Bytes sum;
+        put32(sum, static_cast<std::uint32_t>(::crc32(0, file.data() + place.offset + 4, length)));
+        std::copy(sum.begin(), sum.end(),
+                  file.begin() + static_cast<std::ptrdiff_t>(place.offset + 4 + length));
+    }
+    return file;
+}
+
+std::optional<PngSample> readByLibpng(std::span<const std::uint8_t> file) {
+    PngSample sample;
+    Reading reading{file};
+    png_structp png =
+        png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, failReading, ignoreWarning);
+    png_infop info = png_create_info_struct(png);
+    const bool whole = readAll(png, info, &reading, &sample);
+    png_destroy_read_struct(&png, &info, nullptr);
+    return whole ? std::optional(sample) : std::nullopt;
+}
+
+} // namespace vistrane::testing

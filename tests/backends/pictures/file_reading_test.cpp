@@ -1,0 +1,170 @@
+#include <chrono>
+#include <thread>
+
+#include "backends/pictures/MediaImage.h"
+#include "backends/pictures/SharedPicture.h"
+#include "backends/pictures/file_bytes.h"
+#include "tests/backends/pictures/PicturesTest.h"
+
+namespace vistrane::testing {
+namespace {
+
+using PictureFiles = PicturesTest;
+using ::testing::HasSubstr;
+
+const SharedDecoding& sharedOf(const std::shared_ptr<NSImage>& image) {
+    const auto source = dynamic_cast<const MediaImage&>(*image).source();
+    return dynamic_cast<const SharedPicture&>(*source).decoding();
+}
+
+Bytes someFile() {
+    return randomPng({2, 8, false, false}, 6, 4).file;
+}
+
+TEST_F(PictureFiles, TheNameDoesNotMatter) {
+    for (const char* name : {"a.png", "a.jpg", "noname", "ein Bild ä.png", "\xFF\xFE.png"}) {
+        put(folder_.file(name), someFile());
+        EXPECT_TRUE(pictures_.imageWithContentsOfFile(folder_.file(name))) << name;
+    }
+    EXPECT_TRUE(observer_.unread.empty());
+}
+
+TEST_F(PictureFiles, AnotherContentUnderThatNameIsRefused) {
+    put(folder_.file("a.png"), {0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 1});
+    EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("a.png")));
+    ASSERT_EQ(observer_.unread.size(), 1U);
+    EXPECT_EQ(observer_.unread[0].first, folder_.file("a.png"));
+    EXPECT_THAT(observer_.unread[0].second.localizedDescription, HasSubstr("not a PNG file"));
+    EXPECT_THAT(observer_.unread[0].second.localizedDescription, HasSubstr(folder_.file("a.png")));
+}
+
+TEST_F(PictureFiles, ARawPictureIsNoFrameFile) {
+    const std::string raw = "P6 1 1 255 abc";
+    put(folder_.file("a.png"), Bytes(raw.begin(), raw.end()));
+    EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("a.png")));
+}
+
+TEST_F(PictureFiles, AnEmptyFileIsRefused) {
+    put(folder_.file("a.png"), {});
+    EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("a.png")));
+    EXPECT_THAT(observer_.unread.at(0).second.localizedDescription, HasSubstr("empty"));
+}
+
+TEST_F(PictureFiles, AFileCutOffAnywhereIsReported) {
+    const Bytes file = someFile();
+    for (std::size_t length = 0; length < file.size(); ++length) {
+        put(folder_.file("a.png"), Bytes(file.begin(), file.begin() + std::ptrdiff_t(length)));
+        EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("a.png")));
+    }
+    EXPECT_EQ(observer_.unread.size(), file.size());
+}
+
+TEST_F(PictureFiles, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
+    const std::string fifo = folder_.file("fifo.png");
+    const std::string directory = folder_.file("folder.png");
+    const std::string dangling = folder_.file("dangling.png");
+    const std::string loop = folder_.file("loop.png");
+    const std::string zero = folder_.file("zero.png");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    ASSERT_EQ(::mkdir(directory.c_str(), 0700), 0);
+    ASSERT_EQ(::symlink("nothing", dangling.c_str()), 0);
+    ASSERT_EQ(::symlink("loop.png", loop.c_str()), 0);
+    ASSERT_EQ(::symlink("/dev/zero", zero.c_str()), 0);
+    const std::vector<std::string> paths = {fifo,
+                                            directory,
+                                            dangling,
+                                            loop,
+                                            zero,
+                                            "/dev/null",
+                                            "/dev/zero",
+                                            folder_.file("none"),
+                                            "",
+                                            "/",
+                                            std::string("a\0b", 3)};
+    for (const std::string& path : paths) {
+        EXPECT_FALSE(pictures_.imageWithContentsOfFile(path)) << path;
+    }
+    ASSERT_EQ(observer_.unread.size(), paths.size());
+    for (const auto& [path, reason] : observer_.unread) {
+        EXPECT_FALSE(reason.localizedDescription.empty());
+        EXPECT_EQ(reason.localizedDescription.find('\0'), std::string::npos);
+    }
+    EXPECT_EQ(observer_.unread[2].second.domain, "NSPOSIXErrorDomain");
+    EXPECT_EQ(observer_.unread[2].second.code, ENOENT);
+    EXPECT_EQ(observer_.unread[3].second.code, ELOOP);
+}
+
+TEST_F(PictureFiles, ALinkToAPictureIsAPicture) {
+    put(folder_.file("a.png"), someFile());
+    ASSERT_EQ(::symlink("a.png", folder_.file("b.png").c_str()), 0);
+    EXPECT_TRUE(pictures_.imageWithContentsOfFile(folder_.file("b.png")));
+}
+
+TEST_F(PictureFiles, AFileThatMayNotBeReadIsReported) {
+    put(folder_.file("a.png"), someFile());
+    ::chmod(folder_.file("a.png").c_str(), 0);
+    if (::access(folder_.file("a.png").c_str(), R_OK) == 0) {
+        GTEST_SKIP() << "this user may read everything";
+    }
+    EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("a.png")));
+    EXPECT_EQ(observer_.unread.at(0).second.code, EACCES);
+}
+
+TEST_F(PictureFiles, TooLargeAFileIsNotRead) {
+    const std::string path = folder_.file("large.png");
+    put(path, someFile());
+    // No disk space is taken by what was never written.
+    ASSERT_EQ(::truncate(path.c_str(), off_t{1} << 40), 0);
+    EXPECT_FALSE(pictures_.imageWithContentsOfFile(path));
+    EXPECT_THAT(observer_.unread.at(0).second.localizedDescription, HasSubstr("too large"));
+}
+
+TEST_F(PictureFiles, ALoadedPictureDoesNotNeedItsFileAnyMore) {
+    const PngSample sample = randomPng({2, 8, false, false}, 6, 4);
+    put(folder_.file("a.png"), sample.file);
+    const auto image = pictures_.imageWithContentsOfFile(folder_.file("a.png"));
+    ASSERT_EQ(::truncate(folder_.file("a.png").c_str(), 10), 0);
+    EXPECT_EQ(draw(image, 6, 4).rgb, overBlack(sample.rgba));
+}
+
+TEST_F(PictureFiles, AFileThatWasRewrittenAMomentAgoIsReadAnew) {
+    const std::string path = folder_.file("a.png");
+    std::vector<std::shared_ptr<NSImage>> images;
+    for (unsigned seed = 1; seed < 20; ++seed) {
+        // No row's length changes, and often neither do the file's nor its time.
+        const PngSample sample = randomPng({2, 8, false, false}, 6, 4, seed);
+        put(path, sample.file);
+        images.push_back(pictures_.imageWithContentsOfFile(path));
+        EXPECT_EQ(draw(images.back(), 6, 4).rgb, overBlack(sample.rgba));
+    }
+}
+
+TEST_F(PictureFiles, WhatWasReadOfAFileThatStaysIsShared) {
+    const std::string path = folder_.file("a.png");
+    const PngSample sample = randomPng({2, 8, false, false}, 6, 4);
+    put(path, sample.file);
+    while (!std::get<OpenFile>(OpenFile::at(path, 1000)).state().isSettled()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    const auto first = pictures_.imageWithContentsOfFile(path);
+    const auto second = pictures_.imageWithContentsOfFile(path);
+    EXPECT_EQ(&sharedOf(first), &sharedOf(second));
+    EXPECT_EQ(draw(first, 6, 4).rgb, overBlack(sample.rgba));
+    EXPECT_EQ(draw(second, 6, 4).rgb, overBlack(sample.rgba));
+    const PngSample other = randomPng({2, 8, false, false}, 6, 4, 2);
+    put(path, other.file);
+    EXPECT_EQ(draw(pictures_.imageWithContentsOfFile(path), 6, 4).rgb, overBlack(other.rgba));
+    EXPECT_EQ(draw(first, 6, 4).rgb, overBlack(sample.rgba));
+}
+
+TEST_F(PictureFiles, AReasonIsOneLineWhateverThePath) {
+    EXPECT_FALSE(pictures_.imageWithContentsOfFile("/a\nb\tc"));
+    EXPECT_THAT(observer_.unread.at(0).second.localizedDescription,
+                testing::HasSubstr("/a\xEF\xBF\xBD"
+                                   "b\xEF\xBF\xBD"
+                                   "c"));
+    EXPECT_EQ(observer_.unread[0].first, "/a\nb\tc");
+}
+
+} // namespace
+} // namespace vistrane::testing

@@ -1,0 +1,65 @@
+#include "tests/backends/pictures/PicturesTest.h"
+#include "tests/contract/DataContract.h"
+#include "tests/contract/ImageContract.h"
+#include "tests/contract/PixelBufferContract.h"
+
+namespace vistrane::testing {
+namespace {
+
+class PictureBackend {
+public:
+    Pictures& pictures() { return pictures_; }
+    CoreVideo& coreVideo() { return coreVideo_; }
+    CoreGraphics& coreGraphics() { return coreGraphics_; }
+    std::string emptyFolder() { return folder_.path(); }
+
+    void addFile(const std::string& path) { std::ofstream(path) << "other bytes"; }
+    std::optional<std::string> contents(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return file
+                   ? std::optional<std::string>(std::in_place, std::istreambuf_iterator<char>(file),
+                                                std::istreambuf_iterator<char>())
+                   : std::nullopt;
+    }
+
+    std::string addPicture(NSSize points) { return add(placeMarks(points)); }
+    std::string addDensePicture(NSSize points) {
+        constexpr std::uint32_t dotsPerMetre = 5669;
+        return add(withDensity(placeMarks({2 * points.width, 2 * points.height}), dotsPerMetre,
+                               dotsPerMetre));
+    }
+    std::string addDamagedPicture() { return add({'d', 'a', 'm', 'a', 'g', 'e', 'd'}); }
+
+    std::shared_ptr<NSData> data(const std::string& bytes) {
+        return DataBytes::copyOf(Bytes(bytes.begin(), bytes.end()));
+    }
+
+private:
+    static Bytes placeMarks(NSSize pixels) {
+        return pngOf(static_cast<std::uint32_t>(pixels.width),
+                     static_cast<std::uint32_t>(pixels.height), placeMark)
+            .file;
+    }
+    static std::uint32_t placeMark(std::uint32_t x, std::uint32_t y) {
+        return x << 24 | y << 16 | 90U << 8 | 255U;
+    }
+
+    std::string add(const Bytes& bytes) {
+        const std::string path = folder_.file("picture.png");
+        put(path, bytes);
+        return path;
+    }
+
+    TemporaryFolder folder_;
+    RecordingObserver observer_;
+    Pictures pictures_{observer_};
+    MediaCoreVideo coreVideo_;
+    MediaCoreGraphics coreGraphics_{coreVideo_};
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Media, DataContract, PictureBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Media, ImageContract, PictureBackend, contract::Names);
+INSTANTIATE_TYPED_TEST_SUITE_P(Media, PixelBufferContract, PictureBackend, contract::Names);
+
+} // namespace
+} // namespace vistrane::testing

@@ -1,0 +1,167 @@
+#include <algorithm>
+
+#include "tests/backends/pictures/PicturesTest.h"
+
+namespace vistrane::testing {
+namespace {
+
+using PngDamage = PicturesTest;
+using ::testing::HasSubstr;
+
+std::vector<Bytes> smallFiles() {
+    return {randomPng({2, 8, false, false}, 5, 3).file, randomPng({3, 4, true, true}, 6, 5).file,
+            randomPng({6, 16, true, false}, 3, 3).file, randomPng({0, 1, false, true}, 9, 4).file,
+            withDensity(randomPng({4, 8, false, false}, 4, 4).file, 2835, 2835)};
+}
+
+TEST_F(PngDamage, AFileCutOffAnywhereIsRefused) {
+    for (const Bytes& file : smallFiles()) {
+        ASSERT_TRUE(load(file));
+        for (std::size_t length = 0; length < file.size(); ++length) {
+            EXPECT_FALSE(load(Bytes(file.begin(), file.begin() + std::ptrdiff_t(length))))
+                << length;
+        }
+    }
+}
+
+TEST_F(PngDamage, AnyWrongBitIsNoticedWhenLoading) {
+    for (const Bytes& file : smallFiles()) {
+        for (std::size_t bit = 0; bit < file.size() * 8; ++bit) {
+            Bytes changed = file;
+            changed[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
+            EXPECT_FALSE(load(changed)) << bit;
+        }
+    }
+}
+
+/// With checksums made right again, a wrong bit reaches the parsers and the pixels.
+TEST_F(PngDamage, AWrongBitUnderRightChecksumsIsRefusedOrReadLikeLibpng) {
+    std::size_t refused = 0;
+    std::size_t same = 0;
+    for (const Bytes& file : smallFiles()) {
+        for (std::size_t bit = 0; bit < file.size() * 8; ++bit) {
+            Bytes changed = file;
+            changed[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
+            changed = withRightChecksums(changed);
+            const auto image = load(changed);
+            if (!image || image->size().width > 4096 || image->size().height > 4096) {
+                ++refused;
+                continue;
+            }
+            const auto width = std::size_t(image->size().width);
+            const auto height = std::size_t(image->size().height);
+            const Drawn drawn = draw(image, width, height);
+            if (drawn.damage) {
+                ++refused;
+                EXPECT_FALSE(image->TIFFRepresentation());
+                continue;
+            }
+            const auto expected = readByLibpng(changed);
+            ASSERT_TRUE(expected) << bit;
+            if (image->size() == NSSize{double(expected->width), double(expected->height)}) {
+                EXPECT_EQ(drawn.rgb, overBlack(expected->rgba)) << bit;
+                ++same;
+            }
+        }
+    }
+    EXPECT_GT(refused, 0U);
+    EXPECT_GT(same, 0U);
+}
+
+TEST_F(PngDamage, DamagedPixelsMarkTheBufferWithFileAndReason) {
+    Bytes file = randomPng({2, 8, false, false}, 40, 40).file;
+    for (const ChunkPlace& place : chunksOf(file)) {
+        if (place.type == "IDAT") {
+            file[place.offset + 8 + place.dataLength / 2] ^= 0xFF;
+        }
+    }
+    put(folder_.file("a.png"), withRightChecksums(file));
+    const auto image = pictures_.imageWithContentsOfFile(folder_.file("a.png"));
+    ASSERT_TRUE(image);
+    EXPECT_TRUE(observer_.unread.empty());
+    const Drawn drawn = draw(image, 40, 40);
+    ASSERT_TRUE(drawn.damage);
+    EXPECT_THAT(drawn.damage->localizedDescription, HasSubstr(folder_.file("a.png")));
+    EXPECT_THAT(drawn.damage->localizedDescription, HasSubstr("damaged"));
+    EXPECT_FALSE(image->TIFFRepresentation());
+}
+
+TEST_F(PngDamage, AWrongChecksumOfThePixelStreamIsNoticed) {
+    Bytes file = randomPng({2, 8, false, false}, 12, 12).file;
+    for (const ChunkPlace& place : chunksOf(file)) {
+        if (place.type == "IDAT") {
+            file[place.offset + 8 + place.dataLength - 1] ^= 1;
+        }
+    }
+    EXPECT_TRUE(draw(load(withRightChecksums(file)), 12, 12).damage);
+}
+
+TEST_F(PngDamage, ADamagedPictureThatIsScaledMarksTheBufferToo) {
+    Bytes file = withDensity(randomPng({2, 8, false, false}, 40, 40).file, 5669, 5669);
+    for (const ChunkPlace& place : chunksOf(file)) {
+        if (place.type == "IDAT") {
+            file[place.offset + 8 + place.dataLength / 2] ^= 0xFF;
+        }
+    }
+    EXPECT_TRUE(draw(load(withRightChecksums(file)), 20, 20).damage);
+}
+
+/// A file of that size with hardly any data.
+Bytes claiming(std::uint32_t width, std::uint32_t height) {
+    Bytes file = randomPng({2, 8, false, false}, 2, 2).file;
+    for (int i = 0; i < 4; ++i) {
+        file[16 + std::size_t(i)] = static_cast<std::uint8_t>(width >> (24 - 8 * i));
+        file[20 + std::size_t(i)] = static_cast<std::uint8_t>(height >> (24 - 8 * i));
+    }
+    return withRightChecksums(file);
+}
+
+TEST_F(PngDamage, AHugeSizeIsRefusedBeforeMemoryIsTaken) {
+    for (const auto& [width, height] : {std::pair{0x7FFFFFFFU, 0x7FFFFFFFU},
+                                        {0xFFFFFFFFU, 1U},
+                                        {32769U, 1U},
+                                        {1U, 32769U},
+                                        {32768U, 32768U},
+                                        {0U, 5U},
+                                        {5U, 0U}}) {
+        put(folder_.file("huge.png"), claiming(width, height));
+        EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("huge.png")));
+    }
+    EXPECT_EQ(observer_.unread.size(), 7U);
+}
+
+TEST_F(PngDamage, MorePixelsThanTheDataCanHoldAreRefused) {
+    EXPECT_FALSE(load(claiming(8192, 8192)));
+}
+
+TEST_F(PngDamage, TheLimitIsTheOwners) {
+    RecordingObserver observer;
+    const Pictures strict(observer, PictureLimits{100, 500, 1 << 20});
+    const auto loaded = [&](std::uint32_t width, std::uint32_t height) {
+        return strict.imageWithData(DataBytes::copyOf(
+                   randomPng({0, 8, false, false}, width, height).file)) != nullptr;
+    };
+    EXPECT_TRUE(loaded(100, 5));
+    EXPECT_FALSE(loaded(101, 1));
+    EXPECT_FALSE(loaded(100, 6));
+}
+
+TEST_F(PngDamage, MisplacedAndUnknownNecessaryPartsAreRefused) {
+    const Bytes file = randomPng({3, 8, false, false}, 4, 4).file;
+    const Bytes empty;
+    EXPECT_FALSE(load(withChunkBefore(file, "IDAT", chunk("ABCD", empty))));
+    EXPECT_FALSE(load(withChunkBefore(file, "IEND", chunk("IHDR", empty))));
+    EXPECT_FALSE(load(withChunkBefore(file, "IHDR", chunk("tEXt", empty))));
+    EXPECT_FALSE(load(withChunkBefore(file, "PLTE", chunk("IDAT", empty))));
+    EXPECT_FALSE(load(withChunkBefore(file, "PLTE", chunk("PLTE", Bytes{1, 2}))));
+    Bytes apart = withSplitData(file, 10);
+    const auto chunks = chunksOf(apart);
+    const auto last = std::find_if(chunks.rbegin(), chunks.rend(),
+                                   [](const ChunkPlace& place) { return place.type == "IDAT"; });
+    const Bytes text = chunk("tEXt", Bytes{'a', 0});
+    apart.insert(apart.begin() + std::ptrdiff_t(last->offset), text.begin(), text.end());
+    EXPECT_FALSE(load(apart));
+}
+
+} // namespace
+} // namespace vistrane::testing

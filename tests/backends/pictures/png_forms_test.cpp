@@ -1,0 +1,101 @@
+#include "tests/backends/pictures/PicturesTest.h"
+
+namespace vistrane::testing {
+namespace {
+
+using PngForms = PicturesTest;
+
+constexpr std::pair<std::uint32_t, std::uint32_t> sizes[] = {{1, 1},  {2, 3},  {5, 7},  {8, 8},
+                                                             {17, 9}, {33, 1}, {1, 20}, {67, 41}};
+
+TEST_F(PngForms, EveryFormIsDrawnAsItsValuesSay) {
+    for (const PngForm& form : allPngForms()) {
+        for (const auto& [width, height] : sizes) {
+            SCOPED_TRACE(form.text() + ", " + std::to_string(width) + " x " +
+                         std::to_string(height));
+            const PngSample sample = randomPng(form, width, height);
+            const auto image = load(sample.file);
+            ASSERT_TRUE(image);
+            EXPECT_EQ(image->size(), (NSSize{double(width), double(height)}));
+            const Drawn drawn = draw(image, width, height);
+            EXPECT_FALSE(drawn.damage);
+            EXPECT_EQ(drawn.rgb, overBlack(sample.rgba));
+        }
+    }
+}
+
+TEST_F(PngForms, EveryFormIsSavedWithItsExactValues) {
+    for (const PngForm& form : allPngForms()) {
+        SCOPED_TRACE(form.text());
+        const PngSample sample = randomPng(form, 31, 13);
+        const auto saved = encode(load(sample.file));
+        ASSERT_TRUE(saved);
+        const auto read = readByLibpng(bytesOf(saved));
+        ASSERT_TRUE(read);
+        EXPECT_EQ(read->width, 31U);
+        EXPECT_EQ(read->rgba, sample.rgba);
+    }
+}
+
+TEST_F(PngForms, EveryFormEqualsLibpng) {
+    for (const PngForm& form : allPngForms()) {
+        const PngSample sample = randomPng(form, 19, 11, 7);
+        EXPECT_EQ(draw(load(sample.file), 19, 11).rgb, overBlack(readByLibpng(sample.file)->rgba))
+            << form.text();
+    }
+}
+
+TEST_F(PngForms, OddChunkSplitsAreRead) {
+    for (const PngForm& form : allPngForms()) {
+        const PngSample sample = randomPng(form, 23, 17, 3);
+        for (const std::size_t length : {1U, 2U, 7U}) {
+            EXPECT_EQ(draw(load(withSplitData(sample.file, length)), 23, 17).rgb,
+                      overBlack(sample.rgba))
+                << form.text() << ", chunks of " << length;
+        }
+    }
+}
+
+TEST_F(PngForms, GammaAndOtherRemarksChangeNothing) {
+    const PngSample sample = randomPng({2, 16, false, false}, 9, 9);
+    Bytes file = withChunkBefore(sample.file, "IDAT", chunk("gAMA", Bytes{0, 1, 0x86, 0xA0}));
+    file = withChunkBefore(file, "IDAT", chunk("sBIT", Bytes{5, 6, 5}));
+    file = withChunkBefore(file, "IDAT", chunk("tEXt", Bytes{'a', 0, 'b'}));
+    file = withChunkBefore(file, "IEND", chunk("tIME", Bytes{7, 0xEA, 1, 1, 0, 0, 0}));
+    file.push_back('x');
+    EXPECT_EQ(draw(load(file), 9, 9).rgb, overBlack(sample.rgba));
+}
+
+TEST_F(PngForms, AHugeTextThatIsNotNeededIsNotUnpacked) {
+    const PngSample sample = randomPng({2, 8, false, false}, 4, 4);
+    Bytes text = {'a', 0, 0, 0x78, 0x9C};
+    text.resize(100000, 0x55);
+    const auto image = load(withChunkBefore(sample.file, "IDAT", chunk("zTXt", text)));
+    EXPECT_EQ(draw(image, 4, 4).rgb, overBlack(sample.rgba));
+}
+
+TEST_F(PngForms, LongAndFlatPicturesAreRead) {
+    const PngSample sample = randomPng({2, 8, false, false}, 10000, 10);
+    EXPECT_EQ(draw(load(sample.file), 10000, 10).rgb, overBlack(sample.rgba));
+}
+
+TEST_F(PngForms, ASmallerPaletteThanTheBitsAllowIsReadLikeLibpng) {
+    // Two colours for eight bits, and pixels that point beyond them.
+    PngSample sample = randomPng({3, 8, false, false}, 16, 16);
+    Bytes file = sample.file;
+    for (const ChunkPlace& place : chunksOf(sample.file)) {
+        if (place.type == "PLTE") {
+            const Bytes palette = chunk("PLTE", std::span(file).subspan(place.offset + 8, 6));
+            const auto start = file.begin() + static_cast<std::ptrdiff_t>(place.offset);
+            file.erase(start, start + static_cast<std::ptrdiff_t>(12 + place.dataLength));
+            file.insert(file.begin() + static_cast<std::ptrdiff_t>(place.offset), palette.begin(),
+                        palette.end());
+        }
+    }
+    const auto expected = readByLibpng(file);
+    ASSERT_TRUE(expected);
+    EXPECT_EQ(draw(load(file), 16, 16).rgb, overBlack(expected->rgba));
+}
+
+} // namespace
+} // namespace vistrane::testing

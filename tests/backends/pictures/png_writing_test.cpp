@@ -1,0 +1,198 @@
+// Writing without libpng, beside libpng: the same picture, the same chunks, and hardly more bytes.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "backends/pictures/libpng_decoding.h"
+#include "backends/pictures/libpng_encoding.h"
+#include "backends/pictures/png_decoding.h"
+#include "backends/pictures/png_encoding.h"
+#include "tests/backends/pictures/PngSamples.h"
+
+namespace vistrane::testing {
+namespace {
+
+/// Pixels as they are given, in the one form that is saved.
+class PixelSource final : public PictureSource {
+public:
+    PixelSource(PictureShape shape, Bytes pixels)
+        : PictureSource(shape, "test"), pixels_(std::move(pixels)) {}
+
+    std::optional<NSError> readPixels(PixelForm, std::uint8_t*, std::ptrdiff_t) const override {
+        return NSError{};
+    }
+    const std::uint8_t* pixelsInMemory(PixelForm form) const override {
+        const auto saved = shape().mayBeTransparent ? PixelForm::RGBA : PixelForm::RGB;
+        return form == saved ? pixels_.data() : nullptr;
+    }
+
+private:
+    Bytes pixels_;
+};
+
+Bytes copyOf(const std::optional<ByteArray>& file) {
+    return file ? Bytes(file->bytes().begin(), file->bytes().end()) : Bytes();
+}
+
+std::size_t strideOf(const PictureShape& shape) {
+    return std::size_t{shape.width} * (shape.mayBeTransparent ? 4 : 3);
+}
+
+Bytes rgbaOf(const PictureShape& shape, const Bytes& pixels) {
+    if (shape.mayBeTransparent) {
+        return pixels;
+    }
+    Bytes rgba;
+    for (std::size_t i = 0; i < pixels.size(); i += 3) {
+        rgba.insert(rgba.end(), {pixels[i], pixels[i + 1], pixels[i + 2], 255});
+    }
+    return rgba;
+}
+
+/// All chunks but the pixels, which are one word however many there are.
+std::vector<Bytes> partsOf(const Bytes& file) {
+    std::vector<Bytes> parts;
+    for (const ChunkPlace& place : chunksOf(file)) {
+        const auto start = file.begin() + std::ptrdiff_t(place.offset);
+        Bytes part(start, start + std::ptrdiff_t(place.dataLength + 12));
+        if (place.type == "IDAT") {
+            part = {'I', 'D', 'A', 'T'};
+        }
+        if (place.type != "IDAT" || parts.back() != part) {
+            parts.push_back(part);
+        }
+    }
+    return parts;
+}
+
+void check(const PictureShape& shape, const Bytes& pixels) {
+    SCOPED_TRACE(std::to_string(shape.width) + " x " + std::to_string(shape.height));
+    const Bytes ours = copyOf(encodePng(PixelSource(shape, pixels)));
+    const Bytes theirs = copyOf(encodeByLibpng(shape, pixels.data(), strideOf(shape)));
+    const auto read = readByLibpng(ours);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->width, shape.width);
+    EXPECT_EQ(read->height, shape.height);
+    EXPECT_EQ(read->rgba, rgbaOf(shape, pixels));
+    EXPECT_EQ(partsOf(ours), partsOf(theirs));
+}
+
+/// From one colour to all possible ones.
+Bytes randomPixels(const PictureShape& shape, std::mt19937& random) {
+    Bytes pixels(strideOf(shape) * shape.height);
+    const unsigned different = 1U << random() % 9;
+    const std::size_t repeats = 1 + random() % 50;
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        pixels[i] = i >= repeats && random() % 2 == 0
+                        ? pixels[i - repeats]
+                        : static_cast<std::uint8_t>(random() % different);
+    }
+    return pixels;
+}
+
+TEST(PngWriting, AnyPictureIsWrittenAsLibpngWouldAndReadBack) {
+    std::mt19937 random(1);
+    for (int i = 0; i < 1500; ++i) {
+        PictureShape shape;
+        shape.width = static_cast<std::uint32_t>(1 + random() % 60);
+        shape.height = static_cast<std::uint32_t>(1 + random() % 20);
+        shape.mayBeTransparent = random() % 2 == 0;
+        if (random() % 2 == 0) {
+            shape.density = PixelDensity{static_cast<std::uint32_t>(1 + random() % 10000),
+                                         static_cast<std::uint32_t>(1 + random() % 10000)};
+        }
+        check(shape, randomPixels(shape, random));
+    }
+}
+
+TEST(PngWriting, PicturesOfManyChunksAreReadBack) {
+    std::mt19937 random(2);
+    constexpr std::pair<std::uint32_t, std::uint32_t> sizes[] = {
+        {640, 480}, {1, 4000}, {4000, 1}, {4096, 70}, {257, 1023}, {1000, 262}};
+    for (const auto& [width, height] : sizes) {
+        for (int i = 0; i < 3; ++i) {
+            const PictureShape shape{width, height, std::nullopt, i == 1};
+            Bytes pixels = randomPixels(shape, random);
+            if (i == 2) {
+                // Nothing that could be compressed.
+                std::generate(pixels.begin(), pixels.end(),
+                              [&] { return static_cast<std::uint8_t>(random()); });
+            }
+            check(shape, pixels);
+        }
+    }
+}
+
+/// A sky over a ground with the noise of a sensor, as most pictures are here.
+Bytes scene(const PictureShape& shape, std::mt19937& random) {
+    Bytes pixels;
+    for (std::uint32_t y = 0; y < shape.height; ++y) {
+        for (std::uint32_t x = 0; x < shape.width * 3; ++x) {
+            const std::uint32_t light = y < shape.height / 2 ? 120 + y / 8 : 60 + x / 100;
+            pixels.push_back(static_cast<std::uint8_t>(light + random() % 6 + random() % 6));
+        }
+    }
+    return pixels;
+}
+
+/// Parts that repeat and parts that do not, in turn, so that each follows the other.
+TEST(PngWriting, PicturesThatChangeTheirKindAreReadBack) {
+    std::mt19937 random(5);
+    for (const bool transparent : {false, true}) {
+        const PictureShape shape{500, 2000, std::nullopt, transparent};
+        Bytes pixels(strideOf(shape) * shape.height);
+        for (std::size_t y = 0; y < shape.height; ++y) {
+            const std::size_t kind = y / 150 % 3;
+            for (std::size_t x = 0; x < strideOf(shape); ++x) {
+                pixels[y * strideOf(shape) + x] =
+                    static_cast<std::uint8_t>(kind == 0   ? 40
+                                              : kind == 1 ? random() % 20
+                                                          : (x * y) % 251);
+            }
+        }
+        check(shape, pixels);
+    }
+}
+
+/// A row of these is longer than what is compressed at once.
+TEST(PngWriting, TheWidestPicturesAreReadBack) {
+    std::mt19937 random(6);
+    for (const bool transparent : {false, true}) {
+        const PictureShape shape{PictureLimits().largestSide, 4, std::nullopt, transparent};
+        Bytes pixels(strideOf(shape) * shape.height);
+        std::generate(pixels.begin(), pixels.end(),
+                      [&] { return static_cast<std::uint8_t>(random()); });
+        const Bytes file = copyOf(encodePng(PixelSource(shape, pixels)));
+        const auto read = readPngHeader(file, PictureLimits());
+        const auto* header = std::get_if<PngHeader>(&read);
+        ASSERT_NE(header, nullptr);
+        const auto form = transparent ? PixelForm::RGBA : PixelForm::RGB;
+        const auto stride = static_cast<std::ptrdiff_t>(strideOf(shape));
+        Bytes ours(pixels.size());
+        EXPECT_TRUE(decodeUsualPng(file, *header, form, ours.data(), stride));
+        EXPECT_EQ(ours, pixels);
+        Bytes theirs(pixels.size());
+        EXPECT_FALSE(decodeByLibpng(file, *header, form, theirs.data(), stride));
+        EXPECT_EQ(theirs, pixels);
+    }
+}
+
+TEST(PngWriting, APhotographIsNoLongerThanByLibpng) {
+    std::mt19937 random(3);
+    const PictureShape shape{640, 480, std::nullopt, false};
+    const Bytes pixels = scene(shape, random);
+    const Bytes ours = copyOf(encodePng(PixelSource(shape, pixels)));
+    const Bytes theirs = copyOf(encodeByLibpng(shape, pixels.data(), strideOf(shape)));
+    EXPECT_LE(ours.size(), theirs.size());
+}
+
+TEST(PngWriting, OneColourTakesHardlyAnyRoom) {
+    const PictureShape shape{1920, 1080, std::nullopt, false};
+    const Bytes pixels(strideOf(shape) * shape.height, 0x60);
+    EXPECT_LT(copyOf(encodePng(PixelSource(shape, pixels))).size(), pixels.size() / 100);
+}
+
+} // namespace
+} // namespace vistrane::testing

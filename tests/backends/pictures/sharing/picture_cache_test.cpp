@@ -1,0 +1,254 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <memory>
+#include <new>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "backends/pictures/PictureCache.h"
+#include "tests/backends/pictures/sharing/CountedPicture.h"
+#include "tests/backends/pictures/sharing/FailingAllocation.h"
+
+namespace vistrane::testing {
+namespace {
+
+class PictureCaches : public ::testing::Test {
+protected:
+    PictureCaches() {
+        std::string name = ::testing::TempDir() + "picturesXXXXXX";
+        folder_ = ::mkdtemp(name.data()) != nullptr ? name : std::string();
+        path_ = folder_ + "/frame.png";
+    }
+    ~PictureCaches() override { std::filesystem::remove_all(folder_); }
+
+    static void put(const std::string& path, const std::string& text) {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+    /// Both of its times count, of which only one can be set.
+    void setTime(std::int64_t seconds) const {
+        const struct timespec times[2] = {{seconds, 0}, {seconds, 0}};
+        ::utimensat(AT_FDCWD, path_.c_str(), times, 0);
+    }
+    FileState state() const {
+        auto file = OpenFile::at(path_, 1000);
+        return std::get<OpenFile>(file).state();
+    }
+
+    /// Counts what is loaded, each time another picture.
+    std::shared_ptr<const PictureSource> load(const FileState& state) {
+        const auto result = cache_.picture(path_, state, [this]() -> PictureSourceResult {
+            ++loaded_;
+            if (fails_) {
+                return NSError{"test", 1, "no picture"};
+            }
+            return std::make_shared<CountedPicture>();
+        });
+        const auto* source = std::get_if<std::shared_ptr<const PictureSource>>(&result);
+        return source != nullptr ? *source : nullptr;
+    }
+    std::shared_ptr<const PictureSource> load() { return load(state()); }
+
+    std::string folder_;
+    std::string path_;
+    PictureCache cache_;
+    std::atomic<int> loaded_{0};
+    bool fails_ = false;
+};
+
+TEST_F(PictureCaches, OneStateOfAFileIsLoadedOnceForAllWhoHoldIt) {
+    put(path_, "one");
+    const auto first = load();
+    const auto second = load();
+    EXPECT_TRUE(first && second);
+    EXPECT_EQ(loaded_, 1);
+}
+
+TEST_F(PictureCaches, NothingIsKeptForOneWhoComesLater) {
+    put(path_, "one");
+    load();
+    load();
+    EXPECT_EQ(loaded_, 2);
+    const auto held = load();
+    load();
+    EXPECT_EQ(loaded_, 3);
+}
+
+TEST_F(PictureCaches, AnotherFileUnderTheSameNameIsLoadedAnew) {
+    put(path_, "one");
+    setTime(1000);
+    const auto first = load();
+    const std::string other = folder_ + "/other.png";
+    put(other, "two");
+    ASSERT_EQ(::rename(other.c_str(), path_.c_str()), 0);
+    setTime(1000);
+    const auto second = load();
+    EXPECT_EQ(loaded_, 2);
+}
+
+TEST_F(PictureCaches, AFileOfAnotherLengthIsLoadedAnew) {
+    put(path_, "one");
+    const FileState before = state();
+    const auto first = load(before);
+    put(path_, "three");
+    FileState after = before;
+    after.length = state().length;
+    ASSERT_NE(after.length, before.length);
+    const auto second = load(after);
+    EXPECT_EQ(loaded_, 2);
+}
+
+TEST_F(PictureCaches, AFileOfAnotherTimeIsLoadedAnew) {
+    put(path_, "one");
+    setTime(1000);
+    const FileState before = state();
+    const auto first = load(before);
+    setTime(1001);
+    FileState after = before;
+    after.changed = state().changed;
+    EXPECT_EQ(after.changed - before.changed, 1'000'000'000);
+    const auto second = load(after);
+    EXPECT_EQ(loaded_, 2);
+}
+
+/// As copying with the times of the original leaves it.
+TEST_F(PictureCaches, AFileThatWasGivenItsOldTimeIsLoadedAnew) {
+    put(path_, "one");
+    setTime(1000);
+    const auto first = load();
+    // The time of the last change of anything is the clock's, whose steps may be coarse.
+    const FileState before = state();
+    while (state().touched == before.touched) {
+        put(path_, "two");
+        setTime(1000);
+    }
+    EXPECT_EQ(state().changed, before.changed);
+    const auto second = load();
+    EXPECT_EQ(loaded_, 2);
+}
+
+TEST_F(PictureCaches, AnotherNameIsLoadedByItself) {
+    put(path_, "one");
+    const FileState same = state();
+    const auto first = load(same);
+    path_ = folder_ + "/link.png";
+    const auto second = load(same);
+    EXPECT_EQ(loaded_, 2);
+}
+
+TEST_F(PictureCaches, AFailureIsNotShared) {
+    put(path_, "one");
+    fails_ = true;
+    EXPECT_FALSE(load());
+    EXPECT_FALSE(load());
+    EXPECT_EQ(loaded_, 2);
+    fails_ = false;
+    EXPECT_TRUE(load());
+}
+
+TEST_F(PictureCaches, WhoComesWhileAnotherLoadsWaitsForIt) {
+    put(path_, "one");
+    const FileState same = state();
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    std::shared_ptr<const PictureSource> first;
+    std::thread loader([&] {
+        const auto result = cache_.picture(path_, same, [&]() -> PictureSourceResult {
+            ++loaded_;
+            begun.set_value();
+            goOn.get_future().wait();
+            return std::make_shared<CountedPicture>();
+        });
+        first = std::get<std::shared_ptr<const PictureSource>>(result);
+    });
+    begun.get_future().wait();
+    auto second = std::async(std::launch::async, [&] { return load(same); });
+    goOn.set_value();
+    EXPECT_TRUE(second.get());
+    loader.join();
+    EXPECT_EQ(loaded_, 1);
+}
+
+TEST_F(PictureCaches, WhoHasWaitedForAFailureLoadsByItself) {
+    put(path_, "one");
+    const FileState same = state();
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    std::thread loader([&] {
+        cache_.picture(path_, same, [&]() -> PictureSourceResult {
+            begun.set_value();
+            goOn.get_future().wait();
+            return NSError{"test", 1, "no picture"};
+        });
+    });
+    begun.get_future().wait();
+    auto second = std::async(std::launch::async, [&] { return load(same); });
+    goOn.set_value();
+    EXPECT_TRUE(second.get());
+    loader.join();
+    EXPECT_EQ(loaded_, 1);
+}
+
+TEST_F(PictureCaches, WhoHasWaitedForOneThatThrowsLoadsByItself) {
+    put(path_, "one");
+    const FileState same = state();
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    std::thread loader([&] {
+        const auto load = [&]() -> PictureSourceResult {
+            begun.set_value();
+            goOn.get_future().wait();
+            throw std::bad_alloc();
+        };
+        EXPECT_THROW(cache_.picture(path_, same, load), std::bad_alloc);
+    });
+    begun.get_future().wait();
+    auto second = std::async(std::launch::async, [&] { return load(same); });
+    goOn.set_value();
+    EXPECT_TRUE(second.get());
+    loader.join();
+    EXPECT_EQ(loaded_, 1);
+}
+
+/// Whichever of its own allocations fails.
+TEST_F(PictureCaches, AfterALackOfMemoryTheNextIsLoaded) {
+    put(path_, "one");
+    const FileState same = state();
+    int failures = 0;
+    for (bool hasFailed = true; hasFailed; ++failures) {
+        {
+            const FailingAllocation failing(failures);
+            try {
+                load(same);
+            } catch (const std::bad_alloc&) {
+                EXPECT_TRUE(failing.hasFailed());
+            }
+            hasFailed = failing.hasFailed();
+        }
+        EXPECT_TRUE(load(same)) << failures;
+    }
+    EXPECT_GT(failures, 3);
+}
+
+TEST(FileStates, AFileThatWasChangedAMomentAgoIsNotSettled) {
+    const auto now = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                         std::chrono::system_clock::now().time_since_epoch())
+                         .count();
+    constexpr std::int64_t hour = 3'600'000'000'000;
+    EXPECT_TRUE((FileState{1, 1, 1, now - hour, now - hour}.isSettled()));
+    EXPECT_FALSE((FileState{1, 1, 1, now + hour, now - hour}.isSettled()));
+    EXPECT_FALSE((FileState{1, 1, 1, now - hour, now + hour}.isSettled()));
+}
+
+} // namespace
+} // namespace vistrane::testing

@@ -1,0 +1,214 @@
+#include <thread>
+
+#include <QCheckBox>
+#include <QHelpEvent>
+#include <QStyleOptionButton>
+#include <QTextDocument>
+#include <QToolTip>
+
+#include "backends/qt/controls/PathButton.h"
+#include "backends/qt/controls/QtResources.h"
+#include "backends/qt/controls/shown_text.h"
+#include "tests/backends/qt/controls/ControlWidgets.h"
+
+namespace vistrane {
+namespace {
+
+class QtButtonTest : public ControlTest {
+protected:
+    std::shared_ptr<QtButton> pushButton(const QString& text = {}) {
+        auto* const widget = new QPushButton(text, &widgets_.widget());
+        widget_ = widget;
+        return std::make_shared<QtButton>(*widget);
+    }
+
+    QAbstractButton* widget_ = nullptr;
+};
+
+TEST_F(QtButtonTest, AnAmpersandIsShownAndIsNoMnemonic) {
+    const auto button = pushButton();
+    button->setTitle("/home/you&me");
+    EXPECT_EQ(button->title(), "/home/you&me");
+    EXPECT_EQ(widget_->text(), QStringLiteral("/home/you&&me"));
+    EXPECT_TRUE(widget_->shortcut().isEmpty());
+}
+
+TEST_F(QtButtonTest, TheTitleOfTheInterfaceFileIsReadWithoutItsMnemonic) {
+    EXPECT_EQ(pushButton(QStringLiteral("&Start"))->title(), "Start");
+    EXPECT_EQ(pushButton(QStringLiteral("Q&&A"))->title(), "Q&A");
+}
+
+TEST_F(QtButtonTest, TheShortcutOutlivesATitleOfTheProgram) {
+    const auto button = pushButton(QStringLiteral("&Start Auto Capture"));
+    button->setAction(count());
+    widgets_.show();
+    button->setTitle("Stop Auto Capture");
+    EXPECT_EQ(widget_->text(), QStringLiteral("&Stop Auto Capture"));
+    // The button is first seen going down.
+    QTest::keyClick(&widgets_.widget(), Qt::Key_S, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return sent_ == 1; }));
+    button->setTitle("no such letter: -");
+    QTest::keyClick(&widgets_.widget(), Qt::Key_S, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return sent_ == 2; }));
+}
+
+TEST_F(QtButtonTest, ATitleThatIsNoTextIsShownAsText) {
+    const auto button = pushButton();
+    button->setTitle("/a\xff\nb");
+    EXPECT_EQ(button->title(), "/a\xff\nb");
+    EXPECT_EQ(widget_->text(), QStringLiteral("/a\uFFFD b"));
+}
+
+TEST_F(QtButtonTest, AClickSendsTheActionWithTheButtonAsTheSender) {
+    const auto button = pushButton();
+    button->setAction(count());
+    widget_->click();
+    EXPECT_EQ(sent_, 1);
+    EXPECT_EQ(sender_, button.get());
+}
+
+TEST_F(QtButtonTest, APushButtonWhoseStateIsOnDoesNotLookPressed) {
+    const auto button = pushButton();
+    button->setState(NSControlStateValueOn);
+    EXPECT_EQ(button->state(), NSControlStateValueOn);
+    EXPECT_FALSE(widget_->isChecked());
+    EXPECT_FALSE(widget_->isDown());
+}
+
+TEST_F(QtButtonTest, AClickTurnsACheckBoxOverBeforeItsActionIsSent) {
+    QCheckBox box;
+    QtButton button(box);
+    std::vector<NSInteger> states;
+    button.setAction([&](NSObject*) { states.push_back(button.state()); });
+    box.click();
+    box.click();
+    EXPECT_THAT(states, ::testing::ElementsAre(1, 0));
+    button.setState(NSControlStateValueOn);
+    EXPECT_TRUE(box.isChecked());
+    EXPECT_THAT(states, ::testing::SizeIs(2));
+}
+
+TEST_F(QtButtonTest, AButtonThatAnotherThreadDisabledSendsNothingEvenBeforeItShows) {
+    const auto button = pushButton();
+    button->setAction(count());
+    std::thread([&] { button->setEnabled(false); }).join();
+    EXPECT_TRUE(widget_->isEnabled());
+    widget_->click();
+    EXPECT_EQ(sent_, 0);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(widget_->isEnabled());
+    std::thread([&] { button->setEnabled(true); }).join();
+    QCoreApplication::processEvents();
+    widget_->click();
+    EXPECT_EQ(sent_, 1);
+}
+
+TEST_F(QtButtonTest, TheLastOfManyWordsFromTwoThreadsCounts) {
+    const auto button = pushButton();
+    std::thread([&] {
+        button->setEnabled(true);
+        button->setEnabled(false);
+    }).join();
+    button->setEnabled(true);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(widget_->isEnabled());
+}
+
+TEST_F(QtButtonTest, AButtonMayGoWhileAWordForItIsUnderWay) {
+    auto button = pushButton();
+    std::thread([&] { button->setEnabled(false); }).join();
+    button.reset();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(widget_->isEnabled());
+}
+
+TEST_F(QtButtonTest, TheAlternateImageShowsWhileTheButtonIsPressed) {
+    const QtResources resources;
+    const auto button = pushButton();
+    const auto shown = [&] { return widget_->icon().pixmap(QSize(32, 32)).toImage(); };
+    button->setAlternateImage(resources.imageNamed("play2"));
+    EXPECT_TRUE(widget_->icon().isNull());
+    button->setImage(resources.imageNamed("play1"));
+    const QImage released = shown();
+    QTest::mousePress(widget_, Qt::LeftButton);
+    const QImage pressed = shown();
+    QTest::mouseRelease(widget_, Qt::LeftButton);
+    EXPECT_NE(pressed, released);
+    EXPECT_EQ(shown(), released);
+    button->setImage(nullptr);
+    EXPECT_TRUE(widget_->icon().isNull());
+}
+
+class PathButtonTest : public ::testing::Test {
+protected:
+    PathButtonTest() { button_.setToolTip(QStringLiteral("where frames go")); }
+
+    QString toolTip() {
+        QToolTip::hideText();
+        button_.show();
+        QHelpEvent event(QEvent::ToolTip, QPoint(5, 5), button_.mapToGlobal(QPoint(5, 5)));
+        QCoreApplication::sendEvent(&button_, &event);
+        return QToolTip::text();
+    }
+
+    PathButton button_;
+};
+
+TEST_F(PathButtonTest, APathThatFitsHasTheTipOfTheButton) {
+    button_.resize(400, 30);
+    button_.setText(QStringLiteral("/f"));
+    EXPECT_EQ(toolTip(), QStringLiteral("where frames go"));
+}
+
+TEST_F(PathButtonTest, APathThatIsTooLongIsItsOwnTip) {
+    button_.resize(150, 30);
+    button_.setText(QStringLiteral("/home/somebody/Pictures/Q&&A/a rather long name"));
+    EXPECT_EQ(toolTip(), QStringLiteral("/home/somebody/Pictures/Q&A/a rather long name"));
+}
+
+TEST_F(PathButtonTest, APathThatLooksLikeMarkedUpTextIsShownAsItIs) {
+    button_.resize(150, 30);
+    const QString path = QStringLiteral("/home/somebody/<b>bold</b>/a  rather & long name");
+    button_.setText(withoutMnemonic(path));
+    QTextDocument shown;
+    const QString tip = toolTip();
+    ASSERT_TRUE(Qt::mightBeRichText(tip));
+    shown.setHtml(tip);
+    EXPECT_EQ(shown.toPlainText(), path);
+}
+
+TEST_F(PathButtonTest, ALongPathDoesNotWidenTheWindow) {
+    button_.setText(QString(1000, u'x'));
+    EXPECT_LE(button_.minimumSizeHint().width(), 120);
+    EXPECT_LE(button_.sizeHint().width(), 240);
+}
+
+TEST_F(PathButtonTest, APathReadsFromLeftToRightInEveryLanguage) {
+    const auto picture = [this](const QString& path, Qt::LayoutDirection direction) {
+        button_.setText(path);
+        button_.setLayoutDirection(direction);
+        return button_.grab().toImage();
+    };
+    button_.resize(400, 30);
+    // Left alone, its first stroke would stand at the end.
+    for (const QString& path : {QStringLiteral("/home/frames."), QStringLiteral("/123/45."),
+                                QString::fromUtf8("/home/\u05d0\u05d1/\u05d2\u05d3.")}) {
+        EXPECT_EQ(picture(path, Qt::LeftToRight), picture(path, Qt::RightToLeft))
+            << path.toStdString();
+    }
+}
+
+TEST_F(PathButtonTest, BothEndsOfALongPathAreSeen) {
+    const auto picture = [this](const char* path) {
+        button_.setText(QString::fromUtf8(path));
+        return button_.grab().toImage();
+    };
+    button_.resize(150, 30);
+    const QImage path = picture("/a/Pictures/a rather long name of a folder/frames");
+    EXPECT_NE(path, picture("/b/Pictures/a rather long name of a folder/frames"));
+    EXPECT_NE(path, picture("/a/Pictures/a rather long name of a folder/trames"));
+    EXPECT_EQ(path, picture("/a/Pictures/a rather wide name of a folder/frames"));
+}
+
+} // namespace
+} // namespace vistrane

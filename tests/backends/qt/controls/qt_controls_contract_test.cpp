@@ -1,0 +1,8 @@
+#include "tests/backends/qt/controls/ControlWidgets.h"
+#include "tests/contract/ControlContract.h"
+
+namespace vistrane {
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, ControlContract, ControlWidgets, contract::Names);
+
+} // namespace vistrane

@@ -1,0 +1,254 @@
+#include <algorithm>
+#include <optional>
+
+#include "backends/cameras/MediaPreviewLayer.h"
+#include "backends/pictures/MediaImage.h"
+#include "backends/qt/controls/QtImage.h"
+#include "backends/qt/controls/QtResources.h"
+#include "platform/appkit/NSColor.h"
+#include "tests/backends/qt/controls/ControlWidgets.h"
+
+namespace vistrane {
+namespace {
+
+/// One colour, and a count of how often it was decoded.
+class PlainPicture final : public PictureSource {
+public:
+    PlainPicture(std::uint32_t width, std::uint32_t height, bool isDamaged = false)
+        : PictureSource({width, height, {}, false}, "plain"), isDamaged_(isDamaged) {}
+
+    std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
+                                      std::ptrdiff_t stride) const override {
+        ++decoded_;
+        for (std::uint32_t row = 0; row < shape().height; ++row) {
+            std::fill_n(rows + row * stride, shape().width * bytesPerPixel(form),
+                        std::uint8_t{255});
+        }
+        return isDamaged_ ? std::optional(NSError{}) : std::nullopt;
+    }
+
+    mutable int decoded_ = 0;
+
+private:
+    bool isDamaged_;
+};
+
+class QtImageViewTest : public ::testing::Test {
+protected:
+    QtImageViewTest() { place_.resize(200, 100); }
+
+    void blacken() {
+        view_.setWantsLayer(true);
+        view_.layer()->setBackgroundColor(NSColor::blackColor().CGColor);
+    }
+    std::shared_ptr<PlainPicture> show(std::uint32_t width, std::uint32_t height,
+                                       bool isDamaged = false) {
+        auto picture = std::make_shared<PlainPicture>(width, height, isDamaged);
+        view_.setImage(std::make_shared<MediaImage>(picture));
+        return picture;
+    }
+    QColor colorAt(int x, int y) { return place_.grab().toImage().pixelColor(x, y); }
+
+    PictureWidget place_;
+    QtImageView view_{place_};
+};
+
+TEST_F(QtImageViewTest, TheLayersBackgroundShowsAroundThePicture) {
+    blacken();
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+    // Twice as high as wide in a place twice as wide as high: a quarter in the middle.
+    show(50, 100);
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::white));
+    EXPECT_EQ(colorAt(77, 50), QColor(Qt::white));
+    EXPECT_EQ(colorAt(72, 50), QColor(Qt::black));
+    EXPECT_EQ(colorAt(122, 50), QColor(Qt::white));
+    EXPECT_EQ(colorAt(127, 50), QColor(Qt::black));
+}
+
+TEST_F(QtImageViewTest, LargeAndSmallPicturesFillThePlaceAsFarAsTheirShapeAllows) {
+    blacken();
+    for (const std::uint32_t width : {8u, 1600u}) {
+        show(width, width / 4);
+        EXPECT_EQ(colorAt(3, 50), QColor(Qt::white));
+        EXPECT_EQ(colorAt(197, 50), QColor(Qt::white));
+        EXPECT_EQ(colorAt(100, 22), QColor(Qt::black));
+        EXPECT_EQ(colorAt(100, 78), QColor(Qt::black));
+    }
+}
+
+TEST_F(QtImageViewTest, AResizedPlaceKeepsThePictureCentred) {
+    blacken();
+    show(100, 100);
+    place_.resize(100, 300);
+    EXPECT_EQ(colorAt(50, 150), QColor(Qt::white));
+    EXPECT_EQ(colorAt(50, 97), QColor(Qt::black));
+    EXPECT_EQ(colorAt(50, 203), QColor(Qt::black));
+}
+
+TEST_F(QtImageViewTest, APictureIsDecodedOnceForHoweverManyPaintings) {
+    const auto picture = show(64, 64);
+    EXPECT_EQ(picture->decoded_, 0);
+    place_.grab();
+    place_.grab();
+    place_.resize(300, 300);
+    place_.grab();
+    EXPECT_EQ(picture->decoded_, 1);
+}
+
+TEST_F(QtImageViewTest, ALargePictureIsDecodedOnceMoreForOtherSizes) {
+    blacken();
+    const auto picture = show(800, 400);
+    place_.grab();
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::white));
+    EXPECT_EQ(picture->decoded_, 1);
+    for (const int side : {150, 300, 100}) {
+        place_.resize(side, side);
+        EXPECT_EQ(colorAt(side / 2, side / 2), QColor(Qt::white));
+        EXPECT_EQ(colorAt(2, side / 2), QColor(Qt::white));
+        EXPECT_EQ(colorAt(side / 2, side / 5), QColor(Qt::black));
+        EXPECT_EQ(picture->decoded_, 2);
+    }
+}
+
+TEST_F(QtImageViewTest, ALargeDamagedPictureIsNoPictureAndIsTriedOnce) {
+    blacken();
+    const auto picture = show(800, 400, true);
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+    place_.resize(300, 300);
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+    EXPECT_EQ(picture->decoded_, 1);
+}
+
+TEST_F(QtImageViewTest, APictureThatIsReplacedBeforeItIsSeenIsNeverDecoded) {
+    const auto first = show(64, 64);
+    const auto second = show(64, 64);
+    place_.grab();
+    EXPECT_EQ(first->decoded_, 0);
+    EXPECT_EQ(second->decoded_, 1);
+}
+
+TEST_F(QtImageViewTest, ADamagedPictureIsNoPictureAndIsTriedOnce) {
+    blacken();
+    const auto picture = show(64, 64, true);
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+    EXPECT_EQ(picture->decoded_, 1);
+}
+
+TEST_F(QtImageViewTest, APictureOfTheProgramsResourcesShowsInItsShape) {
+    blacken();
+    QImage pixels(50, 100, QImage::Format_RGB32);
+    pixels.fill(Qt::red);
+    view_.setImage(std::make_shared<QtImage>(pixels));
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::red));
+    EXPECT_EQ(colorAt(127, 50), QColor(Qt::black));
+    const QtResources resources;
+    view_.setImage(resources.imageNamed("vistrane"));
+    EXPECT_NE(colorAt(100, 50), QColor(Qt::red));
+    EXPECT_NE(colorAt(100, 50), QColor(Qt::black));
+    EXPECT_EQ(colorAt(47, 50), QColor(Qt::black));
+}
+
+TEST_F(QtImageViewTest, NoPictureEmptiesThePlace) {
+    blacken();
+    show(64, 64);
+    place_.grab();
+    view_.setImage(nullptr);
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+}
+
+TEST_F(QtImageViewTest, TheHintMakesRoomForTheFirstPictureAndStaysAway) {
+    blacken();
+    const QImage bare = place_.grab().toImage();
+    place_.setProperty("hint", "Frames appear here");
+    EXPECT_NE(place_.grab().toImage(), bare);
+    show(64, 64, true);
+    EXPECT_EQ(place_.grab().toImage(), bare);
+    view_.setImage(nullptr);
+    EXPECT_EQ(place_.grab().toImage(), bare);
+}
+
+TEST_F(QtImageViewTest, TheHintAlsoMakesRoomForAPictureThatCannotBeRead) {
+    blacken();
+    const QImage bare = place_.grab().toImage();
+    place_.setProperty("hint", "Frames appear here");
+    ASSERT_NE(place_.grab().toImage(), bare);
+    view_.setImage(nullptr);
+    EXPECT_EQ(place_.grab().toImage(), bare);
+}
+
+TEST_F(QtImageViewTest, WithoutAWantedLayerThereIsNoBackground) {
+    blacken();
+    view_.setWantsLayer(false);
+    EXPECT_EQ(view_.layer(), nullptr);
+    EXPECT_NE(colorAt(100, 50), QColor(Qt::black));
+}
+
+TEST_F(QtImageViewTest, TheBoundsAreThoseOfTheWidget) {
+    EXPECT_EQ(view_.bounds(), (NSRect{{0.0, 0.0}, {200.0, 100.0}}));
+}
+
+class LivePictureTest : public QtImageViewTest {
+protected:
+    LivePictureTest() {
+        blacken();
+        view_.layer()->addSublayer(preview_);
+    }
+    ~LivePictureTest() override { view_.setWantsLayer(false); }
+
+    /// One colour, 64 x 32.
+    PreviewPicture picture(std::uint8_t blue, std::uint8_t green, std::uint8_t red) {
+        constexpr std::size_t stride = 64 * 4 + 16;
+        const auto bytes = std::make_shared<std::vector<std::uint8_t>>();
+        while (bytes->size() < stride * 32) {
+            bytes->insert(bytes->end(), {blue, green, red, 0});
+        }
+        return {std::shared_ptr<const std::uint8_t>(bytes, bytes->data()), 64, 32, stride};
+    }
+
+    bool isWanted_ = false;
+    std::shared_ptr<MediaPreviewLayer> preview_ =
+        std::make_shared<MediaPreviewLayer>([this](bool wanted) { isWanted_ = wanted; });
+};
+
+TEST_F(LivePictureTest, PicturesAreWantedOnlyWhileThePlaceIsSeen) {
+    EXPECT_FALSE(isWanted_);
+    place_.show();
+    EXPECT_TRUE(isWanted_);
+    place_.hide();
+    EXPECT_FALSE(isWanted_);
+    place_.show();
+    EXPECT_TRUE(isWanted_);
+    view_.setWantsLayer(false);
+    EXPECT_FALSE(isWanted_);
+    place_.hide();
+    EXPECT_FALSE(isWanted_);
+}
+
+TEST_F(LivePictureTest, TheNewestPictureShowsAndTheCameraGetsItsMemoryBack) {
+    place_.show();
+    const PreviewPicture first = picture(255, 0, 0);
+    preview_->show(first);
+    EXPECT_EQ(first.pixels.use_count(), 1);
+    preview_->show(picture(10, 20, 200));
+    EXPECT_EQ(colorAt(100, 50), QColor(200, 20, 10));
+    EXPECT_EQ(colorAt(3, 50), QColor(200, 20, 10));
+}
+
+TEST_F(LivePictureTest, AnEmptyPictureLeavesThePlaceBlack) {
+    place_.show();
+    preview_->show(picture(255, 255, 255));
+    preview_->show({});
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+}
+
+TEST_F(LivePictureTest, AnOldPictureIsNotSeenWhenThePlaceIsSeenAgain) {
+    place_.show();
+    preview_->show(picture(255, 255, 255));
+    place_.hide();
+    place_.show();
+    EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
+}
+
+} // namespace
+} // namespace vistrane

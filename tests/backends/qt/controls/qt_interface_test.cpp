@@ -1,0 +1,687 @@
+#include <map>
+#include <set>
+#include <stdexcept>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTest>
+#include <gmock/gmock.h>
+
+#include "backends/qt/controls/QtInterface.h"
+#include "backends/qt/menus/QtApplication.h"
+#include "backends/sim/Sim.h"
+#include "core/app/AppDelegate.h"
+#include "core/infopanel/mantisQRXpanel.h"
+
+namespace vistrane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class QtInterfaceTest : public ::testing::Test {
+protected:
+    NSNib& controller() { return interface_.nib("AppDelegate"); }
+    NSNib& panel() { return interface_.nib("mantisQRXpanel"); }
+
+    template <typename Control>
+    std::shared_ptr<Control> outlet(NSNib& nib, const char* name) {
+        std::shared_ptr<Control> field;
+        nib.outlet(name, field);
+        return field;
+    }
+    template <typename Widget>
+    Widget& widget(const char* name) {
+        for (QWidget* window : interface_.windows()) {
+            auto* const own = dynamic_cast<Widget*>(window);
+            if (own != nullptr && own->objectName() == QLatin1String(name)) {
+                return *own;
+            }
+            if (auto* const child = window->findChild<Widget*>(name)) {
+                return *child;
+            }
+        }
+        throw std::out_of_range(name);
+    }
+    /// Counts what is sent under that selector.
+    void offer(NSNib& nib, const std::string& selector) {
+        nib.action(selector, [this, selector](NSObject*) { sent_.push_back(selector); });
+    }
+    std::vector<std::string> takeSent() { return std::exchange(sent_, {}); }
+
+    void show() {
+        QWidget& window = interface_.mainWindow();
+        window.show();
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    QtResources resources_;
+    QtInterface interface_{resources_};
+    std::vector<std::string> sent_;
+};
+
+TEST_F(QtInterfaceTest, TheControllerFindsAllItsOutlets) {
+    Sim sim;
+    AppDelegate delegate(sim.platform());
+    EXPECT_THAT(delegate.connectInterface(controller()), IsEmpty());
+    EXPECT_NE(delegate.leadingImage, nullptr);
+    EXPECT_NE(delegate.previewView, nullptr);
+}
+
+TEST_F(QtInterfaceTest, ThePanelFindsAllItsOutlets) {
+    Sim sim;
+    mantisQRXpanel object(sim.platform());
+    EXPECT_THAT(object.connectInterface(panel()), IsEmpty());
+    EXPECT_NE(object.tipView, nullptr);
+}
+
+TEST_F(QtInterfaceTest, EachObjectHasTheOutletsOfItsOwnFiles) {
+    EXPECT_EQ(outlet<NSButton>(panel(), "startB"), nullptr);
+    EXPECT_EQ(outlet<NSButton>(controller(), "dockButton"), nullptr);
+    // But the version goes into the title of the main window.
+    EXPECT_EQ(outlet<NSWindow>(panel(), "myWindow"), outlet<NSWindow>(controller(), "myWindow"));
+}
+
+TEST_F(QtInterfaceTest, AnOutletOfAnotherKindStaysEmpty) {
+    EXPECT_EQ(outlet<NSSlider>(controller(), "startB"), nullptr);
+    EXPECT_EQ(outlet<NSButton>(controller(), "nobody"), nullptr);
+}
+
+TEST_F(QtInterfaceTest, ThePanelsOwnWindowIsTheInfoPanel) {
+    Sim sim;
+    mantisQRXpanel object(sim.platform());
+    object.connectInterface(panel());
+    object.makeKeyAndOrderFront(nullptr);
+    EXPECT_TRUE(widget<QWidget>("infoPanel").isVisible());
+}
+
+TEST_F(QtInterfaceTest, TheControlsStartWithTheirTitlesRangesAndValues) {
+    const auto title = [this](const char* name) {
+        return outlet<NSButton>(controller(), name)->title();
+    };
+    EXPECT_EQ(title("startB"), "Start Auto Capture");
+    EXPECT_EQ(title("oneB"), "Single Frame");
+    EXPECT_EQ(title("compilingB"), "Compile Movie");
+    EXPECT_EQ(title("outfolderB"), "click to select the output folder");
+    EXPECT_EQ(title("previewPlayButton"), "");
+    const auto rate = outlet<NSSlider>(controller(), "fpsS");
+    EXPECT_EQ(rate->intValue(), 25);
+    rate->setIntegerValue(0);
+    EXPECT_EQ(rate->intValue(), 1);
+    rate->setIntegerValue(1000);
+    EXPECT_EQ(rate->intValue(), 60);
+    const auto frames = outlet<NSSlider>(controller(), "photoSlider");
+    frames->setIntegerValue(1);
+    EXPECT_EQ(frames->intValue(), 0);
+    EXPECT_EQ(outlet<NSPopUpButton>(controller(), "AVDevicePopUp")->indexOfSelectedItem(), -1);
+    EXPECT_EQ(outlet<NSButton>(controller(), "slowB")->state(), 0);
+}
+
+TEST_F(QtInterfaceTest, EachButtonSendsItsAction) {
+    const std::map<std::string, std::string> controllers{
+        {"startB", "startRunning:"},         {"oneB", "addFrameClick:"},
+        {"compilingB", "genneratingMovie:"}, {"outfolderB", "outputFolder:"},
+        {"fpsHelpB", "whatisFPS:"},          {"previewPlayButton", "playPictures:"}};
+    const std::map<std::string, std::string> panels{
+        {"dockButton", "dockIconSwitching:"}, {"tipsB", "showEasyStartTip:"},
+        {"autostartB", "tipsForAutostart:"},  {"rateB", "rateMe:"},
+        {"mailB", "sendEmailtoMe:"},          {"requestB", "featureRequest:"},
+        {"moreB", "moreBYmantisqrx:"},        {"tipNextB", "tipNext:"},
+        {"tipPreviousB", "tipPreverious:"},   {"tipButton", "tipButtonChanged:"}};
+    for (const auto& [name, selector] : controllers) {
+        offer(controller(), selector);
+        widget<QAbstractButton>(name.c_str()).click();
+        EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
+    }
+    for (const auto& [name, selector] : panels) {
+        offer(panel(), selector);
+        widget<QAbstractButton>(name.c_str()).click();
+        EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
+    }
+}
+
+TEST_F(QtInterfaceTest, FieldsAndSlidersSendTheirActions) {
+    show();
+    for (const char* selector : {"timeIntervalchanged:", "rateChanged:", "sliderDisplaying:"}) {
+        offer(controller(), selector);
+    }
+    for (const char* name : {"hInput", "mInput", "sInput"}) {
+        QTest::keyClick(&widget<QWidget>(name), Qt::Key_Return);
+        EXPECT_THAT(takeSent(), ElementsAre("timeIntervalchanged:")) << name;
+    }
+    QTest::keyClick(&widget<QWidget>("fpsS"), Qt::Key_Right);
+    EXPECT_THAT(takeSent(), ElementsAre("rateChanged:"));
+    outlet<NSSlider>(controller(), "photoSlider")->setMaxValue(5.0);
+    QTest::keyClick(&widget<QWidget>("photoSlider"), Qt::Key_Right);
+    EXPECT_THAT(takeSent(), ElementsAre("sliderDisplaying:"));
+}
+
+TEST_F(QtInterfaceTest, AfterTheStartWhatIsTypedGoesIntoNoFieldAndTheTabulatorGoesOn) {
+    show();
+    const auto window = outlet<NSWindow>(controller(), "myWindow");
+    controller().action("startRunning:",
+                        [window](NSObject*) { window->makeFirstResponder(nullptr); });
+    auto& minutes = widget<QLineEdit>("mInput");
+    for (int round = 0; round < 2; ++round) {
+        minutes.setFocus();
+        minutes.selectAll();
+        QTest::keyClicks(&minutes, QStringLiteral("7"));
+        widget<QAction>("startItem").trigger();
+        QWidget* const focused = QApplication::focusWidget();
+        ASSERT_NE(focused, nullptr);
+        QTest::keyClicks(focused, QStringLiteral("4"));
+        EXPECT_EQ(minutes.text(), QStringLiteral("7"));
+        QTest::keyClick(focused, round == 0 ? Qt::Key_Tab : Qt::Key_Backtab);
+        EXPECT_EQ(QApplication::focusWidget(), &widget<QWidget>(round == 0 ? "sInput" : "mInput"));
+    }
+}
+
+TEST_F(QtInterfaceTest, AfterTheStartByItsKeyTheTabulatorGoesOnFromTheButton) {
+    show();
+    const auto window = outlet<NSWindow>(controller(), "myWindow");
+    controller().action("startRunning:",
+                        [window](NSObject*) { window->makeFirstResponder(nullptr); });
+    auto& start = widget<QWidget>("startB");
+    for (int round = 0; round < 2; ++round) {
+        start.setFocus();
+        QTest::keyClick(&start, Qt::Key_Space);
+        QWidget* const focused = QApplication::focusWidget();
+        ASSERT_NE(focused, nullptr);
+        ASSERT_NE(focused, &start);
+        window->makeFirstResponder(nullptr);
+        EXPECT_EQ(QApplication::focusWidget(), focused);
+        QTest::keyClick(focused, round == 0 ? Qt::Key_Tab : Qt::Key_Backtab);
+        EXPECT_EQ(QApplication::focusWidget(), &widget<QWidget>(round == 0 ? "oneB" : "startB"));
+    }
+}
+
+TEST_F(QtInterfaceTest, APressOfTheFrameSliderTellsOfTheFramesHoweverFewThereAre) {
+    Sim sim;
+    AppDelegate delegate(sim.platform());
+    delegate.connectInterface(controller());
+    show();
+    auto& slider = widget<QWidget>("photoSlider");
+    QTest::mouseClick(&slider, Qt::LeftButton, {}, slider.rect().center());
+    EXPECT_EQ(widget<QLabel>("currentS").text(), "Displaying frame 1 of 0");
+    delegate.pictureArray.store(
+        std::make_shared<const std::vector<std::string>>(std::vector<std::string>{"/a.png"}));
+    QTest::mouseClick(&slider, Qt::LeftButton, {}, slider.rect().center());
+    EXPECT_EQ(widget<QLabel>("currentS").text(), "Displaying frame 1 of 1");
+}
+
+TEST_F(QtInterfaceTest, EachMenuItemSendsItsAction) {
+    const std::map<std::string, std::string> items{{"chooseFolderItem", "outputFolder:"},
+                                                   {"startItem", "startRunning:"},
+                                                   {"singleItem", "addFrameClick:"},
+                                                   {"playItem", "playPictures:"},
+                                                   {"compileItem", "genneratingMovie:"},
+                                                   {"hideItem", "realHide:"},
+                                                   {"showItem", "realUnhide:"},
+                                                   {"frameRateItem", "whatisFPS:"},
+                                                   {"tipsItem", "showEasyStartTip:"},
+                                                   {"autostartItem", "tipsForAutostart:"},
+                                                   {"rateItem", "rateMe:"},
+                                                   {"mailItem", "sendEmailtoMe:"},
+                                                   {"requestItem", "featureRequest:"},
+                                                   {"moreItem", "moreBYmantisqrx:"}};
+    for (const auto& [name, selector] : items) {
+        offer(controller(), selector);
+        widget<QAction>(name.c_str()).trigger();
+        EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
+    }
+}
+
+TEST_F(QtInterfaceTest, AMenuItemDoesNothingWhileADialogIsUp) {
+    for (const char* selector : {"startRunning:", "realHide:", "rateMe:"}) {
+        offer(controller(), selector);
+    }
+    const auto chooseAll = [this] {
+        for (const char* name : {"startItem", "hideItem", "rateItem", "infoItem"}) {
+            widget<QAction>(name).trigger();
+        }
+    };
+    QDialog dialog;
+    dialog.setModal(true);
+    dialog.show();
+    chooseAll();
+    EXPECT_THAT(takeSent(), IsEmpty());
+    EXPECT_FALSE(widget<QWidget>("infoPanel").isVisible());
+    dialog.close();
+    chooseAll();
+    EXPECT_THAT(takeSent(), ElementsAre("startRunning:", "realHide:", "rateMe:"));
+    EXPECT_TRUE(widget<QWidget>("infoPanel").isVisible());
+}
+
+TEST_F(QtInterfaceTest, AMenuItemIsEnabledWithItsButton) {
+    const auto button = outlet<NSButton>(controller(), "compilingB");
+    button->setEnabled(false);
+    EXPECT_FALSE(widget<QAction>("compileItem").isEnabled());
+    button->setEnabled(true);
+    EXPECT_TRUE(widget<QAction>("compileItem").isEnabled());
+}
+
+TEST_F(QtInterfaceTest, TheMenusOffersAreInTheStatusMenuToo) {
+    QStringList names;
+    for (const QAction* item : interface_.statusMenu().actions()) {
+        names << item->objectName();
+    }
+    for (const char* name : {"startItem", "singleItem", "hideItem", "showItem", "quitItem"}) {
+        EXPECT_TRUE(names.contains(QString::fromUtf8(name))) << name;
+    }
+}
+
+TEST_F(QtInterfaceTest, ThePromotionsHangInTheMainTheStatusAndTheContextMenu) {
+    Sim sim;
+    for (const char* name : {"mantisSubmenuM", "mantisSubmenuS", "mantisSubmenuD"}) {
+        EXPECT_NE(outlet<NSMenuItem>(panel(), name), nullptr) << name;
+    }
+    EXPECT_NE(outlet<NSMenuItem>(panel(), "mantisSubmenuM"),
+              outlet<NSMenuItem>(panel(), "mantisSubmenuS"));
+    EXPECT_NE(outlet<NSMenu>(panel(), "sMenu"), nullptr);
+}
+
+TEST_F(QtInterfaceTest, WithoutMenuBarAndStatusIconTheInfoPanelOpensByKeyAndContextMenu) {
+    QtApplication application([] { return false; });
+    application.setActivationPolicy(NSApplicationActivationPolicyAccessory);
+    show();
+    ASSERT_FALSE(widget<QMenuBar>("menuBar").isVisible());
+    QWidget& info = widget<QWidget>("infoPanel");
+    QTest::keySequence(&interface_.mainWindow(), QKeySequence("Shift+F1"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return info.isVisible(); }));
+    info.close();
+
+    QWidget& place = widget<QWidget>("centralWidget");
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(3, 3),
+                            place.mapToGlobal(QPoint(3, 3)));
+    QApplication::sendEvent(&place, &event);
+    auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    menu->setActiveAction(&widget<QAction>("infoItem"));
+    QTest::keyClick(menu, Qt::Key_Return);
+    EXPECT_TRUE(info.isVisible());
+}
+
+TEST_F(QtInterfaceTest, ThePanelIsToldWhenTheTipsWindowCloses) {
+    offer(panel(), "windowWillClose:");
+    QWidget& tips = widget<QWidget>("tipWindow");
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    tips.close();
+    EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
+    show();
+    interface_.mainWindow().close();
+    EXPECT_THAT(takeSent(), IsEmpty());
+}
+
+TEST_F(QtInterfaceTest, TheSmallWindowsAreWindowsOfTheirOwn) {
+    show();
+    for (const char* name : {"tipWindow", "infoPanel"}) {
+        QWidget& window = widget<QWidget>(name);
+        EXPECT_EQ(window.parentWidget(), nullptr) << name;
+        window.show();
+        EXPECT_EQ(window.windowHandle()->transientParent(), nullptr) << name;
+        // Others a window manager takes for companions of the main window.
+        EXPECT_EQ(window.windowType(), Qt::Window) << name;
+        EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowMinimizeButtonHint)) << name;
+    }
+    QWidget& main = interface_.mainWindow();
+    main.showMinimized();
+    widget<QAction>("infoItem").trigger();
+    EXPECT_TRUE(main.isMinimized());
+    EXPECT_FALSE(widget<QWidget>("infoPanel").isMinimized());
+}
+
+TEST_F(QtInterfaceTest, HidingMinimisesEveryWindowAndUnhidingBringsBackTheMainOne) {
+    QtApplication application([] { return true; });
+    show();
+    const auto main = outlet<NSWindow>(controller(), "myWindow");
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    widget<QAction>("infoItem").trigger();
+    application.miniaturizeAll(nullptr);
+    for (const QWidget* window : interface_.windows()) {
+        EXPECT_TRUE(window->isMinimized()) << window->objectName().toStdString();
+    }
+    main->makeKeyAndOrderFront(nullptr);
+    EXPECT_FALSE(interface_.mainWindow().isMinimized());
+    EXPECT_TRUE(widget<QWidget>("tipWindow").isMinimized());
+    EXPECT_TRUE(widget<QWidget>("infoPanel").isMinimized());
+    widget<QAction>("infoItem").trigger();
+    EXPECT_FALSE(widget<QWidget>("infoPanel").isMinimized());
+}
+
+TEST_F(QtInterfaceTest, UnhidingBringsTheMainWindowInFrontOfTheActiveOne) {
+    QtApplication application([] { return true; });
+    QWidget& main = interface_.mainWindow();
+    application.setMainWindow(&main);
+    show();
+    widget<QAction>("infoItem").trigger();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("infoPanel")));
+    outlet<NSWindow>(controller(), "myWindow")->makeKeyAndOrderFront(nullptr);
+    application.activateIgnoringOtherApps(true);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&main));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::activeWindow(), &main);
+}
+
+TEST_F(QtInterfaceTest, ASmallWindowFirstAppearsInTheMiddleOfTheMainOneAndThenWhereItWasPut) {
+    show();
+    QWidget& main = interface_.mainWindow();
+    main.setGeometry(60, 40, 700, 600);
+    QWidget& info = widget<QWidget>("infoPanel");
+    widget<QAction>("infoItem").trigger();
+    const QPoint apart = info.geometry().center() - main.geometry().center();
+    EXPECT_LE(apart.manhattanLength(), 80);
+    info.move(5, 6);
+    info.close();
+    widget<QAction>("infoItem").trigger();
+    EXPECT_EQ(info.pos(), QPoint(5, 6));
+}
+
+TEST_F(QtInterfaceTest, AWindowThatIsShownTooEarlyComesUpInFrontOfTheMainOne) {
+    interface_.holdSmallWindows();
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    QWidget& tips = widget<QWidget>("tipWindow");
+    EXPECT_FALSE(tips.isVisible());
+    show();
+    EXPECT_FALSE(tips.isVisible());
+    interface_.releaseSmallWindows();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&tips));
+    EXPECT_FALSE(widget<QWidget>("infoPanel").isVisible());
+    tips.close();
+    interface_.releaseSmallWindows();
+    EXPECT_FALSE(tips.isVisible());
+}
+
+TEST_F(QtInterfaceTest, EscapeClosesTheSmallWindows) {
+    offer(panel(), "windowWillClose:");
+    QWidget& tips = widget<QWidget>("tipWindow");
+    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&tips));
+    QTest::keyClick(&tips, Qt::Key_Escape);
+    EXPECT_FALSE(tips.isVisible());
+    EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
+}
+
+/// Wakes and counts; draws nothing.
+class CountedCell final : public NSSliderCell {
+public:
+    explicit CountedCell(int& awake) : awake_(awake) {}
+    void awakeFromNib() override { ++awake_; }
+    NSRect rectOfTickMarkAtIndex(NSInteger) override { return NSZeroRect; }
+    void drawKnob(NSRect) override {}
+
+private:
+    int& awake_;
+};
+
+TEST_F(QtInterfaceTest, TheFrameSlidersCellIsAskedWhereTheTickMarksAre) {
+    std::vector<NSInteger> asked;
+    class AskedCell final : public NSSliderCell {
+    public:
+        explicit AskedCell(std::vector<NSInteger>& asked) : asked_(asked) {}
+        void awakeFromNib() override {}
+        NSRect rectOfTickMarkAtIndex(NSInteger index) override {
+            asked_.push_back(index);
+            return NSZeroRect;
+        }
+        void drawKnob(NSRect) override {}
+
+    private:
+        std::vector<NSInteger>& asked_;
+    };
+    controller().sliderCell("hidenSlidercell", [&] { return std::make_shared<AskedCell>(asked); });
+    widget<QWidget>("photoSlider").grab();
+    EXPECT_THAT(asked, ::testing::SizeIs(11));
+}
+
+TEST_F(QtInterfaceTest, OneSliderGetsACellOfTheOfferedClassAndWakesIt) {
+    int made = 0;
+    int awake = 0;
+    const auto make = [&] {
+        ++made;
+        return std::make_shared<CountedCell>(awake);
+    };
+    controller().sliderCell("anotherCell", make);
+    EXPECT_EQ(made, 0);
+    controller().sliderCell("hidenSlidercell", make);
+    EXPECT_EQ(made, 1);
+    EXPECT_EQ(awake, 1);
+}
+
+// ---- For every person --------------------------------------------------------------------------
+
+class QtInterfaceAccessTest : public QtInterfaceTest {
+protected:
+    std::vector<QWidget*> windows() { return interface_.windows(); }
+    static std::vector<QWidget*> focusChain(QWidget& window) {
+        std::vector<QWidget*> chain;
+        for (QWidget* next = window.nextInFocusChain(); next != &window;
+             next = next->nextInFocusChain()) {
+            const bool takesFocus = (next->focusPolicy() & Qt::TabFocus) != 0;
+            if (next->window() == &window && takesFocus && next->isVisibleTo(&window) &&
+                next->focusProxy() == nullptr) {
+                chain.push_back(next);
+            }
+        }
+        return chain;
+    }
+};
+
+TEST_F(QtInterfaceAccessTest, WhateverTakesFocusHasANameAndADescription) {
+    std::size_t count = 0;
+    for (QWidget* window : windows()) {
+        for (QWidget* focusable : focusChain(*window)) {
+            QAccessibleInterface* const access = QAccessible::queryAccessibleInterface(focusable);
+            ASSERT_NE(access, nullptr);
+            const std::string name = focusable->objectName().toStdString();
+            EXPECT_FALSE(access->text(QAccessible::Name).isEmpty()) << name;
+            EXPECT_FALSE(access->text(QAccessible::Description).isEmpty()) << name;
+            ++count;
+        }
+    }
+    EXPECT_GE(count, 20U);
+}
+
+TEST_F(QtInterfaceAccessTest, TheTabulatorGoesThroughTheMainWindowInReadingOrder) {
+    std::vector<std::string> names;
+    for (const QWidget* focusable : focusChain(interface_.mainWindow())) {
+        names.push_back(focusable->objectName().toStdString());
+    }
+    EXPECT_THAT(names, ElementsAre("AVDevicePopUp", "hInput", "mInput", "sInput", "startB", "oneB",
+                                   "slowB", "previewPlayButton", "photoSlider", "fpsS", "fpsHelpB",
+                                   "outfolderB", "compilingB"));
+}
+
+TEST_F(QtInterfaceAccessTest, TheTabulatorGoesThroughTheSmallWindows) {
+    EXPECT_THAT(focusChain(widget<QWidget>("tipWindow")), ::testing::SizeIs(3));
+    EXPECT_THAT(focusChain(widget<QWidget>("infoPanel")), ::testing::SizeIs(7));
+}
+
+TEST_F(QtInterfaceAccessTest, ShortcutsWorkWhateverTheTitlesAre) {
+    show();
+    const std::map<std::string, std::pair<std::string, std::vector<QKeySequence>>> shortcuts{
+        {"startB", {"startRunning:", {QKeySequence("Alt+S"), QKeySequence("Ctrl+T")}}},
+        {"oneB", {"addFrameClick:", {QKeySequence("Alt+G"), QKeySequence("Ctrl+G")}}},
+        {"previewPlayButton", {"playPictures:", {QKeySequence("Alt+P"), QKeySequence("Ctrl+P")}}},
+        {"compilingB", {"genneratingMovie:", {QKeySequence("Alt+C"), QKeySequence("Ctrl+M")}}},
+        {"outfolderB", {"outputFolder:", {QKeySequence("Alt+O"), QKeySequence("Ctrl+O")}}}};
+    for (const auto& [name, shortcut] : shortcuts) {
+        const auto& [selector, keys] = shortcut;
+        offer(controller(), selector);
+        const auto button = outlet<NSButton>(controller(), name.c_str());
+        for (const std::string& title : {button->title(), std::string("/tmp/&x"), std::string()}) {
+            button->setTitle(title);
+            for (const QKeySequence& sequence : keys) {
+                QTest::keySequence(&interface_.mainWindow(), sequence);
+                // A button is first seen going down.
+                EXPECT_TRUE(QTest::qWaitFor([this] { return !sent_.empty(); }));
+                EXPECT_THAT(takeSent(), ElementsAre(selector)) << name << " " << title;
+            }
+        }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, SpaceAndEnterPressTheButtonThatHasTheFocus) {
+    show();
+    for (const char* name : {"startB", "oneB", "outfolderB", "compilingB"}) {
+        auto& button = widget<QPushButton>(name);
+        int clicks = 0;
+        QObject::connect(&button, &QPushButton::clicked, &button, [&] { ++clicks; });
+        button.setFocus();
+        QTest::keyClick(&button, Qt::Key_Space);
+        QTest::keyClick(&button, Qt::Key_Return);
+        EXPECT_EQ(clicks, 2) << name;
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, AKeyThatIsHeldDownPressesAButtonOnce) {
+    show();
+    auto& button = widget<QPushButton>("startB");
+    int clicks = 0;
+    QObject::connect(&button, &QPushButton::clicked, &button, [&] { ++clicks; });
+    button.setFocus();
+    const auto hold = [&](int key, Qt::KeyboardModifiers modifiers) {
+        clicks = 0;
+        QTest::simulateEvent(&button, true, key, modifiers, QString(), false);
+        // A button is first seen going down.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return clicks > 0 && !button.isDown(); }));
+        QTest::simulateEvent(&button, true, key, modifiers, QString(), true);
+        QTest::simulateEvent(&button, true, key, modifiers, QString(), true);
+        // Nor does it go down for another click.
+        EXPECT_FALSE(button.isDown());
+        QTest::simulateEvent(&button, false, key, modifiers, QString(), false);
+        return clicks;
+    };
+    EXPECT_EQ(hold(Qt::Key_T, Qt::ControlModifier), 1);
+    EXPECT_EQ(hold(Qt::Key_Return, Qt::NoModifier), 1);
+    EXPECT_EQ(hold(Qt::Key_Enter, Qt::KeypadModifier), 1);
+    EXPECT_EQ(hold(Qt::Key_S, Qt::AltModifier), 1);
+}
+
+TEST_F(QtInterfaceAccessTest, NoTwoThingsOfAWindowShareAShortcut) {
+    for (QWidget* window : windows()) {
+        std::multiset<std::string> all;
+        const auto add = [&](const QKeySequence& keys) {
+            if (!keys.isEmpty()) {
+                all.insert(keys.toString().toStdString());
+            }
+        };
+        for (const QAbstractButton* button : window->findChildren<QAbstractButton*>()) {
+            if (button->window() == window) {
+                add(button->shortcut());
+            }
+        }
+        for (const QLabel* label : window->findChildren<QLabel*>()) {
+            if (label->window() == window && label->buddy() != nullptr) {
+                add(QKeySequence::mnemonic(label->text()));
+            }
+        }
+        for (const QAction* action : window->findChildren<QAction*>()) {
+            add(action->shortcut());
+        }
+        for (const QMenuBar* bar : window->findChildren<QMenuBar*>()) {
+            for (const QAction* menu : bar->actions()) {
+                add(QKeySequence::mnemonic(menu->text()));
+            }
+        }
+        EXPECT_THAT(all, ::testing::Not(IsEmpty()));
+        for (const std::string& keys : all) {
+            EXPECT_EQ(all.count(keys), 1U) << keys;
+        }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, NoTwoItemsOfAMenuShareAMnemonic) {
+    for (const QMenu* menu : interface_.mainWindow().findChildren<QMenu*>()) {
+        std::set<std::string> seen;
+        for (const QAction* item : menu->actions()) {
+            const QString keys = QKeySequence::mnemonic(item->text()).toString();
+            EXPECT_TRUE(item->isSeparator() || seen.insert(keys.toStdString()).second)
+                << item->text().toStdString();
+        }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, TheViewsAreEquallyLargeInEveryWindowSizeAndDirection) {
+    QWidget& window = interface_.mainWindow();
+    outlet<NSButton>(controller(), "outfolderB")->setTitle("/" + std::string(2000, 'x'));
+    outlet<NSTextField>(controller(), "currentS")
+        ->setStringValue("Displaying frame 2147483647 of 2147483647");
+    outlet<NSTextField>(controller(), "timeD")->setStringValue("( t = 3599999 s )");
+    outlet<NSPopUpButton>(controller(), "AVDevicePopUp")->addItemWithTitle(std::string(300, 'w'));
+    for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        window.setLayoutDirection(direction);
+        for (const QSize size : {QSize(900, 600), QSize(1600, 1000), QSize(3840, 2160)}) {
+            window.resize(size);
+            show();
+            QCoreApplication::processEvents();
+            EXPECT_EQ(window.size(), size);
+            const QSize camera = widget<QWidget>("previewView").size();
+            EXPECT_EQ(camera, widget<QWidget>("myDisplay").size());
+            EXPECT_GE(camera.height(), size.height() / 2);
+            for (const QWidget* child : window.findChildren<QWidget*>()) {
+                if (child->window() == &window && child->isVisible()) {
+                    const QRect place(child->mapTo(&window, QPoint()), child->size());
+                    EXPECT_TRUE(window.rect().contains(place)) << child->objectName().toStdString();
+                }
+            }
+        }
+    }
+}
+
+TEST_F(QtInterfaceAccessTest, LargeLettersMakeTheLeastWindowLargerAndHideNothing) {
+    QWidget& window = interface_.mainWindow();
+    QSize last(0, 0);
+    for (const int pixels : {12, 22}) {
+        QFont font = QApplication::font();
+        font.setPixelSize(pixels);
+        window.setFont(font);
+        show();
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            window.resize(1, 1);
+            return window.size() == window.minimumSizeHint();
+        }));
+        EXPECT_GT(window.height(), last.height());
+        last = window.size();
+        for (const QWidget* child : window.findChildren<QWidget*>()) {
+            const bool isOwn = child->window() == &window && child->isVisible();
+            // The bar has no text to hide.
+            const bool isBar = child->objectName() == QStringLiteral("progressBar");
+            if (isOwn && !isBar && !child->objectName().isEmpty()) {
+                const std::string name = child->objectName().toStdString();
+                EXPECT_GE(child->width(), child->minimumSizeHint().width()) << name << pixels;
+                EXPECT_GE(child->height(), child->minimumSizeHint().height()) << name << pixels;
+            }
+        }
+    }
+    EXPECT_LE(last.width(), 1366);
+    EXPECT_LE(last.height(), 768);
+}
+
+TEST_F(QtInterfaceAccessTest, TheWindowFitsInto900By600) {
+    const QSize least = interface_.mainWindow().minimumSizeHint();
+    EXPECT_LE(least.width(), 900);
+    EXPECT_LE(least.height(), 600);
+}
+
+TEST_F(QtInterfaceAccessTest, NoTwoControlsHaveOneName) {
+    std::multiset<std::string> names;
+    for (const QWidget* child : interface_.mainWindow().findChildren<QWidget*>()) {
+        const std::string name = child->objectName().toStdString();
+        if (!name.empty() && name.compare(0, 3, "qt_") != 0) {
+            names.insert(name);
+        }
+    }
+    for (const std::string& name : names) {
+        EXPECT_EQ(names.count(name), 1U) << name;
+    }
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,128 @@
+#include <QPainter>
+#include <gmock/gmock.h>
+
+#include "backends/pictures/graphics_state.h"
+#include "backends/qt/controls/QtGraphicsContext.h"
+#include "backends/qt/controls/QtImage.h"
+#include "backends/qt/controls/QtResources.h"
+
+namespace vistrane {
+namespace {
+
+class QtResourcesTest : public ::testing::Test {
+protected:
+    QtResources resources_;
+};
+
+TEST_F(QtResourcesTest, ThePicturesOfTheProgramAreThere) {
+    for (const char* name : {"play1", "play2", "play1-s", "play2-s", "12", "vistrane"}) {
+        const auto image = resources_.imageNamed(name);
+        ASSERT_NE(image, nullptr) << name;
+        EXPECT_GT(image->size().width, 0.0) << name;
+        EXPECT_GT(image->size().height, 0.0) << name;
+    }
+}
+
+TEST_F(QtResourcesTest, ANameMayHaveAnyEnding) {
+    EXPECT_NE(resources_.imageNamed("play1.svg"), nullptr);
+    EXPECT_NE(resources_.imageNamed("play1.png"), nullptr);
+}
+
+TEST_F(QtResourcesTest, WhatThereIsNotIsNull) {
+    for (const char* name : {"", ".", "..", "play", "play1/", "../pictures/play1", "\xff"}) {
+        EXPECT_EQ(resources_.imageNamed(name), nullptr) << name;
+    }
+}
+
+TEST_F(QtResourcesTest, AnIconIsCrispAtEverySize) {
+    const QIcon icon = iconOf(*resources_.imageNamed("play1"));
+    for (const int side : {16, 64, 512}) {
+        EXPECT_EQ(icon.pixmap(QSize(side, side)).size(), QSize(side, side));
+    }
+    // Vectors, not a small picture made large.
+    const QImage large = icon.pixmap(QSize(512, 512)).toImage();
+    const QImage stretched = icon.pixmap(QSize(16, 16))
+                                 .toImage()
+                                 .scaled(512, 512, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    EXPECT_NE(large, stretched);
+    EXPECT_NE(icon.pixmap(QSize(64, 64), QIcon::Disabled).toImage(),
+              icon.pixmap(QSize(64, 64)).toImage());
+}
+
+class QtImageTest : public ::testing::Test {
+protected:
+    QtImageTest() : picture_(QtImage::Picture(halves())) { canvas_.fill(Qt::white); }
+
+    ~QtImageTest() override { setCurrentGraphicsContext(nullptr); }
+
+    /// 4 x 4, the upper half red, the lower one blue.
+    static QImage halves() {
+        QImage image(4, 4, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::red);
+        for (int x = 0; x < 4; ++x) {
+            image.setPixelColor(x, 2, Qt::blue);
+            image.setPixelColor(x, 3, Qt::blue);
+        }
+        return image;
+    }
+
+    template <typename Draw>
+    void draw(Draw drawing) {
+        QPainter painter(&canvas_);
+        setCurrentGraphicsContext(std::make_shared<QtGraphicsContext>(painter, canvas_.height()));
+        drawing();
+        setCurrentGraphicsContext(nullptr);
+    }
+
+    QImage canvas_{40, 40, QImage::Format_RGB32};
+    QtImage picture_;
+};
+
+TEST_F(QtImageTest, IsStretchedOverTheRectangleFromTheBottomLeft) {
+    draw([&] {
+        picture_.drawInRect({{10.0, 0.0}, {8.0, 20.0}}, NSZeroRect,
+                            NSCompositingOperationSourceOver, 1.0);
+    });
+    EXPECT_EQ(canvas_.pixelColor(14, 22), QColor(Qt::red));
+    EXPECT_EQ(canvas_.pixelColor(14, 38), QColor(Qt::blue));
+    EXPECT_EQ(canvas_.pixelColor(14, 18), QColor(Qt::white));
+    EXPECT_EQ(canvas_.pixelColor(8, 30), QColor(Qt::white));
+    EXPECT_EQ(canvas_.pixelColor(19, 30), QColor(Qt::white));
+}
+
+TEST_F(QtImageTest, IsDrawnAtItsSizeAtAPoint) {
+    draw([&] {
+        picture_.drawAtPoint({10.0, 10.0}, NSZeroRect, NSCompositingOperationSourceOver, 1.0);
+    });
+    EXPECT_EQ(canvas_.pixelColor(10, 26), QColor(Qt::red));
+    EXPECT_EQ(canvas_.pixelColor(13, 29), QColor(Qt::blue));
+    EXPECT_EQ(canvas_.pixelColor(14, 29), QColor(Qt::white));
+    EXPECT_EQ(canvas_.pixelColor(10, 30), QColor(Qt::white));
+}
+
+TEST_F(QtImageTest, OnlyThePartThatIsAskedForIsDrawn) {
+    draw([&] {
+        picture_.drawInRect({{0.0, 0.0}, {40.0, 40.0}}, {{0.0, 0.0}, {4.0, 2.0}},
+                            NSCompositingOperationSourceOver, 1.0);
+    });
+    EXPECT_EQ(canvas_.pixelColor(20, 10), QColor(Qt::blue));
+    EXPECT_EQ(canvas_.pixelColor(20, 38), QColor(Qt::blue));
+}
+
+TEST_F(QtImageTest, AFractionLetsTheGroundShineThrough) {
+    draw([&] {
+        picture_.drawInRect({{0.0, 0.0}, {40.0, 40.0}}, NSZeroRect,
+                            NSCompositingOperationSourceOver, 0.5);
+    });
+    EXPECT_NEAR(canvas_.pixelColor(20, 5).green(), 128, 2);
+    EXPECT_EQ(canvas_.pixelColor(20, 5).red(), 255);
+}
+
+TEST_F(QtImageTest, WithoutAContextNothingIsDrawn) {
+    picture_.drawInRect({{0.0, 0.0}, {40.0, 40.0}}, NSZeroRect, NSCompositingOperationSourceOver,
+                        1.0);
+    EXPECT_EQ(canvas_.pixelColor(20, 5), QColor(Qt::white));
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,155 @@
+#include "backends/qt/system/Appearance.h"
+
+#include <functional>
+
+#include <QApplication>
+#include <QDBusVariant>
+#include <QPalette>
+#include <QProgressBar>
+#include <gtest/gtest.h>
+
+#include "backends/posix/clock.h"
+#include "backends/qt/system/QtRunLoop.h"
+#include "tests/backends/qt/system/FakeServices.h"
+
+namespace vistrane {
+namespace {
+
+constexpr char portalService[] = "org.freedesktop.portal.Desktop";
+constexpr char readMethod[] = "org.freedesktop.portal.Settings.Read";
+constexpr char group[] = "org.freedesktop.appearance";
+constexpr char key[] = "color-scheme";
+
+QVariant wrapped(const QVariant& value) {
+    return QVariant::fromValue(QDBusVariant(value));
+}
+
+class AppearanceTest : public ::testing::Test {
+protected:
+    ~AppearanceTest() override { services_.reset(); }
+
+    /// A portal that answers with that scheme.
+    void offerScheme(const QVariant& scheme) {
+        services_.offer(portalService);
+        services_.answer(readMethod, {wrapped(wrapped(scheme))});
+    }
+
+    bool runUntil(const std::function<bool()>& done) {
+        for (int step = 0; step < 6000 && !done(); ++step) {
+            loop_.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.01});
+        }
+        return done();
+    }
+
+    /// Runs the loop until every signal sent so far has arrived.
+    void receive(Appearance& appearance) {
+        bool arrived = false;
+        const bool wasDark = appearance.isDark();
+        appearance.setChangeHandler([&] { arrived = true; });
+        services_.sendSetting(group, key, QVariant(wasDark ? 2U : 1U));
+        EXPECT_TRUE(runUntil([&] { return arrived; }));
+    }
+
+    QtRunLoop loop_;
+    FakeServices& services_ = FakeServices::shared();
+};
+
+TEST_F(AppearanceTest, WithoutAPortalThePaletteDecides) {
+    const Appearance appearance;
+    EXPECT_FALSE(appearance.isDark());
+    EXPECT_EQ(appearance.interfaceStyle(), std::nullopt);
+}
+
+TEST_F(AppearanceTest, ADarkDesktopIsDarkFromTheStart) {
+    offerScheme(1U);
+    const Appearance appearance;
+    EXPECT_TRUE(appearance.isDark());
+    EXPECT_EQ(appearance.interfaceStyle(), "Dark");
+}
+
+TEST_F(AppearanceTest, ALightDesktopAndOneWithoutAPreferenceAreLight) {
+    for (const QVariant& scheme : {QVariant(2U), QVariant(0U), QVariant(7U), QVariant("dark")}) {
+        offerScheme(scheme);
+        EXPECT_FALSE(Appearance().isDark()) << scheme.toString().toStdString();
+    }
+}
+
+TEST_F(AppearanceTest, AnAnswerThatIsWrappedOnceIsUnderstood) {
+    services_.offer(portalService);
+    services_.answer(readMethod, {wrapped(1U)});
+    EXPECT_TRUE(Appearance().isDark());
+}
+
+TEST_F(AppearanceTest, ChangesAreTold) {
+    offerScheme(2U);
+    Appearance appearance;
+    std::vector<bool> told;
+    appearance.setChangeHandler([&] { told.push_back(appearance.isDark()); });
+    services_.sendSetting(group, key, QVariant(1U));
+    EXPECT_TRUE(runUntil([&] { return told.size() == 1; }));
+    services_.sendSetting(group, key, QVariant(1U));
+    // Signals that follow each other at once may overtake each other.
+    loop_.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.05});
+    receive(appearance);
+    EXPECT_EQ(told, (std::vector<bool>{true}));
+    EXPECT_FALSE(appearance.isDark());
+}
+
+TEST_F(AppearanceTest, OtherSettingsChangeNothing) {
+    offerScheme(2U);
+    Appearance appearance;
+    int told = 0;
+    appearance.setChangeHandler([&] { ++told; });
+    services_.sendSetting(group, "accent-color", QVariant(1U));
+    services_.sendSetting("org.gnome.desktop.interface", key, QVariant(1U));
+    receive(appearance);
+    EXPECT_EQ(told, 0);
+}
+
+TEST_F(AppearanceTest, APortalThatAnswersLateIsNotWaitedForAndChangesThingsLater) {
+    services_.offer(portalService);
+    services_.ignore(readMethod);
+    Appearance appearance;
+    EXPECT_FALSE(appearance.isDark());
+    bool told = false;
+    appearance.setChangeHandler([&] { told = true; });
+    services_.answer(readMethod, {wrapped(wrapped(1U))});
+    EXPECT_TRUE(runUntil([&] { return told || services_.countOf("Read") >= 2; }));
+    services_.sendSetting(group, key, QVariant(1U));
+    EXPECT_TRUE(runUntil([&] { return told; }));
+    EXPECT_TRUE(appearance.isDark());
+}
+
+TEST(Palette, IsAsDarkAsTheDesktop) {
+    const auto isDark = [] {
+        const QPalette palette = QApplication::palette();
+        return palette.color(QPalette::Window).lightness() <
+               palette.color(QPalette::WindowText).lightness();
+    };
+    applyPalette(true);
+    EXPECT_TRUE(isDark());
+    applyPalette(false);
+    EXPECT_FALSE(isDark());
+}
+
+TEST(Palette, LetsBoxesAndFieldsStandOutFromADarkWindow) {
+    applyPalette(true);
+    const QPalette palette = QApplication::palette();
+    EXPECT_GE(palette.color(QPalette::Base).lightness(),
+              palette.color(QPalette::Window).lightness() + 30);
+    EXPECT_GE(palette.color(QPalette::Text).lightness(),
+              palette.color(QPalette::Base).lightness() + 120);
+    applyPalette(false);
+}
+
+TEST(Palette, OfABarIsDarkerThanThatOfFieldsInDarkColoursOnly) {
+    QProgressBar bar;
+    const auto base = [&bar] { return bar.palette().color(QPalette::Base); };
+    applyPalette(true);
+    EXPECT_LT(base().lightness(), QApplication::palette().color(QPalette::Base).lightness());
+    applyPalette(false);
+    EXPECT_EQ(base(), QApplication::palette().color(QPalette::Base));
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,191 @@
+#include "backends/qt/system/QtOpenPanel.h"
+
+#include <filesystem>
+
+#include <QAbstractItemView>
+#include <QAction>
+#include <QApplication>
+#include <QFileDialog>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QShortcut>
+#include <QTimer>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/backends/qt/system/QtSystemBackend.h"
+#include "tests/contract/contract.h"
+
+namespace vistrane {
+namespace {
+
+using ::testing::Contains;
+using ::testing::Not;
+
+class QtOpenPanelTest : public ::testing::Test {
+protected:
+    QtOpenPanelTest() {
+        panel_.setTitle("Select Output Folder to Save the Capture");
+        panel_.setCanChooseDirectories(true);
+        panel_.setCanCreateDirectories(true);
+        panel_.setCanChooseFiles(false);
+        panel_.setPrompt("Save to This Folder");
+    }
+
+    /// Runs the panel and calls `act` when it is up.
+    NSModalResponse runWith(const std::function<void(QFileDialog&)>& act) {
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (dialog != nullptr) {
+                timer.stop();
+                act(*dialog);
+            }
+        });
+        timer.start(1);
+        return panel_.runModal();
+    }
+
+    NSModalResponse choose(const std::string& path) {
+        return runWith([&path](QFileDialog& dialog) {
+            dialog.findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(path));
+            QMetaObject::invokeMethod(&dialog, "accept");
+        });
+    }
+
+    /// Runs the panel in the test's folder, calls `act` when that is shown and its only folder is
+    /// the current one, and cancels.
+    void runInFolder(const std::function<void(QFileDialog&, QAbstractItemView&)>& act) {
+        bool isShown = false;
+        runWith([&](QFileDialog& dialog) {
+            dialog.setViewMode(QFileDialog::List);
+            dialog.setDirectory(QString::fromStdString(folder_.path()));
+            auto* const view = dialog.findChild<QAbstractItemView*>("listView");
+            isShown = contract::runUntil(backend_.foundation(), [view] {
+                return view->model()->rowCount(view->rootIndex()) == 1;
+            });
+            if (isShown) {
+                view->setCurrentIndex(view->model()->index(0, 0, view->rootIndex()));
+                act(dialog, *view);
+            }
+            dialog.reject();
+        });
+        EXPECT_TRUE(isShown);
+    }
+
+    TemporaryFolder folder_;
+    QtSystemBackend backend_;
+    QtOpenPanel panel_{backend_.dialogRules()};
+};
+
+TEST_F(QtOpenPanelTest, GivesTheChosenFolderWithoutATrailingSlash) {
+    std::filesystem::create_directory(folder_ / "a folder \xc3\xa4");
+    EXPECT_EQ(choose(folder_ / "a folder \xc3\xa4/"), NSModalResponseOK);
+    ASSERT_TRUE(panel_.URL());
+    EXPECT_EQ(panel_.URL()->path(), folder_ / "a folder \xc3\xa4");
+}
+
+TEST_F(QtOpenPanelTest, TheRootIsAChoice) {
+    EXPECT_EQ(choose("/"), NSModalResponseOK);
+    ASSERT_TRUE(panel_.URL());
+    EXPECT_EQ(panel_.URL()->path(), "/");
+}
+
+TEST_F(QtOpenPanelTest, CancelledItGivesNothing) {
+    EXPECT_EQ(runWith([](QFileDialog& dialog) { dialog.reject(); }), NSModalResponseCancel);
+    EXPECT_FALSE(panel_.URL());
+}
+
+TEST_F(QtOpenPanelTest, HasItsTitleAndItsPrompt) {
+    runWith([](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Select Output Folder to Save the Capture");
+        EXPECT_EQ(dialog.labelText(QFileDialog::Accept), "Save to This Folder");
+        EXPECT_TRUE(dialog.testOption(QFileDialog::ShowDirsOnly));
+        EXPECT_FALSE(dialog.testOption(QFileDialog::ReadOnly));
+        dialog.reject();
+    });
+}
+
+TEST_F(QtOpenPanelTest, ItsMenuOffersANewFolderButNeitherToRenameNorToDelete) {
+    std::filesystem::create_directory(folder_ / "frames");
+    runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
+        QStringList offered;
+        QTimer::singleShot(0, &dialog, [&offered] {
+            QWidget* const menu = QApplication::activePopupWidget();
+            ASSERT_NE(menu, nullptr);
+            for (const QAction* const action : menu->actions()) {
+                if (action->isVisible()) {
+                    offered << action->objectName();
+                }
+            }
+            menu->close();
+        });
+        emit view.customContextMenuRequested(view.visualRect(view.currentIndex()).center());
+        EXPECT_THAT(offered, Contains("qt_new_folder_action"));
+        EXPECT_THAT(offered, Not(Contains("qt_rename_action")));
+        EXPECT_THAT(offered, Not(Contains("qt_delete_action")));
+    });
+}
+
+TEST_F(QtOpenPanelTest, NoKeyDeletesOrRenames) {
+    std::filesystem::create_directory(folder_ / "frames");
+    runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
+        const auto shortcuts = dialog.findChildren<QShortcut*>();
+        int count = 0;
+        for (const QShortcut* const shortcut : shortcuts) {
+            if (shortcut->key() == QKeySequence("Delete")) {
+                ++count;
+                EXPECT_FALSE(shortcut->isEnabled());
+            }
+        }
+        EXPECT_GT(count, 0);
+        QKeyEvent rename(QEvent::KeyPress, Qt::Key_F2, Qt::NoModifier);
+        QApplication::sendEvent(&view, &rename);
+        EXPECT_EQ(view.findChild<QLineEdit*>(), nullptr);
+    });
+    EXPECT_TRUE(std::filesystem::exists(folder_ / "frames"));
+}
+
+TEST_F(QtOpenPanelTest, NothingCanBeDraggedElsewhere) {
+    runWith([](QFileDialog& dialog) {
+        for (const char* const name : {"listView", "treeView"}) {
+            const auto* const view = dialog.findChild<QAbstractItemView*>(name);
+            ASSERT_NE(view, nullptr);
+            EXPECT_EQ(view->dragDropMode(), QAbstractItemView::NoDragDrop);
+        }
+        dialog.reject();
+    });
+}
+
+TEST_F(QtOpenPanelTest, ANewFolderCanBeGivenItsName) {
+    std::filesystem::create_directory(folder_ / "frames");
+    runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
+        dialog.findChild<QAction*>("qt_new_folder_action")->trigger();
+        auto* const name = view.findChild<QLineEdit*>();
+        ASSERT_NE(name, nullptr);
+        name->setText("mine");
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QApplication::sendEvent(name, &enter);
+        QApplication::processEvents();
+    });
+    EXPECT_TRUE(std::filesystem::exists(folder_ / "mine"));
+}
+
+TEST_F(QtOpenPanelTest, TimersHoldBackWhileItIsOpen) {
+    int ticks = 0;
+    int ticksWhileUp = -1;
+    const auto timer = backend_.foundation().scheduledTimerWithTimeInterval(
+        0.005, [&](NSTimer&) { ++ticks; }, true);
+    runWith([&](QFileDialog& dialog) {
+        const int before = ticks;
+        QTimer::singleShot(100, &dialog, [&dialog, &ticks, &ticksWhileUp, before] {
+            ticksWhileUp = ticks - before;
+            dialog.reject();
+        });
+    });
+    EXPECT_EQ(ticksWhileUp, 0);
+    timer->invalidate();
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,171 @@
+#include <limits>
+
+#include "core/compiler/picture_size.h"
+#include "tests/core/compiler/CompilerTest.h"
+
+namespace vistrane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class PixelBuffer : public CompilerTest {
+protected:
+    std::shared_ptr<NSImage> picture(double width, double height) {
+        return sim.pictures().picture("p", {width, height});
+    }
+    SimPixels pixels(CVPixelBufferRef buffer) { return sim.drawing().pixels(buffer).value(); }
+    void expectNothingLeft() {
+        EXPECT_EQ(sim.drawing().liveContexts(), 0U);
+        EXPECT_EQ(sim.drawing().liveColorSpaces(), 0U);
+        EXPECT_EQ(sim.drawing().savedStates(), 0U);
+    }
+};
+
+TEST_F(PixelBuffer, APictureIsDrawnIntoANewBufferStepByStep) {
+    const CVPixelBufferRef buffer = delegate.fastImageFromNSImage(picture(4.0, 2.0));
+    EXPECT_THAT(
+        sim.takeCalls(),
+        ElementsAre("CVPixelBufferCreate: 4x2 format: 32 attributes: {CGImageCompatibility: YES, "
+                    "CGBitmapContextCompatibility: YES} -> buffer1",
+                    "CVPixelBufferLockBaseAddress: buffer1 flags: 0",
+                    "CGColorSpaceCreateWithName: kCGColorSpaceGenericRGB -> colorSpace1",
+                    "CGBitmapContextCreate: buffer1 4x2 bitsPerComponent: 8 bytesPerRow: 64 space: "
+                    "colorSpace1 bitmapInfo: 6 -> context1",
+                    "graphicsContextWithCGContext: context1 flipped: NO", "saveGraphicsState",
+                    "setCurrentContext: context1",
+                    "p drawAtPoint: 0,0 fromRect: 0,0,0,0 operation: 1 fraction: 1",
+                    "restoreGraphicsState", "CVPixelBufferUnlockBaseAddress: buffer1 flags: 0",
+                    "CFRelease: context1", "CGColorSpaceRelease: colorSpace1"));
+    expectNothingLeft();
+    EXPECT_EQ(sim.drawing().livePixelBuffers(), 1U);
+    sim.platform().coreVideo.CVBufferRelease(buffer);
+}
+
+TEST_F(PixelBuffer, EveryPixelIsDrawnAtItsPlaceWithTheTopRowFirst) {
+    const CVPixelBufferRef buffer = delegate.fastImageFromNSImage(picture(4.0, 2.0));
+    const SimPixels drawn = pixels(buffer);
+    ASSERT_EQ(drawn.width, 4U);
+    ASSERT_EQ(drawn.height, 2U);
+    EXPECT_FALSE(drawn.isLocked);
+    for (int y = 0; y < 2; ++y) {
+        for (int x = 0; x < 4; ++x) {
+            EXPECT_THAT(drawn.pixel(static_cast<std::size_t>(x), static_cast<std::size_t>(y)),
+                        ElementsAre(::testing::_, x, y, 90));
+        }
+    }
+}
+
+TEST_F(PixelBuffer, ABrokenSizeIsTruncated) {
+    const SimPixels drawn = pixels(delegate.fastImageFromNSImage(picture(640.9, 480.5)));
+    EXPECT_EQ(drawn.width, 640U);
+    EXPECT_EQ(drawn.height, 480U);
+}
+
+TEST_F(PixelBuffer, AMissingPictureYieldsNullAndOneLogLine) {
+    EXPECT_EQ(delegate.fastImageFromNSImage(nullptr), nullptr);
+    EXPECT_THAT(
+        sim.takeCalls(),
+        ElementsAre("CVPixelBufferCreate: 0x0 format: 32 attributes: {CGImageCompatibility: YES, "
+                    "CGBitmapContextCompatibility: YES} -> -6681",
+                    "CVPixelBufferLockBaseAddress: (null) flags: 0",
+                    "CGColorSpaceCreateWithName: kCGColorSpaceGenericRGB -> colorSpace1",
+                    "CGBitmapContextCreate: (null) 0x0 bitsPerComponent: 8 bytesPerRow: 0 space: "
+                    "colorSpace1 bitmapInfo: 6 -> (null)",
+                    "NSLog: CVPixelBufferRef could not create context",
+                    "CGColorSpaceRelease: colorSpace1"));
+    expectNothingLeft();
+    EXPECT_EQ(sim.drawing().livePixelBuffers(), 0U);
+}
+
+TEST_F(PixelBuffer, ABufferThatCannotBeMadeShowsOnlyInTheMissingContext) {
+    sim.drawing().failBuffers(1);
+    EXPECT_EQ(delegate.fastImageFromNSImage(picture(4.0, 2.0)), nullptr);
+    EXPECT_THAT(
+        sim.takeCalls(),
+        ElementsAre("CVPixelBufferCreate: 4x2 format: 32 attributes: {CGImageCompatibility: YES, "
+                    "CGBitmapContextCompatibility: YES} -> -6662",
+                    "CVPixelBufferLockBaseAddress: (null) flags: 0",
+                    "CGColorSpaceCreateWithName: kCGColorSpaceGenericRGB -> colorSpace1",
+                    "CGBitmapContextCreate: (null) 4x2 bitsPerComponent: 8 bytesPerRow: 0 space: "
+                    "colorSpace1 bitmapInfo: 6 -> (null)",
+                    "NSLog: CVPixelBufferRef could not create context",
+                    "CGColorSpaceRelease: colorSpace1"));
+    EXPECT_EQ(sim.drawing().livePixelBuffers(), 0U);
+}
+
+TEST_F(PixelBuffer, WithoutAContextTheBufferIsNeitherUnlockedNorReleased) {
+    sim.drawing().failContexts(1);
+    EXPECT_EQ(delegate.fastImageFromNSImage(picture(4.0, 2.0)), nullptr);
+    EXPECT_THAT(
+        sim.takeCalls(),
+        ElementsAre("CVPixelBufferCreate: 4x2 format: 32 attributes: {CGImageCompatibility: YES, "
+                    "CGBitmapContextCompatibility: YES} -> buffer1",
+                    "CVPixelBufferLockBaseAddress: buffer1 flags: 0",
+                    "CGColorSpaceCreateWithName: kCGColorSpaceGenericRGB -> colorSpace1",
+                    "CGBitmapContextCreate: buffer1 4x2 bitsPerComponent: 8 bytesPerRow: 64 space: "
+                    "colorSpace1 bitmapInfo: 6 -> (null)",
+                    "NSLog: CVPixelBufferRef could not create context",
+                    "CGColorSpaceRelease: colorSpace1"));
+    EXPECT_EQ(sim.drawing().livePixelBuffers(), 1U);
+    expectNothingLeft();
+}
+
+TEST_F(PixelBuffer, APictureWithoutAWholePixelYieldsNull) {
+    EXPECT_EQ(delegate.fastImageFromNSImage(picture(0.9, 5.0)), nullptr);
+    EXPECT_EQ(delegate.fastImageFromNSImage(picture(5.0, 0.0)), nullptr);
+    EXPECT_EQ(delegate.fastImageFromNSImage(picture(-5.0, 5.0)), nullptr);
+}
+
+TEST_F(PixelBuffer, EverySizeThatIsNoSizeYieldsNull) {
+    using Limits = std::numeric_limits<double>;
+    for (const double side :
+         {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), 1e300}) {
+        EXPECT_EQ(delegate.fastImageFromNSImage(picture(side, 5.0)), nullptr);
+    }
+    EXPECT_EQ(sim.drawing().livePixelBuffers(), 0U);
+}
+
+TEST_F(PixelBuffer, EveryCallMakesABufferOfItsOwn) {
+    const auto image = picture(4.0, 2.0);
+    const CVPixelBufferRef first = delegate.fastImageFromNSImage(image);
+    const CVPixelBufferRef second = delegate.fastImageFromNSImage(image);
+    EXPECT_NE(first, second);
+    sim.platform().coreVideo.CVBufferRelease(first);
+    EXPECT_EQ(pixels(second).name, "buffer2");
+}
+
+TEST_F(PixelBuffer, ThePictureIsNotKept) {
+    std::shared_ptr<NSImage> image = picture(4.0, 2.0);
+    delegate.fastImageFromNSImage(image);
+    EXPECT_EQ(image.use_count(), 1);
+}
+
+TEST_F(PixelBuffer, TheGraphicsStateOfTheThreadIsRestored) {
+    CVPixelBufferRef outer = nullptr;
+    Platform platform = sim.platform();
+    platform.coreVideo.CVPixelBufferCreate(2, 1, 32, {}, &outer);
+    platform.coreVideo.CVPixelBufferLockBaseAddress(outer, 0);
+    const CGColorSpaceRef space =
+        platform.coreGraphics.CGColorSpaceCreateWithName(kCGColorSpaceGenericRGB);
+    const CGContextRef context = platform.coreGraphics.CGBitmapContextCreate(
+        platform.coreVideo.CVPixelBufferGetBaseAddress(outer), 2, 1, 8, 64, space, 6);
+    platform.appKit.saveGraphicsState();
+    platform.appKit.setCurrentContext(platform.appKit.graphicsContextWithCGContext(context, false));
+    delegate.fastImageFromNSImage(picture(4.0, 2.0));
+    picture(2.0, 1.0)->drawAtPoint({0.0, 0.0}, NSZeroRect, NSCompositingOperationCopy, 1.0);
+    EXPECT_THAT(pixels(outer).pixel(1, 0), ElementsAre(255, 1, 0, 90));
+    platform.appKit.restoreGraphicsState();
+    platform.coreGraphics.CFRelease(context);
+    platform.coreGraphics.CGColorSpaceRelease(space);
+}
+
+TEST_F(PixelBuffer, SizesAreTruncatedTowardZero) {
+    EXPECT_EQ(truncatedSize(picture(1280.7, 720.2)), (PictureSize{1280, 720}));
+    EXPECT_EQ(truncatedSize(picture(1.0, 0.999)), (PictureSize{1, 0}));
+    EXPECT_EQ(truncatedSize(nullptr), (PictureSize{0, 0}));
+    EXPECT_THAT(sim.takeCalls(), IsEmpty());
+}
+
+} // namespace
+} // namespace vistrane

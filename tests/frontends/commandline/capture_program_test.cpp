@@ -1,0 +1,344 @@
+#include <csignal>
+
+#include "tests/frontends/commandline/CommandLineTest.h"
+#include "tests/frontends/commandline/frame_files.h"
+#include "tests/frontends/commandline/movie_facts.h"
+
+namespace vistrane {
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+class CaptureProgram : public CommandLineTest {
+protected:
+    std::vector<std::string> captureArguments(const std::vector<std::string>& more) const {
+        std::vector<std::string> arguments{"capture", folder, "--demo-camera", "--device",
+                                           "Demo Camera"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return arguments;
+    }
+
+    Ended capture(const std::vector<std::string>& more) const {
+        return run(captureArguments(more));
+    }
+
+    /// Every frame in the folder is a whole picture of the camera, and nothing else is there.
+    void expectWholeFramesOnly() const {
+        for (const std::string& name : namesIn(folder)) {
+            EXPECT_THAT(name, MatchesRegex("[0-9][0-9](-[0-9][0-9]){5}\\.png"));
+            const auto frame = readFrame(folder + "/" + name);
+            ASSERT_TRUE(frame) << name;
+            EXPECT_EQ(frame->width, 1280);
+            EXPECT_EQ(frame->height, 720);
+        }
+    }
+
+    std::vector<std::string> framePaths() const {
+        std::vector<std::string> paths;
+        for (const std::string& name : namesEndingIn(".png", folder)) {
+            paths.push_back(folder + "/" + name);
+        }
+        return paths;
+    }
+};
+
+TEST_F(CaptureProgram, PrintsTheFramesInTheOrderOfTheirCapture) {
+    const Ended ended = capture({"--interval", "1", "--count", "3"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.errors, "( t = 1 s )\n");
+    EXPECT_THAT(ended.lines(), SizeIs(3));
+    EXPECT_EQ(ended.lines(), framePaths());
+    expectWholeFramesOnly();
+}
+
+TEST_F(CaptureProgram, WithoutAnIntervalSaysNothing) {
+    const Ended ended = capture({"--count", "1"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.errors, "");
+    EXPECT_THAT(ended.lines(), SizeIs(1));
+}
+
+TEST_F(CaptureProgram, TheIntervalIsClampedFieldByField) {
+    const std::vector<std::pair<std::string, std::string>> intervals = {
+        {"0:0:0", "1"}, {"-5:75:abc", "3540"}, {"1000:59:59", "3599999"},
+        {"0", "1"},     {"90", "90"},          {"3661", "3661"},
+        {"abc", "1"},   {"7x", "7"},           {"0:1:1", "61"},
+        {"-1", "1"},    {"::", "1"},           {"999:59:59", "3599999"},
+        {"90s", "90"},  {"3600000", "3599999"}};
+    for (const auto& [interval, seconds] : intervals) {
+        SCOPED_TRACE(interval);
+        const Ended ended = capture({"--interval=" + interval, "--count", "1"});
+        EXPECT_EQ(ended.status, 0);
+        EXPECT_EQ(ended.errors, "( t = " + seconds + " s )\n");
+    }
+}
+
+TEST_F(CaptureProgram, CompilesWhatIsInTheFolderThenPrintsTheMovie) {
+    writeGreyFrame(folder + "/00 before.png", 50);
+    const Ended ended = capture({"--interval", "1", "--count", "2", "--compile", "--fps", "25",
+                                 "--crf", "30", "--x264-preset", "ultrafast"});
+    EXPECT_EQ(ended.status, 0);
+    ASSERT_THAT(ended.lines(), SizeIs(3));
+    EXPECT_THAT(ended.lines()[2], EndsWith(".mov"));
+    const MovieFacts facts = movieFacts(ended.lines()[2]);
+    EXPECT_EQ(facts.width, 64);
+    EXPECT_EQ(facts.timeBase, "1/25");
+    EXPECT_EQ(facts.times, frameTimes(3));
+    EXPECT_THAT(ended.errors, EndsWith("3 of 3 frames went into the movie.\n"));
+}
+
+TEST_F(CaptureProgram, OneFrameIsTooFewToCompile) {
+    const Ended ended = capture({"--count", "1", "--compile"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.lines(), SizeIs(1));
+    EXPECT_THAT(ended.errors, HasSubstr("Bring me more frames please\n"));
+    EXPECT_THAT(namesIn(folder), SizeIs(1));
+}
+
+TEST_F(CaptureProgram, AMovieWithoutACountIsSaidToBeNone) {
+    Program program(command(captureArguments({"--compile"})), options);
+    ASSERT_TRUE(program.nextLine());
+    program.signal(SIGINT);
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 130);
+    EXPECT_EQ(ended.errors, "vistrane: Without --count capturing goes on until it is interrupted, "
+                            "and no movie is made.\n");
+    EXPECT_THAT(namesEndingIn(".mov", folder), IsEmpty());
+}
+
+TEST_F(CaptureProgram, FramesThatAreTakenAwayAsTheyComeAreNotWaitedFor) {
+    Program program(command(captureArguments({"--interval", "1", "--count", "2"})), options);
+    for (int frame = 0; frame < 2; ++frame) {
+        const auto line = program.nextLine();
+        ASSERT_TRUE(line);
+        EXPECT_TRUE(std::filesystem::remove(*line));
+    }
+    EXPECT_EQ(program.wait().status, 0);
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+}
+
+TEST_F(CaptureProgram, AnUnknownDeviceIsRefusedWithTheNamesThatAreOffered) {
+    const Ended ended = run({"capture", folder, "--demo-camera", "--device", "Nobody's"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_EQ(ended.errors, "vistrane: There is no camera 'Nobody's'. The cameras offered are:\n"
+                            "  Demo Camera\n");
+    const Ended none = run({"capture", folder, "--device", "Demo Camera"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.errors, "vistrane: There is no camera 'Demo Camera'. No camera is offered.\n");
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+}
+
+TEST_F(CaptureProgram, DevicesAreOnlyTheDemoCameraAndThatOnRequest) {
+    const Ended none = run({"devices"});
+    EXPECT_EQ(none.status, 0);
+    EXPECT_EQ(none.output, "");
+    EXPECT_EQ(none.errors, "No camera was found.\n");
+    const Ended demo = run({"devices", "--demo-camera"});
+    EXPECT_EQ(demo.status, 0);
+    EXPECT_EQ(demo.output, "Demo Camera\n");
+    EXPECT_EQ(demo.errors, "");
+}
+
+TEST_F(CaptureProgram, AReaderThatLeavesEndsIt) {
+    Program program(command(captureArguments({"--interval", "1"})), options);
+    ASSERT_TRUE(program.nextLine());
+    program.closeOutput();
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.errors, EndsWith("Cannot write to standard output: Broken pipe.\n"));
+    expectWholeFramesOnly();
+}
+
+TEST_F(CaptureProgram, AFolderThatMayNotBeWrittenLosesEachFrameAndSaysSo) {
+    const auto launcher = unprivilegedLauncher();
+    if (!launcher) {
+        GTEST_SKIP() << "There is no user without privileges here.";
+    }
+    options.environment.erase("GST_REGISTRY");
+    std::filesystem::permissions(work.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(folder, std::filesystem::perms(0555));
+    const Ended ended = runIn(*launcher, captureArguments({"--interval", "1", "--count", "2"}));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_EQ(count(ended.errors, "A frame is lost: Cannot create the file " + folder), 2U);
+    EXPECT_THAT(ended.errors, HasSubstr("Permission denied"));
+    std::filesystem::permissions(folder, std::filesystem::perms(0755));
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+}
+
+TEST_F(CaptureProgram, AFolderThatIsRemovedLosesTheFramesAfterIt) {
+    Program program(command(captureArguments({"--interval", "1", "--count", "3"})), options);
+    ASSERT_TRUE(program.nextLine());
+    std::filesystem::remove_all(folder);
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.errors, HasSubstr("A frame is lost: Cannot create the file " + folder));
+    EXPECT_FALSE(std::filesystem::exists(folder));
+}
+
+TEST_F(CaptureProgram, SettingsAreNotTouched) {
+    const std::string configuration = work.makeFolder("configuration");
+    options.environment["XDG_CONFIG_HOME"] = configuration;
+    options.environment.erase("GST_REGISTRY");
+    options.environment.erase("XDG_RUNTIME_DIR");
+    writeGreyFrame(folder + "/a.png", 50);
+    EXPECT_EQ(run({"devices", "--demo-camera"}).status, 0);
+    EXPECT_EQ(capture({"--interval", "9", "--count", "1", "--compile", "--fps", "9"}).status, 0);
+    EXPECT_EQ(run({"frames", folder}).status, 0);
+    for (const std::string& movie : namesEndingIn(".mov", folder)) {
+        // The next one may be made within the same second.
+        std::filesystem::remove(folder + "/" + movie);
+    }
+    EXPECT_EQ(run({"compile", folder, "--fps", "5"}).status, 0);
+    EXPECT_THAT(namesIn(configuration), IsEmpty());
+    for (const std::string& name : namesIn(home)) {
+        EXPECT_EQ(name, ".cache");
+    }
+}
+
+// ---- Ending
+// ---------------------------------------------------------------------------------------
+
+class EndedCapture : public CaptureProgram, public testing::WithParamInterface<int> {};
+
+TEST_P(EndedCapture, StatusIsTheSignalsAndEveryFrameIsWhole) {
+    Program program(command(captureArguments({"--interval", "1"})), options);
+    ASSERT_TRUE(program.nextLine());
+    ASSERT_TRUE(program.nextLine());
+    program.signal(GetParam());
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 128 + GetParam());
+    EXPECT_EQ(ended.errors, "( t = 1 s )\n");
+    EXPECT_EQ(ended.lines(), framePaths());
+    expectWholeFramesOnly();
+}
+
+TEST_P(EndedCapture, StatusIsTheSignalsWhileTheCameraIsBeingOpened) {
+    Program program(command(captureArguments({"--interval", "1"})), options);
+    ASSERT_TRUE(program.waitUntilReadyFor(GetParam()));
+    program.signal(GetParam());
+    EXPECT_EQ(program.wait().status, 128 + GetParam());
+    expectWholeFramesOnly();
+}
+
+TEST_P(EndedCapture, NoMovieIsBegunAfterTheSignal) {
+    Program program(command(captureArguments({"--interval", "1", "--count", "1000", "--compile"})),
+                    options);
+    ASSERT_TRUE(program.nextLine());
+    ASSERT_TRUE(program.nextLine());
+    program.signal(GetParam());
+    EXPECT_EQ(program.wait().status, 128 + GetParam());
+    expectWholeFramesOnly();
+}
+
+INSTANTIATE_TEST_SUITE_P(By, EndedCapture, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(EndedCapture, AHangUpThatIsIgnoredAtTheStartStaysIgnored) {
+    Program program(command(captureArguments({"--interval", "1", "--count", "2"}),
+                            {"sh", "-c", "trap '' HUP; exec \"$0\" \"$@\""}),
+                    options);
+    ASSERT_TRUE(program.nextLine());
+    program.signal(SIGHUP);
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.lines(), SizeIs(2));
+}
+
+// ---- The demo
+// -------------------------------------------------------------------------------------
+
+class DemoProgram : public CaptureProgram {};
+
+TEST_F(DemoProgram, TenStillsBecomeAMovieWhosePathIsTheOnlyOutput) {
+    const Ended ended = run({"demo", folder});
+    EXPECT_EQ(ended.status, 0) << ended.errors;
+    ASSERT_THAT(ended.lines(), SizeIs(1));
+    const std::string movie = ended.lines()[0];
+    EXPECT_EQ(ended.output, movie + "\n");
+    EXPECT_THAT(namesEndingIn(".png", folder), SizeIs(10));
+    EXPECT_THAT(namesIn(folder), SizeIs(11));
+    for (const std::string& path : framePaths()) {
+        EXPECT_TRUE(readFrame(path)) << path;
+        EXPECT_THAT(ended.errors, HasSubstr(path + "\n"));
+    }
+    const MovieFacts facts = movieFacts(movie);
+    EXPECT_EQ(facts.brand, "qt  ");
+    EXPECT_EQ(facts.codec, "h264");
+    EXPECT_EQ(facts.width, 1280);
+    EXPECT_EQ(facts.height, 720);
+    EXPECT_EQ(facts.timeBase, "1/10");
+    EXPECT_THAT(facts.times, ElementsAre(0, 2, 3, 4, 5, 6, 7, 8, 9, 10));
+    const Ended other =
+        runTool({"mediainfo", "--Inform=General;%Format_Profile% %Duration%", movie});
+    EXPECT_EQ(other.output, "QuickTime 1100\n");
+}
+
+TEST_F(DemoProgram, WithoutAFolderANewOneIsMadeInVideos) {
+    const Ended ended = run({"demo"});
+    EXPECT_EQ(ended.status, 0) << ended.errors;
+    ASSERT_THAT(ended.lines(), SizeIs(1));
+    const auto movie = std::filesystem::path(ended.lines()[0]);
+    EXPECT_THAT(movie.string(), StartsWith(home + "/Videos/Vistrane demo "));
+    EXPECT_THAT(namesEndingIn(".png", movie.parent_path()), SizeIs(10));
+    EXPECT_THAT(namesIn(movie.parent_path()), SizeIs(11));
+    EXPECT_THAT(namesIn(home + "/Videos"), SizeIs(1));
+    EXPECT_THAT(namesIn(home), ElementsAre("Videos"));
+}
+
+TEST_F(DemoProgram, WithoutAPlaceForItsFolderItSaysWhatToDo) {
+    writeFile(home + "/Videos", "a file");
+    const Ended ended = run({"demo"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_THAT(ended.errors, HasSubstr("Name a folder: vistrane demo FOLDER."));
+}
+
+TEST_F(DemoProgram, AFailureLeavesNoEmptyFolderBehind) {
+    // Without plugins there is nothing that makes the test picture.
+    options.environment["GST_PLUGIN_SYSTEM_PATH_1_0"] = home;
+    options.environment["GST_REGISTRY"] = work / "no-plugins.bin";
+    const Ended ended = run({"demo"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_NE(ended.errors, "");
+    EXPECT_THAT(namesIn(home), ElementsAre("Videos"));
+    EXPECT_THAT(namesIn(home + "/Videos"), IsEmpty());
+}
+
+TEST_F(DemoProgram, AnEarlyInterruptLeavesNoEmptyFolderBehind) {
+    const std::string videos = work / "home/Videos";
+    std::filesystem::create_directory(videos);
+    Program program(command({"demo"}), options);
+    const auto limit = std::chrono::steady_clock::now() + options.limit;
+    while (namesIn(videos).empty() && std::chrono::steady_clock::now() < limit) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait().status, 130);
+    // On a slow machine the first frame may be quicker than the interrupt.
+    for (const std::string& name : namesIn(videos)) {
+        EXPECT_THAT(namesIn(videos + "/" + name), Not(IsEmpty()));
+    }
+}
+
+TEST_F(DemoProgram, AnInterruptEndsItWithWholeFramesOnly) {
+    Program program(command({"demo", folder}), options);
+    ASSERT_TRUE(program.waitForError(".png\n"));
+    program.signal(SIGINT);
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 130);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_THAT(namesIn(folder), Not(IsEmpty()));
+    expectWholeFramesOnly();
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,505 @@
+#include <csignal>
+
+#include <sys/stat.h>
+
+#include "tests/frontends/commandline/CommandLineTest.h"
+#include "tests/frontends/commandline/frame_files.h"
+#include "tests/frontends/commandline/movie_facts.h"
+
+namespace vistrane {
+namespace {
+
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::Ge;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Le;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+class CompileProgram : public CommandLineTest {
+protected:
+    void writeFrames(int count) const {
+        for (int number = 1; number <= count; ++number) {
+            writeGreyFrame(folder + "/f" + std::to_string(number) + ".png", 10 * number);
+        }
+    }
+
+    /// The path of the movie that was printed, which is the only output and the only movie.
+    std::string movieOf(const Ended& ended) const {
+        EXPECT_EQ(ended.status, 0) << ended.errors;
+        EXPECT_THAT(ended.lines(), SizeIs(1));
+        EXPECT_THAT(ended.output, EndsWith(".mov\n"));
+        const auto movies = namesEndingIn(".mov", folder);
+        EXPECT_THAT(movies, SizeIs(1));
+        const std::string path = folder + "/" + (movies.empty() ? "" : movies.front());
+        EXPECT_EQ(ended.output, path + "\n");
+        return path;
+    }
+
+    void expectGreys(const std::string& movie, const std::vector<int>& expected) const {
+        const std::vector<int> greys = greysOf(movie);
+        ASSERT_EQ(greys.size(), expected.size());
+        for (std::size_t i = 0; i < greys.size(); ++i) {
+            EXPECT_NEAR(greys[i], expected[i], 4) << "frame " << i;
+        }
+    }
+};
+
+TEST_F(CompileProgram, PrintsThePathAndLogsTheRest) {
+    writeFrames(3);
+    const Ended ended = run({"compile", folder});
+    const std::string movie = movieOf(ended);
+    EXPECT_THAT(std::filesystem::path(movie).filename().string(),
+                testing::MatchesRegex("[0-9]+-[0-9]+\\.mov"));
+    EXPECT_THAT(ended.errors, HasSubstr("\nmoviePath=" + movie + "\n"));
+    EXPECT_THAT(ended.errors, HasSubstr("finished writing\n"));
+    EXPECT_THAT(ended.errors, EndsWith("3 of 3 frames went into the movie.\n"));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("\r")));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("\x1b")));
+    const MovieFacts facts = movieFacts(movie);
+    EXPECT_EQ(facts.brand, "qt  ");
+    EXPECT_EQ(facts.codec, "h264");
+    EXPECT_EQ(facts.streams, 1);
+    EXPECT_EQ(facts.timeBase, "1/30");
+    EXPECT_EQ(facts.times, frameTimes(3));
+}
+
+TEST_F(CompileProgram, TheRateIsTheOneThatWasAskedFor) {
+    writeFrames(4);
+    for (const char* rate : {"1", "25", "60"}) {
+        const std::string movie = movieOf(run({"compile", folder, "--fps", rate}));
+        const MovieFacts facts = movieFacts(movie);
+        EXPECT_EQ(facts.timeBase, std::string("1/") + rate);
+        EXPECT_EQ(facts.times, frameTimes(4));
+        EXPECT_EQ(facts.durations.back(), 1);
+        std::filesystem::remove(movie);
+    }
+}
+
+TEST_F(CompileProgram, QualityAndPresetReachTheEncoder) {
+    FrameForm form;
+    form.width = 320;
+    form.height = 240;
+    form.isNoise = true;
+    for (int number = 0; number < 4; ++number) {
+        form.colour[0] = number;
+        writeFrame(folder + "/f" + std::to_string(number) + ".png", form);
+    }
+    std::vector<std::uintmax_t> sizes;
+    for (const char* factor : {"51", "0"}) {
+        const std::string movie = movieOf(run({"compile", folder, "--crf", factor}));
+        EXPECT_THAT(movieFacts(movie).times, SizeIs(4));
+        sizes.push_back(std::filesystem::file_size(movie));
+        std::filesystem::remove(movie);
+    }
+    EXPECT_GT(sizes[1], 4 * sizes[0]);
+    for (const char* preset : {"ultrafast", "placebo"}) {
+        const std::string movie = movieOf(run({"compile", folder, "--x264-preset", preset}));
+        EXPECT_THAT(movieFacts(movie).times, SizeIs(4));
+        std::filesystem::remove(movie);
+    }
+}
+
+TEST_F(CompileProgram, FramesFollowEachOtherInTheOrderOfTheirNames) {
+    const std::vector<std::string> names = {".hidden.png",
+                                            "a\nb.png",
+                                            "b c.png",
+                                            "frame2.png",
+                                            "Frame9.png",
+                                            "frame10.png",
+                                            std::string(251, 'x') + ".png",
+                                            "\xff\xfe.png"};
+    std::vector<int> greys;
+    for (const std::string& name : names) {
+        greys.push_back(20 + 25 * static_cast<int>(greys.size()));
+        writeGreyFrame(folder + "/" + name, greys.back());
+    }
+    writeGreyFrame(folder + "/LEFT-OUT.PNG", 255);
+    const std::string movie = movieOf(run({"compile", folder, "--crf", "1"}));
+    EXPECT_EQ(movieFacts(movie).times, frameTimes(static_cast<long>(names.size())));
+    expectGreys(movie, greys);
+}
+
+TEST_F(CompileProgram, ProgressIsShownOnATerminalOnly) {
+    writeFrames(20);
+    const std::string movie = movieOf(run({"compile", folder}));
+    std::filesystem::remove(movie);
+    options.errorsGoToTerminal = true;
+    const Ended ended = run({"compile", folder});
+    movieOf(ended);
+    EXPECT_THAT(ended.errors, HasSubstr("\r\x1b[K["));
+    EXPECT_THAT(ended.errors, HasSubstr(" 95 %"));
+    EXPECT_THAT(ended.errors, Not(HasSubstr(" 100 %")));
+    EXPECT_THAT(ended.errors, EndsWith("20 of 20 frames went into the movie.\r\n"));
+}
+
+TEST_F(CompileProgram, FewerThanTwoFramesAreRefusedInTheAlertsWords) {
+    for (int frames = 0; frames <= 1; ++frames) {
+        writeFrames(frames);
+        const auto before = namesIn(folder);
+        const Ended ended = run({"compile", folder});
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_EQ(ended.output, "");
+        EXPECT_EQ(ended.errors,
+                  "Bring me more frames please\n"
+                  "I need at least 2 frames to generate a movie.\n\n"
+                  "Please double check you have more frames in the project folder and make sure "
+                  "they are NOT corrupted.\n");
+        EXPECT_EQ(namesIn(folder), before);
+    }
+}
+
+TEST_F(CompileProgram, TwoCompilesOneAfterTheOtherGiveTwoMoviesOrOneAlert) {
+    writeFrames(2);
+    const Ended first = run({"compile", folder});
+    const Ended second = run({"compile", folder});
+    EXPECT_EQ(first.status, 0);
+    const auto movies = namesEndingIn(".mov", folder);
+    EXPECT_THAT(movies, SizeIs(second.status == 0 ? 2 : 1));
+    for (const std::string& movie : movies) {
+        EXPECT_THAT(movieFacts(folder + "/" + movie).times, SizeIs(2));
+    }
+}
+
+TEST_F(CompileProgram, ClosedStreamsDoNotReachTheMovie) {
+    writeFrames(3);
+    writeFile(folder + "/f2.png", "not a frame, so that there is something to log");
+    const Ended ended = runIn({"sh", "-c", "exec \"$0\" \"$@\" <&- >&- 2>&-"}, {"compile", folder});
+    EXPECT_EQ(ended.status, 1);
+    const auto movies = namesEndingIn(".mov", folder);
+    ASSERT_THAT(movies, SizeIs(1));
+    EXPECT_THAT(movieFacts(folder + "/" + movies[0]).times, ElementsAre(0, 3));
+    EXPECT_THAT(contentsOf(folder + "/" + movies[0]), Not(HasSubstr("moviePath")));
+}
+
+// ---- Frames that cannot be read
+// ------------------------------------------------------------------
+
+struct BadFrame {
+    std::string name;
+    std::string reason;
+};
+
+class BadFrames : public CompileProgram {
+protected:
+    /// One of each kind, in the order of their names.
+    std::vector<BadFrame> writeBadFrames() {
+        writeGreyFrame(work / "good.png", 100);
+        const std::string good = contentsOf(work / "good.png");
+        std::vector<BadFrame> bad;
+        const auto add = [&](const std::string& name, const std::string& contents,
+                             const std::string& reason) {
+            writeFile(folder + "/" + name, contents);
+            bad.push_back({name, reason});
+        };
+        add("b01 empty.png", "", "is empty");
+        add("b02 truncated.png", damaged::truncated(good), "is damaged");
+        add("b03 checksum.png", damaged::wrongChecksum(good), "is damaged");
+        add("b04 data.png", damaged::corruptData(good), "is damaged");
+        add("b05 huge.png", damaged::resized(good, 0x7fffffff, 0x7fffffff), "is too large");
+        add("b06 large.png", damaged::resized(good, 20000, 10000), "is damaged");
+        add("b07 nothing.png", damaged::resized(good, 0, 0), "");
+        add("b08 text.png", "hello\n", "is not a PNG file");
+        add("b09 jpeg.png", jpeg(), "is not a PNG file");
+        add("b10 signature.png", good.substr(0, 8), "is damaged");
+
+        std::filesystem::create_directory(folder + "/b11 folder.png");
+        bad.push_back({"b11 folder.png", "is not a regular file"});
+        EXPECT_EQ(::mkfifo((folder + "/b12 fifo.png").c_str(), 0600), 0);
+        bad.push_back({"b12 fifo.png", "is not a regular file"});
+        const auto link = [&](const std::string& name, const std::string& target,
+                              const std::string& reason) {
+            std::filesystem::create_symlink(target, folder + "/" + name);
+            bad.push_back({name, reason});
+        };
+        link("b13 device.png", "/dev/zero", "is not a regular file");
+        link("b14 dangling.png", "missing", "No such file or directory");
+        link("b15 loop.png", "b15 loop.png", "Too many levels of symbolic links");
+        return bad;
+    }
+
+    std::string jpeg() {
+        const std::string path = work / "jpeg.jpg";
+        EXPECT_EQ(runTool({"ffmpeg", "-v", "error", "-f", "lavfi", "-i", "color=red:size=64x48",
+                           "-frames:v", "1", path})
+                      .status,
+                  0);
+        return contentsOf(path);
+    }
+
+    std::string lineFor(const BadFrame& frame, const std::string& errors) const {
+        const std::size_t at = errors.find("\nNot in the movie: ");
+        for (std::size_t start = at; start != std::string::npos;) {
+            const std::size_t end = errors.find('\n', start + 1);
+            const std::string line = errors.substr(start + 1, end - start - 1);
+            if (line.find(folder + "/" + frame.name) != std::string::npos) {
+                return line;
+            }
+            start = end;
+        }
+        return {};
+    }
+
+    void expectNamed(const std::vector<BadFrame>& frames, const std::string& errors) const {
+        for (const BadFrame& frame : frames) {
+            EXPECT_THAT(lineFor(frame, errors),
+                        AllOf(StartsWith("Not in the movie: "), HasSubstr(frame.reason)))
+                << frame.name;
+        }
+    }
+};
+
+TEST_F(BadFrames, AreListedLikeAnyOther) {
+    const auto bad = writeBadFrames();
+    std::vector<std::string> paths;
+    for (const BadFrame& frame : bad) {
+        paths.push_back(folder + "/" + frame.name);
+    }
+    const Ended ended = run({"frames", folder});
+    EXPECT_EQ(ended.lines(), paths);
+    EXPECT_EQ(ended.errors, "");
+}
+
+TEST_F(BadFrames, AreLeftOutLoggedAndNamed) {
+    writeGreyFrame(folder + "/a.png", 40);
+    const auto bad = writeBadFrames();
+    writeGreyFrame(folder + "/c1.png", 80);
+    writeGreyFrame(folder + "/c2.png", 120);
+    const auto before = namesIn(folder);
+
+    const Ended ended = run({"compile", folder, "--crf", "1"});
+
+    const std::string movie = movieOf(ended);
+    EXPECT_THAT(namesIn(folder), SizeIs(before.size() + 1));
+    expectNamed(bad, ended.errors);
+    EXPECT_EQ(count(ended.errors, "Not in the movie: "), bad.size());
+    EXPECT_EQ(count(ended.errors, "failed append buffer with error: "), bad.size());
+    EXPECT_GE(count(ended.errors, "CVPixelBufferRef could not create context\n"), bad.size() - 1);
+    EXPECT_THAT(ended.errors, Not(HasSubstr("failed appending #1 buffer")));
+    EXPECT_THAT(ended.errors, EndsWith("3 of 18 frames went into the movie.\n"));
+    // Those that are left out leave their time empty.
+    EXPECT_THAT(movieFacts(movie).times, ElementsAre(0, 17, 18));
+    expectGreys(movie, {40, 80, 120});
+}
+
+TEST_F(BadFrames, AFirstOneLeavesTheMovieTheSizeOfTheFirstGoodOne) {
+    writeFile(folder + "/a.png", "");
+    FrameForm form;
+    form.width = 100;
+    form.height = 60;
+    writeFrame(folder + "/b.png", form);
+    writeGreyFrame(folder + "/c.png", 100);
+    const Ended ended = run({"compile", folder});
+    const MovieFacts facts = movieFacts(movieOf(ended));
+    EXPECT_EQ(facts.width, 100);
+    EXPECT_EQ(facts.height, 60);
+    EXPECT_THAT(facts.times, SizeIs(2));
+    EXPECT_THAT(ended.errors, HasSubstr("CVPixelBufferRef could not create context\n"
+                                        "failed appending #1 buffer\n"));
+    EXPECT_THAT(ended.errors, EndsWith("2 of 3 frames went into the movie.\n"));
+}
+
+TEST_F(BadFrames, NothingElseMakesNoMovie) {
+    const auto bad = writeBadFrames();
+    const auto before = namesIn(folder);
+    const Ended ended = run({"compile", folder});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    expectNamed(bad, ended.errors);
+    EXPECT_THAT(ended.errors, HasSubstr("\nvistrane: No movie was made, because none of its frames "
+                                        "could be added"));
+    EXPECT_EQ(namesIn(folder), before);
+}
+
+TEST_F(BadFrames, OneThatDisappearsIsLikeAnyOther) {
+    // The folder's listing is older than the movie.
+    writeFrames(400);
+    Program program(command({"compile", folder}), options);
+    ASSERT_TRUE(program.waitForError("moviePath="));
+    for (int number = 200; number <= 400; ++number) {
+        std::filesystem::remove(folder + "/f" + std::to_string(number) + ".png");
+    }
+    const Ended ended = program.wait();
+    EXPECT_THAT(movieFacts(movieOf(ended)).times, SizeIs(AllOf(Ge(199U), Le(400U))));
+}
+
+// ---- Frames of every form
+// ------------------------------------------------------------------------
+
+struct FormCase {
+    std::string name;
+    FrameForm form;
+    int width;
+    int height;
+    int grey;
+};
+
+FrameForm greyForm(FrameForm::Kind kind, int depth, int grey) {
+    FrameForm form;
+    form.kind = kind;
+    form.bitDepth = depth;
+    form.colour = {grey, grey, grey};
+    return form;
+}
+
+FrameForm sizeForm(int width, int height) {
+    FrameForm form;
+    form.width = width;
+    form.height = height;
+    return form;
+}
+
+std::vector<FormCase> formCases() {
+    using Kind = FrameForm::Kind;
+    std::vector<FormCase> cases = {
+        {"OneBitGrey", greyForm(Kind::grey, 1, 255), 64, 48, 255},
+        {"TwoBitGrey", greyForm(Kind::grey, 2, 0xaa), 64, 48, 0xaa},
+        {"FourBitGrey", greyForm(Kind::grey, 4, 0x77), 64, 48, 0x77},
+        {"EightBitGrey", greyForm(Kind::grey, 8, 100), 64, 48, 100},
+        {"SixteenBitGrey", greyForm(Kind::grey, 16, 100), 64, 48, 100},
+        {"GreyWithAlpha", greyForm(Kind::greyAlpha, 8, 100), 64, 48, 100},
+        {"OneBitPalette", greyForm(Kind::palette, 1, 100), 64, 48, 100},
+        {"EightBitPalette", greyForm(Kind::palette, 8, 100), 64, 48, 100},
+        {"SixteenBitColour", greyForm(Kind::rgb, 16, 100), 64, 48, 100},
+        {"ColourWithAlpha", greyForm(Kind::rgba, 8, 100), 64, 48, 100},
+        {"SixteenBitColourWithAlpha", greyForm(Kind::rgba, 16, 100), 64, 48, 100},
+        {"OnePixel", sizeForm(1, 1), 1, 1, 128},
+        {"OddSize", sizeForm(101, 75), 101, 75, 128},
+        {"OddWidth", sizeForm(33, 32), 33, 32, 128},
+        {"OddHeight", sizeForm(32, 33), 32, 33, 128},
+        {"Wide", sizeForm(10000, 10), 10000, 10, 128},
+        {"Tall", sizeForm(10, 10000), 10, 10000, 128},
+        {"OneLine", sizeForm(640, 1), 640, 1, 128},
+    };
+    FormCase transparent{"HalfTransparentIsOverBlack", greyForm(Kind::rgba, 8, 200), 64, 48, 100};
+    transparent.form.alpha = 128;
+    cases.push_back(transparent);
+    FormCase interlaced{"Interlaced", sizeForm(101, 75), 101, 75, 128};
+    interlaced.form.isInterlaced = true;
+    cases.push_back(interlaced);
+    FormCase dense{"OfDoubleDensityIsHalfAsLarge", sizeForm(128, 96), 64, 48, 128};
+    dense.form.density = 144;
+    cases.push_back(dense);
+    FormCase usual{"OfUsualDensity", sizeForm(128, 96), 128, 96, 128};
+    usual.form.density = 72;
+    cases.push_back(usual);
+    return cases;
+}
+
+class FrameForms : public CompileProgram, public testing::WithParamInterface<FormCase> {};
+
+TEST_P(FrameForms, GiveAMovieOfTheirSizeAndColour) {
+    const FormCase& param = GetParam();
+    writeFrame(folder + "/a.png", param.form);
+    writeFrame(folder + "/b.png", param.form);
+    const Ended ended = run({"compile", folder, "--crf", "1"});
+    const std::string movie = movieOf(ended);
+    EXPECT_THAT(ended.errors, EndsWith("2 of 2 frames went into the movie.\n"));
+    const MovieFacts facts = movieFacts(movie);
+    EXPECT_EQ(facts.width, param.width);
+    EXPECT_EQ(facts.height, param.height);
+    expectGreys(movie, {param.grey, param.grey});
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, FrameForms, testing::ValuesIn(formCases()),
+                         [](const auto& each) { return each.param.name; });
+
+TEST_F(CompileProgram, FramesOfEveryFormGoIntoOneMovieOfTheFirstOnesSize) {
+    int number = 0;
+    writeFrame(folder + "/f0.png", sizeForm(200, 100));
+    for (const FormCase& each : formCases()) {
+        writeFrame(folder + "/f" + std::to_string(++number) + ".png", each.form);
+    }
+    const Ended ended = run({"compile", folder});
+    const MovieFacts facts = movieFacts(movieOf(ended));
+    EXPECT_EQ(facts.width, 200);
+    EXPECT_EQ(facts.height, 100);
+    EXPECT_EQ(facts.times, frameTimes(number + 1));
+}
+
+// ---- Ending and leftovers
+// ------------------------------------------------------------------------
+
+class EndedCompile : public CompileProgram, public testing::WithParamInterface<int> {
+protected:
+    void writeSlowFrames() const {
+        FrameForm form;
+        form.width = 1920;
+        form.height = 1080;
+        form.isNoise = true;
+        writeFrame(folder + "/f0.png", form);
+        for (int number = 1; number < 200; ++number) {
+            std::filesystem::create_symlink("f0.png",
+                                            folder + "/f" + std::to_string(number) + ".png");
+        }
+    }
+};
+
+TEST_P(EndedCompile, LeavesNothingBehindWhenASignalComes) {
+    writeSlowFrames();
+    const auto before = namesIn(folder);
+    Program program(command({"compile", folder, "--x264-preset", "placebo"}), options);
+    ASSERT_TRUE(program.waitForError("moviePath="));
+    program.signal(GetParam());
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 128 + GetParam());
+    EXPECT_EQ(ended.output, "");
+    EXPECT_EQ(namesIn(folder), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(By, EndedCompile, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(EndedCompile, WhatAKilledOneLeavesIsTakenAwayByTheNextOne) {
+    writeSlowFrames();
+    const auto before = namesIn(folder);
+    Program program(command({"compile", folder, "--x264-preset", "placebo"}), options);
+    ASSERT_TRUE(program.waitForError("moviePath="));
+    program.signal(SIGKILL);
+    EXPECT_EQ(program.wait().status, -SIGKILL);
+    EXPECT_THAT(namesEndingIn(".mov", folder), IsEmpty());
+
+    for (int number = 5; number < 200; ++number) {
+        std::filesystem::remove(folder + "/f" + std::to_string(number) + ".png");
+    }
+    const Ended next = run({"compile", folder, "--x264-preset", "ultrafast"});
+    movieOf(next);
+    EXPECT_THAT(namesIn(folder), SizeIs(6));
+}
+
+TEST_F(EndedCompile, NoPathIsPrintedWhenTheFolderIsMovedMeanwhile) {
+    writeSlowFrames();
+    Program program(command({"compile", folder, "--x264-preset", "ultrafast"}), options);
+    ASSERT_TRUE(program.waitForError("moviePath="));
+    std::filesystem::rename(folder, work / "moved");
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_FALSE(std::filesystem::exists(folder));
+    for (const std::string& movie : namesEndingIn(".mov", work / "moved")) {
+        EXPECT_THAT(movieFacts(work / "moved/" + movie).times, Not(IsEmpty()));
+    }
+}
+
+TEST_F(EndedCompile, TwoAtATimeDoNotDisturbEachOther) {
+    writeFrames(30);
+    Program first(command({"compile", folder, "--fps", "10"}), options);
+    Program second(command({"compile", folder, "--fps", "20"}), options);
+    const Ended endedFirst = first.wait();
+    const Ended endedSecond = second.wait();
+    const auto movies = namesEndingIn(".mov", folder);
+    EXPECT_EQ(static_cast<int>(movies.size()),
+              (endedFirst.status == 0 ? 1 : 0) + (endedSecond.status == 0 ? 1 : 0));
+    EXPECT_THAT(movies, Not(IsEmpty()));
+    for (const std::string& movie : movies) {
+        EXPECT_EQ(movieFacts(folder + "/" + movie).times, frameTimes(30));
+    }
+    EXPECT_THAT(namesIn(folder), SizeIs(30 + movies.size()));
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,116 @@
+#include "tests/frontends/commandline/CommandLineTest.h"
+#include "tests/frontends/commandline/frame_files.h"
+
+namespace vistrane {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+/// Disks that refuse a movie.
+class DiskProgram : public CommandLineTest {
+protected:
+    DiskProgram() {
+        FrameForm form;
+        form.width = 320;
+        form.height = 240;
+        form.isNoise = true;
+        for (int number = 0; number < 30; ++number) {
+            form.colour[0] = number;
+            writeFrame(frames + "/f" + std::to_string(number) + ".png", form);
+        }
+    }
+
+    /// Runs the program in `folder` as a new disk with those mount options and links to the frames
+    /// in it; `andThen` is a command that has the disk in sight.
+    Ended runOnDisk(const std::string& mountOptions, const std::string& prepare,
+                    const std::vector<std::string>& arguments, bool& isAvailable) {
+        const std::string script = "mount -t tmpfs -o " + mountOptions + " tmpfs '" + folder +
+                                   "' && ln -s '" + frames + "'/*.png '" + folder + "' && " +
+                                   prepare + " || exit 99\n\"$0\" \"$@\"\nstatus=$?\n" + "ls -A '" +
+                                   folder + "' >'" + listing + "'\nexit $status";
+        const auto launcher = mountingLauncher(script);
+        isAvailable = launcher.has_value();
+        return launcher ? runIn(*launcher, arguments) : Ended{};
+    }
+
+    std::string frames = work.makeFolder("frames");
+    std::string listing = work / "listing";
+};
+
+TEST_F(DiskProgram, AFullDiskIsNamedAndNothingIsLeftOnIt) {
+    bool isAvailable = false;
+    const Ended ended =
+        runOnDisk("size=500k", "true", {"compile", folder, "--crf", "0"}, isAvailable);
+    if (!isAvailable) {
+        GTEST_SKIP() << "Nothing can be mounted here.";
+    }
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_THAT(ended.errors, HasSubstr("\nvistrane: The movie cannot be written (" + folder));
+    EXPECT_THAT(ended.errors, HasSubstr("No space left on device"));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("Not in the movie")));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("frames went into the movie")));
+    EXPECT_EQ(count(contentsOf(listing), "\n"), 30U);
+    EXPECT_THAT(contentsOf(listing), Not(HasSubstr("mov")));
+}
+
+TEST_F(DiskProgram, AReadOnlyDiskIsRefusedWithOneAlert) {
+    bool isAvailable = false;
+    const Ended ended = runOnDisk("size=500k", "mount -o remount,ro '" + folder + "'",
+                                  {"compile", folder}, isAvailable);
+    if (!isAvailable) {
+        GTEST_SKIP() << "Nothing can be mounted here.";
+    }
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_EQ(count(ended.errors, "Vistran movie compiling error:\n"), 1U);
+    EXPECT_THAT(ended.errors, HasSubstr("Read-only file system"));
+    EXPECT_EQ(count(contentsOf(listing), "\n"), 30U);
+}
+
+TEST_F(DiskProgram, AFullDiskLosesTheFrameAndLeavesNoHalfOne) {
+    bool isAvailable = false;
+    const Ended ended = runOnDisk("size=20k", "true",
+                                  {"capture", folder, "--demo-camera", "--device", "Demo Camera",
+                                   "--interval", "1", "--count", "2"},
+                                  isAvailable);
+    if (!isAvailable) {
+        GTEST_SKIP() << "Nothing can be mounted here.";
+    }
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(count(ended.errors, "A frame is lost: "), 2U);
+    EXPECT_THAT(ended.errors, HasSubstr("No space left on device"));
+}
+
+TEST_F(DiskProgram, AFileThatMayNotGrowIsNamedAndTakenAway) {
+    const auto before = namesIn(frames);
+    const Ended ended =
+        runIn({"sh", "-c", "ulimit -f 800; exec \"$0\" \"$@\""}, {"compile", frames, "--crf", "0"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_THAT(ended.errors, HasSubstr("File too large"));
+    EXPECT_EQ(namesIn(frames), before);
+}
+
+TEST_F(DiskProgram, AFolderThatMayNotBeWrittenIsRefusedWithOneAlert) {
+    const auto launcher = unprivilegedLauncher();
+    if (!launcher) {
+        GTEST_SKIP() << "There is no user without privileges here.";
+    }
+    std::filesystem::permissions(work.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(frames, std::filesystem::perms(0555));
+    const auto before = namesIn(frames);
+    const Ended ended = runIn(*launcher, {"compile", frames});
+    std::filesystem::permissions(frames, std::filesystem::perms(0755));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_EQ(count(ended.errors, "Vistran movie compiling error:\n"), 1U);
+    EXPECT_THAT(ended.errors, HasSubstr("Permission denied"));
+    EXPECT_EQ(namesIn(frames), before);
+}
+
+} // namespace
+} // namespace vistrane

@@ -1,0 +1,125 @@
+#include <stdexcept>
+#include <vector>
+
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QMenu>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include "backends/pictures/Pictures.h"
+#include "backends/posix/MediaObserver.h"
+#include "backends/qt/controls/QtImageView.h"
+#include "backends/qt/controls/QtInterface.h"
+#include "backends/qt/controls/QtResources.h"
+#include "backends/qt/system/QtRunLoop.h"
+#include "backends/sim/Sim.h"
+#include "core/infopanel/mantisQRXpanel.h"
+#include "frontends/window/WindowAppKit.h"
+
+namespace vistrane {
+namespace {
+
+class Unobserved final : public MediaObserver {};
+
+/// The info panel in the real windows, with the menus, pictures and alerts that these use.
+class PanelInWindow : public ::testing::Test {
+protected:
+    PanelInWindow() { panel_.connectInterface(interface_.nib("mantisQRXpanel")); }
+
+    template <typename Child>
+    Child& child(const char* name) {
+        for (QWidget* window : interface_.windows()) {
+            if (auto* const found = window->findChild<Child*>(name)) {
+                return *found;
+            }
+        }
+        throw std::out_of_range(name);
+    }
+
+    /// The pictures beside the items of a menu, in order.
+    static std::vector<bool> pictures(const QMenu* menu) {
+        std::vector<bool> result;
+        for (const QAction* item : menu != nullptr ? menu->actions() : QList<QAction*>()) {
+            result.push_back(!item->icon().isNull());
+        }
+        return result;
+    }
+    /// The submenu of the menu's item with that title.
+    static const QMenu* submenu(const QMenu& menu, const QString& title) {
+        for (const QAction* item : menu.actions()) {
+            if (item->text() == title) {
+                return item->menu<QMenu*>();
+            }
+        }
+        return nullptr;
+    }
+
+    Sim sim_;
+    const Platform simPlatform_ = sim_.platform();
+    Unobserved observer_;
+    Pictures pictures_{observer_};
+    QtRunLoop loop_;
+    QtResources resources_;
+    QtInterface interface_{resources_};
+    WindowAppKit appKit_{simPlatform_.appKit.sharedApplication(),
+                         simPlatform_.appKit.sharedWorkspace(),
+                         std::make_shared<const QtDialogRules>(QtDialogRules{
+                             loop_, [this] { return &interface_.mainWindow(); }, widgetOf}),
+                         resources_, pictures_};
+    const Platform platform_{simPlatform_.foundation,   appKit_,
+                             simPlatform_.avFoundation, simPlatform_.coreVideo,
+                             simPlatform_.coreGraphics, simPlatform_.dispatch};
+    mantisQRXpanel panel_{platform_};
+};
+
+TEST_F(PanelInWindow, PromotionsHavePicturesInTheHelpAndTheStatusMenuAndNoneInTheContextMenu) {
+    panel_.addingPromoAppsOfmantisQRX({"frameweave", "stillreel"});
+    const QString title = child<QAction>("mantisSubmenuM").text();
+    using Pictures = std::vector<bool>;
+    EXPECT_EQ(pictures(submenu(child<QMenu>("helpMenu"), title)), (Pictures{true, true}));
+    EXPECT_EQ(pictures(submenu(interface_.statusMenu(), title)), (Pictures{true, true}));
+
+    QWidget& place = child<QWidget>("centralWidget");
+    interface_.mainWindow().show();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(3, 3),
+                            place.mapToGlobal(QPoint(3, 3)));
+    QApplication::sendEvent(&place, &event);
+    auto* const contextMenu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(contextMenu, nullptr);
+    EXPECT_EQ(pictures(submenu(*contextMenu, title)), (Pictures{false, false}));
+    contextMenu->close();
+}
+
+TEST_F(PanelInWindow, TheTipsTextKeepsItsLeadingBlanksAndItsEmptyLine) {
+    panel_.showEasyStartTip(nullptr);
+    const auto& text = child<QLabel>("tipText");
+    EXPECT_TRUE(text.text().startsWith(QStringLiteral("  Benefit from the quality")));
+    EXPECT_TRUE(text.text().contains(QStringLiteral("old Macs.\n\nIf you are")));
+    EXPECT_EQ(text.textFormat(), Qt::PlainText);
+    EXPECT_EQ(child<QLabel>("picCount").text(), QStringLiteral("1 of 4"));
+}
+
+TEST_F(PanelInWindow, TheAutoStartHintShowsItsScreenshot) {
+    const auto* const view = dynamic_cast<QtImageView*>(panel_.tipView.get());
+    ASSERT_NE(view, nullptr);
+    PictureWidget& screenshot = view->widget();
+    QWidget* const home = screenshot.parentWidget();
+    bool isSeen = false;
+    QTimer::singleShot(0, &interface_.mainWindow(), [&] {
+        auto* const alert = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(alert, nullptr);
+        isSeen =
+            alert->isAncestorOf(&screenshot) && screenshot.isVisible() &&
+            alert->rect().contains(QRect(screenshot.mapTo(alert, QPoint()), screenshot.size()));
+        alert->reject();
+    });
+    panel_.tipsForAutostart(nullptr);
+    EXPECT_TRUE(isSeen);
+    EXPECT_EQ(screenshot.parentWidget(), home);
+}
+
+} // namespace
+} // namespace vistrane

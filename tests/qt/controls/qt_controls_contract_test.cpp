@@ -1,8 +1,0 @@
-#include "tests/contract/ControlContract.h"
-#include "tests/qt/controls/ControlWidgets.h"
-
-namespace vistrane {
-
-INSTANTIATE_TYPED_TEST_SUITE_P(Qt, ControlContract, ControlWidgets, contract::Names);
-
-} // namespace vistrane
