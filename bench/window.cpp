@@ -67,7 +67,7 @@ private:
     AppKit& sim_;
 };
 
-class Observer final : public MediaObserver {};
+class Observer final : public PictureObserver {};
 
 /// The controller with the window's display of pictures.
 class Controller {

@@ -25,7 +25,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-class SilentObserver final : public MediaObserver {};
+class SilentObserver final : public PictureObserver {};
 
 /// Small pictures take a short time and find as much.
 constexpr PictureLimits limits{1024, 1U << 16, 1U << 20};

@@ -47,7 +47,7 @@ std::optional<Camera> listedNow(CameraList& list, const CameraFacts& wanted,
 
 } // namespace
 
-Cameras::Cameras(Dispatch& dispatch, MediaObserver& observer, CameraOptions options)
+Cameras::Cameras(Dispatch& dispatch, CameraObserver& observer, CameraOptions options)
     : observer_(observer), options_(options),
       mainQueue_(std::make_shared<MainThreadGate>(dispatch)) {}
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
+#include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/CameraOptions.h"
-#include "backends/posix/MediaObserver.h"
 #include "platform/avfoundation/AVCaptureDevice.h"
 #include "platform/avfoundation/AVCapturePhotoOutput.h"
 #include "platform/avfoundation/AVCaptureSession.h"
@@ -25,7 +25,7 @@ class MainThreadGate;
 /// handed out may outlive it and is dead then: sessions have stopped, no outcome arrives.
 class Cameras {
 public:
-    Cameras(Dispatch& dispatch, MediaObserver& observer, CameraOptions options = {});
+    Cameras(Dispatch& dispatch, CameraObserver& observer, CameraOptions options = {});
     ~Cameras();
     Cameras(const Cameras&) = delete;
     Cameras& operator=(const Cameras&) = delete;
@@ -57,7 +57,7 @@ private:
     /// Made with the first use: starting GStreamer takes a moment.
     std::shared_ptr<CameraList> cameraList();
 
-    MediaObserver& observer_;
+    CameraObserver& observer_;
     CameraOptions options_;
     std::shared_ptr<MainThreadGate> mainQueue_;
     std::shared_ptr<CameraList> list_;

@@ -50,10 +50,10 @@ bool isLaterThan(GstClockTime after, GstClockTime time) {
 /// What the main thread, the engine's thread and GStreamer's threads share. Lives until the last of
 /// them has let go, which for a hanging driver is after the engine.
 struct CaptureEngine::Core : std::enable_shared_from_this<CaptureEngine::Core> {
-    Core(std::shared_ptr<CameraList> cameraList, MediaObserver& mediaObserver,
+    Core(std::shared_ptr<CameraList> cameraList, CameraObserver& cameraObserver,
          CameraOptions cameraOptions, Receiver outcomeReceiver)
         : list(std::move(cameraList)), options(cameraOptions), receiver(std::move(outcomeReceiver)),
-          observer(&mediaObserver) {}
+          observer(&cameraObserver) {}
 
     const std::shared_ptr<CameraList> list;
     const CameraOptions options;
@@ -63,7 +63,7 @@ struct CaptureEngine::Core : std::enable_shared_from_this<CaptureEngine::Core> {
     std::condition_variable changed;
 
     // Under the mutex, by whichever thread.
-    MediaObserver* observer;
+    CameraObserver* observer;
     bool quitting = false;
     bool threadHasEnded = false;
     std::optional<Wish> wish;
@@ -133,7 +133,7 @@ struct CaptureEngine::Core : std::enable_shared_from_this<CaptureEngine::Core> {
     void tell(const std::string& message) const;
 };
 
-CaptureEngine::CaptureEngine(std::shared_ptr<CameraList> list, MediaObserver& observer,
+CaptureEngine::CaptureEngine(std::shared_ptr<CameraList> list, CameraObserver& observer,
                              CameraOptions options, Receiver receiver)
     : core_(std::make_shared<Core>(std::move(list), observer, options, std::move(receiver))) {
     thread_ = startThread([core = core_] { core->work(); });

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "backends/cameras/CameraList.h"
+#include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/CameraOptions.h"
 #include "backends/cameras/gst_pointers.h"
-#include "backends/posix/MediaObserver.h"
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/foundation/NSError.h"
 
@@ -39,7 +39,7 @@ public:
         std::function<void(GstSample* sample)> preview;
     };
 
-    CaptureEngine(std::shared_ptr<CameraList> list, MediaObserver& observer, CameraOptions options,
+    CaptureEngine(std::shared_ptr<CameraList> list, CameraObserver& observer, CameraOptions options,
                   Receiver receiver);
     /// Stops; no call of the receiver or the observer begins after this. A driver that hangs does
     /// not hold this up for longer than `CameraOptions::patience`.

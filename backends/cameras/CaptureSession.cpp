@@ -149,7 +149,7 @@ void CaptureSession::Shared::show(const PreviewPicture& picture) {
     }
 }
 
-CaptureSession::CaptureSession(std::shared_ptr<CameraList> list, MediaObserver& observer,
+CaptureSession::CaptureSession(std::shared_ptr<CameraList> list, CameraObserver& observer,
                                const CameraOptions& options,
                                std::shared_ptr<MainThreadGate> mainQueue)
     : shared_(std::make_shared<Shared>(std::move(mainQueue))),

@@ -46,7 +46,7 @@ class CaptureSession final : public AVCaptureSession,
                              public StillSource,
                              public std::enable_shared_from_this<CaptureSession> {
 public:
-    CaptureSession(std::shared_ptr<CameraList> list, MediaObserver& observer,
+    CaptureSession(std::shared_ptr<CameraList> list, CameraObserver& observer,
                    const CameraOptions& options, std::shared_ptr<MainThreadGate> mainQueue);
     ~CaptureSession() override;
 

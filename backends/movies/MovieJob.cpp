@@ -326,7 +326,7 @@ void MovieJob::tellFinished() {
         handler = std::exchange(handler_, nullptr);
         error = outcome_;
     }
-    jobs_->tell([&](MediaObserver& observer) {
+    jobs_->tell([&](MovieObserver& observer) {
         if (handler) {
             handler();
         }

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "backends/posix/MediaObserver.h"
+#include "backends/movies/MovieObserver.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
@@ -23,7 +23,7 @@ class MovieJobs {
 public:
     using Finished = std::function<void(std::optional<NSError>)>;
 
-    explicit MovieJobs(MediaObserver& observer) : observer_(&observer) {}
+    explicit MovieJobs(MovieObserver& observer) : observer_(&observer) {}
     MovieJobs(const MovieJobs&) = delete;
     MovieJobs& operator=(const MovieJobs&) = delete;
 
@@ -48,7 +48,7 @@ public:
     void close();
 
     /// Calls `call` with the observer, unless closed.
-    void tell(const std::function<void(MediaObserver&)>& call);
+    void tell(const std::function<void(MovieObserver&)>& call);
 
 private:
     struct Entry {
@@ -65,7 +65,7 @@ private:
     bool isEnded_ = false;
 
     std::shared_mutex calls_; // shared by calls to the outside; guards observer_
-    MediaObserver* observer_;
+    MovieObserver* observer_;
 };
 
 } // namespace vistrane

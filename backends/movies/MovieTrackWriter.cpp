@@ -62,7 +62,7 @@ std::optional<NSError> MovieTrackWriter::append(CVPixelBufferRef buffer, CMTime 
     if (error) {
         job_->setLastRefusal(*error);
     }
-    job_->jobs().tell([&error](MediaObserver& observer) {
+    job_->jobs().tell([&error](MovieObserver& observer) {
         error ? observer.pictureWasRefused(*error) : observer.pictureWasAppended();
     });
     return error;

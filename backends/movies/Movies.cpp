@@ -11,7 +11,7 @@
 
 namespace vistrane {
 
-Movies::Movies(MediaObserver& observer, MovieOptions options)
+Movies::Movies(MovieObserver& observer, MovieOptions options)
     : options_(std::move(options)), jobs_(std::make_shared<MovieJobs>(observer)) {}
 
 Movies::~Movies() {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "backends/movies/MovieObserver.h"
 #include "backends/movies/MovieOptions.h"
-#include "backends/posix/MediaObserver.h"
 #include "platform/avfoundation/AVAssetWriter.h"
 #include "platform/foundation/NSURL.h"
 
@@ -27,7 +27,7 @@ public:
     /// `whenFinished` tells whether a movie is whole (no error).
     using Finished = std::function<void(std::optional<NSError>)>;
 
-    explicit Movies(MediaObserver& observer, MovieOptions options = {});
+    explicit Movies(MovieObserver& observer, MovieOptions options = {});
     ~Movies();
     Movies(const Movies&) = delete;
     Movies& operator=(const Movies&) = delete;

@@ -6,11 +6,11 @@
 
 namespace vistrane {
 
-DataBytes::DataBytes(ByteArray bytes, MediaObserver* observer)
+DataBytes::DataBytes(ByteArray bytes, PictureObserver* observer)
     : bytes_(std::move(bytes)), observer_(observer) {}
 
 std::shared_ptr<DataBytes> DataBytes::copyOf(std::span<const std::uint8_t> bytes,
-                                             MediaObserver* observer) {
+                                             PictureObserver* observer) {
     auto copy = ByteArray::copyOf(bytes);
     return copy ? std::make_shared<DataBytes>(std::move(*copy), observer) : nullptr;
 }

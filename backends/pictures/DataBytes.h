@@ -6,7 +6,7 @@
 #include <string>
 
 #include "backends/pictures/ByteArray.h"
-#include "backends/posix/MediaObserver.h"
+#include "backends/pictures/PictureObserver.h"
 #include "platform/foundation/NSData.h"
 
 namespace vistrane {
@@ -16,11 +16,11 @@ class DataBytes final : public NSData {
 public:
     /// With an `observer` every `writeToFile` reports its outcome to it, on the writing thread and
     /// before it returns. The observer outlives the object.
-    explicit DataBytes(ByteArray bytes, MediaObserver* observer = nullptr);
+    explicit DataBytes(ByteArray bytes, PictureObserver* observer = nullptr);
 
     /// Null when there is no memory for the copy.
     static std::shared_ptr<DataBytes> copyOf(std::span<const std::uint8_t> bytes,
-                                             MediaObserver* observer = nullptr);
+                                             PictureObserver* observer = nullptr);
 
     const std::uint8_t* bytes() const override;
     std::size_t length() const override;
@@ -30,7 +30,7 @@ public:
 
 private:
     ByteArray bytes_;
-    MediaObserver* observer_;
+    PictureObserver* observer_;
 };
 
 } // namespace vistrane

@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "backends/pictures/PictureObserver.h"
 #include "backends/pictures/PictureSource.h"
-#include "backends/posix/MediaObserver.h"
 #include "platform/appkit/NSBitmapImageRep.h"
 
 namespace vistrane {
@@ -12,7 +12,7 @@ namespace vistrane {
 /// outlives them.
 class MediaBitmapImageRep final : public NSBitmapImageRep {
 public:
-    MediaBitmapImageRep(std::shared_ptr<const PictureSource> source, MediaObserver& observer);
+    MediaBitmapImageRep(std::shared_ptr<const PictureSource> source, PictureObserver& observer);
 
     /// PNG only; see `encodePng`.
     std::shared_ptr<NSData>
@@ -23,7 +23,7 @@ public:
 
 private:
     std::shared_ptr<const PictureSource> source_;
-    MediaObserver& observer_;
+    PictureObserver& observer_;
 };
 
 } // namespace vistrane

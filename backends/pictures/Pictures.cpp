@@ -32,7 +32,7 @@ std::shared_ptr<const PictureSource> pngOrPpm(const std::shared_ptr<NSData>& dat
 
 } // namespace
 
-Pictures::Pictures(MediaObserver& observer, PictureLimits limits)
+Pictures::Pictures(PictureObserver& observer, PictureLimits limits)
     : observer_(observer), limits_(limits), cache_(std::make_unique<PictureCache>()) {}
 
 Pictures::~Pictures() = default;

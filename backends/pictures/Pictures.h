@@ -4,7 +4,7 @@
 #include <string>
 
 #include "backends/pictures/PictureLimits.h"
-#include "backends/posix/MediaObserver.h"
+#include "backends/pictures/PictureObserver.h"
 #include "platform/appkit/NSBitmapImageRep.h"
 #include "platform/appkit/NSGraphicsContext.h"
 #include "platform/appkit/NSImage.h"
@@ -22,7 +22,7 @@ class PictureCache;
 class Pictures {
 public:
     /// The observer outlives everything made here.
-    explicit Pictures(MediaObserver& observer, PictureLimits limits = {});
+    explicit Pictures(PictureObserver& observer, PictureLimits limits = {});
     Pictures(const Pictures&) = delete;
     Pictures& operator=(const Pictures&) = delete;
     ~Pictures();
@@ -45,7 +45,7 @@ public:
     void restoreGraphicsState() const;
 
 private:
-    MediaObserver& observer_;
+    PictureObserver& observer_;
     PictureLimits limits_;
     std::unique_ptr<PictureCache> cache_;
 };

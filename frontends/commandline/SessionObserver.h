@@ -5,9 +5,11 @@
 #include <optional>
 #include <string>
 
+#include "backends/cameras/CameraObserver.h"
 #include "backends/console/ConsoleOutput.h"
 #include "backends/console/ConsoleRunLoop.h"
-#include "backends/posix/MediaObserver.h"
+#include "backends/movies/MovieObserver.h"
+#include "backends/pictures/PictureObserver.h"
 #include "frontends/commandline/CompileReport.h"
 
 namespace vistrane {
@@ -19,7 +21,7 @@ struct MovieOutcome {
 };
 
 /// Tells the command line what the media report, on the main thread, and the user what went wrong.
-class SessionObserver final : public MediaObserver {
+class SessionObserver final : public PictureObserver, public MovieObserver, public CameraObserver {
 public:
     SessionObserver(ConsoleOutput& output, ConsoleRunLoop& loop, CompileReport& report)
         : output_(output), loop_(loop), report_(report) {}

@@ -3,13 +3,15 @@
 #include <atomic>
 #include <string>
 
-#include "backends/posix/MediaObserver.h"
+#include "backends/cameras/CameraObserver.h"
+#include "backends/movies/MovieObserver.h"
+#include "backends/pictures/PictureObserver.h"
 #include "frontends/window/WindowLog.h"
 
 namespace vistrane {
 
 /// Writes into the log what the media report.
-class WindowObserver final : public MediaObserver {
+class WindowObserver final : public PictureObserver, public MovieObserver, public CameraObserver {
 public:
     explicit WindowObserver(WindowLog& log) : log_(log) {}
 

@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/Cameras.h"
-#include "backends/posix/MediaObserver.h"
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/dispatch/Dispatch.h"
 
@@ -80,7 +80,7 @@ private:
     Queue queue_;
 };
 
-class RecordingObserver final : public MediaObserver {
+class RecordingObserver final : public CameraObserver {
 public:
     explicit RecordingObserver(HandDrainedDispatch& dispatch) : dispatch_(dispatch) {}
 

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
+#include "backends/movies/MovieObserver.h"
 #include "backends/movies/Movies.h"
 #include "backends/pictures/PixelBuffer.h"
-#include "backends/posix/MediaObserver.h"
 
 namespace vistrane {
 
@@ -35,7 +35,7 @@ private:
 };
 
 /// Keeps what a movie tells, and lets a test wait for its end.
-class RecordingObserver final : public MediaObserver {
+class RecordingObserver final : public MovieObserver {
 public:
     void pictureWasAppended() override;
     void pictureWasRefused(const NSError& reason) override;

@@ -26,7 +26,7 @@
 namespace vistrane::testing {
 
 /// Remembers what a front end would be told.
-class RecordingObserver final : public MediaObserver {
+class RecordingObserver final : public PictureObserver {
 public:
     void imageCouldNotBeRead(const std::string& path, const NSError& reason) override {
         unread.emplace_back(path, reason);

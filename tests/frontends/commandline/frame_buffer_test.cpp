@@ -27,7 +27,7 @@ namespace {
 
 using testing::ElementsAre;
 
-class SilentObserver final : public MediaObserver {};
+class SilentObserver final : public PictureObserver, public MovieObserver, public CameraObserver {};
 
 /// The controller's pixel buffers on the real kits.
 class FrameBuffer : public testing::Test {

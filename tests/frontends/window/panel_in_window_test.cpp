@@ -9,8 +9,8 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include "backends/pictures/PictureObserver.h"
 #include "backends/pictures/Pictures.h"
-#include "backends/posix/MediaObserver.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/qt/controls/QtInterface.h"
 #include "backends/qt/controls/QtResources.h"
@@ -22,7 +22,7 @@
 namespace vistrane {
 namespace {
 
-class Unobserved final : public MediaObserver {};
+class Unobserved final : public PictureObserver {};
 
 /// The info panel in the real windows, with the menus, pictures and alerts that these use.
 class PanelInWindow : public ::testing::Test {
