@@ -36,6 +36,9 @@ struct Axis {
     bool isUnscaled(std::size_t pixels) const {
         return step == 1.0 && origin == 0.0 && count == pixels;
     }
+    Resampling resampling() const {
+        return Resampling(origin, step, count, low, high, Shrinking::ByArea);
+    }
 };
 
 /// The first pixel whose middle is not before `edge`, within 0 and `size`.
@@ -127,10 +130,13 @@ public:
         : fraction_(static_cast<float>(std::min(fraction, 1.0))),
           over_(operation == NSCompositingOperationSourceOver) {}
 
+    /// Where the cubic overshoots, alpha stays within its range and colour within alpha.
     void drawPixel(const float* from, std::uint8_t* to) const {
-        const float kept = over_ ? 1.0F - from[0] * fraction_ / 255.0F : 0.0F;
+        const float alpha = std::clamp(from[0], 0.0F, 255.0F);
+        const float kept = over_ ? 1.0F - alpha * fraction_ / 255.0F : 0.0F;
         for (std::size_t i = 1; i < pixelBytes; ++i) {
-            to[i] = rounded(from[i] * fraction_ + static_cast<float>(to[i]) * kept);
+            const float colour = std::clamp(from[i], 0.0F, alpha);
+            to[i] = rounded(colour * fraction_ + static_cast<float>(to[i]) * kept);
         }
         to[0] = 0xFF;
     }
@@ -139,31 +145,6 @@ private:
     float fraction_;
     bool over_;
 };
-
-/// Adds up one old row after the other with its weight; `sums` starts at pixel `first`.
-void addRow(std::vector<float>& sums, const std::uint8_t* row, std::size_t first, float weight) {
-    const std::uint8_t* values = row + first * pixelBytes;
-    for (std::size_t i = 0; i < sums.size(); ++i) {
-        sums[i] += weight * static_cast<float>(values[i]);
-    }
-}
-
-/// One new pixel of the summed-up rows. Where the curve overshoots, colour stays within alpha.
-void gather(const std::vector<float>& sums, std::size_t first, const Resampling::Part& part,
-            float* pixel) {
-    std::fill_n(pixel, pixelBytes, 0.0F);
-    const float* values = sums.data() + (part.first - first) * pixelBytes;
-    for (const float weight : part.weights) {
-        for (std::size_t i = 0; i < pixelBytes; ++i) {
-            pixel[i] += weight * values[i];
-        }
-        values += pixelBytes;
-    }
-    pixel[0] = std::clamp(pixel[0], 0.0F, 255.0F);
-    for (std::size_t i = 1; i < pixelBytes; ++i) {
-        pixel[i] = std::clamp(pixel[i], 0.0F, pixel[0]);
-    }
-}
 
 /// Any other case: the whole picture is decoded, then the pixels are made of it row by row.
 std::optional<NSError> drawScaled(const PictureSource& picture, const Surface& surface,
@@ -182,23 +163,14 @@ std::optional<NSError> drawScaled(const PictureSource& picture, const Surface& s
     for (std::uint32_t y = 0; shape.mayBeTransparent && y < shape.height; ++y) {
         premultiply(bitmap->data() + y * stride, shape.width);
     }
-    const Resampling columns(across.origin, across.step, across.count, across.low, across.high);
-    const Resampling rows(down.origin, down.step, down.count, down.low, down.high);
-    std::vector<float> sums((columns.end() - columns.first()) * pixelBytes);
+    RowResampler resampler(across.resampling(), down.resampling());
     for (std::size_t y = 0; y < down.count; ++y) {
-        std::fill(sums.begin(), sums.end(), 0.0F);
-        const Resampling::Part part = rows.at(y);
-        for (std::size_t i = 0; i < part.weights.size(); ++i) {
-            addRow(sums, bitmap->data() + (part.first + i) * stride, columns.first(),
-                   part.weights[i]);
-        }
+        const float* from = resampler.row(y, bitmap->data(), stride).data();
         std::uint8_t* to = surface.rows +
                            static_cast<std::ptrdiff_t>(down.first + y) * surface.stride +
                            static_cast<std::ptrdiff_t>(across.first * pixelBytes);
-        for (std::size_t x = 0; x < across.count; ++x, to += pixelBytes) {
-            float pixel[pixelBytes];
-            gather(sums, columns.first(), columns.at(x), pixel);
-            drawing.drawPixel(pixel, to);
+        for (std::size_t x = 0; x < across.count; ++x, from += pixelBytes, to += pixelBytes) {
+            drawing.drawPixel(from, to);
         }
     }
     return std::nullopt;
