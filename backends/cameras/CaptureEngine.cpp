@@ -150,7 +150,7 @@ CaptureEngine::~CaptureEngine() {
     core_->quitting = true;
     core_->observer = nullptr;
     core_->changed.notify_all();
-    const bool ended = core_->changed.wait_for(lock, core_->options.patience,
+    const bool ended = core_->changed.wait_for(lock, core_->options.driverTimeout,
                                                [this] { return core_->threadHasEnded; });
     lock.unlock();
     if (!thread_.joinable()) {
@@ -169,7 +169,7 @@ void CaptureEngine::start(Camera camera, AVCaptureSessionPreset preset) {
     const std::uint64_t number = ++core_->wishNumber;
     core_->phase = Phase::starting;
     core_->changed.notify_all();
-    core_->changed.wait_for(lock, core_->options.patience, [this, number] {
+    core_->changed.wait_for(lock, core_->options.driverTimeout, [this, number] {
         return core_->servedWish == number && core_->phase != Phase::starting;
     });
 }
@@ -181,7 +181,7 @@ void CaptureEngine::stop() {
     core_->phase = Phase::idle;
     core_->failRequests(sessionWasStopped());
     core_->changed.notify_all();
-    core_->changed.wait_for(lock, core_->options.patience,
+    core_->changed.wait_for(lock, core_->options.driverTimeout,
                             [this, number] { return core_->servedWish == number; });
     core_->receiver.preview(nullptr);
 }
@@ -486,7 +486,7 @@ void CaptureEngine::Core::dropPipeline(Lock& lock) {
         return;
     }
     lock.unlock();
-    const bool stopped = dropped->stop(options.patience);
+    const bool stopped = dropped->stop(options.driverTimeout);
     lock.lock();
     if (!stopped) {
         stuck = dropped;

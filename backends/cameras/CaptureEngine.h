@@ -42,12 +42,12 @@ public:
     CaptureEngine(std::shared_ptr<CameraList> list, CameraObserver& observer, CameraOptions options,
                   Receiver receiver);
     /// Stops; no call of the receiver or the observer begins after this. A driver that hangs does
-    /// not hold this up for longer than `CameraOptions::patience`.
+    /// not hold this up for longer than `CameraOptions::driverTimeout`.
     ~CaptureEngine();
     CaptureEngine(const CaptureEngine&) = delete;
     CaptureEngine& operator=(const CaptureEngine&) = delete;
 
-    /// Waits for the first picture, at most `CameraOptions::patience`, and goes on trying after
+    /// Waits for the first picture, at most `CameraOptions::driverTimeout`, and goes on trying after
     /// that.
     void start(Camera camera, AVCaptureSessionPreset preset);
 

@@ -18,17 +18,18 @@ private:
     std::shared_ptr<NSData> file_;
 };
 
-/// A preview sample, mapped and held.
+/// Keeps a preview sample mapped.
 struct HeldPreview {
     GstPointer<GstSample> sample;
     GstVideoFrame frame{};
     bool isMapped = false;
 
-    explicit HeldPreview(GstSample* lent) : sample(gst_sample_ref(lent)) {
+    explicit HeldPreview(GstSample* borrowed) : sample(gst_sample_ref(borrowed)) {
         GstVideoInfo info;
-        const GstCaps* caps = gst_sample_get_caps(lent);
-        isMapped = caps != nullptr && gst_video_info_from_caps(&info, caps) &&
-                   gst_video_frame_map(&frame, &info, gst_sample_get_buffer(lent), GST_MAP_READ);
+        const GstCaps* caps = gst_sample_get_caps(borrowed);
+        isMapped =
+            caps != nullptr && gst_video_info_from_caps(&info, caps) &&
+            gst_video_frame_map(&frame, &info, gst_sample_get_buffer(borrowed), GST_MAP_READ);
     }
     ~HeldPreview() {
         if (isMapped) {
@@ -94,9 +95,9 @@ struct CaptureSession::Shared : std::enable_shared_from_this<CaptureSession::Sha
 
     const std::shared_ptr<MainThreadGate> mainQueue;
     std::mutex mutex;
-    /// Requests without an outcome, by number. Under the mutex.
+    /// Pending requests by number. Guarded by the mutex.
     std::map<std::uint64_t, Waiting> waiting;
-    std::atomic<bool> previewIsOnItsWay{false};
+    std::atomic<bool> previewIsQueued{false};
     /// Main thread only.
     std::vector<std::weak_ptr<MediaPreviewLayer>> layers;
 
@@ -131,11 +132,11 @@ void CaptureSession::Shared::deliver(std::uint64_t request, StillOutcome outcome
 
 void CaptureSession::Shared::preview(GstSample* sample) {
     const bool mustArrive = sample == nullptr;
-    if (previewIsOnItsWay.exchange(true) && !mustArrive) {
+    if (previewIsQueued.exchange(true) && !mustArrive) {
         return;
     }
     mainQueue->post([shared = shared_from_this(), picture = pictureOf(sample)] {
-        shared->previewIsOnItsWay = false;
+        shared->previewIsQueued = false;
         shared->show(picture);
     });
 }

@@ -9,7 +9,7 @@ namespace vistrane {
 
 struct Drawing;
 
-/// A picture as this folder makes it. Its pixels are decoded each time they are drawn.
+/// A picture of this folder. Its pixels are decoded each time it is drawn.
 class MediaImage final : public NSImage {
 public:
     explicit MediaImage(std::shared_ptr<const PictureSource> source);
@@ -21,7 +21,7 @@ public:
     void drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
                     double fraction) const override;
 
-    /// The picture's pixels, for a view that shows them; any thread.
+    /// The pixels, for a view. Any thread.
     const std::shared_ptr<const PictureSource>& source() const { return source_; }
 
 private:

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::size_t pixelBytes = 4;
 
-/// A stretch of one axis, in points.
-struct Stretch {
+/// A range of one axis, in points.
+struct Range {
     double from = 0.0;
     double to = 0.0;
     bool isEmpty() const { return !(from < to); }
@@ -26,7 +26,7 @@ struct Axis {
     /// The pixels to draw.
     std::size_t first = 0;
     std::size_t count = 0;
-    /// Where in the picture pixel `first` starts, and how far one pixel goes, in picture pixels.
+    /// Where pixel `first` begins in the picture, and the length of a pixel, in picture pixels.
     double origin = 0.0;
     double step = 1.0;
     /// The part of the picture that may be drawn, in picture pixels.
@@ -47,9 +47,10 @@ std::size_t pixelFrom(double edge, std::size_t size) {
         std::clamp(std::ceil(edge - 0.5), 0.0, static_cast<double>(size)));
 }
 
-/// `place`: where the point 0 of the picture's axis comes to lie. `part`: of the picture, in
-/// points. `points`, `pixels`: the picture's size. `surface`: the surface's, in pixels.
-Axis axisOf(double place, Stretch part, double points, std::size_t pixels, std::size_t surface) {
+/// `place` is the position of the picture's point 0 on the surface. `part` is the part of the
+/// picture to draw, in points. `points` and `pixels` are the picture's size, `surface` is the
+/// surface's, in pixels.
+Axis axisOf(double place, Range part, double points, std::size_t pixels, std::size_t surface) {
     Axis axis;
     axis.first = pixelFrom(place + part.from, surface);
     axis.count = pixelFrom(place + part.to, surface) - axis.first;
@@ -60,7 +61,7 @@ Axis axisOf(double place, Stretch part, double points, std::size_t pixels, std::
     return axis;
 }
 
-// Beyond that, a double no longer holds a part of a point.
+// Beyond this, doubles do not hold fractions of a point precisely enough.
 constexpr double farthest = 1e9;
 
 NSSize scaled(NSSize size, NSSize scale) {
@@ -79,17 +80,17 @@ bool isPlace(const Drawing& drawing) {
            sane(drawing.from.size.height) && drawing.fraction >= 0.0;
 }
 
-Stretch within(double origin, double length, double points) {
+Range within(double origin, double length, double points) {
     return {std::max(origin, 0.0), std::min(origin + length, points)};
 }
 
 std::uint8_t scaled(unsigned value, unsigned alpha) {
-    // The nearest value to value * alpha / 255.
+    // value * alpha / 255, rounded to nearest.
     const unsigned product = value * alpha + 128;
     return static_cast<std::uint8_t>((product + (product >> 8)) >> 8);
 }
 
-/// Multiplies by alpha, which stays where it is.
+/// Multiplies the colour by alpha.
 void premultiply(std::uint8_t* row, std::size_t count) {
     for (std::uint8_t* pixel = row; pixel != row + count * pixelBytes; pixel += pixelBytes) {
         pixel[1] = scaled(pixel[1], pixel[0]);
@@ -105,7 +106,7 @@ void premultiplyOntoBlack(std::uint8_t* row, std::size_t count) {
     }
 }
 
-/// The usual case: the rows are decoded where they belong.
+/// The usual case: decodes straight into the surface.
 std::optional<NSError> decodeInto(const PictureSource& picture, std::uint8_t* rows,
                                   std::ptrdiff_t stride) {
     if (auto error = picture.readPixels(PixelForm::ARGB, rows, stride)) {
@@ -123,7 +124,7 @@ std::uint8_t rounded(float value) {
     return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
 }
 
-/// Draws rows of alpha, red, green and blue, multiplied by alpha, as numbers from 0 to 255.
+/// Draws premultiplied pixels: alpha, red, green, blue, from 0 to 255.
 class RowDrawing {
 public:
     RowDrawing(NSCompositingOperation operation, double fraction)
@@ -146,7 +147,7 @@ private:
     bool over_;
 };
 
-/// Any other case: the whole picture is decoded, then the pixels are made of it row by row.
+/// All other cases: decodes the whole picture, then resamples it row by row.
 std::optional<NSError> drawScaled(const PictureSource& picture, const Surface& surface,
                                   const Axis& across, const Axis& down, const RowDrawing& drawing) {
     const PictureShape& shape = picture.shape();
@@ -189,14 +190,14 @@ std::optional<NSError> drawPicture(const PictureSource& picture, const Surface& 
     if (!isPlace({drawing.point, from, drawing.operation, drawing.fraction}) || !isLength(size)) {
         return std::nullopt;
     }
-    const Stretch acrossPart = within(from.origin.x, from.size.width, size.width);
-    const Stretch upPart = within(from.origin.y, from.size.height, size.height);
+    const Range acrossPart = within(from.origin.x, from.size.width, size.width);
+    const Range upPart = within(from.origin.y, from.size.height, size.height);
     if (acrossPart.isEmpty() || upPart.isEmpty()) {
         return std::nullopt;
     }
     const Axis across =
         axisOf(drawing.point.x - from.origin.x, acrossPart, size.width, shape.width, surface.width);
-    // Rows are counted from the top, points from the bottom.
+    // Rows count from the top, points from the bottom.
     const double top =
         static_cast<double>(surface.height) - (drawing.point.y - from.origin.y + size.height);
     const Axis down = axisOf(top, {size.height - upPart.to, size.height - upPart.from}, size.height,

@@ -37,11 +37,11 @@ public:
     }
 
     int number() const { return number_; }
-    /// It is the caller's to close.
+    /// Passes the descriptor to the caller.
     int release() { return std::exchange(number_, -1); }
 
-    /// The system's number of an error that only closing brings to light (a quota, a remote
-    /// disk), else 0. An interrupted close has closed.
+    /// Returns the number of an error that shows only on closing (a quota, a remote disk), else 0.
+    /// An interrupted close has closed the file.
     int close() {
         const int result = ::close(std::exchange(number_, -1));
         return result != 0 && errno != EINTR ? errno : 0;
@@ -51,7 +51,7 @@ private:
     int number_;
 };
 
-/// A path with a zero byte would be cut there by the system and name another file.
+/// The system would cut a path at a zero byte and open another file.
 bool canBeAPath(const std::string& path) {
     return path.find('\0') == std::string::npos;
 }
@@ -61,7 +61,7 @@ int openRetrying(const std::string& path, int flags) {
         errno = EINVAL;
         return -1;
     }
-    // Without O_NONBLOCK, opening a named pipe waits for its other end.
+    // Without O_NONBLOCK, opening a named pipe blocks until its other end is opened.
     int number = -1;
     do {
         number = ::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
@@ -78,7 +78,7 @@ std::int64_t nanosecondsOf(const struct timespec& time) {
     return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
-/// The system's error number, or 0 when all bytes were written.
+/// Returns the system's error number, or 0 when all bytes were written.
 int writeAll(int number, std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
         const std::size_t part = bytes.size() < SSIZE_MAX ? bytes.size() : SSIZE_MAX;
@@ -96,7 +96,7 @@ int writeAll(int number, std::span<const std::uint8_t> bytes) {
     return 0;
 }
 
-/// Removes the file that was opened under `path`, also through links, and no other file.
+/// Removes the file that was opened at `path`, also through links, and no other file.
 void removeOpened(const std::string& path, const struct stat& opened) {
     const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
                                                            &std::free);
@@ -159,7 +159,7 @@ OpenFile::~OpenFile() {
 
 FileBytesResult OpenFile::read() {
     FileBytesResult result;
-    // Read, not mapped: a mapped file that somebody shortens kills its reader.
+    // Read, not mapped: truncating a mapped file kills its reader.
     auto bytes = ByteArray::ofLength(static_cast<std::size_t>(state_.length));
     if (!bytes) {
         result.error = pictureError(PictureFault::NoMemory, path_,
@@ -190,7 +190,7 @@ std::optional<NSError> writeFileInPlace(const std::string& path,
                                         std::span<const std::uint8_t> bytes) {
     Descriptor file(openRetrying(path, O_WRONLY | O_CREAT | O_TRUNC));
     struct stat state {};
-    // A pipe that nobody reads, or a socket.
+    // A pipe without a reader, or a socket.
     if (file.number() < 0 && errno == ENXIO) {
         return notAFile(path);
     }

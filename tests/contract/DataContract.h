@@ -10,12 +10,12 @@
 
 namespace vistrane {
 
-/// Bytes. A backend has
+/// Tests file data. A backend has
 ///
 ///     std::shared_ptr<NSData> data(const std::string& bytes);
 ///     std::string emptyFolder();                     a fresh folder's path, the same each time
-///     void addFile(const std::string& path);         with bytes of its own, more than "bytes" has
-///     std::optional<std::string> contents(const std::string& path);     nothing without a file
+///     void addFile(const std::string& path);         with other content, longer than "bytes"
+///     std::optional<std::string> contents(const std::string& path);     null without a file
 template <typename Backend>
 class DataContract : public ::testing::Test {
 protected:
@@ -42,7 +42,7 @@ TYPED_TEST_P(DataContract, WritesAFileEitherWay) {
     }
 }
 
-TYPED_TEST_P(DataContract, ReplacesWhatTheFileHeld) {
+TYPED_TEST_P(DataContract, ReplacesTheContentOfAFile) {
     const auto data = this->backend_.data("bytes");
     for (const bool atomically : {false, true}) {
         const std::string path = this->path(atomically ? "whole" : "in place");
@@ -77,7 +77,7 @@ TYPED_TEST_P(DataContract, AFolderIsNotReplaced) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(DataContract, GivesItsBytes, WritesAFileEitherWay,
-                            ReplacesWhatTheFileHeld, MayBeWrittenAgain,
+                            ReplacesTheContentOfAFile, MayBeWrittenAgain,
                             WithoutItsFolderNoFileIsWritten, AFolderIsNotReplaced);
 
 } // namespace vistrane

@@ -14,14 +14,14 @@
 
 namespace vistrane {
 
-/// Pixel buffers and drawing into them. A backend has
+/// Tests pixel buffers and drawing into them. A backend has
 ///
 ///     CoreVideo& coreVideo();
 ///     CoreGraphics& coreGraphics();
 ///     auto& pictures();                        an AppKit, or its picture half
-///     std::string addPicture(NSSize points);   a picture file's path; the pixels are as large as a
-///                                              point and tell their place: red is the column,
-///                                              green the row from the top, blue is 90
+///     std::string addPicture(NSSize points);   a picture file's path; a pixel is a point, and its
+///                                              colour is its place: red is the column, green the
+///                                              row from the top, blue is 90
 template <typename Backend>
 class PixelBufferContract : public ::testing::Test {
 protected:
@@ -36,7 +36,7 @@ protected:
         return video().CVPixelBufferCreate(width, height, kCVPixelFormatType_32ARGB, {}, buffer);
     }
 
-    /// A buffer, locked, whose pixels are `untouched`.
+    /// A locked buffer whose pixels are `untouched`.
     CVPixelBufferRef createLocked(std::size_t width, std::size_t height) {
         CVPixelBufferRef buffer = nullptr;
         EXPECT_EQ(create(width, height, &buffer), kCVReturnSuccess);
@@ -93,7 +93,7 @@ TYPED_TEST_P(PixelBufferContract, RowsHoldTheirPixels) {
     }
 }
 
-TYPED_TEST_P(PixelBufferContract, TheAddressIsThereWhileLocked) {
+TYPED_TEST_P(PixelBufferContract, TheAddressIsValidWhileLocked) {
     CVPixelBufferRef buffer = nullptr;
     ASSERT_EQ(this->create(4, 4, &buffer), kCVReturnSuccess);
     EXPECT_EQ(this->video().CVPixelBufferGetBaseAddress(buffer), nullptr);
@@ -104,7 +104,7 @@ TYPED_TEST_P(PixelBufferContract, TheAddressIsThereWhileLocked) {
     this->video().CVBufferRelease(buffer);
 }
 
-TYPED_TEST_P(PixelBufferContract, PixelsStayFromLockToLock) {
+TYPED_TEST_P(PixelBufferContract, PixelsAreKeptBetweenLocks) {
     CVPixelBufferRef buffer = this->createLocked(4, 4);
     this->video().CVPixelBufferUnlockBaseAddress(buffer, 0);
     this->video().CVPixelBufferLockBaseAddress(buffer, 0);
@@ -112,7 +112,7 @@ TYPED_TEST_P(PixelBufferContract, PixelsStayFromLockToLock) {
     this->unlockAndRelease(buffer);
 }
 
-TYPED_TEST_P(PixelBufferContract, SizesThatCannotBeAreRefusedAndTheResultIsLeftAlone) {
+TYPED_TEST_P(PixelBufferContract, ImpossibleSizesAreRefusedAndLeaveTheResultUnchanged) {
     CVPixelBufferRef before = nullptr;
     ASSERT_EQ(this->create(1, 1, &before), kCVReturnSuccess);
     CVPixelBufferRef buffer = before;
@@ -125,14 +125,14 @@ TYPED_TEST_P(PixelBufferContract, SizesThatCannotBeAreRefusedAndTheResultIsLeftA
     this->video().CVBufferRelease(before);
 }
 
-TYPED_TEST_P(PixelBufferContract, OtherFormatsAndNoPlaceForTheResultAreRefused) {
+TYPED_TEST_P(PixelBufferContract, OtherFormatsAndANullResultAreRefused) {
     CVPixelBufferRef buffer = nullptr;
     EXPECT_NE(this->video().CVPixelBufferCreate(4, 4, 24, {}, &buffer), kCVReturnSuccess);
     EXPECT_EQ(buffer, nullptr);
     EXPECT_NE(this->create(4, 4, nullptr), kCVReturnSuccess);
 }
 
-TYPED_TEST_P(PixelBufferContract, NullBuffersAnswerWithNothing) {
+TYPED_TEST_P(PixelBufferContract, NullBuffersAreAccepted) {
     EXPECT_NE(this->video().CVPixelBufferLockBaseAddress(nullptr, 0), kCVReturnSuccess);
     EXPECT_NE(this->video().CVPixelBufferUnlockBaseAddress(nullptr, 0), kCVReturnSuccess);
     EXPECT_EQ(this->video().CVPixelBufferGetBaseAddress(nullptr), nullptr);
@@ -215,12 +215,12 @@ TYPED_TEST_P(PixelBufferContract, ALargerPictureIsCutOff) {
     this->unlockAndRelease(buffer);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(PixelBufferContract, RowsHoldTheirPixels, TheAddressIsThereWhileLocked,
-                            PixelsStayFromLockToLock,
-                            SizesThatCannotBeAreRefusedAndTheResultIsLeftAlone,
-                            OtherFormatsAndNoPlaceForTheResultAreRefused,
-                            NullBuffersAnswerWithNothing, NullColorSpacesAndContextsMayBeReleased,
-                            AContextNeedsMemoryAndPixels, FormsThatCannotBeDrawnIntoGiveNoContext,
+REGISTER_TYPED_TEST_SUITE_P(PixelBufferContract, RowsHoldTheirPixels, TheAddressIsValidWhileLocked,
+                            PixelsAreKeptBetweenLocks,
+                            ImpossibleSizesAreRefusedAndLeaveTheResultUnchanged,
+                            OtherFormatsAndANullResultAreRefused, NullBuffersAreAccepted,
+                            NullColorSpacesAndContextsMayBeReleased, AContextNeedsMemoryAndPixels,
+                            FormsThatCannotBeDrawnIntoGiveNoContext,
                             APictureOfTheBuffersSizeFillsEveryPixel,
                             ASmallerPictureLiesWithItsBottomLeftAtThePoint, ALargerPictureIsCutOff);
 
