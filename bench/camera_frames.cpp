@@ -15,10 +15,9 @@
 #include <png.h>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
-#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/PictureSource.h"
 #include "backends/pictures/png_encoding.h"
 
@@ -224,17 +223,13 @@ bool writeFile(const std::string& path, const void* bytes, std::size_t count) {
 
 bool writeOurs(const std::string& path, const std::vector<std::uint8_t>& pixels, std::size_t width,
                std::size_t height) {
-    const std::string head =
-        "P6\n" + std::to_string(width) + " " + std::to_string(height) + "\n255\n";
-    ByteArray file;
-    if (!file.append({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()}) ||
-        !file.append(pixels)) {
+    auto copy = ByteArray::copyOf(pixels);
+    if (!copy) {
         return false;
     }
-    const auto picture =
-        pictureFromPpm(std::make_shared<DataBytes>(std::move(file)), path, PictureLimits());
-    const auto* source = std::get_if<std::shared_ptr<const PictureSource>>(&picture);
-    const auto png = source != nullptr ? encodePng(**source) : std::nullopt;
+    const PictureShape shape{static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
+                             std::nullopt, false};
+    const auto png = encodePng(DecodedPicture(shape, path, std::move(*copy)));
     return png && writeFile(path, png->bytes().data(), png->bytes().size());
 }
 

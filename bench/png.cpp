@@ -26,9 +26,9 @@
 #include <vector>
 
 #include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/PictureSource.h"
 #include "backends/pictures/png_encoding.h"
-#include "backends/pictures/ppm.h"
 #include "bench/SamplePictures.h"
 
 namespace vistrane::bench {
@@ -108,15 +108,12 @@ Bytes writeByLibpng(const SamplePicture& picture, int level) {
     return file;
 }
 
-std::shared_ptr<const PictureSource> sourceOf(const Bytes& file) {
-    auto data = DataBytes::copyOf(file);
-    auto png = pictureFromPng(data, "bench", PictureLimits());
-    if (auto* found = std::get_if<0>(&png)) {
-        return *found;
-    }
-    auto raw = pictureFromPpm(data, "bench", PictureLimits());
-    require(raw.index() == 0, "a picture of our own is refused");
-    return std::get<0>(raw);
+std::unique_ptr<const PictureSource> sourceOf(const SamplePicture& picture) {
+    auto pixels = ByteArray::copyOf(picture.rgb);
+    require(pixels.has_value(), "there is no memory for a picture");
+    return std::make_unique<DecodedPicture>(
+        PictureShape{picture.width, picture.height, std::nullopt, false}, "bench",
+        std::move(*pixels));
 }
 
 void readByUs(const std::shared_ptr<const NSData>& file, Bytes& rgba) {
@@ -268,10 +265,7 @@ QByteArray saveWithQImage(const QImage& image) {
 
 void compareSaving(const Table& table, const SamplePicture& picture, const std::string& size,
                    bool everything) {
-    const std::string head = ppmHead(picture.width, picture.height);
-    Bytes raw(head.begin(), head.end());
-    raw.insert(raw.end(), picture.rgb.begin(), picture.rgb.end());
-    const auto source = sourceOf(raw);
+    const auto source = sourceOf(picture);
     std::size_t our = 0;
     std::size_t their = 0;
     const auto ours = [&] { our = encodePng(*source)->length(); };
@@ -310,10 +304,7 @@ void compareAll(const Table& table, bool everything) {
                 continue;
             }
             const SamplePicture picture = samplePicture(kind, width, height);
-            const std::string head = ppmHead(width, height);
-            Bytes raw(head.begin(), head.end());
-            raw.insert(raw.end(), picture.rgb.begin(), picture.rgb.end());
-            compareLoading(table, picture, encodeByUs(*sourceOf(raw)), "ours", size);
+            compareLoading(table, picture, encodeByUs(*sourceOf(picture)), "ours", size);
             compareLoading(table, picture, writeByLibpng(picture, -1), "defaults", size);
             compareSaving(table, picture, size, everything);
         }

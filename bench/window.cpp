@@ -2,7 +2,7 @@
 //
 // FOLDER holds frames. Two lines for each, as of `printTurns`:
 //   still-to-file  the main thread's time for a still that has arrived, until its file is written;
-//                  the peer decodes the same bytes with QImage and saves it with its defaults
+//                  the peer decodes the same pixels with QImage and saves it with its defaults
 //   playback-tick  one tick of the playback with what it paints; the peer reads with QImageReader,
 //                  scaled to the same size, and paints
 // The controller is the program's own, on real files and pictures.
@@ -28,9 +28,9 @@
 #include <QPainter>
 #include <QWidget>
 
-#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/PictureAppKit.h"
-#include "backends/pictures/ppm.h"
+#include "backends/pictures/PictureData.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/sim/Sim.h"
 #include "bench/RealFiles.h"
@@ -128,15 +128,32 @@ std::vector<std::string> filesIn(const std::string& folder) {
     return paths;
 }
 
-/// The picture as cameras hand it over.
-std::vector<std::uint8_t> rawBytes(const QImage& image) {
+std::vector<std::uint8_t> rgbOf(const QImage& image) {
     const QImage rgb = image.convertToFormat(QImage::Format_RGB888);
-    const std::string head =
-        ppmHead(static_cast<std::uint32_t>(rgb.width()), static_cast<std::uint32_t>(rgb.height()));
-    std::vector<std::uint8_t> bytes(head.begin(), head.end());
+    std::vector<std::uint8_t> bytes;
     for (int y = 0; y < rgb.height(); ++y) {
         bytes.insert(bytes.end(), rgb.constScanLine(y), rgb.constScanLine(y) + rgb.width() * 3);
     }
+    return bytes;
+}
+
+/// The picture as cameras deliver it.
+std::shared_ptr<NSData> stillOf(const QImage& image) {
+    auto pixels = ByteArray::copyOf(rgbOf(image));
+    require(pixels.has_value(), "there is no memory for the still");
+    const PictureShape shape{static_cast<std::uint32_t>(image.width()),
+                             static_cast<std::uint32_t>(image.height()), std::nullopt, false};
+    return std::make_shared<PictureData>(
+        std::make_shared<DecodedPicture>(shape, "still", std::move(*pixels)));
+}
+
+/// The picture as a binary PPM file, which is the quickest for the peer to read.
+std::vector<std::uint8_t> ppmOf(const QImage& image) {
+    const std::string header =
+        "P6\n" + std::to_string(image.width()) + " " + std::to_string(image.height()) + "\n255\n";
+    std::vector<std::uint8_t> bytes(header.begin(), header.end());
+    const std::vector<std::uint8_t> rgb = rgbOf(image);
+    bytes.insert(bytes.end(), rgb.begin(), rgb.end());
     return bytes;
 }
 
@@ -173,14 +190,14 @@ bool haveSamePixels(QImage one, QImage other) {
 void measureStill(long turns, const std::string& frame) {
     const QImage picture(QString::fromStdString(frame));
     require(!picture.isNull(), "not a picture: " + frame);
-    const std::vector<std::uint8_t> bytes = rawBytes(picture);
+    const std::vector<std::uint8_t> bytes = ppmOf(picture);
     std::string folder = std::filesystem::temp_directory_path().string() + "/still-XXXXXX";
     require(mkdtemp(folder.data()) != nullptr, "no folder can be made");
     const std::string path = folder + "/peer";
     Turns times;
     {
         Controller controller(folder);
-        const Photo photo(DataBytes::copyOf(bytes));
+        const Photo photo(stillOf(picture));
         const auto output = controller.output();
         for (long turn = 0; turn < turns; ++turn) {
             times.ours.push_back(timeOf([&] {

@@ -94,8 +94,6 @@ void writeSeeds(const std::string& folder) {
     write(folder + "/split.png", withSplitData(plain, 11));
     write(folder + "/profile.png", withChunkBefore(plain, "IDAT", chunk("iCCP", linearProfile())));
     write(folder + "/literals.png", literalsPng());
-    const std::string raw = "P6\n# raw\n2 1\n255\nabcdef";
-    write(folder + "/raw.ppm", Bytes(raw.begin(), raw.end()));
 }
 
 } // namespace

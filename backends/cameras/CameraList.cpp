@@ -88,8 +88,8 @@ Camera cameraOf(GstDevice* device, const std::string& provider) {
     return camera;
 }
 
-/// Else each listing prints libcamera's version. The first call is on the main thread, because
-/// other threads must not change the environment.
+/// Else each listing prints libcamera's version. The first call is on the main thread, which is the
+/// only one that reads the environment.
 void quietLibcamera() {
     static const bool isQuiet = setenv("LIBCAMERA_LOG_LEVELS", "*:ERROR", 0) == 0;
     static_cast<void>(isQuiet);

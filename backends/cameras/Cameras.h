@@ -17,8 +17,8 @@ class CameraList;
 class MainThreadGate;
 
 /// The capture half of the AVFoundation kit, on GStreamer: v4l2, PipeWire and libcamera cameras,
-/// as far as this system has them. The methods fulfil the contract of `AVFoundation`; a still's
-/// file data is a binary PPM file.
+/// as far as this system has them. The methods fulfil the contract of `AVFoundation`; the file data
+/// of a still carries its picture (`PictureData`).
 ///
 /// Main thread only. The program is called through the main queue, the observer on threads of this
 /// object. `dispatch` and `observer` outlive this object. The objects that it returned may outlive

@@ -244,7 +244,7 @@ void CaptureCore::serveStill(Lock& lock) {
     }
     const std::uint64_t number = requests.front().number;
     lock.unlock();
-    auto file = portablePixmap(sample.get());
+    auto picture = stillPicture(sample.get());
     lock.lock();
     if (requests.empty() || requests.front().number != number) {
         return;
@@ -253,10 +253,8 @@ void CaptureCore::serveStill(Lock& lock) {
     if (pipeline) {
         pipeline->wantStills(!requests.empty());
     }
-    StillOutcome outcome;
-    if (file) {
-        outcome.file = std::move(*file);
-    } else {
+    StillOutcome outcome{std::move(picture), std::nullopt};
+    if (!outcome.picture) {
         outcome.error = pictureNotReadable(target->camera.facts.name);
     }
     receiver.still(number, std::move(outcome));

@@ -7,20 +7,20 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "backends/cameras/CameraList.h"
 #include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/CameraOptions.h"
 #include "backends/cameras/gst_pointers.h"
+#include "backends/pictures/PictureSource.h"
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
 
-/// What came of a request: a PPM file, or why there is none.
+/// The outcome of a request: exactly one of the two is set.
 struct StillOutcome {
-    std::vector<std::uint8_t> file;
+    std::shared_ptr<const PictureSource> picture;
     std::optional<NSError> error;
 };
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "backends/cameras/PhotoBytes.h"
+#include "backends/pictures/PictureData.h"
 
 namespace vistrane {
 
@@ -11,11 +11,12 @@ namespace {
 
 class Photo final : public AVCapturePhoto {
 public:
-    explicit Photo(std::shared_ptr<NSData> file) : file_(std::move(file)) {}
-    std::shared_ptr<NSData> fileDataRepresentation() const override { return file_; }
+    explicit Photo(std::shared_ptr<const PictureSource> picture)
+        : data_(std::make_shared<PictureData>(std::move(picture))) {}
+    std::shared_ptr<NSData> fileDataRepresentation() const override { return data_; }
 
 private:
-    std::shared_ptr<NSData> file_;
+    std::shared_ptr<NSData> data_;
 };
 
 /// Keeps a preview sample mapped.
@@ -115,18 +116,14 @@ void CaptureSession::Shared::deliver(std::uint64_t request, StillOutcome outcome
     const Waiting answered = found->second;
     waiting.erase(found);
     lock.unlock();
-    std::shared_ptr<NSData> file;
-    if (!outcome.error) {
-        file = std::make_shared<PhotoBytes>(std::move(outcome.file));
-    }
-    mainQueue->post([answered, file, error = std::move(outcome.error)] {
+    mainQueue->post([answered, outcome = std::move(outcome)] {
         const auto output = answered.output.lock();
         if (!output) {
             return;
         }
-        const Photo photo(file);
-        answered.delegate->captureOutputDidFinishProcessingPhoto(*output, error ? nullptr : &photo,
-                                                                 error);
+        const Photo photo(outcome.picture);
+        answered.delegate->captureOutputDidFinishProcessingPhoto(
+            *output, outcome.error ? nullptr : &photo, outcome.error);
     });
 }
 

@@ -15,6 +15,7 @@ public:
     explicit MediaImage(std::shared_ptr<const PictureSource> source);
 
     NSSize size() const override;
+    /// Always a `PictureData`.
     std::shared_ptr<NSData> TIFFRepresentation() const override;
     void drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                      double fraction) const override;

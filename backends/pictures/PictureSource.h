@@ -38,6 +38,9 @@ struct PictureShape {
     /// If false, every pixel is opaque.
     bool mayBeTransparent = false;
 
+    /// The form that keeps every value in the fewest bytes.
+    PixelForm compactForm() const { return mayBeTransparent ? PixelForm::RGBA : PixelForm::RGB; }
+
     /// In points: pixels x 72 / dpi where there is a density, else pixels.
     NSSize sizeInPoints() const;
 };
@@ -127,13 +130,5 @@ using PictureSourceResult = std::variant<std::shared_ptr<const PictureSource>, N
 PictureSourceResult pictureFromPng(ByteArray file, std::string name, const PictureLimits& limits);
 PictureSourceResult pictureFromPng(std::shared_ptr<const NSData> file, std::string name,
                                    const PictureLimits& limits);
-
-/// A picture in the bytes of a binary PPM file of 8 bits; see `ppm.h`.
-PictureSourceResult pictureFromPpm(std::shared_ptr<const NSData> file, std::string name,
-                                   const PictureLimits& limits);
-
-/// A picture in the bytes that `tiffFile` makes; see `tiff.h`.
-PictureSourceResult pictureFromTiff(std::shared_ptr<const NSData> file, std::string name,
-                                    const PictureLimits& limits);
 
 } // namespace vistrane

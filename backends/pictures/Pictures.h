@@ -16,9 +16,9 @@ class PictureCache;
 
 /// Implements the picture messages of `AppKit`. Any thread.
 ///
-/// Pictures are PNG files of every form. They are checked when loaded and decoded when drawn, into
-/// sRGB: untagged ones count as sRGB, an embedded profile is converted. Bytes may also be a binary
-/// PPM file (see `ppm.h`), which is how raw camera pictures travel.
+/// Picture files are PNG files of every form. They are checked when loaded and decoded when drawn,
+/// into sRGB: untagged ones count as sRGB, an embedded profile is converted. Data may also carry a
+/// decoded picture (`PictureData`), as the stills of cameras do.
 class Pictures {
 public:
     /// The observer outlives every object that is made here.
@@ -30,10 +30,11 @@ public:
     /// Reports to the observer why it returns null. The file name's extension does not matter.
     /// Images of the same state of a file share what was read.
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) const;
-    /// PNG or PPM.
+    /// A PNG file or `PictureData`. Reports to the observer why it returns null, unless `data` is
+    /// null.
     std::shared_ptr<NSImage> imageWithData(const std::shared_ptr<NSData>& data) const;
-    /// PNG, PPM or what `NSImage::TIFFRepresentation` made. Data that it encodes report their
-    /// writing to the observer.
+    /// A PNG file or `PictureData`, which `NSImage::TIFFRepresentation` returns. The data that the
+    /// result encodes report their writing to the observer.
     std::shared_ptr<NSBitmapImageRep> imageRepWithData(const std::shared_ptr<NSData>& data) const;
 
     /// Null without a context. The context is one of `MediaCoreGraphics`.

@@ -154,8 +154,7 @@ std::optional<NSError> drawScaled(const PictureSource& picture, const Surface& s
     const std::size_t stride = pixelBytes * shape.width;
     auto bitmap = ByteArray::ofLength(stride * shape.height);
     if (!bitmap) {
-        return pictureError(PictureFault::NoMemory, picture.name(),
-                            "needs more memory than there is; close other programs");
+        return outOfMemory(picture.name());
     }
     if (auto error = picture.readPixels(PixelForm::ARGB, bitmap->data(),
                                         static_cast<std::ptrdiff_t>(stride))) {

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -107,15 +106,6 @@ void removeOpened(const std::string& path, const struct stat& opened) {
     }
 }
 
-/// A hidden name in the folder of `path` that no other caller uses now.
-std::string siblingName(const std::string& path) {
-    static std::atomic<unsigned> last{0};
-    const auto slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
-    return folder + ".vistrane-" + std::to_string(::getpid()) + "-" + std::to_string(++last) +
-           ".part";
-}
-
 } // namespace
 
 bool FileState::isSettled() const {
@@ -162,8 +152,7 @@ FileBytesResult OpenFile::read() {
     // Read, not mapped: truncating a mapped file kills its reader.
     auto bytes = ByteArray::ofLength(static_cast<std::size_t>(state_.length));
     if (!bytes) {
-        result.error = pictureError(PictureFault::NoMemory, path_,
-                                    "needs more memory than there is; close other programs");
+        result.error = outOfMemory(path_);
         return result;
     }
     std::size_t length = 0;
@@ -208,43 +197,6 @@ std::optional<NSError> writeFileInPlace(const std::string& path,
         return std::nullopt;
     }
     removeOpened(path, state);
-    return systemError(failure, "Cannot write the file", path, writeAdvice);
-}
-
-std::optional<NSError> replaceFile(const std::string& path, std::span<const std::uint8_t> bytes) {
-    struct stat old {};
-    if (canBeAPath(path) && ::lstat(path.c_str(), &old) == 0 && !S_ISREG(old.st_mode) &&
-        !S_ISLNK(old.st_mode)) {
-        return notAFile(path);
-    }
-    // A name that exists is a leftover of a process with the same number: take the next one.
-    std::string sibling;
-    int number = -1;
-    for (int attempt = 0; attempt < 100 && number < 0; ++attempt) {
-        sibling = canBeAPath(path) ? siblingName(path) : path;
-        number = openRetrying(sibling, O_WRONLY | O_CREAT | O_EXCL);
-        if (number < 0 && errno != EEXIST) {
-            break;
-        }
-    }
-    Descriptor file(number);
-    if (file.number() < 0) {
-        return systemError(errno, "Cannot create the file", path, writeAdvice);
-    }
-    int failure = writeAll(file.number(), bytes);
-    if (failure == 0 && ::fsync(file.number()) != 0) {
-        failure = errno;
-    }
-    if (const int closing = file.close(); failure == 0) {
-        failure = closing;
-    }
-    if (failure == 0 && ::rename(sibling.c_str(), path.c_str()) != 0) {
-        failure = errno;
-    }
-    if (failure == 0) {
-        return std::nullopt;
-    }
-    ::unlink(sibling.c_str());
     return systemError(failure, "Cannot write the file", path, writeAdvice);
 }
 

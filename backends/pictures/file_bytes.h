@@ -64,8 +64,4 @@ private:
 std::optional<NSError> writeFileInPlace(const std::string& path,
                                         std::span<const std::uint8_t> bytes);
 
-/// Writes a new file beside `path`, has it stored, and gives it that name in one step. On failure
-/// the old file stays as it is.
-std::optional<NSError> replaceFile(const std::string& path, std::span<const std::uint8_t> bytes);
-
 } // namespace vistrane

@@ -21,6 +21,9 @@ enum class PictureFault {
 /// "The picture <name> <what>", one line. `name` is a path or a description.
 NSError pictureError(PictureFault fault, const std::string& name, const std::string& what);
 
+/// The picture does not fit into memory.
+NSError outOfMemory(const std::string& name);
+
 /// "<what> <path>: <the system's reason>; <advice>", with the system's error number as the code.
 NSError systemError(int number, const std::string& what, const std::string& path,
                     const std::string& advice);

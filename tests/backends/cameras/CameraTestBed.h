@@ -1,10 +1,9 @@
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <deque>
 #include <functional>
 #include <map>
@@ -15,8 +14,9 @@
 #include <utility>
 #include <vector>
 
-#include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/Cameras.h"
+#include "backends/pictures/PictureData.h"
+#include "backends/cameras/CameraObserver.h"
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/dispatch/Dispatch.h"
 
@@ -103,7 +103,7 @@ private:
     std::vector<std::string> messages_;
 };
 
-/// A PPM file taken apart.
+/// The pixels of a still.
 struct Pixmap {
     int width = 0;
     int height = 0;
@@ -117,23 +117,17 @@ struct Pixmap {
 };
 
 inline std::optional<Pixmap> pixmapOf(const NSData& data) {
-    Pixmap pixmap;
-    int headerLength = 0;
-    const std::string head(reinterpret_cast<const char*>(data.bytes()),
-                           std::min<std::size_t>(data.length(), 32));
-    if (std::sscanf(head.c_str(), "P6\n%d %d\n255\n%n", &pixmap.width, &pixmap.height,
-                    &headerLength) != 2) {
+    const auto* still = dynamic_cast<const PictureData*>(&data);
+    if (still == nullptr) {
         return std::nullopt;
     }
-    // The last white space of the pattern also passes over pixels that look like white space.
-    const std::string header =
-        "P6\n" + std::to_string(pixmap.width) + " " + std::to_string(pixmap.height) + "\n255\n";
-    const std::size_t pixels = std::size_t{3} * static_cast<std::size_t>(pixmap.width) *
-                               static_cast<std::size_t>(pixmap.height);
-    if (head.compare(0, header.size(), header) != 0 || data.length() != header.size() + pixels) {
+    const PictureShape& shape = still->picture()->shape();
+    Pixmap pixmap{static_cast<int>(shape.width), static_cast<int>(shape.height), {}};
+    pixmap.rgb.resize(std::size_t{3} * shape.width * shape.height);
+    if (still->picture()->readPixels(PixelForm::RGB, pixmap.rgb.data(),
+                                     std::ptrdiff_t{3} * shape.width)) {
         return std::nullopt;
     }
-    pixmap.rgb.assign(data.bytes() + header.size(), data.bytes() + data.length());
     return pixmap;
 }
 

@@ -17,8 +17,10 @@
 #include <vector>
 
 #include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/MediaCoreGraphics.h"
 #include "backends/pictures/MediaCoreVideo.h"
+#include "backends/pictures/PictureData.h"
 #include "backends/pictures/Pictures.h"
 #include "backends/pictures/PixelBuffer.h"
 #include "tests/backends/pictures/PngSamples.h"
@@ -84,6 +86,13 @@ inline Bytes get(const std::string& path) {
 
 inline Bytes bytesOf(const std::shared_ptr<NSData>& data) {
     return data ? Bytes(data->bytes(), data->bytes() + data->length()) : Bytes();
+}
+
+/// Data as a camera delivers them: an opaque picture of these RGB pixels.
+inline std::shared_ptr<NSData> stillOf(std::uint32_t width, std::uint32_t height,
+                                       const Bytes& rgb) {
+    return std::make_shared<PictureData>(std::make_shared<DecodedPicture>(
+        PictureShape{width, height, std::nullopt, false}, "still", *ByteArray::copyOf(rgb)));
 }
 
 /// One drawn picture: red, green and blue of each pixel; the damage, if any.
