@@ -58,6 +58,18 @@ protected:
         return {at[1], at[2], at[3]};
     }
 
+    /// Expects the pixel at (x, y) to be `expected(x, y)`.
+    template <typename Expected>
+    void expectPixels(CVPixelBufferRef buffer, int width, int height, const Expected& expected) {
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                EXPECT_EQ(pixel(buffer, static_cast<std::size_t>(x), static_cast<std::size_t>(y)),
+                          expected(x, y))
+                    << x << ", " << y;
+            }
+        }
+    }
+
     /// Draws a new picture of that size into a locked buffer.
     void draw(NSSize picture, NSPoint point, CVPixelBufferRef buffer, std::size_t width,
               std::size_t height) {
@@ -183,27 +195,21 @@ TYPED_TEST_P(PixelBufferContract, FormsThatCannotBeDrawnIntoGiveNoContext) {
 TYPED_TEST_P(PixelBufferContract, APictureOfTheBuffersSizeFillsEveryPixel) {
     CVPixelBufferRef buffer = this->createLocked(21, 13);
     ASSERT_NO_FATAL_FAILURE(this->draw({21, 13}, {0, 0}, buffer, 21, 13));
-    for (int y = 0; y < 13; ++y) {
-        for (int x = 0; x < 21; ++x) {
-            EXPECT_EQ(this->pixel(buffer, static_cast<std::size_t>(x), static_cast<std::size_t>(y)),
-                      (typename TestFixture::Pixel{x, y, 90}));
-        }
-    }
+    this->expectPixels(buffer, 21, 13, [](int x, int y) {
+        return typename TestFixture::Pixel{x, y, 90};
+    });
     this->unlockAndRelease(buffer);
 }
 
 TYPED_TEST_P(PixelBufferContract, ASmallerPictureLiesWithItsBottomLeftAtThePoint) {
     CVPixelBufferRef buffer = this->createLocked(8, 6);
     ASSERT_NO_FATAL_FAILURE(this->draw({3, 2}, {2, 1}, buffer, 8, 6));
-    for (int y = 0; y < 6; ++y) {
-        for (int x = 0; x < 8; ++x) {
-            // Rows 3 and 4 from the top are rows 2 and 1 from the bottom.
-            const bool isDrawn = x >= 2 && x < 5 && y >= 3 && y < 5;
-            EXPECT_EQ(this->pixel(buffer, static_cast<std::size_t>(x), static_cast<std::size_t>(y)),
-                      isDrawn ? (typename TestFixture::Pixel{x - 2, y - 3, 90})
-                              : (typename TestFixture::Pixel{200, 200, 200}));
-        }
-    }
+    this->expectPixels(buffer, 8, 6, [](int x, int y) {
+        // Rows 3 and 4 from the top are rows 2 and 1 from the bottom.
+        const bool isDrawn = x >= 2 && x < 5 && y >= 3 && y < 5;
+        return isDrawn ? typename TestFixture::Pixel{x - 2, y - 3, 90}
+                       : typename TestFixture::Pixel{200, 200, 200};
+    });
     this->unlockAndRelease(buffer);
 }
 

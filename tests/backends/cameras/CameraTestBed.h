@@ -14,9 +14,9 @@
 #include <utility>
 #include <vector>
 
+#include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/Cameras.h"
 #include "backends/pictures/PictureData.h"
-#include "backends/cameras/CameraObserver.h"
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/dispatch/Dispatch.h"
 
@@ -30,7 +30,7 @@ public:
     }
     DispatchQueue& dispatch_get_main_queue() override { return queue_; }
 
-    /// Drains until `condition` holds; false when that takes longer than any machine needs.
+    /// Drains until `condition` holds; false after a minute.
     bool runUntil(const std::function<bool()>& condition) {
         const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (!condition()) {
@@ -51,7 +51,7 @@ public:
         return true;
     }
 
-    /// Has `runUntil` look at its condition again. Any thread.
+    /// Makes `runUntil` check its condition again. Any thread.
     void wake() { queue_.async(nullptr); }
 
     std::size_t length() {
@@ -142,12 +142,12 @@ public:
         }
     }
 
-    /// One for each outcome: the error's text, empty for a picture.
+    /// For each outcome the error's text, empty for a picture.
     std::vector<std::string> outcomes;
     std::vector<std::shared_ptr<NSData>> files;
 };
 
-/// Cameras with a session and an output, as the program sets them up.
+/// Cameras with a session and an output, set up as in the program.
 struct CameraTestBed {
     HandDrainedDispatch dispatch;
     RecordingObserver observer{dispatch};
@@ -183,7 +183,7 @@ struct CameraTestBed {
         return nullptr;
     }
 
-    /// As picking it in a list that was made once. Whether it runs.
+    /// Picks a camera as in a list that was made once. Returns whether it runs.
     bool pick(const std::string& name) {
         auto& picked = listed[name];
         picked = picked ? picked : device(name);
@@ -205,7 +205,14 @@ struct CameraTestBed {
                                          delegate);
     }
 
-    /// Drains until `count` stills have an outcome in all.
+    /// Requests a still and returns its outcome: the error's text, empty for a picture.
+    std::string still() {
+        const std::size_t count = delegate.outcomes.size() + 1;
+        request();
+        return awaitOutcomes(count) ? delegate.outcomes.back() : "no outcome";
+    }
+
+    /// Drains until there are `count` outcomes in all.
     bool awaitOutcomes(std::size_t count) {
         return dispatch.runUntil([&] { return delegate.outcomes.size() >= count; });
     }
