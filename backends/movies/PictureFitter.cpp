@@ -42,11 +42,8 @@ PictureView PictureFitter::fit(const PictureView& picture) {
     prepare(picture);
     for (std::size_t y = 0; y < area_.height; ++y) {
         std::uint8_t* to = frame_.data() + 4 * ((area_.y + y) * frameWidth_ + area_.x);
-        for (const float value : resampler_->row(y, picture.bytes, picture.stride)) {
-            // NOLINTNEXTLINE(bugprone-incorrect-roundings): nothing here is negative, and it is
-            // quick
-            *to++ = static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
-        }
+        const std::span<const float> row = resampler_->row(y, picture.bytes, picture.stride);
+        std::transform(row.begin(), row.end(), to, nearestByte);
     }
     return {frame_.data(), frameWidth_, frameHeight_, 4 * frameWidth_};
 }

@@ -119,11 +119,6 @@ std::optional<NSError> decodeInto(const PictureSource& picture, std::uint8_t* ro
     return std::nullopt;
 }
 
-std::uint8_t rounded(float value) {
-    // NOLINTNEXTLINE(bugprone-incorrect-roundings): nothing here is negative, and it is quick
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
-}
-
 /// Draws premultiplied pixels: alpha, red, green, blue, from 0 to 255.
 class RowDrawing {
 public:
@@ -137,7 +132,7 @@ public:
         const float kept = over_ ? 1.0F - alpha * fraction_ / 255.0F : 0.0F;
         for (std::size_t i = 1; i < pixelBytes; ++i) {
             const float colour = std::clamp(from[i], 0.0F, alpha);
-            to[i] = rounded(colour * fraction_ + static_cast<float>(to[i]) * kept);
+            to[i] = nearestByte(colour * fraction_ + static_cast<float>(to[i]) * kept);
         }
         to[0] = 0xFF;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -58,6 +59,14 @@ private:
     std::size_t first_ = 0;
     std::size_t end_ = 0;
 };
+
+/// The nearest value of a byte. `value` is of an `int`'s range. Clamps integers, because compilers do
+/// not vectorise the clamping of floating-point numbers.
+inline std::uint8_t nearestByte(float value) {
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): negative values become 0
+    const int nearest = static_cast<int>(value + 0.5F);
+    return static_cast<std::uint8_t>(std::clamp(nearest, 0, 255));
+}
 
 /// Resamples pictures of 4-byte pixels, all four bytes alike, in one pass over the new rows. One
 /// thread at a time.
