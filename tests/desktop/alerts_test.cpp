@@ -1,7 +1,7 @@
 #include <filesystem>
 
 #include "tests/desktop/DesktopTest.h"
-#include "tests/frontends/commandline/movie_facts.h"
+#include "tests/support/movie_facts.h"
 
 namespace vistrane {
 namespace {

@@ -1,5 +1,5 @@
 #include "tests/desktop/DesktopTest.h"
-#include "tests/frontends/commandline/movie_facts.h"
+#include "tests/support/movie_facts.h"
 
 namespace vistrane {
 namespace {

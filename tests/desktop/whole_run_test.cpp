@@ -4,7 +4,7 @@
 
 #include "tests/desktop/DesktopTest.h"
 #include "tests/desktop/play_button.h"
-#include "tests/frontends/commandline/movie_facts.h"
+#include "tests/support/movie_facts.h"
 
 namespace vistrane {
 namespace {

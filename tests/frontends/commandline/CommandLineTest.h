@@ -7,26 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/frontends/commandline/Program.h"
+#include "tests/support/Program.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
-
-/// A folder of the test's own, away again at its end.
-class WorkFolder {
-public:
-    WorkFolder();
-    ~WorkFolder();
-    WorkFolder(const WorkFolder&) = delete;
-    WorkFolder& operator=(const WorkFolder&) = delete;
-
-    std::string path() const { return path_.string(); }
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-    /// A new folder in this one.
-    std::string makeFolder(const std::string& name) const;
-
-private:
-    std::filesystem::path path_;
-};
 
 /// The names of a folder's entries, hidden ones too, in the order of their bytes.
 std::vector<std::string> namesIn(const std::string& folder);

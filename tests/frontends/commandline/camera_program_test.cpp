@@ -2,7 +2,7 @@
 
 #include "tests/frontends/commandline/CommandLineTest.h"
 #include "tests/frontends/commandline/frame_files.h"
-#include "tests/frontends/commandline/movie_facts.h"
+#include "tests/support/movie_facts.h"
 
 // Run through with_pipewire.sh: the cameras are real ones of a PipeWire of the test's own.
 

@@ -1,6 +1,6 @@
 #include "tests/frontends/commandline/CommandLineTest.h"
 #include "tests/frontends/commandline/frame_files.h"
-#include "tests/frontends/commandline/movie_facts.h"
+#include "tests/support/movie_facts.h"
 
 namespace vistrane {
 namespace {

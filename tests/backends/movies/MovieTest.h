@@ -11,30 +11,17 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "backends/movies/MovieObserver.h"
 #include "backends/movies/Movies.h"
 #include "backends/pictures/PixelBuffer.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
 
-/// A folder of its own for one test; goes away with all that is in it.
-class TestFolder {
-public:
-    TestFolder();
-    ~TestFolder();
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
-
-    const std::string& path() const { return path_; }
-    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-    /// All names, hidden ones too, sorted.
-    std::vector<std::string> names() const;
-
-private:
-    std::string path_;
-};
-
-/// Keeps what a movie tells, and lets a test wait for its end.
+/// Records what a writer reports, and lets a test wait for a movie's end. Any thread.
 class RecordingObserver final : public MovieObserver {
 public:
     void pictureWasAppended() override;
@@ -45,11 +32,13 @@ public:
     int appended() const;
     std::vector<NSError> refusals() const;
 
-    /// Waits for the movie's end: nothing when it is whole, else the reason.
+    /// Waits for the movie's end: nothing when it is complete, else the reason.
     std::optional<NSError> outcome(const std::string& path);
     bool hasOutcome(const std::string& path) const;
 
 private:
+    void end(const std::string& path, std::optional<NSError> error);
+
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     int appended_ = 0;
@@ -68,10 +57,16 @@ using Rgb = std::array<int, 3>;
 BufferPointer paint(std::size_t width, std::size_t height,
                     const std::function<Rgb(std::size_t x, std::size_t y)>& color);
 BufferPointer plain(std::size_t width, std::size_t height, Rgb color);
-/// Differs from picture to picture and compresses badly.
-BufferPointer noise(std::size_t width, std::size_t height, std::uint32_t seed);
-/// A soft moving scene, which makes the encoder reorder pictures.
+/// Differs for each index and compresses badly.
+BufferPointer noise(std::size_t width, std::size_t height, int index);
+/// A soft moving scene, for which the encoder reorders pictures.
 BufferPointer scene(std::size_t width, std::size_t height, int index);
+
+/// The settings of a track as the program gives them.
+NSDictionary trackSettings(std::int64_t width, std::int64_t height);
+
+/// The time of frame `index` as the program gives it: 0, then index + 1.
+CMTime frameTime(int index, int frameRate = 25);
 
 /// The three objects of one movie, made as the program makes them, and started.
 struct OpenMovie {
@@ -80,8 +75,13 @@ struct OpenMovie {
     bool append(const BufferPointer& buffer, CMTime time) {
         return adaptor->appendPixelBuffer(buffer.get(), time);
     }
+    /// Appends frames 0 and on, each `picture(width, height, index)`. How many were taken.
+    int appendFrames(int count, BufferPointer (*picture)(std::size_t, std::size_t, int) = scene,
+                     int frameRate = 25);
     void finish(std::function<void()> handler = [] {});
 
+    std::size_t width;
+    std::size_t height;
     std::shared_ptr<AVAssetWriter> writer;
     std::shared_ptr<AVAssetWriterInput> input;
     std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor> adaptor;
@@ -89,30 +89,30 @@ struct OpenMovie {
     bool hasStarted = false;
 };
 
-/// The settings of a track as the program gives them.
-NSDictionary trackSettings(std::int64_t width, std::int64_t height);
+/// A folder, and one movie in it.
+class MovieTest : public testing::Test {
+protected:
+    AVAssetWriterResult create(const std::string& where) {
+        return movies.assetWriterWithURL(NSURL::fileURLWithPath(where), AVFileTypeQuickTimeMovie);
+    }
+    OpenMovie open(std::int64_t width = 64, std::int64_t height = 48) {
+        return {movies, path, width, height};
+    }
+    /// A movie of frames of `scene`, to its end.
+    void make(int frames, int frameRate = 25, std::int64_t width = 64, std::int64_t height = 48) {
+        OpenMovie movie = open(width, height);
+        ASSERT_EQ(movie.appendFrames(frames, scene, frameRate), frames);
+        finish(movie);
+    }
+    void finish(OpenMovie& movie) {
+        movie.finish();
+        ASSERT_EQ(observer.outcome(path), std::nullopt);
+    }
 
-/// The time of frame `index` as the program gives it at that frame rate: 0, then index + 1.
-CMTime frameTime(int index, int frameRate);
-
-/// Makes a whole movie of `frames` pictures of `scene` and waits for its end.
-std::optional<NSError> makeMovie(const std::string& path, std::int64_t width, std::int64_t height,
-                                 int frames, int frameRate);
-
-/// The standard output of a command; quote paths with `quoted`.
-std::string outputOf(const std::string& command);
-std::string quoted(const std::string& path);
-
-/// One line of `ffprobe -show_entries entries` for each entry, values separated by commas.
-std::string probe(const std::string& path, const std::string& entries);
-
-/// The presentation times that a demuxer finds, in ticks, sorted.
-std::vector<std::int64_t> shownTimes(const std::string& path);
-/// The presentation times of the frames, in ticks, as the decoder gives them.
-std::vector<std::int64_t> decodedTimes(const std::string& path);
-
-/// All frames, decoded and turned into red, green, blue bytes by the tags of the movie. Chroma is
-/// taken from the even columns, where H.264 has it; the converter would not look at that tag.
-std::string decodeToRgb(const std::string& path);
+    WorkFolder folder;
+    RecordingObserver observer;
+    Movies movies{observer};
+    const std::string path = folder / "m.mov";
+};
 
 } // namespace vistrane

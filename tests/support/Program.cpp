@@ -1,4 +1,4 @@
-#include "tests/frontends/commandline/Program.h"
+#include "tests/support/Program.h"
 
 #include <array>
 #include <cerrno>
