@@ -67,9 +67,9 @@ std::string nameHash(const std::string& name) {
     return text;
 }
 
-/// The hidden name depends on the movie's name only, so that it reserves it. A long name is
-/// shortened, between two characters where it is UTF-8: the hidden one is longer than it, and
-/// some file systems allow far less than 255 bytes.
+/// The hidden name depends on the movie's name only, so that it reserves that name. A long name is
+/// shortened, in UTF-8 between two characters: the hidden name is longer than the movie's, and some
+/// file systems allow far less than 255 bytes.
 std::string hiddenNameFor(const std::string& name) {
     constexpr std::size_t longest = 100;
     constexpr std::size_t kept = 64;
@@ -102,7 +102,7 @@ bool isSameFile(int folder, const std::string& name, int file) {
            named.st_ino == opened.st_ino;
 }
 
-/// Removes a hidden file that no living writer holds. The lock tells: it ends with its process.
+/// Removes a hidden file that no process has locked: a lock ends with its process.
 void removeIfLeftover(int folder, const std::string& name) {
     const Descriptor file(
         ::openat(folder, name.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY));
@@ -142,8 +142,8 @@ struct Reservation {
     int number = 0; // the error number when there is no file
 };
 
-/// Makes and locks the hidden file. Between the two another process may take the file for a
-/// leftover and remove it: then it is made again.
+/// Creates and locks the hidden file. In between another process may take the file for a leftover
+/// and remove it: EAGAIN then.
 Reservation reserveOnce(int folder, const std::string& hiddenName) {
     Descriptor file(::openat(folder, hiddenName.c_str(),
                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
@@ -181,11 +181,6 @@ NSError nameReservedError(const std::string& path) {
     return movieError(AVErrorFileAlreadyExists,
                       "The movie cannot be made: it is being written already (" + shownText(path) +
                           "). Wait until that is done, then compile again");
-}
-
-NSError givenUpError(const std::string& path) {
-    return movieError(AVErrorOperationCancelled, "The movie was given up before it was whole (" +
-                                                     shownText(path) + "). Compile again");
 }
 
 } // namespace
@@ -232,7 +227,7 @@ MovieFile::MovieFile(std::string path, int folder, int file, std::string hiddenN
       name_(std::move(name)) {}
 
 MovieFile::~MovieFile() {
-    giveUp();
+    discard();
     ::close(file_);
     ::close(folder_);
 }
@@ -263,12 +258,12 @@ std::optional<NSError> MovieFile::writeAt(std::uint64_t offset, const void* byte
     return std::nullopt;
 }
 
-std::optional<NSError> MovieFile::giveName() {
+std::optional<NSError> MovieFile::publish() {
     while (::fsync(file_) != 0) {
         if (errno == EINTR) {
             continue;
         }
-        if (errno == EINVAL) { // a file system that has nothing to bring to a disk
+        if (errno == EINVAL) { // a file system without a disk
             break;
         }
         return writeFailure(errno);
@@ -276,26 +271,26 @@ std::optional<NSError> MovieFile::giveName() {
     if (auto error = rename()) {
         return error;
     }
-    ::fsync(folder_); // the movie is whole either way; some file systems refuse this for a folder
+    ::fsync(folder_); // the movie is complete either way; some file systems refuse this for folders
     return std::nullopt;
 }
 
 std::optional<NSError> MovieFile::rename() {
     const std::lock_guard lock(mutex_);
     if (place_ != Place::hidden) {
-        return givenUpError(path_);
+        return cancelledError(path_);
     }
     const int number = renameWithoutReplacing(folder_, hiddenName_, name_);
     if (number == 0) {
-        place_ = Place::named;
+        place_ = Place::published;
         return std::nullopt;
     }
     removeHiddenFile();
     return number == EEXIST ? nameTakenError(path_)
-                            : systemError(number, "The finished movie cannot get its name", path_);
+                            : systemError(number, "The finished movie cannot be renamed", path_);
 }
 
-void MovieFile::giveUp() {
+void MovieFile::discard() {
     const std::lock_guard lock(mutex_);
     if (place_ == Place::hidden) {
         removeHiddenFile();
@@ -308,7 +303,7 @@ NSError MovieFile::writeFailure(int number) const {
 
 void MovieFile::removeHiddenFile() {
     ::unlinkat(folder_, hiddenName_.c_str(), 0);
-    place_ = Place::gone;
+    place_ = Place::removed;
 }
 
 } // namespace vistrane

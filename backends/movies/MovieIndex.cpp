@@ -319,7 +319,7 @@ constexpr std::size_t mediaBoxOffset = mediaBoxSizeOffset - 8;
 
 } // namespace
 
-std::vector<std::uint8_t> movieFileHead() {
+std::vector<std::uint8_t> movieFileHeader() {
     BoxWriter out;
     out.box("ftyp", [&] {
         out.text("qt  ");

@@ -39,7 +39,7 @@ struct MovieTrack {
 
 /// The start of a movie file, up to the first sample's bytes. The media box's size is left open:
 /// `mediaBoxSize` is to be written at `mediaBoxSizeOffset` after the last sample.
-std::vector<std::uint8_t> movieFileHead();
+std::vector<std::uint8_t> movieFileHeader();
 inline constexpr std::size_t mediaBoxSizeOffset = 28;
 std::array<std::uint8_t, 8> mediaBoxSize(std::uint64_t endOfSamples);
 

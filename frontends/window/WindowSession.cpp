@@ -42,7 +42,7 @@ namespace {
 /// Whatever is compiled, the window answers.
 MovieOptions optionsOfMovies() {
     MovieOptions options;
-    options.givesWay = true;
+    options.isLowPriority = true;
     return options;
 }
 

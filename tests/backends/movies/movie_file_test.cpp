@@ -92,18 +92,6 @@ TEST_F(MovieFileTest, AnUnusablePathMakesCreationFail) {
     EXPECT_THAT(folder.names(), IsEmpty());
 }
 
-TEST_F(MovieFileTest, NoEncoderMakesCreationFail) {
-    MovieOptions options;
-    options.encoder = "no-such-encoder";
-    Movies without(observer, options);
-    const auto result =
-        without.assetWriterWithURL(NSURL::fileURLWithPath(path), AVFileTypeQuickTimeMovie);
-    EXPECT_FALSE(result.writer);
-    ASSERT_TRUE(result.error);
-    EXPECT_THAT(result.error->localizedDescription, HasSubstr("no H.264 encoder"));
-    EXPECT_THAT(folder.names(), IsEmpty());
-}
-
 TEST_F(MovieFileTest, TheNameAppearsWithTheCompleteMovieOnly) {
     OpenMovie movie = open();
     EXPECT_THAT(folder.names(), ElementsAre(".m.mov.vistrane-part"));

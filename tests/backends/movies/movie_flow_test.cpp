@@ -6,6 +6,7 @@
 #include "backends/movies/MovieJob.h"
 #include "backends/movies/MovieJobs.h"
 #include "backends/movies/MovieWriter.h"
+#include "backends/movies/encoder_module.h"
 #include "tests/backends/movies/MovieTest.h"
 #include "tests/support/movie_boxes.h"
 #include "tests/support/movie_facts.h"
@@ -102,8 +103,8 @@ TEST_F(MovieFlow, AnUnusablePresetFailsTheMovieWithTheReason) {
 
 TEST_F(MovieFlow, TheInputAnswersNoWhileItsQueueIsFull) {
     const auto jobs = std::make_shared<MovieJobs>(observer);
-    const auto job =
-        std::make_shared<MovieJob>(path, MovieFile::create(path).file, MovieOptions(), jobs);
+    const auto job = std::make_shared<MovieJob>(path, MovieFile::create(path).file,
+                                                *encoderModule().module, MovieOptions(), jobs);
     jobs->add(path, job);
     const auto input = std::make_shared<MovieInput>(AVMediaTypeVideo, trackSettings(64, 48));
     MovieAdaptor adaptor(input);

@@ -53,7 +53,7 @@ TEST(MovieIndex, OffsetsInTheFileHave64Bits) {
 }
 
 TEST(MovieIndex, TheMediaBoxEndsWithTheLastSample) {
-    const auto header = movieFileHead();
+    const auto header = movieFileHeader();
     const auto size = mediaBoxSize((std::uint64_t{1} << 32) + header.size());
     const std::vector<std::uint8_t> expected{0, 0, 0, 1, 0, 0, 0, 16};
     EXPECT_EQ(std::vector<std::uint8_t>(size.begin(), size.end()), expected);

@@ -1,4 +1,4 @@
-#include "backends/movies/H264Encoder.h"
+#include "backends/movies/VideoEncoder.h"
 #include "tests/backends/movies/MovieTest.h"
 #include "tests/support/movie_boxes.h"
 #include "tests/support/movie_facts.h"
@@ -9,7 +9,7 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr std::size_t largestSide = H264Encoder::largestSide;
+constexpr std::size_t largestSide = VideoEncoder::largestSide;
 
 class MovieSize : public MovieTest {
 protected:

@@ -154,6 +154,26 @@ TEST_F(CompileProgram, FewerThanTwoFramesAreRefusedInTheAlertsWords) {
     }
 }
 
+TEST_F(CompileProgram, TheEncodersLibrariesAreLoadedWithTheFirstMovieOnly) {
+    writeFrames(2);
+    options.environment["LD_DEBUG"] = "files";
+    EXPECT_THAT(run({"frames", folder}).errors,
+                AllOf(HasSubstr("file=libc.so"), Not(HasSubstr("libavcodec"))));
+    EXPECT_THAT(run({"compile", folder}).errors, HasSubstr("file=libavcodec.so"));
+}
+
+TEST_F(CompileProgram, WithoutAnEncoderTheReasonIsGivenAndNothingIsWritten) {
+    writeFrames(2);
+    const auto before = namesIn(folder);
+    options.environment["LD_LIBRARY_PATH"] = VISTRANE_PLANTED_LIBAVCODEC;
+    const Ended ended = run({"compile", folder});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_THAT(ended.errors, HasSubstr("there is no H.264 encoder on this system. Install "
+                                        "libavcodec with libx264"));
+    EXPECT_EQ(namesIn(folder), before);
+}
+
 TEST_F(CompileProgram, TwoCompilesOneAfterTheOtherGiveTwoMoviesOrOneAlert) {
     writeFrames(2);
     const Ended first = run({"compile", folder});
