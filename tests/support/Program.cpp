@@ -6,10 +6,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -34,7 +36,7 @@ Ends makePipe() {
     return {ends[0], ends[1]};
 }
 
-/// A pseudo terminal: what is written to the one end comes out of the other.
+/// A pseudo terminal: its writing end is the terminal that the program sees.
 Ends makeTerminal() {
     const int ours = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (ours < 0 || ::grantpt(ours) != 0 || ::unlockpt(ours) != 0) {
@@ -44,10 +46,19 @@ Ends makeTerminal() {
     return {ours, ::open(::ptsname(ours), O_RDWR | O_NOCTTY | O_CLOEXEC)};
 }
 
+Ends openLog(const std::string& path) {
+    return {-1, ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)};
+}
+
+int exitStatus(int waitStatus) {
+    return WIFSIGNALED(waitStatus) ? -WTERMSIG(waitStatus) : WEXITSTATUS(waitStatus);
+}
+
 [[noreturn]] void becomeCommand(const std::vector<std::string>& command,
                                 const Program::Options& options, int output, int errors) {
     ::setpgid(0, 0);
-    // Whatever the test itself was started with.
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The test may have been started with other dispositions.
     for (const int signal : {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXFSZ}) {
         ::signal(signal, SIG_DFL);
     }
@@ -75,7 +86,7 @@ Ends makeTerminal() {
     ::_exit(127);
 }
 
-/// Whether the process blocks, ignores or handles the signal. Only Linux tells.
+/// Whether the process blocks or handles the signal, from Linux' /proc.
 bool takesCareOf(pid_t process, int signal) {
     std::ifstream status("/proc/" + std::to_string(process) + "/status");
     for (std::string line; std::getline(status, line);) {
@@ -106,7 +117,7 @@ void Program::Stream::read() {
     if (count > 0) {
         text.append(bytes.data(), static_cast<std::size_t>(count));
     } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
-        // A terminal whose other end is closed reports an error.
+        // A terminal reports an error when its other end is closed.
         close();
     }
 }
@@ -119,10 +130,12 @@ void Program::Stream::close() {
 }
 
 Program::Program(const std::vector<std::string>& command, const Options& options)
-    : outputIsNotRead_(options.outputIsNotRead),
-      deadline_(std::chrono::steady_clock::now() + options.limit) {
-    const Ends output = makePipe();
-    const Ends errors = options.errorsGoToTerminal ? makeTerminal() : makePipe();
+    : log_(options.log), outputIsNotRead_(options.outputIsNotRead),
+      deadline_(std::chrono::steady_clock::now() + options.timeout) {
+    const Ends output = log_.empty() ? makePipe() : openLog(log_);
+    const Ends errors = !log_.empty()                ? openLog(log_)
+                        : options.errorsGoToTerminal ? makeTerminal()
+                                                     : makePipe();
     const Ends end = makePipe();
     process_ = ::fork();
     if (process_ == 0) {
@@ -153,7 +166,7 @@ void Program::awaitEnd() {
     rusage usage{};
     int status = 0;
     siginfo_t information{};
-    // The process keeps its number until it is waited for: nobody signals a stranger.
+    // The process keeps its number until it is reaped, so the signal reaches no other group.
     while (::waitid(P_PID, static_cast<id_t>(process_), &information, WEXITED | WNOWAIT) != 0 &&
            errno == EINTR) {
     }
@@ -162,7 +175,7 @@ void Program::awaitEnd() {
         ::kill(-process_, SIGKILL);
         ::wait4(process_, &status, 0, &usage);
         hasEnded_ = true;
-        waitStatus_ = status;
+        status_ = exitStatus(status);
         peakKibibytes_ = usage.ru_maxrss;
     }
     const char byte = 0;
@@ -193,7 +206,8 @@ bool Program::readOnce() {
         errors_.read();
         hasRead = true;
     }
-    // A child of the program may hold the streams open; what the program wrote is there by now.
+    // A child may keep the streams open after the program's end; all that the program wrote has
+    // arrived by now.
     return hasRead || watched[2].revents == 0;
 }
 
@@ -235,6 +249,16 @@ bool Program::waitUntilReadyFor(int signal) {
     return false;
 }
 
+std::optional<int> Program::status() {
+    const std::lock_guard lock(mutex_);
+    return hasEnded_ ? std::optional(status_) : std::nullopt;
+}
+
+std::string Program::log() const {
+    std::ifstream file(log_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
 void Program::signal(int number) {
     const std::lock_guard lock(mutex_);
     if (!hasEnded_) {
@@ -257,7 +281,7 @@ Ended Program::wait() {
     readUntil([] { return false; });
     waiter_.join();
     Ended ended;
-    ended.status = WIFSIGNALED(waitStatus_) ? -WTERMSIG(waitStatus_) : WEXITSTATUS(waitStatus_);
+    ended.status = status_;
     ended.output = output_.text;
     ended.errors = errors_.text;
     ended.peakKibibytes = peakKibibytes_;

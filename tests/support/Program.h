@@ -14,33 +14,37 @@ namespace vistrane {
 
 /// How a program ended, and everything that it wrote.
 struct Ended {
-    /// The exit status; the signal's number, negative, of one that a signal ended.
+    /// The exit status, or the negative number of the signal that ended it.
     int status = 0;
     std::string output;
     std::string errors;
-    /// The most memory that it had at one time.
+    /// The largest resident set.
     long peakKibibytes = 0;
 
     std::vector<std::string> lines() const;
 };
 
-/// How a program is run.
+/// Changes to the test's own environment. A variable without a value is unset.
+using EnvironmentChanges = std::map<std::string, std::optional<std::string>>;
+
 struct ProgramOptions {
-    /// Changes to the test's own environment; nothing takes a variable away.
-    std::map<std::string, std::optional<std::string>> environment = {};
+    EnvironmentChanges environment = {};
     /// The working folder, the test's own if empty.
     std::string folder = {};
+    /// A file to which both streams are appended, for a program that runs in the background. Empty:
+    /// this object reads them.
+    std::string log = {};
     bool errorsGoToTerminal = false;
-    /// Nobody takes what it writes to standard output, so that it stands still once the pipe is
-    /// full.
+    /// Leaves standard output unread, so that the program blocks once the pipe is full.
     bool outputIsNotRead = false;
-    /// Longer than any machine needs.
-    std::chrono::seconds limit{120};
+    /// Ends a test that would never end. No test depends on it otherwise.
+    std::chrono::seconds timeout{120};
 };
 
-/// One run of any program in a process group of its own. Its output is read while the test waits
-/// for something, so that neither of its streams ever holds it up. A run that takes longer than
-/// any machine needs fails the test and is killed. What it started ends with it.
+/// One run of a program, in a process group of its own. Its streams are read while the test waits
+/// for something, so that neither blocks the program. A run that exceeds the timeout is killed and
+/// fails the test. The whole group is killed when the program ends, and at the latest with this
+/// object or with the test's main thread.
 class Program {
 public:
     using Options = ProgramOptions;
@@ -52,17 +56,22 @@ public:
 
     pid_t process() const { return process_; }
 
-    /// The next line of standard output; nothing when it has ended.
+    /// As `Ended::status`; nothing while it runs.
+    std::optional<int> status();
+
+    /// The next line of standard output; nothing at its end.
     std::optional<std::string> nextLine();
-    /// Waits until standard error holds the text; false when it has ended without.
+    /// Waits until standard error contains the text; false when the program ends without it.
     bool waitForError(const std::string& text);
-    /// Waits until the program takes care of that signal itself, not by its default action.
+    /// Waits until the program blocks or handles that signal.
     bool waitUntilReadyFor(int signal);
     const std::string& errors() const { return errors_.text; }
+    /// What `ProgramOptions::log` contains.
+    std::string log() const;
 
     /// To the program alone, not to its group.
     void signal(int number);
-    /// From now on nobody reads its standard output.
+    /// Closes the reading end of standard output.
     void closeOutput();
 
     /// Waits for the end.
@@ -88,12 +97,13 @@ private:
     Stream output_;
     Stream errors_;
     std::size_t linesEnd_ = 0;
+    std::string log_;
     bool outputIsNotRead_;
     std::chrono::steady_clock::time_point deadline_;
 
     std::mutex mutex_;
     bool hasEnded_ = false;
-    int waitStatus_ = 0;
+    int status_ = 0;
     long peakKibibytes_ = 0;
     /// Written to when the process has ended.
     int endPipe_[2] = {-1, -1};

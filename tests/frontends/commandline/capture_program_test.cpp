@@ -317,7 +317,7 @@ TEST_F(DemoProgram, AnEarlyInterruptLeavesNoEmptyFolderBehind) {
     const std::string videos = work / "home/Videos";
     std::filesystem::create_directory(videos);
     Program program(command({"demo"}), options);
-    const auto limit = std::chrono::steady_clock::now() + options.limit;
+    const auto limit = std::chrono::steady_clock::now() + options.timeout;
     while (namesIn(videos).empty() && std::chrono::steady_clock::now() < limit) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }

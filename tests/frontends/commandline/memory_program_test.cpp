@@ -8,7 +8,7 @@ namespace {
 
 class MemoryProgram : public CommandLineTest {
 protected:
-    MemoryProgram() { options.limit = std::chrono::minutes(18); }
+    MemoryProgram() { options.timeout = std::chrono::minutes(18); }
 
     /// The most memory that a movie of so many frames takes, in KiB.
     long peakFor(int count) {

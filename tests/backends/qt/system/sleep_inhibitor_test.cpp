@@ -11,7 +11,7 @@
 
 #include "backends/posix/clock.h"
 #include "backends/qt/system/QtRunLoop.h"
-#include "tests/backends/qt/system/FakeServices.h"
+#include "tests/support/FakeServices.h"
 
 namespace vistrane {
 namespace {

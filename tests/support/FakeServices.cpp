@@ -1,17 +1,24 @@
-#include "tests/backends/qt/system/FakeServices.h"
+#include "tests/support/FakeServices.h"
 
 #include <algorithm>
 #include <memory>
 
-#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <gtest/gtest.h>
 
 namespace vistrane {
 
 namespace {
 
-constexpr char connectionName[] = "fake services";
+constexpr char portalService[] = "org.freedesktop.portal.Desktop";
+constexpr char readSetting[] = "org.freedesktop.portal.Settings.Read";
+
+/// In two variants, as the portal's older method answers.
+QVariant wrappedTwice(const QVariant& value) {
+    return QVariant::fromValue(QDBusVariant(QVariant::fromValue(QDBusVariant(value))));
+}
 
 std::string textOf(const QDBusMessage& call) {
     QStringList arguments;
@@ -50,31 +57,32 @@ private:
     FakeServices& services_;
 };
 
-FakeServices::FakeServices() : object_(new Object(*this)) {
+FakeServices::FakeServices(const std::string& busAddress)
+    : object_(new Object(*this)),
+      bus_(QDBusConnection::connectToBus(QString::fromStdString(busAddress), "fake services")) {
+    bus_.registerVirtualObject("/", object_, QDBusConnection::SubPath);
     thread_.start();
     object_->moveToThread(&thread_);
-    QDBusConnection bus =
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
-    bus.registerVirtualObject("/", object_, QDBusConnection::SubPath);
 }
 
 FakeServices& FakeServices::shared() {
-    /// Ends them after the last test, while there is an application.
+    /// Destroys them after the last test, while there is an application.
     class Owner final : public ::testing::Environment {
     public:
         void TearDown() override { services_.reset(); }
         FakeServices& services() { return *services_; }
 
     private:
-        std::unique_ptr<FakeServices> services_{new FakeServices};
+        std::unique_ptr<FakeServices> services_ = std::make_unique<FakeServices>(
+            qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS").toStdString());
     };
     static auto& owner = dynamic_cast<Owner&>(*::testing::AddGlobalTestEnvironment(new Owner));
     return owner.services();
 }
 
 FakeServices::~FakeServices() {
-    QDBusConnection(connectionName).unregisterObject("/", QDBusConnection::UnregisterTree);
-    QDBusConnection::disconnectFromBus(connectionName);
+    bus_.unregisterObject("/", QDBusConnection::UnregisterTree);
+    QDBusConnection::disconnectFromBus(bus_.name());
     object_->deleteLater();
     thread_.quit();
     thread_.wait();
@@ -82,7 +90,7 @@ FakeServices::~FakeServices() {
 
 void FakeServices::reset() {
     for (const QString& each : offered_) {
-        QDBusConnection(connectionName).unregisterService(each);
+        bus_.unregisterService(each);
     }
     const std::lock_guard lock(mutex_);
     offered_.clear();
@@ -92,7 +100,7 @@ void FakeServices::reset() {
 }
 
 void FakeServices::offer(const QString& service) {
-    QDBusConnection(connectionName).registerService(service);
+    bus_.registerService(service);
     offered_ << service;
 }
 
@@ -107,21 +115,27 @@ void FakeServices::ignore(const std::string& method) {
     ignored_.push_back(method);
 }
 
+void FakeServices::offerScheme(const QVariant& scheme) {
+    offer(portalService);
+    answer(readSetting, {wrappedTwice(scheme)});
+}
+
 void FakeServices::sendSetting(const QString& group, const QString& key, const QVariant& value) {
     QDBusMessage signal = QDBusMessage::createSignal(
         "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "SettingChanged");
     signal << group << key << QVariant::fromValue(QDBusVariant(value));
-    QDBusConnection(connectionName).send(signal);
+    bus_.send(signal);
 }
 
-std::vector<std::string> FakeServices::calls() const {
-    const std::lock_guard lock(mutex_);
-    return calls_;
+void FakeServices::switchTo(ColourScheme scheme) {
+    const QVariant value(static_cast<unsigned>(scheme));
+    answer(readSetting, {wrappedTwice(value)});
+    sendSetting("org.freedesktop.appearance", "color-scheme", value);
 }
 
 int FakeServices::countOf(const std::string& part) const {
-    const std::vector<std::string> all = calls();
-    return static_cast<int>(std::count_if(all.begin(), all.end(), [&part](const auto& call) {
+    const std::lock_guard lock(mutex_);
+    return static_cast<int>(std::count_if(calls_.begin(), calls_.end(), [&part](const auto& call) {
         return call.find(part) != std::string::npos;
     }));
 }
