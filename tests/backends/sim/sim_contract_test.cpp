@@ -30,6 +30,7 @@ public:
     Foundation& foundation() { return sim_.platform().foundation; }
     Dispatch& dispatch() { return sim_.platform().dispatch; }
     void stall(double seconds) { sim_.stall(seconds); }
+    void skip(double seconds) { sim_.stall(seconds); }
 
     std::unique_ptr<NSDateFormatter> formatter() { return foundation().dateFormatter(); }
     std::shared_ptr<const NSLocale> locale() { return foundation().currentLocale(); }

@@ -15,6 +15,7 @@
 #include "backends/qt/system/QtFoundation.h"
 #include "tests/backends/posix/TemporaryFolder.h"
 #include "tests/backends/qt/system/AlertUser.h"
+#include "tests/support/ClockShift.h"
 
 namespace vistrane {
 
@@ -26,6 +27,7 @@ public:
     void stall(double seconds) {
         std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
     }
+    void skip(double seconds) { clockShift_.add(seconds); }
 
     NSUserDefaults& userDefaults() { return *defaults_; }
     void storeText(const std::string& text, const std::string& key) {
@@ -64,6 +66,7 @@ public:
     };
 
 private:
+    ClockShift clockShift_;
     TemporaryFolder folder_;
     QtRunLoop loop_;
     QtDispatch dispatch_{loop_};
