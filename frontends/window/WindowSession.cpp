@@ -24,7 +24,7 @@
 #include "backends/qt/menus/QtApplication.h"
 #include "backends/qt/menus/StatusIcon.h"
 #include "backends/qt/system/Appearance.h"
-#include "backends/qt/system/CloseRequests.h"
+#include "backends/qt/menus/CloseRequests.h"
 #include "backends/qt/system/QtDispatch.h"
 #include "backends/qt/system/QtFoundation.h"
 #include "backends/qt/system/QtWorkspace.h"

@@ -10,14 +10,14 @@
 
 namespace vistrane {
 
-/// Notices that the backend posts in the system's place. Main thread only.
+/// Notifications that the backend posts instead of the system. Main thread only.
 class NotificationCenter final : public NSDistributedNotificationCenter {
 public:
     void addObserver(std::function<void()> observer, const std::string& name) override {
         observers_[name].push_back(std::move(observer));
     }
 
-    /// Calls the observers of that name in the order in which they came.
+    /// Calls the observers of that name in the order in which they were added.
     void post(const std::string& name) const {
         const auto found = observers_.find(name);
         if (found == observers_.end()) {

@@ -8,9 +8,9 @@
 
 namespace vistrane {
 
-/// Sees the user ask, through the window manager, that a window be closed, also while a modal
-/// dialog stands in front of it: Qt drops such requests then. On X11 only; elsewhere the dialog is
-/// to be answered first. Main thread only.
+/// Reports that the user asks the window manager to close a window, also while a modal dialog
+/// blocks it: Qt drops such requests. On X11 only; elsewhere the dialog has to be answered first.
+/// Main thread only.
 class CloseRequests final : public QAbstractNativeEventFilter {
 public:
     /// `asked` is called from the event loop and may end the process.
