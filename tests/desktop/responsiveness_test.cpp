@@ -6,7 +6,7 @@
 namespace vistrane {
 namespace {
 
-/// That the window answers while it is busy. How fast it does is printed and fails no test.
+/// The window answers while it is busy. The times are printed and fail no test.
 class Responsiveness : public CameraDesktopTest {
 protected:
     void measure(const std::string& what) { times_[what].push_back(screen().roundTrip(window_)); }

@@ -212,7 +212,7 @@ void WholeRun::playOnceThrough() {
     });
     // 19 steps at 10 frames per second. A busy machine only makes it longer.
     EXPECT_GE(std::chrono::steady_clock::now() - clicked, std::chrono::milliseconds(1900));
-    // From where the slider stood to the first frame, and on without a step back.
+    // From the slider's position to the first frame, and on without a step back.
     auto seen = watch.seen();
     ASSERT_EQ(seen.front(), start);
     seen.erase(seen.begin());

@@ -24,7 +24,7 @@ namespace {
 
 class Unobserved final : public PictureObserver {};
 
-/// The info panel in the real windows, with the menus, pictures and alerts that these use.
+/// The info panel on the real windows, menus, pictures and alerts.
 class PanelInWindow : public ::testing::Test {
 protected:
     PanelInWindow() { panel_.connectInterface(interface_.nib("mantisQRXpanel")); }
@@ -39,7 +39,7 @@ protected:
         throw std::out_of_range(name);
     }
 
-    /// The pictures beside the items of a menu, in order.
+    /// Whether the items of a menu have pictures, in order.
     static std::vector<bool> pictures(const QMenu* menu) {
         std::vector<bool> result;
         for (const QAction* item : menu != nullptr ? menu->actions() : QList<QAction*>()) {

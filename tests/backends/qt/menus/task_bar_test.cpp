@@ -24,7 +24,7 @@ std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply) {
     return {reply, &std::free};
 }
 
-/// An application on a real X server with a real window manager, and what that says of its window.
+/// The states that a real window manager gives the application's window.
 class TaskBar : public ::testing::Test {
 protected:
     void show() {
@@ -43,7 +43,7 @@ protected:
             [this] { return !states().contains(skipTaskBar) && !states().contains(skipPager); });
     }
 
-    /// Waits until the window manager has handled all that it was asked before.
+    /// Waits until the window manager has handled all earlier requests.
     void settle() {
         window_.showMaximized();
         ASSERT_TRUE(
@@ -84,7 +84,7 @@ private:
         const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
         return {first, first + reply->value_len};
     }
-    /// The window manager has taken it over and shows it.
+    /// Whether the window manager manages and shows it.
     bool isManaged() const {
         constexpr std::uint32_t normal = 1;
         const auto state = property("WM_STATE", XCB_GET_PROPERTY_TYPE_ANY);

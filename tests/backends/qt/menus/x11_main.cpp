@@ -22,9 +22,9 @@ int main(int argc, char** argv) {
     }
     ::setenv("DISPLAY", (":" + *number).c_str(), 1);
     ::setenv("QT_QPA_PLATFORM", "xcb", 1);
-    // The desktop on which the tests were started is none of theirs.
+    // Not the session bus of the desktop on which the tests were started.
     ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
-    // The session of the window manager's user is not restored, nor are its settings read.
+    // Without the session and the settings of its user.
     const vistrane::Program windowManager(
         {"openbox", "--sm-disable", "--config-file", "/dev/null"});
     QApplication::setQuitOnLastWindowClosed(false);

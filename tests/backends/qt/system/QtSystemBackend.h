@@ -19,7 +19,7 @@
 
 namespace vistrane {
 
-/// The system half of the window for the contract suites, on the real clock.
+/// backends/qt/system for the contract suites, on the real clock.
 class QtSystemBackend {
 public:
     Foundation& foundation() { return foundation_; }
@@ -53,7 +53,7 @@ public:
     AlertUser& user() { return user_; }
     const std::shared_ptr<const QtDialogRules>& dialogRules() const { return dialogRules_; }
 
-    /// A view of an interface file: its widget lies in a form that is not shown.
+    /// A view of an interface file, whose form is not shown.
     class PlainView final : public NSView {
     public:
         NSRect bounds() const override { return NSZeroRect; }
