@@ -60,8 +60,8 @@ private:
     std::size_t end_ = 0;
 };
 
-/// The nearest value of a byte. `value` is of an `int`'s range. Clamps integers, because compilers do
-/// not vectorise the clamping of floating-point numbers.
+/// The nearest value of a byte. `value` is of an `int`'s range. Clamps integers, because compilers
+/// do not vectorise the clamping of floating-point numbers.
 inline std::uint8_t nearestByte(float value) {
     // NOLINTNEXTLINE(bugprone-incorrect-roundings): negative values become 0
     const int nearest = static_cast<int>(value + 0.5F);
