@@ -1,12 +1,12 @@
 #include "backends/console/ConsoleOutput.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "backends/posix/Descriptor.h"
 
 namespace vistrane {
 
@@ -16,11 +16,6 @@ namespace {
 constexpr std::string_view clearLine = "\r\x1b[K";
 
 constexpr std::size_t usualColumns = 80;
-
-bool waitUntilWritable(int descriptor) {
-    pollfd watched{descriptor, POLLOUT, 0};
-    return poll(&watched, 1, -1) >= 0 || errno == EINTR;
-}
 
 } // namespace
 
@@ -71,16 +66,7 @@ std::size_t ConsoleOutput::columns() const {
 }
 
 void ConsoleOutput::write(std::string_view bytes) const {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-        if (written >= 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EAGAIN && !waitUntilWritable(descriptor_)) {
-            return;
-        } else if (errno != EINTR && errno != EAGAIN) {
-            return;
-        }
-    }
+    writeAll(descriptor_, bytes.data(), bytes.size());
 }
 
 } // namespace vistrane

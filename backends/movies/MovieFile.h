@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "backends/posix/Descriptor.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
@@ -47,15 +48,16 @@ public:
 private:
     enum class Place { hidden, published, removed };
 
-    MovieFile(std::string path, int folder, int file, std::string hiddenName, std::string name);
+    MovieFile(std::string path, Descriptor folder, Descriptor file, std::string hiddenName,
+              std::string name);
 
     std::optional<NSError> rename();
     NSError writeFailure(int number) const;
     void removeHiddenFile();
 
     const std::string path_;
-    const int folder_;
-    const int file_;
+    const Descriptor folder_;
+    const Descriptor file_;
     const std::string hiddenName_;
     const std::string name_;
     std::uint64_t size_ = 0;

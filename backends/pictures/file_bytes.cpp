@@ -7,12 +7,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <climits>
 #include <cstdlib>
 #include <memory>
 #include <utility>
 
 #include "backends/pictures/picture_errors.h"
+#include "backends/posix/Descriptor.h"
 #include "platform/shown_text.h"
 
 namespace vistrane {
@@ -22,33 +22,6 @@ namespace {
 constexpr char readAdvice[] = "check that the file is there and may be read";
 constexpr char writeAdvice[] = "check that the folder is there and may be written to, and that "
                                "the disk has room";
-
-/// An open file, closed at the end of its scope.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (number_ >= 0) {
-            ::close(number_);
-        }
-    }
-
-    int number() const { return number_; }
-    /// Passes the descriptor to the caller.
-    int release() { return std::exchange(number_, -1); }
-
-    /// Returns the number of an error that shows only on closing (a quota, a remote disk), else 0.
-    /// An interrupted close has closed the file.
-    int close() {
-        const int result = ::close(std::exchange(number_, -1));
-        return result != 0 && errno != EINTR ? errno : 0;
-    }
-
-private:
-    int number_;
-};
 
 /// The system would cut a path at a zero byte and open another file.
 bool canBeAPath(const std::string& path) {
@@ -75,24 +48,6 @@ std::optional<NSError> notAFile(const std::string& path) {
 
 std::int64_t nanosecondsOf(const struct timespec& time) {
     return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
-}
-
-/// Returns the system's error number, or 0 when all bytes were written.
-int writeAll(int number, std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const std::size_t part = bytes.size() < SSIZE_MAX ? bytes.size() : SSIZE_MAX;
-        const ssize_t written = ::write(number, bytes.data(), part);
-        if (written < 0 && errno != EINTR) {
-            return errno;
-        }
-        if (written == 0) {
-            return EIO;
-        }
-        if (written > 0) {
-            bytes = bytes.subspan(static_cast<std::size_t>(written));
-        }
-    }
-    return 0;
 }
 
 /// Removes the file that was opened at `path`, also through links, and no other file.
@@ -129,23 +84,13 @@ std::variant<OpenFile, NSError> OpenFile::at(const std::string& path, std::uint6
         return pictureError(PictureFault::TooLarge, path,
                             "is too large a file; make it smaller or remove it");
     }
-    return OpenFile(file.release(), path,
+    return OpenFile(std::move(file), path,
                     {state.st_dev, state.st_ino, static_cast<std::uint64_t>(state.st_size),
                      nanosecondsOf(state.st_mtim), nanosecondsOf(state.st_ctim)});
 }
 
-OpenFile::OpenFile(int descriptor, std::string path, const FileState& state)
-    : descriptor_(descriptor), path_(std::move(path)), state_(state) {}
-
-OpenFile::OpenFile(OpenFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)), path_(std::move(other.path_)),
-      state_(other.state_) {}
-
-OpenFile::~OpenFile() {
-    if (descriptor_ >= 0) {
-        ::close(descriptor_);
-    }
-}
+OpenFile::OpenFile(Descriptor descriptor, std::string path, const FileState& state)
+    : descriptor_(std::move(descriptor)), path_(std::move(path)), state_(state) {}
 
 FileBytesResult OpenFile::read() {
     FileBytesResult result;
@@ -157,7 +102,8 @@ FileBytesResult OpenFile::read() {
     }
     std::size_t length = 0;
     while (length < bytes->length()) {
-        const ssize_t got = ::read(descriptor_, bytes->data() + length, bytes->length() - length);
+        const ssize_t got =
+            ::read(descriptor_.number(), bytes->data() + length, bytes->length() - length);
         if (got < 0 && errno == EINTR) {
             continue;
         }
@@ -189,7 +135,7 @@ std::optional<NSError> writeFileInPlace(const std::string& path,
     if (!S_ISREG(state.st_mode)) {
         return notAFile(path);
     }
-    int failure = writeAll(file.number(), bytes);
+    int failure = writeAll(file.number(), bytes.data(), bytes.size());
     if (const int closing = file.close(); failure == 0) {
         failure = closing;
     }

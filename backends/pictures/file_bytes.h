@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "backends/pictures/ByteArray.h"
+#include "backends/posix/Descriptor.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
@@ -39,10 +40,6 @@ public:
     /// Never blocks on a pipe or a device. Refuses files of more than `largestFile` bytes.
     static std::variant<OpenFile, NSError> at(const std::string& path, std::uint64_t largestFile);
 
-    OpenFile(OpenFile&& other) noexcept;
-    OpenFile& operator=(OpenFile&& other) = delete;
-    ~OpenFile();
-
     /// The state when it was opened.
     const FileState& state() const { return state_; }
 
@@ -51,9 +48,9 @@ public:
     FileBytesResult read();
 
 private:
-    OpenFile(int descriptor, std::string path, const FileState& state);
+    OpenFile(Descriptor descriptor, std::string path, const FileState& state);
 
-    int descriptor_;
+    Descriptor descriptor_;
     std::string path_;
     FileState state_;
 };
