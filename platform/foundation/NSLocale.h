@@ -15,7 +15,8 @@ enum NSComparisonResult : int {
     NSOrderedDescending = 1
 };
 
-/// Options of a string comparison, added up.
+/// Options of a string comparison, added up. The program always passes all four, so a backend need
+/// not implement any other sum.
 enum NSStringCompareOptions : std::uint32_t {
     NSCaseInsensitiveSearch = 1,
     NSNumericSearch = 64,
