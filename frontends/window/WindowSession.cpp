@@ -16,7 +16,6 @@
 #include "backends/pictures/MediaCoreGraphics.h"
 #include "backends/pictures/MediaCoreVideo.h"
 #include "backends/posix/EndingSignals.h"
-#include "backends/posix/FileUserDefaults.h"
 #include "backends/posix/clock.h"
 #include "backends/posix/threads.h"
 #include "backends/qt/controls/QtImageView.h"
@@ -27,6 +26,7 @@
 #include "backends/qt/system/Appearance.h"
 #include "backends/qt/system/QtDispatch.h"
 #include "backends/qt/system/QtFoundation.h"
+#include "backends/qt/system/QtUserDefaults.h"
 #include "backends/qt/system/QtWorkspace.h"
 #include "backends/qt/system/SleepInhibitor.h"
 #include "core/app/AppDelegate.h"
@@ -104,7 +104,7 @@ struct WindowSession::Parts {
     };
     QtRunLoop loop;
     QtDispatch dispatch{loop};
-    FileUserDefaults defaults{settingsPath(), logLine};
+    QtUserDefaults defaults{settingsPath(), logLine};
     NotificationCenter notificationCenter;
     Appearance appearance;
     SleepInhibitor sleepInhibitor{logLine};

@@ -318,11 +318,10 @@ std::string DesktopTest::openedMovie() {
 
 void DesktopTest::store(const std::map<std::string, std::int64_t>& settings) const {
     std::ostringstream text;
-    text << "Vistrane settings 1\n";
+    text << "[General]\n";
     for (const auto& [key, value] : settings) {
-        text << '"' << key << "\" = " << value << '\n';
+        text << key << '=' << value << '\n';
     }
-    text << "end\n";
     fs::create_directories(fs::path(settingsFile()).parent_path());
     writeFile(settingsFile(), text.str());
 }
@@ -331,10 +330,10 @@ std::map<std::string, std::int64_t> DesktopTest::stored() const {
     std::map<std::string, std::int64_t> settings;
     std::istringstream text(contentsOf(settingsFile()));
     for (std::string line; std::getline(text, line);) {
-        const std::size_t end = line.find("\" = ");
+        const std::size_t end = line.find('=');
         if (end != std::string::npos &&
-            line.find_first_not_of("-0123456789", end + 4) == std::string::npos) {
-            settings[line.substr(1, end - 1)] = std::stoll(line.substr(end + 4));
+            line.find_first_not_of("-0123456789", end + 1) == std::string::npos) {
+            settings[line.substr(0, end)] = std::stoll(line.substr(end + 1));
         }
     }
     return settings;

@@ -104,7 +104,7 @@ void WholeRun::chooseTheFolder() {
     typeFolder(folder);
     answer(confirmation, "Ok");
     button(folder);
-    EXPECT_NE(contentsOf(settingsFile()).find("\"iData\" = <"), std::string::npos);
+    EXPECT_NE(contentsOf(settingsFile()).find("iData=@ByteArray("), std::string::npos);
 }
 
 void WholeRun::setIntervalAndRate() {

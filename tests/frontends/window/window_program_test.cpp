@@ -36,7 +36,7 @@ TEST_F(WindowProgram, ItEndsInOrderAtASignal) {
         EXPECT_EQ(ended.status, 128 + signal);
         EXPECT_EQ(ended.output, "");
         // Saved at the end only.
-        EXPECT_THAT(settings(), HasSubstr("\"iMinute\" = 0\n"));
+        EXPECT_THAT(settings(), HasSubstr("iMinute=0\n"));
         std::filesystem::remove(home + "/.config/vistrane/settings");
     }
 }
@@ -56,9 +56,9 @@ TEST_F(WindowProgram, ValuesComeBackAndAreSavedAgain) {
         EXPECT_THAT(text, HasSubstr(part));
         return text.replace(text.find(part), part.size(), by);
     };
-    const std::string changed = replaced(first, "\"iFPS\" = 30", "\"iFPS\" = 12");
+    const std::string changed = replaced(first, "iFPS=30", "iFPS=12");
     // Without this line the file differs from what the next run has to save.
-    writeFile(home + "/.config/vistrane/settings", replaced(changed, "\"iMinute\" = 0\n", ""));
+    writeFile(home + "/.config/vistrane/settings", replaced(changed, "iMinute=0\n", ""));
     openAndEndBy(SIGTERM);
     EXPECT_EQ(settings(), changed);
 }
@@ -69,7 +69,7 @@ TEST_F(WindowProgram, DamagedSettingsAreSetAsideWithALine) {
     const Ended ended = openAndEndBy(SIGTERM);
     EXPECT_THAT(ended.errors, HasSubstr("damaged"));
     EXPECT_EQ(contentsOf(home + "/.config/vistrane/settings.damaged"), "damage");
-    EXPECT_THAT(settings(), HasSubstr("\"iFPS\" = 30\n"));
+    EXPECT_THAT(settings(), HasSubstr("iFPS=30\n"));
 }
 
 TEST_F(WindowProgram, ASettingsFolderThatCannotBeMadeCostsALineOnly) {

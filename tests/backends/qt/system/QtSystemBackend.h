@@ -8,11 +8,10 @@
 #include <thread>
 #include <utility>
 
-#include "backends/posix/FileUserDefaults.h"
-#include "backends/posix/settings_text.h"
 #include "backends/qt/system/QtAlert.h"
 #include "backends/qt/system/QtDispatch.h"
 #include "backends/qt/system/QtFoundation.h"
+#include "backends/qt/system/QtUserDefaults.h"
 #include "tests/backends/posix/TemporaryFolder.h"
 #include "tests/backends/qt/system/AlertUser.h"
 #include "tests/support/ClockShift.h"
@@ -31,7 +30,9 @@ public:
 
     NSUserDefaults& userDefaults() { return *defaults_; }
     void storeText(const std::string& text, const std::string& key) {
-        std::ofstream(path_) << settingsText({{key, text}});
+        // A path of its own: QSettings may take two files of a name for one.
+        path_ += "+";
+        std::ofstream(path_) << "[General]\n" << key << "=" << text << "\n";
         reopen();
     }
     bool reopen() {
@@ -71,8 +72,8 @@ private:
     QtRunLoop loop_;
     QtDispatch dispatch_{loop_};
     NotificationCenter notificationCenter_;
-    const std::string path_ = folder_ / "settings";
-    std::optional<FileUserDefaults> defaults_{std::in_place, path_, [](const std::string&) {}};
+    std::string path_ = folder_ / "settings";
+    std::optional<QtUserDefaults> defaults_{std::in_place, path_, [](const std::string&) {}};
     QtFoundation foundation_{loop_, *defaults_, notificationCenter_, [](const std::string&) {},
                              "1.2.3"};
     const std::shared_ptr<const QtDialogRules> dialogRules_ = std::make_shared<const QtDialogRules>(
