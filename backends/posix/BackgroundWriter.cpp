@@ -9,7 +9,7 @@
 
 namespace vistrane {
 
-/// Belongs to the writer and to its thread, whichever lasts longer.
+/// Owned by the writer and its thread.
 struct BackgroundWriter::Shared {
     const int descriptor;
     const std::function<void(int)> failed;
@@ -66,9 +66,9 @@ void BackgroundWriter::write(const std::string& text) {
     }
 }
 
-bool BackgroundWriter::flush(std::chrono::milliseconds patience) {
+bool BackgroundWriter::flush(std::chrono::milliseconds timeout) {
     std::unique_lock lock(shared_->mutex);
-    return shared_->changed.wait_for(lock, patience, [this] { return shared_->isDone(); }) &&
+    return shared_->changed.wait_for(lock, timeout, [this] { return shared_->isDone(); }) &&
            shared_->error == 0;
 }
 
