@@ -209,7 +209,7 @@ std::optional<NSError> MovieFile::write(const void* bytes, std::size_t count) {
 
 std::optional<NSError> MovieFile::writeAt(std::uint64_t offset, const void* bytes,
                                           std::size_t count) {
-    const int error = writeAll(file_.number(), bytes, count, static_cast<off_t>(offset));
+    const int error = writeAll(file_.number(), bytes, count, static_cast<std::int64_t>(offset));
     return error != 0 ? std::optional(writeFailure(error)) : std::nullopt;
 }
 

@@ -14,7 +14,8 @@ int Descriptor::close() {
     return isOpen() && ::close(release()) != 0 && errno != EINTR ? errno : 0;
 }
 
-int writeAll(int descriptor, const void* bytes, std::size_t count, std::optional<off_t> offset) {
+int writeAll(int descriptor, const void* bytes, std::size_t count,
+             std::optional<std::int64_t> offset) {
     const auto* next = static_cast<const unsigned char*>(bytes);
     while (count > 0) {
         const std::size_t part = std::min<std::size_t>(count, SSIZE_MAX);

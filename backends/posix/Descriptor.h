@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <utility>
-
-#include <sys/types.h>
 
 namespace vistrane {
 
@@ -32,7 +31,7 @@ private:
 /// Writes all bytes, at the descriptor's position or, with `offset`, from that byte of the file.
 /// Waits for room in a non-blocking pipe or terminal. Returns 0 or the error number.
 int writeAll(int descriptor, const void* bytes, std::size_t count,
-             std::optional<off_t> offset = std::nullopt);
+             std::optional<std::int64_t> offset = std::nullopt);
 
 /// Brings a file's contents, or a folder's entries, to the disk. Returns 0, also on a file system
 /// that has nothing to bring there, or the error number.
