@@ -39,7 +39,8 @@ public:
         sim_.defaults().values[key] = text;
     }
     bool reopen() {
-        sim_.defaults().reopen();
+        // Another start of the program: what was not synchronised is lost.
+        sim_.defaults().values = sim_.defaults().durableValues;
         return true;
     }
 
@@ -71,7 +72,7 @@ public:
     std::shared_ptr<NSMenu> menu() { return sim_.platform().appKit.menu(); }
     std::vector<std::string> titles(NSMenu& menu) { return titlesOf(simMenu(menu)); }
     std::vector<std::string> submenuTitles(NSMenu& menu, std::size_t index) {
-        return titlesOf(*simMenu(menu).items.at(index)->submenu);
+        return titlesOf(simMenu(*simMenu(menu).items.at(index)->submenu));
     }
     void choose(NSMenu& menu, std::size_t index) { simMenu(menu).items.at(index)->choose(); }
 
