@@ -50,7 +50,7 @@ TEST_F(DiskProgram, AFullDiskIsNamedAndNothingIsLeftOnIt) {
     EXPECT_EQ(ended.status, 1);
     EXPECT_EQ(ended.output, "");
     EXPECT_THAT(ended.errors, HasSubstr("\nvistrane: The movie cannot be written (" + folder));
-    EXPECT_THAT(ended.errors, HasSubstr("No space left on device"));
+    EXPECT_THAT(ended.errors, HasSubstr("No space left on device. Free some space"));
     EXPECT_THAT(ended.errors, Not(HasSubstr("Not in the movie")));
     EXPECT_THAT(ended.errors, Not(HasSubstr("frames went into the movie")));
     EXPECT_EQ(count(contentsOf(listing), "\n"), 30U);
