@@ -1,8 +1,8 @@
-// camera_frames FOLDER COUNT WIDTH HEIGHT [ours|libpng]: writes the frames of a time-lapse as a
-// camera sees it: a still ground with detail of every size, clouds that drift above it, light that
-// changes slowly, and the noise of a sensor. The same frames on every machine.
+// Writes generated time-lapse frames: camera_frames FOLDER COUNT WIDTH HEIGHT [ours|libpng]
 //
-// They are PNG files by this program's own writer or by libpng with its default settings.
+// They show a still ground with detail of every size, drifting clouds, slowly changing light, and
+// sensor noise, the same on every machine. The PNG files are written by this program's own encoder
+// or by libpng with its defaults.
 
 #include <algorithm>
 #include <array>
@@ -103,8 +103,7 @@ private:
     std::vector<float> values_;
 };
 
-/// The scene without noise. Sizes are told in parts of the height, so that it looks the same at
-/// any size.
+/// The scene without noise. Lengths are in units of the height, so it looks the same in every size.
 class Scene {
 public:
     std::array<float, 3> color(double x, double y, std::size_t index) const {
