@@ -12,7 +12,7 @@ namespace vistrane {
 
 namespace {
 
-/// Back to the line's start, and away with what stands there.
+/// Carriage return, then "erase to the end of the line".
 constexpr std::string_view clearLine = "\r\x1b[K";
 
 constexpr std::size_t usualColumns = 80;
@@ -46,7 +46,7 @@ void ConsoleOutput::showProgress(double value, double maximum) {
 std::string ConsoleOutput::barFor(double value, double maximum) const {
     const double part = std::min(value / maximum, 1.0);
     const std::string percent = std::to_string(static_cast<int>(part * 100.0)) + " %";
-    // The last column stays free: a full line would scroll.
+    // The last column stays free: a full line would wrap.
     const std::size_t used = std::string_view("[] 100 %").size() + 1;
     const std::size_t available = columns();
     if (available <= used) {

@@ -11,8 +11,6 @@
 
 #include <unistd.h>
 
-#include "backends/console/ConsoleDispatch.h"
-#include "backends/console/ConsoleFoundation.h"
 #include "backends/console/ConsoleInterface.h"
 #include "backends/console/ConsoleWorkspace.h"
 #include "backends/console/MemoryUserDefaults.h"
@@ -20,6 +18,9 @@
 #include "backends/pictures/MediaCoreVideo.h"
 #include "backends/posix/BackgroundWriter.h"
 #include "backends/posix/EndingSignals.h"
+#include "backends/qt/loop/QtDispatch.h"
+#include "backends/qt/loop/QtFoundation.h"
+#include "backends/qt/loop/core_application.h"
 #include "core/app/AppDelegate.h"
 #include "frontends/MediaAVFoundation.h"
 #include "frontends/commandline/SessionAppKit.h"
@@ -66,8 +67,8 @@ struct Session::Parts {
             [this](double value, double maximum) { output.showProgress(value, maximum); });
     }
 
-    NSModalResponse answer(const ConsoleAlert& alert) {
-        if (alert.isOnMainThread()) {
+    NSModalResponse answer() {
+        if (loop.isMainThread()) {
             alertWasShown = true;
             return NSAlertFirstButtonReturn;
         }
@@ -100,11 +101,14 @@ struct Session::Parts {
     }
 
     ConsoleOutput output{STDERR_FILENO};
-    ConsoleRunLoop loop;
+    QtRunLoop loop;
     BackgroundWriter results{STDOUT_FILENO, [this](int) { resultsFailed(); }};
-    ConsoleDispatch dispatch{loop};
+    QtDispatch dispatch{loop};
     MemoryUserDefaults defaults;
-    ConsoleFoundation foundation{loop, defaults, output, programVersion};
+    NotificationCenter notificationCenter;
+    QtFoundation foundation{loop, defaults, notificationCenter,
+                            [this](const std::string& line) { output.writeLine(line); },
+                            programVersion};
     CompileReport report;
     SessionObserver observer{output, loop, report};
     Pictures pictures{observer};
@@ -117,7 +121,7 @@ struct Session::Parts {
     ConsoleWorkspace workspace{[](const NSURL&) { return true; }};
     SessionAppKit appKit{std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{
                              loop, [this](const std::string& text) { output.writeLine(text); },
-                             [this](const ConsoleAlert& alert) { return answer(alert); }}),
+                             [this] { return answer(); }}),
                          workspace, loop, pictures, report};
     ConsoleInterface interface;
     ConsoleNib nib;
@@ -133,7 +137,8 @@ struct Session::Parts {
     bool isInterrupted = false;
 };
 
-Session::Session(const SessionOptions& options) : parts_(*new Parts(options)) {
+Session::Session(const SessionOptions& options)
+    : parts_((makeCoreApplication(), *new Parts(options))) {
     EndingSignals::handle({[this](int status) {
                                parts_.loop.mainQueue().async([this, status] {
                                    parts_.isInterrupted = true;
@@ -162,7 +167,7 @@ void Session::launch() {
     }
     {
         // There is no interface that sets itself up meanwhile.
-        const ConsoleRunLoop::HurryScope hurry(parts_.loop);
+        const QtRunLoop::HurryScope hurry(parts_.loop);
         parts_.controller.awakeFromNib();
     }
     parts_.controller.applicationDidFinishLaunching();

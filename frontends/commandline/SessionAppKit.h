@@ -6,10 +6,9 @@
 
 #include "backends/console/ConsoleAlert.h"
 #include "backends/console/ConsoleApplication.h"
-#include "backends/console/ConsoleMenu.h"
 #include "backends/console/ConsoleOpenPanel.h"
-#include "backends/console/ConsoleRunLoop.h"
 #include "backends/pictures/PictureAppKit.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "frontends/commandline/CompileReport.h"
 
 namespace vistrane {
@@ -19,7 +18,7 @@ namespace vistrane {
 class SessionAppKit final : public PictureAppKit {
 public:
     SessionAppKit(std::shared_ptr<const ConsoleAlertRules> alertRules, NSWorkspace& workspace,
-                  const ConsoleRunLoop& loop, const Pictures& pictures, CompileReport& report)
+                  const QtRunLoop& loop, const Pictures& pictures, CompileReport& report)
         : PictureAppKit(pictures), alertRules_(std::move(alertRules)), workspace_(workspace),
           loop_(loop), report_(report) {}
 
@@ -34,7 +33,8 @@ public:
     std::unique_ptr<NSOpenPanel> openPanel() override {
         return std::make_unique<ConsoleOpenPanel>();
     }
-    std::shared_ptr<NSMenu> menu() override { return std::make_shared<ConsoleMenu>(); }
+    /// Only the info panel has menus, and there is none.
+    std::shared_ptr<NSMenu> menu() override { return nullptr; }
 
     /// Every command is a first run, which is nothing to be told of.
     void NSBeep() override {}
@@ -52,7 +52,7 @@ public:
 private:
     const std::shared_ptr<const ConsoleAlertRules> alertRules_;
     NSWorkspace& workspace_;
-    const ConsoleRunLoop& loop_;
+    const QtRunLoop& loop_;
     CompileReport& report_;
     ConsoleApplication application_;
 };

@@ -7,9 +7,9 @@
 
 #include "backends/cameras/CameraObserver.h"
 #include "backends/console/ConsoleOutput.h"
-#include "backends/console/ConsoleRunLoop.h"
 #include "backends/movies/MovieObserver.h"
 #include "backends/pictures/PictureObserver.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "frontends/commandline/CompileReport.h"
 
 namespace vistrane {
@@ -23,7 +23,7 @@ struct MovieOutcome {
 /// Tells the command line what the media report, on the main thread, and the user what went wrong.
 class SessionObserver final : public PictureObserver, public MovieObserver, public CameraObserver {
 public:
-    SessionObserver(ConsoleOutput& output, ConsoleRunLoop& loop, CompileReport& report)
+    SessionObserver(ConsoleOutput& output, QtRunLoop& loop, CompileReport& report)
         : output_(output), loop_(loop), report_(report) {}
 
     // ---- Main thread ---------------------------------------------------------------------------
@@ -50,7 +50,7 @@ private:
     void setOutcome(MovieOutcome outcome);
 
     ConsoleOutput& output_;
-    ConsoleRunLoop& loop_;
+    QtRunLoop& loop_;
     CompileReport& report_;
     std::atomic<bool> isWritingFile_{false};
 };

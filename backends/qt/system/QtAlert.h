@@ -8,7 +8,7 @@
 
 #include <QWidget>
 
-#include "backends/qt/system/QtRunLoop.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSError.h"
 

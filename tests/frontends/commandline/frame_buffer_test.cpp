@@ -6,18 +6,16 @@
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <png.h>
-#include <unistd.h>
 
-#include "backends/console/ConsoleDispatch.h"
-#include "backends/console/ConsoleFoundation.h"
 #include "backends/console/ConsoleWorkspace.h"
 #include "backends/console/MemoryUserDefaults.h"
 #include "backends/pictures/MediaCoreGraphics.h"
 #include "backends/pictures/MediaCoreVideo.h"
+#include "backends/qt/loop/QtDispatch.h"
+#include "backends/qt/loop/QtFoundation.h"
 #include "core/app/AppDelegate.h"
 #include "frontends/MediaAVFoundation.h"
 #include "frontends/commandline/SessionAppKit.h"
@@ -37,10 +35,7 @@ protected:
         ASSERT_NE(::mkdtemp(name.data()), nullptr);
         folder_ = name;
     }
-    void TearDown() override {
-        ::close(nowhere_);
-        std::filesystem::remove_all(folder_);
-    }
+    void TearDown() override { std::filesystem::remove_all(folder_); }
 
     /// A picture file of one row, of these pixels: red, green, blue and alpha.
     std::shared_ptr<NSImage> picture(const std::vector<std::array<std::uint8_t, 4>>& pixels) {
@@ -66,12 +61,12 @@ protected:
     }
 
     std::filesystem::path folder_;
-    const int nowhere_ = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    ConsoleOutput output_{nowhere_};
-    ConsoleRunLoop loop_;
+    QtRunLoop loop_;
     MemoryUserDefaults defaults_;
-    ConsoleFoundation foundation_{loop_, defaults_, output_, "1.0.0"};
-    ConsoleDispatch dispatch_{loop_};
+    NotificationCenter notificationCenter_;
+    QtFoundation foundation_{loop_, defaults_, notificationCenter_, [](const std::string&) {},
+                             "1.0.0"};
+    QtDispatch dispatch_{loop_};
     CompileReport report_;
     SilentObserver observer_;
     Pictures pictures_{observer_};

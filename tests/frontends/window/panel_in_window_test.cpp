@@ -14,7 +14,7 @@
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/qt/controls/QtInterface.h"
 #include "backends/qt/controls/QtResources.h"
-#include "backends/qt/system/QtRunLoop.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "backends/sim/Sim.h"
 #include "core/infopanel/mantisQRXpanel.h"
 #include "frontends/window/WindowAppKit.h"

@@ -1,10 +1,12 @@
-#include "backends/qt/system/QtRunLoop.h"
+#include "backends/qt/loop/QtRunLoop.h"
 
+#include <algorithm>
+#include <clocale>
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 
-#include <QDialog>
 #include <QEventLoop>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -55,23 +57,6 @@ TEST(QtRunLoop, TimersAndWorkRunInQtsOwnLoop) {
     other.join();
 }
 
-TEST(QtRunLoop, ADialogRunsTimersAndWork) {
-    QtRunLoop loop;
-    QDialog dialog;
-    bool worked = false;
-    int ticks = 0;
-    const auto timer = loop.scheduleTimer(
-        0.002,
-        [&](NSTimer&) {
-            if (++ticks >= 3 && worked) {
-                dialog.accept();
-            }
-        },
-        true);
-    loop.mainQueue().async([&] { worked = true; });
-    EXPECT_EQ(dialog.exec(), QDialog::Accepted);
-}
-
 TEST(QtRunLoop, AnItemThatRunsTheLoopRunsTheOnesBehindIt) {
     QtRunLoop loop;
     std::string order;
@@ -86,29 +71,61 @@ TEST(QtRunLoop, AnItemThatRunsTheLoopRunsTheOnesBehindIt) {
     EXPECT_EQ(order, "(ab)");
 }
 
-TEST(QtRunLoop, ATickThatRunsADialogLeavesOtherTimersTheirTicks) {
-    QtRunLoop loop;
-    QDialog dialog;
-    int own = 0;
-    const auto other = loop.scheduleTimer(
-        0.02, [&](NSTimer&) { dialog.accept(); }, false);
-    const auto timer = loop.scheduleTimer(
-        0.001,
-        [&](NSTimer&) {
-            if (++own == 1) {
-                dialog.exec();
-            }
-        },
-        true);
-    EXPECT_TRUE(execUntil([&] { return dialog.result() == QDialog::Accepted && own > 1; }));
-}
-
 TEST(QtRunLoop, RunUntilDateKeepsEventsGoing) {
     QtRunLoop loop;
     bool came = false;
     QTimer::singleShot(1, [&] { came = true; });
     loop.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.1});
     EXPECT_TRUE(came);
+}
+
+TEST(QtRunLoop, ATickThatRunsTheLoopIsNotNested) {
+    QtRunLoop loop;
+    int depth = 0;
+    int deepest = 0;
+    int ticks = 0;
+    const auto timer = loop.scheduleTimer(
+        0.001,
+        [&](NSTimer&) {
+            deepest = std::max(deepest, ++depth);
+            ++ticks;
+            loop.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.01});
+            --depth;
+        },
+        true);
+    EXPECT_TRUE(execUntil([&] { return ticks >= 3; }));
+    EXPECT_EQ(deepest, 1);
+}
+
+TEST(QtRunLoop, InAHurryItWaitsOnlyForTimersAndQueuedWork) {
+    QtRunLoop loop;
+    // Without the hurry the test would not end.
+    const NSDate farAway{wallClockNow().timeIntervalSince1970 + 1e6};
+    const QtRunLoop::HurryScope hurry(loop);
+    loop.runUntilDate(farAway);
+
+    int worked = 0;
+    loop.mainQueue().async([&] { loop.mainQueue().async([&] { ++worked; }); });
+    const auto timer = loop.scheduleTimer(
+        0.02, [&](NSTimer&) { ++worked; }, false);
+    loop.runUntilDate(farAway);
+    EXPECT_EQ(worked, 2);
+}
+
+TEST(QtRunLoop, ATicksCaptureMayInvalidateAnotherTimerWhenItIsDestroyed) {
+    QtRunLoop loop;
+    const auto other = loop.scheduleTimer(
+        3600.0, [](NSTimer&) {}, true);
+    auto captured = std::shared_ptr<void>(nullptr, [other](void*) { other->invalidate(); });
+    const auto timer = loop.scheduleTimer(
+        3600.0, [held = std::move(captured)](NSTimer&) {}, true);
+    timer->invalidate();
+    EXPECT_FALSE(other->isValid());
+}
+
+/// The program's main set LC_ALL to "C.UTF-8", which QCoreApplication by itself would adopt.
+TEST(CoreApplication, LeavesTheLocaleAlone) {
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "backends/console/ConsoleDispatch.h"
+#include "backends/qt/loop/QtDispatch.h"
 
 #include <atomic>
 #include <csignal>
@@ -10,21 +10,21 @@
 namespace vistrane {
 namespace {
 
-DispatchQueue& globalQueue(ConsoleDispatch& dispatch) {
+DispatchQueue& globalQueue(QtDispatch& dispatch) {
     return dispatch.dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0);
 }
 
-TEST(ConsoleDispatch, TheGlobalQueueHasAThreadOfItsOwn) {
-    ConsoleRunLoop loop;
-    ConsoleDispatch dispatch(loop);
+TEST(QtDispatch, TheGlobalQueueHasItsOwnThread) {
+    QtRunLoop loop;
+    QtDispatch dispatch(loop);
     std::promise<std::thread::id> thread;
     globalQueue(dispatch).async([&] { thread.set_value(std::this_thread::get_id()); });
     EXPECT_NE(thread.get_future().get(), std::this_thread::get_id());
 }
 
-TEST(ConsoleDispatch, SignalsStayWithTheThreadsThatWereThere) {
-    ConsoleRunLoop loop;
-    ConsoleDispatch dispatch(loop);
+TEST(QtDispatch, TheGlobalQueuesThreadBlocksSignals) {
+    QtRunLoop loop;
+    QtDispatch dispatch(loop);
     std::promise<bool> blocked;
     globalQueue(dispatch).async([&] {
         sigset_t mask;
@@ -37,14 +37,14 @@ TEST(ConsoleDispatch, SignalsStayWithTheThreadsThatWereThere) {
     EXPECT_EQ(sigismember(&mask, SIGINT), 0);
 }
 
-TEST(ConsoleDispatch, EndingDropsWhatWaitsAndDoesNotWaitForWhatRuns) {
-    // Shared: the item may still run when the test has ended.
+TEST(QtDispatch, DestroyingDiscardsWaitingItemsAndDoesNotJoin) {
+    // Shared: the item may outlive the test.
     const auto release = std::make_shared<std::promise<void>>();
     const auto ran = std::make_shared<std::atomic<bool>>(false);
     std::promise<void> started;
     {
-        ConsoleRunLoop loop;
-        ConsoleDispatch dispatch(loop);
+        QtRunLoop loop;
+        QtDispatch dispatch(loop);
         globalQueue(dispatch).async([&started, release] {
             started.set_value();
             release->get_future().wait();
@@ -59,8 +59,8 @@ TEST(ConsoleDispatch, EndingDropsWhatWaitsAndDoesNotWaitForWhatRuns) {
 
 /// Ends a process while an item runs that posts without end, as a compile does.
 [[noreturn]] void exitWhileWorkGoesOn() {
-    auto* loop = new ConsoleRunLoop;
-    auto* dispatch = new ConsoleDispatch(*loop);
+    auto* loop = new QtRunLoop;
+    auto* dispatch = new QtDispatch(*loop);
     std::promise<void> started;
     globalQueue(*dispatch).async([&started, dispatch] {
         started.set_value();
@@ -73,7 +73,7 @@ TEST(ConsoleDispatch, EndingDropsWhatWaitsAndDoesNotWaitForWhatRuns) {
     std::exit(0);
 }
 
-TEST(ConsoleDispatchDeathTest, TheProcessEndsWhileWorkGoesOn) {
+TEST(QtDispatchDeathTest, TheProcessEndsWhileWorkGoesOn) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(exitWhileWorkGoesOn(), ::testing::ExitedWithCode(0), "");
 }

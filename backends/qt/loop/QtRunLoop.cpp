@@ -1,8 +1,7 @@
-#include "backends/qt/system/QtRunLoop.h"
+#include "backends/qt/loop/QtRunLoop.h"
 
 #include <utility>
 
-#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QTimer>
@@ -14,8 +13,8 @@ namespace vistrane {
 
 namespace {
 
-/// Qt counts milliseconds in an int, which is too short for the longest interval: what is further
-/// away is looked at again after an hour.
+/// A Qt timer counts milliseconds in an int, which is too short for the longest interval. A date
+/// that is further away than this is checked again after an hour.
 constexpr int longestAlarm = 3600 * 1000;
 
 } // namespace
@@ -32,7 +31,7 @@ void QtRunLoop::runUntilDate(NSDate date) {
     for (;;) {
         mainQueue_.runWaiting();
         timers_.runDue();
-        if (monotonicNow() >= deadline) {
+        if (monotonicNow() >= deadline || (isInAHurry_ && hasNothingToWaitFor())) {
             QCoreApplication::processEvents();
             return;
         }
@@ -50,10 +49,14 @@ bool QtRunLoop::isMainThread() const {
     return std::this_thread::get_id() == mainThread_;
 }
 
+bool QtRunLoop::hasNothingToWaitFor() const {
+    return mainQueue_.size() == 0 && !timers_.nextDate();
+}
+
 void QtRunLoop::customEvent(QEvent*) {
     mainQueue_.awake();
     if (mainQueue_.size() > 1) {
-        // The first item may run the loop, and the others are then to run in there.
+        // The first item may run the loop. The other items must then run in that nested loop.
         mainQueue_.wake();
     }
     mainQueue_.runWaiting();

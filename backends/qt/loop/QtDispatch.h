@@ -1,18 +1,18 @@
 #pragma once
 
 #include "backends/posix/GlobalQueue.h"
-#include "backends/qt/system/QtRunLoop.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "platform/dispatch/Dispatch.h"
 
 namespace vistrane {
 
-/// The run loop's main queue, and one thread for the global queue. What `GlobalQueue` says of its
-/// end holds for this object as well.
+/// The run loop's main queue, and a global queue with one thread. The rules for destroying a
+/// `GlobalQueue` apply to this object too.
 class QtDispatch final : public Dispatch {
 public:
     explicit QtDispatch(QtRunLoop& loop) : loop_(loop) {}
 
-    /// One queue, whatever the priority.
+    /// The same queue for every priority.
     DispatchQueue& dispatch_get_global_queue(std::intptr_t, std::uintptr_t) override {
         return globalQueue_;
     }

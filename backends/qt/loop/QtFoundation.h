@@ -5,12 +5,12 @@
 #include <utility>
 
 #include "backends/posix/PosixFoundation.h"
-#include "backends/qt/system/NotificationCenter.h"
-#include "backends/qt/system/QtRunLoop.h"
+#include "backends/qt/loop/NotificationCenter.h"
+#include "backends/qt/loop/QtRunLoop.h"
 
 namespace vistrane {
 
-/// The Foundation kit of the window. What is given here outlives it.
+/// The Foundation kit of both front ends. The arguments of its constructor outlive it.
 class QtFoundation final : public PosixFoundation {
 public:
     /// `log` takes one message without a line end, on any thread, and returns at once.
