@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# packaging_test.sh CHECK ARGUMENT...: one check of what is installed beside the program. 77 says
-# that the tool for it is not there.
+# packaging_test.sh CHECK ARGUMENT...: runs one check of what is installed beside the program. Exit
+# status 77: the tool for it is not installed.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 
@@ -35,7 +35,7 @@ manualIsWellFormed() {
     [ -z "$found" ] || fail "$found"
 }
 
-# Long options and commands, one a line, each once.
+# Long options and commands, one per line, each once.
 optionsIn() {
     grep -oE -- '--[a-z][a-z0-9-]+' | sort -u
 }
@@ -56,7 +56,7 @@ manualAndHelpAgree() {
         <(sed -n '/^Usage/,$p' <<<"$help" | commandsIn) || fail "the commands differ"
 }
 
-# Mnemonics, with Alt, are seen in the window itself.
+# Mnemonics, with Alt, are visible in the window itself.
 manualNamesEveryKey() {
     local keys key
     keys=$(sed -n '/name="shortcut"/,/<\/property>/s/.*<string>\(.*\)<\/string>.*/\1/p' "$2" | grep -v '^Alt')
@@ -87,7 +87,7 @@ installIsComplete() {
         [ -s "$prefix/$file" ] || fail "$file is not installed"
     done
     "$prefix/bin/vistrane" --version >/dev/null || fail "the installed program does not run"
-    # What the entries name must be among what was installed.
+    # The entries must name what was installed.
     grep -qx 'Exec=vistrane %f' "$prefix/share/applications/vistrane.desktop" ||
         fail "the desktop entry starts something else"
     grep -qx 'Icon=vistrane' "$prefix/share/applications/vistrane.desktop" ||
@@ -96,7 +96,7 @@ installIsComplete() {
         "$prefix/share/metainfo/com.example.vistrane.metainfo.xml" ||
         fail "the metainfo names another desktop entry"
     if grep -rIl '@[A-Z_]*@' "$prefix/share"; then
-        fail "something was left to be filled in"
+        fail "a placeholder was not replaced"
     fi
 }
 
