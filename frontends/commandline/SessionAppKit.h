@@ -13,8 +13,8 @@
 
 namespace vistrane {
 
-/// The AppKit kit of the command line: plain controls and alerts as text, real pictures. Tells the
-/// report which frame the compile thread loads. What is given here outlives it.
+/// The AppKit kit of the command line: alerts as text, real pictures, no panels or menus. Reports
+/// which frame the compile thread loads. The constructor's arguments outlive it.
 class SessionAppKit final : public PictureAppKit {
 public:
     SessionAppKit(std::shared_ptr<const ConsoleAlertRules> alertRules, NSWorkspace& workspace,
@@ -33,13 +33,13 @@ public:
     std::unique_ptr<NSOpenPanel> openPanel() override {
         return std::make_unique<ConsoleOpenPanel>();
     }
-    /// Only the info panel has menus, and there is none.
+    /// Only the info panel creates menus, and the command line has none.
     std::shared_ptr<NSMenu> menu() override { return nullptr; }
 
-    /// Every command is a first run, which is nothing to be told of.
+    /// Every command is a first run, so the beep of a first run says nothing.
     void NSBeep() override {}
 
-    /// There is nothing to draw resources on.
+    /// Pictures of the interface are not drawn.
     std::shared_ptr<NSImage> imageNamed(const std::string&) override { return nullptr; }
 
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {

@@ -1,58 +1,51 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
 
-#include "backends/cameras/CameraObserver.h"
-#include "backends/console/ConsoleOutput.h"
-#include "backends/movies/MovieObserver.h"
-#include "backends/pictures/PictureObserver.h"
 #include "backends/qt/loop/QtRunLoop.h"
+#include "frontends/SessionObserver.h"
 #include "frontends/commandline/CompileReport.h"
 
 namespace vistrane {
 
-/// How a movie ended: whole, or the reason why there is none.
+/// The result of a compile: a whole movie, or the reason why there is none.
 struct MovieOutcome {
     std::string path;
     std::optional<NSError> error;
 };
 
-/// Tells the command line what the media report, on the main thread, and the user what went wrong.
-class SessionObserver final : public PictureObserver, public MovieObserver, public CameraObserver {
+/// Passes what the media report to the command that runs, and keeps the compile report.
+class CommandObserver final : public SessionObserver {
 public:
-    SessionObserver(ConsoleOutput& output, QtRunLoop& loop, CompileReport& report)
-        : output_(output), loop_(loop), report_(report) {}
+    CommandObserver(std::function<void(const std::string&)> log, QtRunLoop& loop,
+                    CompileReport& report)
+        : SessionObserver(std::move(log)), loop_(loop), report_(report) {}
 
     // ---- Main thread ---------------------------------------------------------------------------
     std::function<void(const std::string& path)> frameWasSaved;
     std::function<void()> frameCouldNotBeSaved;
+    /// Set when a compile has ended.
     std::optional<MovieOutcome> movieOutcome;
 
     // ---- Any thread ----------------------------------------------------------------------------
     void imageCouldNotBeRead(const std::string& path, const NSError& reason) override;
-    void fileIsBeingWritten(const std::string&) override { isWritingFile_ = true; }
     void fileWasWritten(const std::string& path) override;
     void fileCouldNotBeWritten(const std::string& path, const NSError& reason) override;
     void pictureWasAppended() override { report_.frameWasAppended(); }
     void pictureWasRefused(const NSError& reason) override { report_.frameWasRefused(reason); }
-    void movieIsWhole(const std::string& path) override;
-    void movieFailed(const std::string& path, const NSError& reason) override;
-    void cameraChanged(const std::string& message) override { output_.writeLine(message); }
-
-    /// Whether a frame's file is not whole yet.
-    bool isWritingFile() const { return isWritingFile_; }
+    void movieIsWhole(const std::string& path) override { setOutcome({path, std::nullopt}); }
+    void movieFailed(const std::string& path, const NSError& reason) override {
+        setOutcome({path, reason});
+    }
 
 private:
-    void stillIsLost(const NSError& reason);
+    void stillIsLost();
     void setOutcome(MovieOutcome outcome);
 
-    ConsoleOutput& output_;
     QtRunLoop& loop_;
     CompileReport& report_;
-    std::atomic<bool> isWritingFile_{false};
 };
 
 } // namespace vistrane
