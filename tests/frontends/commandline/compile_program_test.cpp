@@ -29,7 +29,7 @@ protected:
         }
     }
 
-    /// The path of the movie that was printed, which is the only output and the only movie.
+    /// Returns the printed path. Checks that it is the only output and the only movie.
     std::string movieOf(const Ended& ended) const {
         EXPECT_EQ(ended.status, 0) << ended.errors;
         EXPECT_THAT(ended.lines(), SizeIs(1));
@@ -69,7 +69,7 @@ TEST_F(CompileProgram, PrintsThePathAndLogsTheRest) {
     EXPECT_EQ(facts.times, frameTimes(3));
 }
 
-TEST_F(CompileProgram, TheRateIsTheOneThatWasAskedFor) {
+TEST_F(CompileProgram, TheRateIsTheRequestedOne) {
     writeFrames(4);
     for (const char* rate : {"1", "25", "60"}) {
         const std::string movie = movieOf(run({"compile", folder, "--fps", rate}));
@@ -138,7 +138,7 @@ TEST_F(CompileProgram, ProgressIsShownOnATerminalOnly) {
     EXPECT_THAT(ended.errors, EndsWith("20 of 20 frames went into the movie.\r\n"));
 }
 
-TEST_F(CompileProgram, FewerThanTwoFramesAreRefusedInTheAlertsWords) {
+TEST_F(CompileProgram, FewerThanTwoFramesAreRefusedWithTheAlert) {
     for (int frames = 0; frames <= 1; ++frames) {
         writeFrames(frames);
         const auto before = namesIn(folder);
@@ -174,18 +174,6 @@ TEST_F(CompileProgram, WithoutAnEncoderTheReasonIsGivenAndNothingIsWritten) {
     EXPECT_EQ(namesIn(folder), before);
 }
 
-TEST_F(CompileProgram, TwoCompilesOneAfterTheOtherGiveTwoMoviesOrOneAlert) {
-    writeFrames(2);
-    const Ended first = run({"compile", folder});
-    const Ended second = run({"compile", folder});
-    EXPECT_EQ(first.status, 0);
-    const auto movies = namesEndingIn(".mov", folder);
-    EXPECT_THAT(movies, SizeIs(second.status == 0 ? 2 : 1));
-    for (const std::string& movie : movies) {
-        EXPECT_THAT(movieFacts(folder + "/" + movie).times, SizeIs(2));
-    }
-}
-
 TEST_F(CompileProgram, ClosedStreamsDoNotReachTheMovie) {
     writeFrames(3);
     writeFile(folder + "/f2.png", "not a frame, so that there is something to log");
@@ -207,7 +195,7 @@ struct BadFrame {
 
 class BadFrames : public CompileProgram {
 protected:
-    /// One of each kind, in the order of their names.
+    /// Writes one of each kind and returns them in the order of their names.
     std::vector<BadFrame> writeBadFrames() {
         writeGreyFrame(work / "good.png", 100);
         const std::string good = contentsOf(work / "good.png");
@@ -302,7 +290,7 @@ TEST_F(BadFrames, AreLeftOutLoggedAndNamed) {
     EXPECT_GE(count(ended.errors, "CVPixelBufferRef could not create context\n"), bad.size() - 1);
     EXPECT_THAT(ended.errors, Not(HasSubstr("failed appending #1 buffer")));
     EXPECT_THAT(ended.errors, EndsWith("3 of 18 frames went into the movie.\n"));
-    // Those that are left out leave their time empty.
+    // Frames that are left out leave a gap in the times.
     EXPECT_THAT(movieFacts(movie).times, ElementsAre(0, 17, 18));
     expectGreys(movie, {40, 80, 120});
 }
@@ -337,7 +325,7 @@ TEST_F(BadFrames, NothingElseMakesNoMovie) {
 }
 
 TEST_F(BadFrames, OneThatDisappearsIsLikeAnyOther) {
-    // The folder's listing is older than the movie.
+    // The listing is made before the frames disappear.
     writeFrames(400);
     Program program(command({"compile", folder}), options);
     ASSERT_TRUE(program.waitForError("moviePath="));
@@ -460,7 +448,7 @@ protected:
     }
 };
 
-TEST_P(EndedCompile, LeavesNothingBehindWhenASignalComes) {
+TEST_P(EndedCompile, ASignalLeavesNoFile) {
     writeSlowFrames();
     const auto before = namesIn(folder);
     Program program(command({"compile", folder, "--x264-preset", "placebo"}), options);
@@ -474,7 +462,7 @@ TEST_P(EndedCompile, LeavesNothingBehindWhenASignalComes) {
 
 INSTANTIATE_TEST_SUITE_P(By, EndedCompile, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
-TEST_F(EndedCompile, WhatAKilledOneLeavesIsTakenAwayByTheNextOne) {
+TEST_F(EndedCompile, TheNextCompileRemovesTheFileOfAKilledOne) {
     writeSlowFrames();
     const auto before = namesIn(folder);
     Program program(command({"compile", folder, "--x264-preset", "placebo"}), options);
@@ -491,7 +479,7 @@ TEST_F(EndedCompile, WhatAKilledOneLeavesIsTakenAwayByTheNextOne) {
     EXPECT_THAT(namesIn(folder), SizeIs(6));
 }
 
-TEST_F(EndedCompile, NoPathIsPrintedWhenTheFolderIsMovedMeanwhile) {
+TEST_F(EndedCompile, IfTheFolderIsMovedNoPathIsPrinted) {
     writeSlowFrames();
     Program program(command({"compile", folder, "--x264-preset", "ultrafast"}), options);
     ASSERT_TRUE(program.waitForError("moviePath="));

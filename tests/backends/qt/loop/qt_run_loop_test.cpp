@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <clocale>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <thread>
@@ -10,37 +11,31 @@
 #include <QEventLoop>
 #include <QTimer>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "backends/posix/clock.h"
-#include "tests/contract/RunLoopContract.h"
 
 namespace vistrane {
 namespace {
 
-/// Runs one of Qt's own loops until `done` holds, for a minute at most.
+/// Runs one of Qt's own loops until `done`, for a minute at most. Returns `done()`.
 bool execUntil(const std::function<bool()>& done) {
     QEventLoop events;
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, [&] {
+    QTimer check;
+    QObject::connect(&check, &QTimer::timeout, [&] {
         if (done()) {
             events.quit();
         }
     });
-    look.start(2);
+    check.start(2);
     QTimer::singleShot(60000, &events, &QEventLoop::quit);
     events.exec();
     return done();
 }
 
-struct QtLoop {
-    using Loop = QtRunLoop;
-
-    bool runUntil(const std::function<bool()>& done) { return execUntil(done); }
-
-    Loop loop;
-};
-
-INSTANTIATE_TYPED_TEST_SUITE_P(Qt, RunLoopContract, QtLoop, contract::Names);
+void runFor(QtRunLoop& loop, double seconds) {
+    loop.runUntilDate({wallClockNow().timeIntervalSince1970 + seconds});
+}
 
 TEST(QtRunLoop, TimersAndWorkRunInQtsOwnLoop) {
     QtRunLoop loop;
@@ -57,7 +52,47 @@ TEST(QtRunLoop, TimersAndWorkRunInQtsOwnLoop) {
     other.join();
 }
 
-TEST(QtRunLoop, AnItemThatRunsTheLoopRunsTheOnesBehindIt) {
+TEST(QtRunLoop, RunUntilDateRunsQtsEvents) {
+    QtRunLoop loop;
+    bool came = false;
+    QTimer::singleShot(1, [&] { came = true; });
+    runFor(loop, 0.1);
+    EXPECT_TRUE(came);
+}
+
+TEST(QtRunLoop, TimersDoNotTickInAModalScopeAndTickOnceAfterIt) {
+    QtRunLoop loop;
+    int ticks = 0;
+    bool worked = false;
+    const auto timer = loop.scheduleTimer(
+        0.02, [&](NSTimer&) { ++ticks; }, true);
+    {
+        const QtRunLoop::ModalScope modal(loop);
+        loop.mainQueue().async([&] { worked = true; });
+        runFor(loop, 0.5);
+        EXPECT_EQ(ticks, 0);
+        EXPECT_TRUE(worked);
+    }
+    loop.runUntilDate({0.0});
+    EXPECT_EQ(ticks, 1);
+    EXPECT_TRUE(execUntil([&] { return ticks > 2; }));
+}
+
+TEST(QtRunLoop, WorkThatAddsWorkDoesNotStarveTimers) {
+    QtRunLoop loop;
+    bool ended = false;
+    std::function<void()> again = [&] {
+        if (!ended) {
+            loop.mainQueue().async(again);
+        }
+    };
+    loop.mainQueue().async(again);
+    const auto timer = loop.scheduleTimer(
+        0.002, [&](NSTimer&) { ended = true; }, false);
+    EXPECT_TRUE(execUntil([&] { return ended; }));
+}
+
+TEST(QtRunLoop, AnItemThatRunsTheLoopRunsTheItemsAfterIt) {
     QtRunLoop loop;
     std::string order;
     loop.mainQueue().async([&] {
@@ -71,14 +106,6 @@ TEST(QtRunLoop, AnItemThatRunsTheLoopRunsTheOnesBehindIt) {
     EXPECT_EQ(order, "(ab)");
 }
 
-TEST(QtRunLoop, RunUntilDateKeepsEventsGoing) {
-    QtRunLoop loop;
-    bool came = false;
-    QTimer::singleShot(1, [&] { came = true; });
-    loop.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.1});
-    EXPECT_TRUE(came);
-}
-
 TEST(QtRunLoop, ATickThatRunsTheLoopIsNotNested) {
     QtRunLoop loop;
     int depth = 0;
@@ -89,12 +116,45 @@ TEST(QtRunLoop, ATickThatRunsTheLoopIsNotNested) {
         [&](NSTimer&) {
             deepest = std::max(deepest, ++depth);
             ++ticks;
-            loop.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.01});
+            runFor(loop, 0.01);
             --depth;
         },
         true);
     EXPECT_TRUE(execUntil([&] { return ticks >= 3; }));
     EXPECT_EQ(deepest, 1);
+}
+
+TEST(QtRunLoop, EveryDateAndIntervalIsAccepted) {
+    QtRunLoop loop;
+    using Limits = std::numeric_limits<double>;
+    int ticks = 0;
+    for (const double interval : {Limits::infinity(), Limits::max(), 1e15, 3599999.0}) {
+        const auto timer = loop.scheduleTimer(
+            interval, [&](NSTimer&) { ++ticks; }, true);
+        runFor(loop, 0.01);
+        EXPECT_EQ(ticks, 0) << interval;
+        timer->invalidate();
+    }
+    const auto timer = loop.scheduleTimer(
+        Limits::quiet_NaN(), [&](NSTimer&) { ++ticks; }, false);
+    EXPECT_TRUE(execUntil([&] { return ticks == 1; }));
+    loop.runUntilDate({Limits::quiet_NaN()});
+    loop.runUntilDate({-Limits::infinity()});
+}
+
+TEST(QtRunLoop, SleepsWhileNothingIsDue) {
+    QtRunLoop loop;
+    const auto timer = loop.scheduleTimer(
+        3599999.0, [](NSTimer&) {}, true);
+    rusage before{};
+    getrusage(RUSAGE_THREAD, &before);
+    runFor(loop, 0.3);
+    rusage after{};
+    getrusage(RUSAGE_THREAD, &after);
+    // A loop that spins takes all of the 300,000 microseconds.
+    const long microseconds = (after.ru_utime.tv_sec - before.ru_utime.tv_sec) * 1000000 +
+                              after.ru_utime.tv_usec - before.ru_utime.tv_usec;
+    EXPECT_LT(microseconds, 100000);
 }
 
 TEST(QtRunLoop, InAHurryItWaitsOnlyForTimersAndQueuedWork) {
@@ -112,6 +172,24 @@ TEST(QtRunLoop, InAHurryItWaitsOnlyForTimersAndQueuedWork) {
     EXPECT_EQ(worked, 2);
 }
 
+TEST(QtRunLoop, KnowsItsThread) {
+    QtRunLoop loop;
+    EXPECT_TRUE(loop.isMainThread());
+    std::thread([&] { EXPECT_FALSE(loop.isMainThread()); }).join();
+}
+
+TEST(QtRunLoop, TimersThatOutliveTheLoopAreInvalid) {
+    std::shared_ptr<NSTimer> timer;
+    {
+        QtRunLoop loop;
+        timer = loop.scheduleTimer(
+            3600.0, [](NSTimer&) {}, true);
+    }
+    EXPECT_FALSE(timer->isValid());
+    timer->fire();
+    timer->invalidate();
+}
+
 TEST(QtRunLoop, ATicksCaptureMayInvalidateAnotherTimerWhenItIsDestroyed) {
     QtRunLoop loop;
     const auto other = loop.scheduleTimer(
@@ -123,7 +201,7 @@ TEST(QtRunLoop, ATicksCaptureMayInvalidateAnotherTimerWhenItIsDestroyed) {
     EXPECT_FALSE(other->isValid());
 }
 
-/// The program's main set LC_ALL to "C.UTF-8", which QCoreApplication by itself would adopt.
+/// `main` set LC_ALL to "C.UTF-8", which QCoreApplication by itself would adopt.
 TEST(CoreApplication, LeavesTheLocaleAlone) {
     EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
 }

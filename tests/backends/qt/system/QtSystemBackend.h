@@ -8,9 +8,9 @@
 #include <thread>
 #include <utility>
 
-#include "backends/qt/system/QtAlert.h"
 #include "backends/qt/loop/QtDispatch.h"
 #include "backends/qt/loop/QtFoundation.h"
+#include "backends/qt/system/QtAlert.h"
 #include "backends/qt/system/QtUserDefaults.h"
 #include "tests/backends/posix/TemporaryFolder.h"
 #include "tests/backends/qt/system/AlertUser.h"
