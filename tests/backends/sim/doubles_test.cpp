@@ -157,7 +157,7 @@ TEST_F(SimDoubles, WrongUseOfPixelBuffersAndContextsIsAMisuse) {
                                            "CFRelease: context1 is still a current context",
                                            "restoreGraphicsState: nothing was saved",
                                            "CVBufferRelease: buffer1 is locked",
-                                           "CVBufferRelease: no live pixel buffer"));
+                                           "CVBufferRelease: was released before"));
 }
 
 TEST_F(SimDoubles, SettingsThatServeTwoStillsAreAMisuse) {
