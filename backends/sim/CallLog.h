@@ -96,10 +96,6 @@ public:
         const std::lock_guard lock(mutex_);
         return misuses_;
     }
-    std::vector<std::string> takeMisuses() {
-        const std::lock_guard lock(mutex_);
-        return std::exchange(misuses_, {});
-    }
 
     /// Off: nothing is recorded, and recording orders no two threads. For race tests.
     void recordCalls(bool wanted) { recording_.store(wanted, std::memory_order_relaxed); }

@@ -106,7 +106,6 @@ public:
     /// Returns the calls so far and forgets them.
     std::vector<std::string> takeCalls() { return log_.takeCalls(); }
     std::vector<std::string> misuses() const { return log_.misuses(); }
-    std::vector<std::string> takeMisuses() { return log_.takeMisuses(); }
 
     /// The messages of the system log among the calls so far.
     std::vector<std::string> logLines() const {

@@ -8,13 +8,6 @@
 
 namespace vistrane {
 
-namespace {
-
-/// A thread that shows more alerts than this is cancelled: it would go on for ever.
-constexpr std::size_t mostAlerts = 1000;
-
-} // namespace
-
 class SimAlert final : public SimOf<NSAlert> {
 public:
     SimAlert(CallLog& log, SimAlerts& alerts, const std::string& name)
@@ -60,19 +53,15 @@ std::unique_ptr<NSAlert> SimAlerts::alertWithError(const NSError& error) {
     return alert;
 }
 
-NSModalResponse SimAlerts::run(SimShownAlert alert) {
-    std::size_t number = 0;
-    {
-        const std::lock_guard lock(mutex_);
-        if (!answers_.empty()) {
-            alert.answer = answers_.front();
-            answers_.pop_front();
-        }
-        shown_.push_back(alert);
-        number = shown_.size();
-    }
+NSModalResponse SimAlerts::run(const SimShownAlert& alert) {
+    std::unique_lock lock(mutex_);
+    const NSModalResponse answer = answers_.empty() ? NSAlertFirstButtonReturn : answers_.front();
+    answers_.erase(answers_.begin(), answers_.begin() + (answers_.empty() ? 0 : 1));
+    shown_.push_back(alert);
+    const std::size_t number = shown_.size();
+    lock.unlock();
     const std::shared_ptr<SimThread> thread = SimRole::thread();
-    if (thread && number > mostAlerts) {
+    if (thread && number > 1000) { // It would go on for ever.
         log_.misuse(thread->name() + " shows alerts without end");
         thread->cancelQuietly();
     }
@@ -84,7 +73,7 @@ NSModalResponse SimAlerts::run(SimShownAlert alert) {
             loop_.advance(seconds_);
         }
     }
-    return alert.answer;
+    return answer;
 }
 
 class SimOpenPanel final : public SimOf<NSOpenPanel> {

@@ -26,7 +26,6 @@ struct SimShownAlert {
     bool onMainThread = true;
     /// Of a standard alert for an error.
     std::optional<NSError> error;
-    NSModalResponse answer = NSAlertFirstButtonReturn;
 };
 
 /// The AppKit's alerts and open panels, and what the user does with them. Alerts: any thread.
@@ -67,7 +66,7 @@ public:
 private:
     friend class SimAlert;
     friend class SimOpenPanel;
-    NSModalResponse run(SimShownAlert alert);
+    NSModalResponse run(const SimShownAlert& alert);
 
     CallLog& log_;
     SimLoop& loop_;

@@ -8,14 +8,6 @@
 
 namespace vistrane {
 
-std::string text(AVMediaType type) {
-    return type == AVMediaTypeVideo ? "Video" : type == AVMediaTypeMuxed ? "Muxed" : "Audio";
-}
-
-std::string text(AVCaptureSessionPreset preset) {
-    return preset == AVCaptureSessionPresetPhoto ? "Photo" : "High";
-}
-
 namespace {
 
 std::string text(const std::optional<AVCaptureDeviceType>& type) {

@@ -15,9 +15,12 @@ namespace vistrane {
 
 class SimPictures;
 
-/// How the log writes these.
-std::string text(AVMediaType type);
-std::string text(AVCaptureSessionPreset preset);
+inline std::string text(AVMediaType type) {
+    return type == AVMediaTypeVideo ? "Video" : type == AVMediaTypeMuxed ? "Muxed" : "Audio";
+}
+inline std::string text(AVCaptureSessionPreset preset) {
+    return preset == AVCaptureSessionPresetPhoto ? "Photo" : "High";
+}
 
 /// A camera, described by the test.
 class SimCamera final : public SimOf<AVCaptureDevice> {

@@ -145,14 +145,12 @@ struct SimBundle final : NSBundle {
         const auto found = information.find(key);
         return found == information.end() ? std::nullopt : std::optional(found->second);
     }
-
     std::map<std::string, std::string> information{{"CFBundleShortVersionString", "2.1"},
                                                    {"CFBundleVersion", "5"}};
 };
 
 struct SimProcessInfo final : NSProcessInfo {
     std::string operatingSystemVersionString() const override { return version; }
-
     std::string version = "Version 13.1 (Build 22C65)";
 };
 
