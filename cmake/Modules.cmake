@@ -4,16 +4,16 @@
 include(GNUInstallDirs)
 
 set(VISTRANE_PROGRAMS ${PROJECT_BINARY_DIR}/bin)
-set(VISTRANE_INSTALLED_MODULES ${CMAKE_INSTALL_FULL_LIBDIR}/vistrane)
 # For instance ../lib/vistrane.
-cmake_path(RELATIVE_PATH VISTRANE_INSTALLED_MODULES BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
            OUTPUT_VARIABLE VISTRANE_MODULES_FROM_PROGRAMS)
+string(APPEND VISTRANE_MODULES_FROM_PROGRAMS /vistrane)
 
 # vistrane_module(TARGET): builds and installs a module where the programs look for it.
 function(vistrane_module target)
     set_target_properties(${target} PROPERTIES
         LIBRARY_OUTPUT_DIRECTORY ${VISTRANE_PROGRAMS}/${VISTRANE_MODULES_FROM_PROGRAMS})
-    install(TARGETS ${target} LIBRARY DESTINATION ${VISTRANE_INSTALLED_MODULES})
+    install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vistrane)
 endfunction()
 
 # vistrane_loads_modules(PROGRAM...): builds the programs where they find the modules.
