@@ -307,7 +307,7 @@ TEST_F(MovieProcess, ThatExitsDuringTheWritingNeitherHangsNorCrashes) {
     EXPECT_EXIT(
         {
             dropOwnFolder();
-            auto* movie = new OpenMovie(movies, shared, 320, 240);
+            static OpenMovie* const movie = new OpenMovie(movies, shared, 320, 240);
             movie->appendFrames(30, noise);
             movie->finish();
             movies.abandonAll();
