@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "backends/qt/loop/QtRunLoop.h"
 #include "frontends/SessionObserver.h"
