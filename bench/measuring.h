@@ -5,41 +5,32 @@
 
 namespace vistrane::bench {
 
-/// Of a clock that never goes back.
+/// Since some moment, of a clock that never goes back.
 double milliseconds();
-/// The processor time of this process.
-double processorMilliseconds();
 
-template <typename Work>
-double timeOf(const Work& work, double (*clock)() = milliseconds) {
-    const double started = clock();
-    work();
-    return clock() - started;
-}
-
-/// `part`: 0 to 1, 0.5 for the median. 0 of no values.
+/// `part` from 0 to 1; 0.5 is the median. Of no values: 0.
 double quantile(std::vector<double> values, double part);
 
-/// The first columns of a row.
+/// What a line of the table is about.
 struct Label {
     std::string name;
     std::string kind;
     std::string size;
 };
 
-/// The numbers of both sides, turn by turn.
+/// What both sides took, turn by turn.
 struct Turns {
     std::vector<double> ours;
     std::vector<double> peer;
 };
 
-/// Prints a row to standard output, separated by tabs:
+/// Prints the line of those turns to standard output:
 ///   name  kind  size  ours  peer  ratio  spread
-/// `ours` and `peer` are medians, `ratio` is the median of the turns' ratios, and `spread` the
-/// distance of its quartiles.
+/// with tabs between. The first numbers are medians, the ratio is the median of the turns' ratios,
+/// and the spread is the distance of its quartiles.
 void printTurns(const Label& label, const Turns& turns);
 
-/// Exits with the message `what` unless `holds`.
+/// Ends the program with `what` unless it holds.
 void require(bool holds, const std::string& what);
 
 } // namespace vistrane::bench

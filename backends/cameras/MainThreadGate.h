@@ -8,13 +8,13 @@
 
 namespace vistrane {
 
-/// Posts work to the main thread until it is closed: a thread that returns late from a camera
-/// driver must not use a queue that is gone. Any thread.
+/// The way to the main thread, until it is closed: a thread that comes back late from a camera
+/// driver then finds no queue any more. Any thread.
 class MainThreadGate {
 public:
     explicit MainThreadGate(Dispatch& dispatch) : dispatch_(&dispatch) {}
 
-    /// Drops the work after `close`.
+    /// Work that comes after `close` is dropped.
     void post(std::function<void()> work) {
         std::lock_guard lock(mutex_);
         if (dispatch_ != nullptr) {

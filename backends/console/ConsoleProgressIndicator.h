@@ -7,16 +7,16 @@
 
 namespace vistrane {
 
-/// A progress bar that reports every change to an observer.
+/// A progress bar that tells an observer of every change.
 class ConsoleProgressIndicator final : public NSProgressIndicator {
 public:
     void setMaxValue(double value) override {
         maximum_ = value;
-        notify();
+        tell();
     }
     void setDoubleValue(double value) override {
         value_ = value;
-        notify();
+        tell();
     }
 
     double maxValue() const { return maximum_; }
@@ -27,7 +27,7 @@ public:
     }
 
 private:
-    void notify() {
+    void tell() {
         if (observer_) {
             observer_(value_, maximum_);
         }

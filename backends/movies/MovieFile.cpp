@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
 #include <string_view>
 #include <sys/file.h>
@@ -10,10 +11,10 @@
 #include <thread>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "backends/movies/exclusive_rename.h"
 #include "backends/movies/movie_errors.h"
-#include "backends/posix/entry_names.h"
 #include "platform/shown_text.h"
 
 namespace vistrane {
@@ -21,6 +22,26 @@ namespace vistrane {
 namespace {
 
 constexpr std::string_view hiddenSuffix = ".vistrane-part";
+
+/// A descriptor that is closed at the end of its scope, unless it is let go.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() {
+        if (number_ >= 0) {
+            ::close(number_);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    bool isOpen() const { return number_ >= 0; }
+    int number() const { return number_; }
+    int letGo() { return std::exchange(number_, -1); }
+
+private:
+    int number_;
+};
 
 struct PathParts {
     std::string folder;
@@ -46,9 +67,9 @@ std::string nameHash(const std::string& name) {
     return text;
 }
 
-/// The hidden name depends on the movie's name only, so that it reserves that name. A long name is
-/// shortened, in UTF-8 between two characters: the hidden name is longer than the movie's, and some
-/// file systems allow far less than 255 bytes.
+/// The hidden name depends on the movie's name only, so that it reserves it. A long name is
+/// shortened, between two characters where it is UTF-8: the hidden one is longer than it, and
+/// some file systems allow far less than 255 bytes.
 std::string hiddenNameFor(const std::string& name) {
     constexpr std::size_t longest = 100;
     constexpr std::size_t kept = 64;
@@ -81,7 +102,7 @@ bool isSameFile(int folder, const std::string& name, int file) {
            named.st_ino == opened.st_ino;
 }
 
-/// Removes a hidden file that no process has locked: a lock ends with its process.
+/// Removes a hidden file that no living writer holds. The lock tells: it ends with its process.
 void removeIfLeftover(int folder, const std::string& name) {
     const Descriptor file(
         ::openat(folder, name.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY));
@@ -95,49 +116,59 @@ void removeIfLeftover(int folder, const std::string& name) {
 }
 
 void removeLeftovers(int folder) {
-    const Descriptor listing(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const std::optional<FileNames> names = entryNames(listing.number());
-    if (!names) {
+    const int own = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (own < 0) {
         return;
     }
-    for (const std::string_view name : *names) {
-        if (isHiddenName(name)) {
-            removeIfLeftover(folder, std::string(name));
+    DIR* const listing = ::fdopendir(own);
+    if (listing == nullptr) {
+        ::close(own);
+        return;
+    }
+    std::vector<std::string> names;
+    while (const dirent* const entry = ::readdir(listing)) {
+        if (isHiddenName(entry->d_name)) {
+            names.emplace_back(entry->d_name);
         }
+    }
+    ::closedir(listing);
+    for (const std::string& name : names) {
+        removeIfLeftover(folder, name);
     }
 }
 
 struct Reservation {
-    Descriptor file;
-    int error = 0; // the error number when there is no file
+    int file = -1;
+    int number = 0; // the error number when there is no file
 };
 
-/// Creates and locks the hidden file. In between another process may take the file for a leftover
-/// and remove it: EAGAIN then.
+/// Makes and locks the hidden file. Between the two another process may take the file for a
+/// leftover and remove it: then it is made again.
 Reservation reserveOnce(int folder, const std::string& hiddenName) {
     Descriptor file(::openat(folder, hiddenName.c_str(),
                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
     if (!file.isOpen()) {
-        return {Descriptor(), errno};
+        return {-1, errno};
     }
     if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        return {Descriptor(), EAGAIN};
+        return {-1, EAGAIN};
     }
     if (!isSameFile(folder, hiddenName, file.number())) {
-        return {Descriptor(), EAGAIN};
+        return {-1, EAGAIN};
     }
-    return {std::move(file), 0};
+    return {file.letGo(), 0};
 }
 
 Reservation reserve(int folder, const std::string& hiddenName) {
-    for (int attempt = 1; attempt < 50; ++attempt) {
-        Reservation reservation = reserveOnce(folder, hiddenName);
-        if (reservation.error != EAGAIN) {
-            return reservation;
+    Reservation reservation;
+    for (int attempt = 0; attempt < 50; ++attempt) {
+        reservation = reserveOnce(folder, hiddenName);
+        if (reservation.number != EAGAIN) {
+            break;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    return reserveOnce(folder, hiddenName);
+    return reservation;
 }
 
 NSError nameTakenError(const std::string& path) {
@@ -150,6 +181,11 @@ NSError nameReservedError(const std::string& path) {
     return movieError(AVErrorFileAlreadyExists,
                       "The movie cannot be made: it is being written already (" + shownText(path) +
                           "). Wait until that is done, then compile again");
+}
+
+NSError givenUpError(const std::string& path) {
+    return movieError(AVErrorOperationCancelled, "The movie was given up before it was whole (" +
+                                                     shownText(path) + "). Compile again");
 }
 
 } // namespace
@@ -174,29 +210,31 @@ MovieFileResult MovieFile::create(const std::string& path) {
     }
     removeLeftovers(folder.number());
     const std::string hiddenName = hiddenNameFor(parts.name);
-    Reservation reservation = reserve(folder.number(), hiddenName);
-    if (reservation.error == EEXIST || reservation.error == EAGAIN) {
+    const Reservation reservation = reserve(folder.number(), hiddenName);
+    if (reservation.number == EEXIST || reservation.number == EAGAIN) {
         return {nullptr, nameReservedError(path)};
     }
-    if (reservation.error != 0) {
-        return {nullptr, systemError(reservation.error, "The movie cannot be made", path)};
+    if (reservation.number != 0) {
+        return {nullptr, systemError(reservation.number, "The movie cannot be made", path)};
     }
-    std::unique_ptr<MovieFile> file(new MovieFile(
-        path, std::move(folder), std::move(reservation.file), hiddenName, parts.name));
+    std::unique_ptr<MovieFile> file(
+        new MovieFile(path, folder.letGo(), reservation.file, hiddenName, parts.name));
     // Another writer may have finished a movie of that name since the first look.
-    if (isNameTaken(file->folder_.number(), file->name_)) {
+    if (isNameTaken(file->folder_, file->name_)) {
         return {nullptr, nameTakenError(path)};
     }
     return {std::move(file), std::nullopt};
 }
 
-MovieFile::MovieFile(std::string path, Descriptor folder, Descriptor file, std::string hiddenName,
+MovieFile::MovieFile(std::string path, int folder, int file, std::string hiddenName,
                      std::string name)
-    : path_(std::move(path)), folder_(std::move(folder)), file_(std::move(file)),
-      hiddenName_(std::move(hiddenName)), name_(std::move(name)) {}
+    : path_(std::move(path)), folder_(folder), file_(file), hiddenName_(std::move(hiddenName)),
+      name_(std::move(name)) {}
 
 MovieFile::~MovieFile() {
-    discard();
+    giveUp();
+    ::close(file_);
+    ::close(folder_);
 }
 
 std::optional<NSError> MovieFile::write(const void* bytes, std::size_t count) {
@@ -209,38 +247,55 @@ std::optional<NSError> MovieFile::write(const void* bytes, std::size_t count) {
 
 std::optional<NSError> MovieFile::writeAt(std::uint64_t offset, const void* bytes,
                                           std::size_t count) {
-    const int error = writeAll(file_.number(), bytes, count, static_cast<std::int64_t>(offset));
-    return error != 0 ? std::optional(writeFailure(error)) : std::nullopt;
+    const auto* next = static_cast<const unsigned char*>(bytes);
+    while (count > 0) {
+        const ssize_t written = ::pwrite(file_, next, count, static_cast<off_t>(offset));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return writeFailure(written < 0 ? errno : ENOSPC);
+        }
+        next += written;
+        offset += static_cast<std::uint64_t>(written);
+        count -= static_cast<std::size_t>(written);
+    }
+    return std::nullopt;
 }
 
-std::optional<NSError> MovieFile::publish() {
-    if (const int error = syncToDisk(file_.number())) {
-        return writeFailure(error);
+std::optional<NSError> MovieFile::giveName() {
+    while (::fsync(file_) != 0) {
+        if (errno == EINTR) {
+            continue;
+        }
+        if (errno == EINVAL) { // a file system that has nothing to bring to a disk
+            break;
+        }
+        return writeFailure(errno);
     }
     if (auto error = rename()) {
         return error;
     }
-    // The movie is complete either way: some file systems refuse this for folders.
-    syncToDisk(folder_.number());
+    ::fsync(folder_); // the movie is whole either way; some file systems refuse this for a folder
     return std::nullopt;
 }
 
 std::optional<NSError> MovieFile::rename() {
     const std::lock_guard lock(mutex_);
     if (place_ != Place::hidden) {
-        return cancelledError(path_);
+        return givenUpError(path_);
     }
-    const int number = renameWithoutReplacing(folder_.number(), hiddenName_, name_);
+    const int number = renameWithoutReplacing(folder_, hiddenName_, name_);
     if (number == 0) {
-        place_ = Place::published;
+        place_ = Place::named;
         return std::nullopt;
     }
     removeHiddenFile();
     return number == EEXIST ? nameTakenError(path_)
-                            : systemError(number, "The finished movie cannot be renamed", path_);
+                            : systemError(number, "The finished movie cannot get its name", path_);
 }
 
-void MovieFile::discard() {
+void MovieFile::giveUp() {
     const std::lock_guard lock(mutex_);
     if (place_ == Place::hidden) {
         removeHiddenFile();
@@ -252,8 +307,8 @@ NSError MovieFile::writeFailure(int number) const {
 }
 
 void MovieFile::removeHiddenFile() {
-    ::unlinkat(folder_.number(), hiddenName_.c_str(), 0);
-    place_ = Place::removed;
+    ::unlinkat(folder_, hiddenName_.c_str(), 0);
+    place_ = Place::gone;
 }
 
 } // namespace vistrane

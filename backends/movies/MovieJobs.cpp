@@ -41,7 +41,7 @@ void MovieJobs::ended(const MovieJob& job, const std::optional<NSError>& error) 
         entries_.erase(entry);
     }
     for (const Finished& callback : callbacks) {
-        report([&](MovieObserver&) { callback(error); });
+        tell([&](MediaObserver&) { callback(error); });
     }
 }
 
@@ -67,7 +67,7 @@ void MovieJobs::close() {
     observer_ = nullptr;
 }
 
-void MovieJobs::report(const std::function<void(MovieObserver&)>& call) {
+void MovieJobs::tell(const std::function<void(MediaObserver&)>& call) {
     const std::shared_lock lock(calls_);
     if (observer_ != nullptr) {
         call(*observer_);

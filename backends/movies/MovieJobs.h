@@ -8,29 +8,29 @@
 #include <string>
 #include <vector>
 
-#include "backends/movies/MovieObserver.h"
+#include "backends/posix/MediaObserver.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
 
 class MovieJob;
 
-/// Registry of the active jobs; dispatches their completion callbacks. Any thread.
+/// The movies that are on their way, and the one road by which they tell how it went. Any thread.
 ///
-/// The jobs' threads share it, so it may outlive the `Movies` that made it. After `close` it calls
-/// neither the observer nor any callback.
+/// It is shared with the writers' threads and so outlives its owner, but not the other way round:
+/// after `close` nothing calls out any more.
 class MovieJobs {
 public:
     using Finished = std::function<void(std::optional<NSError>)>;
 
-    explicit MovieJobs(MovieObserver& observer) : observer_(&observer) {}
+    explicit MovieJobs(MediaObserver& observer) : observer_(&observer) {}
     MovieJobs(const MovieJobs&) = delete;
     MovieJobs& operator=(const MovieJobs&) = delete;
 
-    /// Held while a movie is being created, so that `abandonAll` misses none.
+    /// Held while a movie is being created, so that giving all up misses none.
     std::unique_lock<std::mutex> lockCreation() { return std::unique_lock(creation_); }
 
-    /// `abandonAll` was called: no movie may begin. Requires the creation lock.
+    /// All are given up and none may begin. Ask with the creation locked.
     bool isEnded() const;
 
     void add(const std::string& path, const std::shared_ptr<MovieJob>& job);
@@ -38,17 +38,17 @@ public:
     /// See `Movies::whenFinished`.
     bool whenFinished(const std::string& path, Finished callback);
 
-    /// Removes the job, which has ended, and calls its callbacks with the outcome.
+    /// The job has ended, well or not: it leaves the list, and those who asked are told.
     void ended(const MovieJob& job, const std::optional<NSError>& error);
 
     /// See `Movies::abandonAll`.
     void abandonAll();
 
-    /// Waits for calls in progress; none is made afterwards.
+    /// Waits for calls that are under way, and makes none from then on.
     void close();
 
     /// Calls `call` with the observer, unless closed.
-    void report(const std::function<void(MovieObserver&)>& call);
+    void tell(const std::function<void(MediaObserver&)>& call);
 
 private:
     struct Entry {
@@ -64,8 +64,8 @@ private:
     std::vector<Entry> entries_;
     bool isEnded_ = false;
 
-    std::shared_mutex calls_; // held shared during callbacks; guards observer_
-    MovieObserver* observer_;
+    std::shared_mutex calls_; // shared by calls to the outside; guards observer_
+    MediaObserver* observer_;
 };
 
 } // namespace vistrane

@@ -4,6 +4,10 @@
 #include <string>
 #include <utility>
 
+extern "C" {
+#include <libavutil/frame.h>
+}
+
 #include "backends/movies/movie_errors.h"
 #include "backends/pictures/PixelBuffer.h"
 
@@ -15,6 +19,21 @@ PictureView viewOf(const PixelBuffer& buffer) {
     return {buffer.bytes(), buffer.width(), buffer.height(), buffer.bytesPerRow()};
 }
 
+PlanarPicture planesOf(const AVFrame& frame) {
+    return {frame.data[0],
+            frame.data[1],
+            frame.data[2],
+            static_cast<std::size_t>(frame.linesize[0]),
+            static_cast<std::size_t>(frame.linesize[1]),
+            static_cast<std::size_t>(frame.width),
+            static_cast<std::size_t>(frame.height)};
+}
+
+NSError memoryError() {
+    return movieError(AVErrorUnknown, "There is not enough memory for the picture. Use smaller "
+                                      "frames, or close some programs");
+}
+
 } // namespace
 
 MovieTrackWriter::MovieTrackWriter(std::shared_ptr<MovieJob> job, std::int64_t width,
@@ -22,7 +41,7 @@ MovieTrackWriter::MovieTrackWriter(std::shared_ptr<MovieJob> job, std::int64_t w
     : job_(std::move(job)), width_(width), height_(height) {}
 
 std::optional<NSError> MovieTrackWriter::sizeError(std::int64_t width, std::int64_t height) {
-    constexpr std::int64_t largest{VideoEncoder::largestSide};
+    constexpr std::int64_t largest{H264Encoder::largestSide};
     if (width <= largest && height <= largest) {
         return std::nullopt;
     }
@@ -38,12 +57,12 @@ std::optional<NSError> MovieTrackWriter::append(CVPixelBufferRef buffer, CMTime 
     try {
         error = take(buffer, time);
     } catch (const std::bad_alloc&) {
-        error = memoryError("the picture");
+        error = memoryError();
     }
     if (error) {
         job_->setLastRefusal(*error);
     }
-    job_->jobs().report([&error](MovieObserver& observer) {
+    job_->jobs().tell([&error](MediaObserver& observer) {
         error ? observer.pictureWasRefused(*error) : observer.pictureWasAppended();
     });
     return error;
@@ -66,9 +85,9 @@ std::optional<NSError> MovieTrackWriter::take(CVPixelBufferRef buffer, CMTime ti
     if (auto error = takeSize(picture)) {
         return error;
     }
-    std::unique_ptr<VideoFrame> frame = convert(picture);
+    FramePointer frame = convert(picture);
     if (!frame) {
-        return memoryError("the picture");
+        return memoryError();
     }
     const TrackClock::Reading reading = clock_.take(time);
     if (reading.error) {
@@ -113,11 +132,11 @@ std::optional<NSError> MovieTrackWriter::takeSize(const PictureView& picture) {
     return std::nullopt;
 }
 
-std::unique_ptr<VideoFrame> MovieTrackWriter::convert(const PictureView& picture) {
-    std::unique_ptr<VideoFrame> frame = job_->takeFrame(static_cast<int>(width_ + width_ % 2),
-                                                        static_cast<int>(height_ + height_ % 2));
+FramePointer MovieTrackWriter::convert(const PictureView& picture) {
+    FramePointer frame = job_->takeFrame(static_cast<int>(width_ + width_ % 2),
+                                         static_cast<int>(height_ + height_ % 2));
     if (frame) {
-        convertToPlanar709(fitter_->fit(picture), frame->planes());
+        convertToPlanar709(fitter_->fit(picture), planesOf(*frame));
     }
     return frame;
 }

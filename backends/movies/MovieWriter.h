@@ -12,17 +12,17 @@
 
 namespace vistrane {
 
-/// A video track, which takes pictures once it is added to a `MovieWriter` that has started.
+/// A video track to be; writes once it is added to a `MovieWriter`.
 class MovieInput final : public AVAssetWriterInput {
 public:
     MovieInput(AVMediaType mediaType, const NSDictionary& outputSettings);
 
-    /// Has no effect: nothing is dropped either way.
+    /// A movie is written as fast as it goes: nothing is dropped either way.
     void setExpectsMediaDataInRealTime(bool) override {}
     bool isReadyForMoreMediaData() override;
     void markAsFinished() override;
 
-    /// Makes the track. Why it cannot be made; nothing when it can.
+    /// Makes the track. Why it cannot be made, else nothing.
     std::optional<NSError> attach(std::shared_ptr<MovieJob> job);
 
     /// Null before `attach`.

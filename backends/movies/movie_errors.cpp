@@ -36,15 +36,8 @@ const char* adviceFor(int number) {
 
 } // namespace
 
-NSError cancelledError(const std::string& path) {
-    return movieError(AVErrorOperationCancelled,
-                      "The movie was cancelled before it was complete (" + shownText(path) +
-                          "). Compile again");
-}
-
-NSError memoryError(const std::string& what) {
-    return movieError(AVErrorUnknown, "There is not enough memory for " + what +
-                                          ". Use smaller frames, or close some programs");
+NSError movieError(MovieErrorCode code, std::string text) {
+    return {"AVFoundationErrorDomain", code, std::move(text)};
 }
 
 NSError systemError(int number, const std::string& what, const std::string& path) {

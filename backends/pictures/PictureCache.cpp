@@ -6,7 +6,7 @@
 
 namespace vistrane {
 
-/// Scope of a load: its end, also by an exception, wakes those who wait for the picture.
+/// Of the one who loads: however it ends, also by an exception, those who wait for it go on.
 class PictureCache::Turn {
 public:
     Turn(PictureCache& cache, const std::string& path, const FileState& state)
@@ -15,7 +15,7 @@ public:
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
 
-    /// Null after a failure.
+    /// Null for a failure.
     std::shared_ptr<SharedDecoding> decoding;
 
 private:

@@ -4,13 +4,13 @@
 
 namespace vistrane {
 
-/// The largest sizes that are accepted before memory is allocated.
+/// What a picture may claim to be before memory is taken for it.
 struct PictureLimits {
-    /// In pixels.
+    /// Pixels in either direction.
     std::uint32_t largestSide = 32768;
-    /// Width times height; 1 GiB at 4 bytes a pixel.
+    /// Pixels in all: at 4 bytes each this is 1 GiB.
     std::uint64_t mostPixels = 256ULL * 1024 * 1024;
-    /// In bytes.
+    /// Bytes of a picture file.
     std::uint64_t largestFile = 1024ULL * 1024 * 1024;
 
     bool allows(std::uint64_t width, std::uint64_t height) const {

@@ -68,6 +68,11 @@ PictureShape shapeOf(const PngHeader& header) {
     return shape;
 }
 
+NSError memoryError(const std::string& name) {
+    return pictureError(PictureFault::NoMemory, name,
+                        "needs more memory than there is; close other programs");
+}
+
 } // namespace
 
 NSSize PictureShape::sizeInPoints() const {
@@ -80,21 +85,16 @@ NSSize PictureShape::sizeInPoints() const {
 
 std::optional<NSError> PictureSource::passRows(PixelForm form, PictureRows& rows) const {
     const std::size_t stride = bytesPerPixel(form) * shape_.width;
-    const std::uint8_t* pixels = pixelsInMemory(form);
-    std::optional<ByteArray> decoded;
-    if (pixels == nullptr) {
-        decoded = ByteArray::ofLength(stride * shape_.height);
-        if (!decoded) {
-            return outOfMemory(name_);
-        }
-        if (auto error = readPixels(form, decoded->data(), static_cast<std::ptrdiff_t>(stride))) {
-            return error;
-        }
-        pixels = decoded->data();
+    auto bitmap = ByteArray::ofLength(stride * shape_.height);
+    if (!bitmap) {
+        return memoryError(name_);
+    }
+    if (auto error = readPixels(form, bitmap->data(), static_cast<std::ptrdiff_t>(stride))) {
+        return error;
     }
     rows.begin();
     for (std::size_t y = 0; y < shape_.height; ++y) {
-        rows.take(pixels + y * stride);
+        rows.take(bitmap->data() + y * stride);
     }
     return std::nullopt;
 }
@@ -106,7 +106,7 @@ std::optional<NSError> PictureSource::readSmaller(std::size_t width, std::size_t
         Downscaling smaller(shape_, PixelForm::RGB, width, height, pixels, stride);
         return passRows(PixelForm::RGB, smaller);
     } catch (const std::bad_alloc&) {
-        return outOfMemory(name_);
+        return memoryError(name_);
     }
 }
 

@@ -14,10 +14,9 @@ namespace vistrane {
 
 namespace {
 
-/// Profiles of cameras and screens have some kilobytes, those with large tables up to two
-/// megabytes.
+/// Profiles of cameras and screens have some kilobytes, with large tables one or two megabytes.
 constexpr std::size_t largestProfile = std::size_t{8} << 20;
-/// The length of a profile's header.
+/// Of a profile's head; less is no profile.
 constexpr std::size_t smallestProfile = 128;
 
 struct Close {
@@ -57,7 +56,7 @@ std::optional<ByteArray> inflated(std::span<const std::uint8_t> data) {
     return state == Z_STREAM_END && fits ? std::optional(std::move(result)) : std::nullopt;
 }
 
-/// The chunk holds a name of 1 to 79 bytes, a zero, the method 0 (deflate), and the profile.
+/// The chunk's data: a name of 1 to 79 bytes, a zero, the method 0 (deflate), the profile.
 std::optional<ByteArray> profileBytes(std::span<const std::uint8_t> chunk) {
     const auto nameEnd = std::find(chunk.begin(), chunk.end(), std::uint8_t{0});
     const auto nameLength = static_cast<std::size_t>(nameEnd - chunk.begin());
@@ -86,8 +85,7 @@ Transform makeTransform(cmsContext context, const Profile& from, cmsUInt32Number
     if (!to) {
         return nullptr;
     }
-    // Relative colorimetric keeps the colours that both spaces have. A cache is no gain for
-    // pictures.
+    // Colours that both spaces have stay what they are. No cache: it saves nothing in pictures.
     return Transform(cmsCreateTransformTHR(
         context, from.get(), fromType, to.get(), toType, INTENT_RELATIVE_COLORIMETRIC,
         cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE | flags));
@@ -101,10 +99,10 @@ bool isSame(std::uint8_t first, std::uint8_t second) {
 
 struct ProfileConversion::Tables {
     PixelForm form = PixelForm::RGB;
-    // Declared in this order, because the transform must be destroyed before its context.
+    // The transform goes before its context.
     Context context;
     Transform transform;
-    /// For a grey profile: the colour of each value.
+    /// Of a grey profile: the colour of each value.
     std::optional<std::array<std::uint8_t, 768>> greys;
 
     bool changesAGrey() const {
@@ -118,7 +116,7 @@ struct ProfileConversion::Tables {
 
     bool changesAColour(const Profile& profile) const {
         const Transform plain = makeTransform(context.get(), profile, TYPE_RGB_8, TYPE_RGB_8);
-        // 9 values of each component, 0 and 255 among them.
+        // 9 steps in each direction, the ends among them.
         constexpr int steps = 9;
         for (int i = 0; plain && i < steps * steps * steps; ++i) {
             const auto step = [](int n) {
@@ -144,7 +142,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
     const auto bytes = profileBytes(chunk);
     auto tables = std::make_shared<Tables>();
     tables->form = form;
-    // A private context, because the default one is shared by all threads.
+    // A context of its own keeps threads and error reports apart from everybody else's.
     tables->context.reset(cmsCreateContext(nullptr, nullptr));
     if (!bytes || !tables->context) {
         return std::nullopt;
@@ -155,7 +153,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
         return std::nullopt;
     }
     if (grey) {
-        // The optimised transform is less exact in dark values and gains nothing for 256 of them.
+        // For 256 values nothing needs to be shortened, which would cost the dark ones some steps.
         const Transform transform = makeTransform(tables->context.get(), profile, TYPE_GRAY_8,
                                                   TYPE_RGB_8, cmsFLAGS_NOOPTIMIZE);
         if (!transform) {
@@ -180,7 +178,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
 
 void ProfileConversion::convert(std::uint8_t* pixels, std::size_t count) const {
     if (!tables_->greys) {
-        // In place, the library leaves the bytes beside the colour unchanged.
+        // Bytes that are no colour stay as they are where input and output are the same memory.
         cmsDoTransform(tables_->transform.get(), pixels, pixels,
                        static_cast<cmsUInt32Number>(count));
         return;

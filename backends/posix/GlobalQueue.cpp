@@ -10,7 +10,7 @@
 
 namespace vistrane {
 
-/// Owned by the queue and its thread.
+/// Belongs to the queue and to its thread, whichever lasts longer.
 struct GlobalQueue::Shared {
     void runItems() {
         while (const std::optional<std::function<void()>> work = take()) {
@@ -18,7 +18,7 @@ struct GlobalQueue::Shared {
         }
     }
 
-    /// The oldest item; nothing once the queue is destroyed.
+    /// Nothing once the queue is gone.
     std::optional<std::function<void()>> take() {
         std::unique_lock lock(mutex);
         changed.wait(lock, [this] { return closed || !items.empty(); });
@@ -56,7 +56,7 @@ void GlobalQueue::async(std::function<void()> work) {
     startThread();
 }
 
-/// When the system grants no thread, the next item tries again.
+/// Tried again with the next item when the system grants no thread now.
 void GlobalQueue::startThread() {
     if (!shared_->started) {
         shared_->started = startDetachedThread([shared = shared_] { shared->runItems(); });

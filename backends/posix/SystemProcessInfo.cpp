@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// The value as a shell reads it: without quotes, escapes resolved.
+/// What the shell would make of a value: quotes taken away, escapes resolved.
 std::string unquoted(const std::string& value) {
     std::string text;
     char quote = 0;

@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// The variable's value if it is an absolute path, else an empty string.
+/// The value of a variable that must be an absolute path, else nothing.
 std::string folderOf(const char* variable) {
     const char* const value = std::getenv(variable);
     return value && *value == '/' ? value : "";

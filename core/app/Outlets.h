@@ -8,7 +8,8 @@
 
 namespace vistrane {
 
-/// Fills an object's outlets by name and lists the required ones that the interface file lacks.
+/// Takes an object's outlets by name and notes the ones that the interface file lacks although the
+/// program cannot do without them.
 class Outlets {
 public:
     explicit Outlets(NSNib& nib) : nib_(nib) {}

@@ -16,8 +16,8 @@ namespace {
 using Paths = SortedFrames::Paths;
 using Names = std::vector<std::string_view>;
 
-/// When more than one in so many names has changed, the whole listing is sorted: that takes no
-/// longer than a binary search for each changed name.
+/// A listing of which more than one in so many names has changed is sorted anew: that takes no
+/// longer than to search the place of each.
 constexpr std::size_t searchedShare = 16;
 
 /// Only the extension counts: hidden names and folders are frames too, other cases of the
@@ -46,8 +46,8 @@ struct Difference {
     Names added;
 };
 
-/// A file system lists unchanged names in an unchanged order, so only the names between the first
-/// and the last change are compared.
+/// A file system gives names that stay in their order, so that only what lies between the first
+/// and the last change is searched.
 Difference difference(const FileNames& before, const FileNames& after) {
     const auto [oldStart, newStart] =
         std::mismatch(before.begin(), before.end(), after.begin(), after.end());
@@ -74,7 +74,7 @@ auto frameOrder(const NSLocale& locale) {
     };
 }
 
-/// The sorted `paths` without the sorted `removed`; nothing when one of these is not found.
+/// A sorted list without some of its paths, sorted too. Nothing when one of them is not found.
 std::optional<Paths> without(const Paths& removed, const Paths& paths, const NSLocale& locale) {
     Paths rest;
     rest.reserve(paths.size());
@@ -91,7 +91,7 @@ std::optional<Paths> without(const Paths& removed, const Paths& paths, const NSL
     return rest;
 }
 
-/// Merges the sorted `added` into the sorted `paths`.
+/// A sorted list with other paths, sorted too, put in their places.
 Paths with(Paths added, Paths paths, const NSLocale& locale) {
     Paths all;
     all.reserve(paths.size() + added.size());

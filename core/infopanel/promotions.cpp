@@ -2,7 +2,8 @@
 
 namespace vistrane {
 
-// These are placeholders on domains reserved for examples. Replace them to publish the program.
+// All of these are placeholders on domains reserved for examples: whoever publishes the program
+// puts the real ones here.
 
 const char developerSearchLink[] = "https://store.example.com/search?developer=mantisQRX";
 const char ownStorePage[] = "https://store.example.com/app/vistrane";

@@ -7,19 +7,23 @@
 #include <cstdlib>
 #include <cstring>
 #include <set>
+#include <thread>
 
 #include <unistd.h>
 
+#include "backends/console/ConsoleDispatch.h"
+#include "backends/console/ConsoleFoundation.h"
 #include "backends/console/ConsoleInterface.h"
-#include "backends/console/ConsoleOutput.h"
 #include "backends/console/ConsoleWorkspace.h"
 #include "backends/console/MemoryUserDefaults.h"
+#include "backends/pictures/MediaCoreGraphics.h"
+#include "backends/pictures/MediaCoreVideo.h"
 #include "backends/posix/BackgroundWriter.h"
-#include "backends/qt/loop/core_application.h"
+#include "backends/posix/EndingSignals.h"
 #include "core/app/AppDelegate.h"
-#include "frontends/SessionBackend.h"
-#include "frontends/commandline/CommandObserver.h"
+#include "frontends/MediaAVFoundation.h"
 #include "frontends/commandline/SessionAppKit.h"
+#include "frontends/commandline/SessionObserver.h"
 #include "frontends/commandline/version.h"
 #include "platform/shown_text.h"
 
@@ -51,50 +55,74 @@ std::string outputError(int number) {
     return std::string("vistrane: Cannot write to standard output: ") + std::strerror(number) + ".";
 }
 
-/// The back end and the controller, in the order in which they need each other.
+/// The backend and the controller, in the order in which they need each other.
 struct Session::Parts {
     explicit Parts(const SessionOptions& options)
-        : backend(loop, defaults, log, observer,
-                  {programVersion, cameraOptions(options), movieOptions(options.movie)}),
-          cleanUp(options.cleanUp) {
+        : cameras(dispatch, observer, cameraOptions(options)),
+          movies(observer, movieOptions(options.movie)), cleanUp(options.cleanUp) {
         interface.addTo(nib);
-        backend.foundation.setThreadFailureHandler([this] { threadIsMissing = true; });
+        foundation.setThreadFailureHandler([this] { threadIsMissing = true; });
         interface.progressBar->setObserver(
             [this](double value, double maximum) { output.showProgress(value, maximum); });
     }
 
-    NSModalResponse answer() {
-        if (loop.isMainThread()) {
+    NSModalResponse answer(const ConsoleAlert& alert) {
+        if (alert.isOnMainThread()) {
             alertWasShown = true;
             return NSAlertFirstButtonReturn;
         }
-        // The movie cannot be created. The main thread ends the process; until then the compile
-        // thread waits here.
+        // The movie cannot be created. Nobody is there to answer: the command ends, and until then
+        // the compile thread waits.
         loop.mainQueue().async([this] { movieWasRefused = true; });
         for (;;) {
             ::pause();
         }
     }
 
+    /// The main thread is held up. A frame that it is just writing is waited for, and movies that
+    /// are not whole are taken away, neither of them for ever: the folder's disk may not answer.
+    [[noreturn]] void endWithoutMainThread(int status) {
+        std::thread([status] {
+            std::this_thread::sleep_for(std::chrono::seconds(5));
+            std::_Exit(status);
+        }).detach();
+        while (observer.isWritingFile()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        movies.abandonAll();
+        cleanUp();
+        std::_Exit(status);
+    }
+
+    /// Nobody reads the results any more.
+    void resultsFailed() {
+        loop.mainQueue().async([this] { outputIsClosed = true; });
+    }
+
     ConsoleOutput output{STDERR_FILENO};
-    const std::function<void(const std::string&)> log = [this](const std::string& line) {
-        output.writeLine(line);
-    };
-    QtRunLoop loop;
-    BackgroundWriter results{
-        STDOUT_FILENO, [this](int) { loop.mainQueue().async([this] { outputIsClosed = true; }); }};
+    ConsoleRunLoop loop;
+    BackgroundWriter results{STDOUT_FILENO, [this](int) { resultsFailed(); }};
+    ConsoleDispatch dispatch{loop};
     MemoryUserDefaults defaults;
+    ConsoleFoundation foundation{loop, defaults, output, programVersion};
     CompileReport report;
-    CommandObserver observer{log, loop, report};
-    SessionBackend backend;
-    /// The command prints the movie's path. It opens no other program.
+    SessionObserver observer{output, loop, report};
+    Pictures pictures{observer};
+    MediaCoreVideo coreVideo;
+    MediaCoreGraphics coreGraphics{coreVideo};
+    Cameras cameras;
+    Movies movies;
+    MediaAVFoundation avFoundation{cameras, movies};
+    /// A finished movie is this program's output; no other program is opened for it.
     ConsoleWorkspace workspace{[](const NSURL&) { return true; }};
-    SessionAppKit appKit{std::make_shared<const ConsoleAlertRules>(
-                             ConsoleAlertRules{loop, log, [this] { return answer(); }}),
-                         workspace, loop, backend.pictures, report};
+    SessionAppKit appKit{std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{
+                             loop, [this](const std::string& text) { output.writeLine(text); },
+                             [this](const ConsoleAlert& alert) { return answer(alert); }}),
+                         workspace, loop, pictures, report};
     ConsoleInterface interface;
     ConsoleNib nib;
-    AppDelegate controller{backend.platform(appKit)};
+    AppDelegate controller{
+        Platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch}};
     const std::function<void()> cleanUp;
     std::string folder;
     bool isLaunched = false;
@@ -105,20 +133,25 @@ struct Session::Parts {
     bool isInterrupted = false;
 };
 
-Session::Session(const SessionOptions& options)
-    : parts_((makeCoreApplication(), *new Parts(options))) {
-    SessionBackend::Endings endings;
-    endings.end = [this](int status) {
-        parts_.isInterrupted = true;
-        end(status);
-    };
-    endings.cleanUp = options.cleanUp;
-    parts_.backend.handleSignals(endings);
+Session::Session(const SessionOptions& options) : parts_(*new Parts(options)) {
+    EndingSignals::handle({[this](int status) {
+                               parts_.loop.mainQueue().async([this, status] {
+                                   parts_.isInterrupted = true;
+                                   end(status);
+                               });
+                           },
+                           [this](int status) { parts_.endWithoutMainThread(status); }});
+
+    // The settings of a first run, so that the controller stores its own values, with a folder that
+    // the user has confirmed.
     if (options.folder) {
         parts_.folder = *options.folder;
-        if (const auto error = parts_.backend.rememberFolder(*options.folder)) {
-            fail(error->localizedDescription);
+        const BookmarkDataResult bookmark = parts_.foundation.bookmarkDataWithOptions(
+            NSURL::fileURLWithPath(*options.folder), NSURLBookmarkCreationWithSecurityScope);
+        if (bookmark.error) {
+            fail(bookmark.error->localizedDescription);
         }
+        parts_.defaults.setObject(bookmark.data, "iData");
     }
 }
 
@@ -128,8 +161,8 @@ void Session::launch() {
         fail("The interface has no control '" + missing.front() + "'.");
     }
     {
-        // The controller gives the interface time to settle, which there is no need for.
-        const QtRunLoop::HurryScope hurry(parts_.loop);
+        // There is no interface that sets itself up meanwhile.
+        const ConsoleRunLoop::HurryScope hurry(parts_.loop);
         parts_.controller.awakeFromNib();
     }
     parts_.controller.applicationDidFinishLaunching();
@@ -141,7 +174,7 @@ std::vector<std::string> Session::deviceNames() const {
 }
 
 std::vector<std::string> Session::frames() {
-    // Enough for ten listings: a later one may succeed.
+    // Ten listings: one that fails may work again, but not for ever.
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
     AppDelegate& controller = parts_.controller;
     waitUntil(
@@ -165,8 +198,8 @@ void Session::pickDevice(const std::string& name) {
         }
         fail(message);
     }
-    // Two cameras of the same name share an item. All items after it then have the index of another
-    // camera.
+    // Two cameras of one name share an item, and the items after it belong to other cameras than
+    // they say.
     const auto index = static_cast<std::size_t>(found - names.begin());
     if (parts_.controller.allAVdevices.at(index)->localizedName() != name) {
         fail("Two cameras have the same name, so that the camera '" + name +
@@ -220,15 +253,15 @@ bool Session::capture(std::optional<int> count,
     startButton.performClick();
     waitUntil([&] { return isOver; });
 
-    // Stills that were requested before the end may still arrive.
+    // Stills that were asked for before the end may still come.
     parts_.observer.frameWasSaved = saved;
     parts_.observer.frameCouldNotBeSaved = nullptr;
     waitForListing(lastPath);
     return failures == 0;
 }
 
-/// Waits until the frame list, which is updated ten times a second, has this frame. Gives up after
-/// a second: the frame may have been deleted.
+/// The frame list follows the folder within a tenth of a second; a frame that was taken away
+/// meanwhile is not waited for.
 void Session::waitForListing(const std::string& path) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
     waitUntil([&] {
@@ -280,7 +313,7 @@ void Session::end(int status) {
     if (parts_.isLaunched) {
         parts_.controller.applicationWillTerminate();
     }
-    parts_.backend.movies.abandonAll();
+    parts_.movies.abandonAll();
     if (parts_.isInterrupted) {
         parts_.results.flush(std::chrono::milliseconds(200));
     } else if (!parts_.results.flush()) {
@@ -290,7 +323,7 @@ void Session::end(int status) {
     if (status != 0) {
         parts_.cleanUp();
     }
-    // Other threads may still be running, so nothing is destroyed.
+    // Threads may still be at work, so nothing is taken apart.
     std::_Exit(status);
 }
 
@@ -304,17 +337,17 @@ void Session::waitUntil(const std::function<bool()>& condition) {
         if (parts_.outputIsClosed) {
             end(1);
         }
-        parts_.loop.runUntilDate(parts_.backend.foundation.dateWithTimeIntervalSinceNow(0.02));
+        parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(0.02));
     }
 }
 
 void Session::waitForStampBoundary() {
-    // Frame names have a resolution of one second, and each still comes a little late. Starting
-    // early in a second keeps every still in its own second.
-    const double now = parts_.backend.foundation.date().timeIntervalSince1970;
+    // Frames are named by the second. With an interval of whole seconds every still falls into
+    // the same part of its second; started early in one, none slips into a neighbour's.
+    const double now = parts_.foundation.date().timeIntervalSince1970;
     const double fraction = now - std::floor(now);
     const double delay = fraction < 0.1 ? 0.1 - fraction : fraction > 0.4 ? 1.1 - fraction : 0.0;
-    parts_.loop.runUntilDate(parts_.backend.foundation.dateWithTimeIntervalSinceNow(delay));
+    parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(delay));
 }
 
 } // namespace vistrane

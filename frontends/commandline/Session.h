@@ -10,32 +10,33 @@
 
 namespace vistrane {
 
-/// The message for a failure of standard output. `number` is an errno value.
+/// What is said when standard output fails with that error number.
 std::string outputError(int number);
 
-/// What a command needs.
+/// What a command needs of the machine.
 struct SessionOptions {
-    /// The project folder, already checked. Nothing for a command without one.
+    /// The project folder, checked; nothing for a command without one.
     std::optional<std::string> folder = std::nullopt;
-    /// Whether to look for the machine's cameras.
+    /// Whether the machine's cameras are looked for.
     bool findsCameras = false;
     bool demoCamera = false;
     MovieArguments movie = {};
-    /// Called last when the process ends with an exit status other than 0. Any thread.
+    /// Called last when the process ends with another exit status than 0. Any thread.
     std::function<void()> cleanUp = [] {};
 };
 
-/// The program without a window: the controller with plain controls and real media. The session
-/// operates the controls as a user would, and looks at the controls and the disk to see what
-/// happened. One for the process; main thread only.
+/// The program without a window: the controller with plain controls, real media and its own run
+/// loop, driven as a user would drive it. One for the process; main thread only.
 ///
-/// The settings are those of a first run in which the user has confirmed the folder. They are kept
-/// in memory only. SIGINT, SIGHUP and SIGTERM end the process at any time, with exit status 128 +
-/// the signal, and leave no unfinished file.
+/// A session starts from settings of its own, in memory: those of a first run, in which the folder
+/// counts as confirmed.
+/// An interrupt, a hang-up or a termination ends the process at any moment, with 128 + the signal
+/// as its exit status and nothing half-written. What a command does next is decided by looking at
+/// what the controls show and what has reached the disk.
 class Session {
 public:
     explicit Session(const SessionOptions& options);
-    /// A session ends with the process: see `end`.
+    /// Sessions end with the process: see `end`.
     ~Session() = delete;
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -45,31 +46,31 @@ public:
 
     // ---- What a user sees --------------------------------------------------------------------
     std::vector<std::string> deviceNames() const;
-    /// Waits for the first listing of the folder. Ends the process if there is none.
+    /// Waits for the folder's first listing. Ends the process when it cannot be listed.
     std::vector<std::string> frames();
 
     // ---- What a user does --------------------------------------------------------------------
-    /// Selects the device. Ends the process if it does not exist or cannot be opened.
+    /// Picks the device; ends the process when it cannot be opened or there is none of that name.
     void pickDevice(const std::string& name);
     void enterInterval(const IntervalTexts& texts);
-    /// Captures `count` stills, or without a count until the process ends. Calls `saved` with the
-    /// path of each frame. Returns false if a still could not be saved.
+    /// Captures until `count` frames are saved, without a count for ever; calls `saved` with each
+    /// frame's path. Returns false when a still could not be saved.
     bool capture(std::optional<int> count, const std::function<void(const std::string&)>& saved);
-    /// Compiles the folder and returns the path of the finished movie. Ends the process if that
-    /// fails.
+    /// Compiles the folder and returns the movie's path when it is whole; ends the process when it
+    /// fails or is refused.
     std::string compile(int framesPerSecond);
 
     // ---- Output ------------------------------------------------------------------------------
-    /// Writes a result and `end` to standard output. Does not block. If standard output fails, the
-    /// process ends with status 1.
+    /// One result to standard output, ended by `end`. Returns at once, read or not; the process
+    /// ends with status 1 when nobody can read it.
     void print(const std::string& result, char end = '\n');
-    /// Writes a message and a newline to standard error.
+    /// One message to standard error.
     void say(const std::string& message);
 
-    /// Ends the process with that exit status, as if the user had quit: stops the camera session
-    /// and removes unfinished movies. Does not wait for other threads.
+    /// Ends the process with that exit status, as a user quits: session stopped, movies that are
+    /// not whole taken away. Nothing is waited for.
     [[noreturn]] void end(int status);
-    /// Writes the message to standard error, then ends the process with status 1.
+    /// Says why, then ends with status 1.
     [[noreturn]] void fail(const std::string& message);
 
 private:

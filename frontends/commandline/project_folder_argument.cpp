@@ -14,7 +14,7 @@ namespace vistrane {
 
 namespace {
 
-/// Removes components that change nothing. Resolves symbolic links only if ".." makes it necessary.
+/// Leaves links alone where the path can be shortened without asking the file system.
 std::string shortened(const std::filesystem::path& path) {
     bool goesUp = false;
     std::string text;

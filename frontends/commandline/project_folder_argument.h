@@ -4,16 +4,16 @@
 
 namespace vistrane {
 
-/// A project folder that was given on the command line, or why it cannot be used.
+/// A project folder that was named on the command line, or why it cannot be one.
 struct ProjectFolderArgument {
-    /// Absolute, without ".", empty components and a trailing slash. Symbolic links are kept.
+    /// Absolute, without a trailing slash, "." and empty components; links kept.
     std::string path;
-    /// A message of one line. Empty if the folder can be used.
+    /// One line for people; empty when the folder can be used.
     std::string error;
 };
 
-/// Checks that `argument`, a relative or absolute path, is a folder that can be listed and is not
-/// the root. Creates nothing.
+/// Looks whether `argument`, relative to the working directory or absolute, is a folder that can
+/// be listed and is not the root. Creates nothing.
 ProjectFolderArgument projectFolderArgument(const std::string& argument);
 
 } // namespace vistrane

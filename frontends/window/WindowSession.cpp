@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 #include <utility>
 
 #include <QApplication>
@@ -11,37 +13,44 @@
 #include <QMenu>
 #include <QWindow>
 
+#include "backends/pictures/MediaCoreGraphics.h"
+#include "backends/pictures/MediaCoreVideo.h"
+#include "backends/posix/EndingSignals.h"
+#include "backends/posix/FileUserDefaults.h"
 #include "backends/posix/clock.h"
+#include "backends/posix/threads.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/qt/controls/QtInterface.h"
-#include "backends/qt/menus/CloseRequests.h"
 #include "backends/qt/menus/QtApplication.h"
 #include "backends/qt/menus/StatusIcon.h"
 #include "backends/qt/system/Appearance.h"
-#include "backends/qt/system/QtUserDefaults.h"
+#include "backends/qt/system/CloseRequests.h"
+#include "backends/qt/system/QtDispatch.h"
+#include "backends/qt/system/QtFoundation.h"
 #include "backends/qt/system/QtWorkspace.h"
 #include "backends/qt/system/SleepInhibitor.h"
 #include "core/app/AppDelegate.h"
 #include "core/infopanel/mantisQRXpanel.h"
-#include "frontends/SessionBackend.h"
+#include "frontends/MediaAVFoundation.h"
 #include "frontends/window/WindowAppKit.h"
+#include "frontends/window/WindowObserver.h"
 
 namespace vistrane {
 
 namespace {
 
-/// Encoding has low priority, so that the window stays responsive.
-MovieOptions movieOptions() {
+/// Whatever is compiled, the window answers.
+MovieOptions optionsOfMovies() {
     MovieOptions options;
-    options.isLowPriority = true;
+    options.givesWay = true;
     return options;
 }
 
-/// How often to check whether the program captures, in seconds.
-constexpr double captureCheckInterval = 1.0;
+/// How often capturing is looked at, in seconds: how long the machine may stay awake too long.
+constexpr double captureLook = 1.0;
 
-/// How long to wait for the windows to be exposed, in seconds.
-constexpr double exposeTimeout = 0.5;
+/// How long the start waits for the main window to be seen before it looks for cameras.
+constexpr double patienceForDisplay = 0.5;
 
 CameraOptions cameraOptions(const WindowOptions& options) {
     CameraOptions result;
@@ -51,16 +60,16 @@ CameraOptions cameraOptions(const WindowOptions& options) {
 
 } // namespace
 
-/// The back end and the two objects, in the order in which they need each other.
+/// The backend and the two objects, in the order in which they need each other.
 struct WindowSession::Parts {
     Parts(const WindowOptions& options, WindowLog& theLog)
-        : log(theLog), backend(loop, defaults, logLine, observer,
-                               {options.version, cameraOptions(options), movieOptions()}) {
+        : log(theLog), cameras(dispatch, observer, cameraOptions(options)),
+          foundation(loop, defaults, notificationCenter, logLine, options.version) {
         defaults.setSystemString("AppleInterfaceStyle",
                                  [this] { return appearance.interfaceStyle(); });
     }
 
-    /// The parent of dialogs: the active window, which then gets the keyboard back.
+    /// The window that dialogs belong to: the one in use, to which the keyboard then returns.
     QWidget* dialogParent() {
         QWidget& main = interface.mainWindow();
         QWidget* const active = QApplication::activeWindow();
@@ -70,18 +79,45 @@ struct WindowSession::Parts {
         return window.isVisible() && !window.isMinimized() ? &window : nullptr;
     }
 
+    /// The main thread is held up. If it is about to end the process, only its camera or disk is
+    /// slow, and the settings are still to be saved: it has its time. A frame that it is just
+    /// writing is waited for, and movies that are not whole are taken away, neither of them for
+    /// ever: the folder's disk may not answer.
+    [[noreturn]] void endWithoutMainThread(int status) {
+        startDetachedThread([status] {
+            std::this_thread::sleep_for(std::chrono::seconds(5));
+            std::_Exit(status);
+        });
+        while (isEnding) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        while (observer.isWritingFile()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        movies.abandonAll();
+        std::_Exit(status);
+    }
+
     WindowLog& log;
     const std::function<void(const std::string&)> logLine = [this](const std::string& line) {
         log.write(line);
     };
     QtRunLoop loop;
-    QtUserDefaults defaults{settingsPath(), logLine};
+    QtDispatch dispatch{loop};
+    FileUserDefaults defaults{settingsPath(), logLine};
+    NotificationCenter notificationCenter;
     Appearance appearance;
     SleepInhibitor sleepInhibitor{logLine};
-    SessionObserver observer{logLine};
-    SessionBackend backend;
+    WindowObserver observer{log};
+    Pictures pictures{observer};
+    MediaCoreVideo coreVideo;
+    MediaCoreGraphics coreGraphics{coreVideo};
+    Cameras cameras;
+    Movies movies{observer, optionsOfMovies()};
+    MediaAVFoundation avFoundation{cameras, movies};
+    QtFoundation foundation;
     QtWorkspace workspace{[this](const std::string& path, Movies::Finished callback) {
-                              return backend.movies.whenFinished(path, std::move(callback));
+                              return movies.whenFinished(path, std::move(callback));
                           },
                           logLine};
     QtResources resources;
@@ -91,21 +127,21 @@ struct WindowSession::Parts {
     WindowAppKit appKit{application, workspace,
                         std::make_shared<const QtDialogRules>(
                             QtDialogRules{loop, [this] { return dialogParent(); }, widgetOf}),
-                        resources, backend.pictures};
+                        resources, pictures};
     std::unique_ptr<CloseRequests> closeRequests;
-    const Platform platform = backend.platform(appKit);
+    const Platform platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch};
     AppDelegate controller{platform};
     mantisQRXpanel panel{platform};
-    /// `mainWindowIsDrawn` has run.
+    /// What waited for the main window to be drawn is done.
     bool isDrawn = false;
-    /// The settings are restored. Before that, ending saves nothing.
+    /// Shared with who ends the process: the settings are restored and may be saved.
     bool isLaunched = false;
     std::atomic<bool> isEnding{false};
 };
 
 namespace {
 
-/// The session to end if Qt calls `exit` itself, for instance when the display is gone.
+/// The session for an end that Qt brings about by itself, for instance when its display is gone.
 WindowSession* running = nullptr;
 
 } // namespace
@@ -113,10 +149,18 @@ WindowSession* running = nullptr;
 WindowSession::WindowSession(const WindowOptions& options, WindowLog& log)
     : parts_(*new Parts(options, log)) {
     if (options.folder) {
-        if (const auto error = parts_.backend.rememberFolder(*options.folder)) {
-            log.fail(error->localizedDescription);
-        }
+        rememberFolder(*options.folder);
     }
+}
+
+void WindowSession::rememberFolder(const std::string& path) {
+    const BookmarkDataResult bookmark = parts_.foundation.bookmarkDataWithOptions(
+        NSURL::fileURLWithPath(path), NSURLBookmarkCreationWithSecurityScope);
+    if (bookmark.error) {
+        parts_.log.fail(bookmark.error->localizedDescription);
+    }
+    parts_.defaults.setObject(bookmark.data, "iData");
+    parts_.defaults.synchronize();
 }
 
 void WindowSession::launch() {
@@ -124,18 +168,19 @@ void WindowSession::launch() {
     followAppearance();
     connectInterface();
     parts_.interface.holdSmallWindows();
-    // Before the window is shown: a window manager may not remove a task-bar entry later.
+    // A window without a task-bar entry never has one.
     const bool isDockSettingStored = parts_.defaults.integerForKey("firstTime") == 1;
     if (isDockSettingStored) {
         parts_.panel.restoreDockSetting();
     }
     showMainWindow();
-    // The controller runs the loop before it sets the controls, which draws the window.
+    // The controller lets the loop run before it sets the controls: the window is drawn meanwhile.
     parts_.controller.awakeFromNib();
     parts_.panel.awakeFromNib();
     if (!isDockSettingStored) {
         parts_.panel.restoreDockSetting();
     }
+    // The settings are in the controls now.
     parts_.isLaunched = true;
     showOtherWindows();
     parts_.controller.applicationDidFinishLaunching();
@@ -144,7 +189,7 @@ void WindowSession::launch() {
 }
 
 void WindowSession::run(const std::function<void()>& launched) {
-    // In the loop, so that a request to quit takes effect from now on.
+    // Within the loop: to be told to quit counts from now on.
     parts_.loop.mainQueue().async([this, &launched] {
         launch();
         if (launched) {
@@ -196,20 +241,20 @@ void WindowSession::mainWindowIsDrawn() {
     if (const std::shared_ptr<NSImage> icon = parts_.resources.imageNamed("vistrane")) {
         QApplication::setWindowIcon(iconOf(*icon));
     }
-    parts_.backend.cameras.prepare();
+    parts_.cameras.prepare();
 }
 
 void WindowSession::showOtherWindows() {
-    mainWindowIsDrawn(); // Even if it was not: the window may be on another desktop.
+    mainWindowIsDrawn(); // At the latest: it may be on a desktop that is not seen.
     parts_.statusIcon = std::make_unique<StatusIcon>(
         parts_.interface.statusMenu(), QApplication::windowIcon(), "Vistrane",
         [this] { parts_.controller.realUnhide(&parts_.controller); });
     awaitDisplay();
-    // Last, so that they are in front of the main window and can be placed beside it.
+    // Only now: what appears last is in front, and the main window's place is known.
     parts_.interface.releaseSmallWindows();
     awaitDisplay();
     if (QApplication::activeWindow() == nullptr) {
-        // Some window managers do not activate a new window that has no task-bar entry.
+        // Some window managers do not give the keyboard to a new window that has no task-bar entry.
         takeKeyboard();
     }
 }
@@ -229,24 +274,24 @@ void WindowSession::awaitDisplay() {
             return !window->isVisible() || window->windowHandle()->isExposed();
         });
     };
-    const double limit = wallClockNow().timeIntervalSince1970 + exposeTimeout;
+    const double limit = wallClockNow().timeIntervalSince1970 + patienceForDisplay;
     while (!isExposed() && wallClockNow().timeIntervalSince1970 < limit) {
-        parts_.loop.runUntilDate(parts_.backend.foundation.dateWithTimeIntervalSinceNow(0.01));
+        parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(0.01));
     }
-    parts_.loop.runUntilDate(parts_.backend.foundation.date());
+    parts_.loop.runUntilDate(parts_.foundation.date());
 }
 
 void WindowSession::followAppearance() {
     applyPalette(parts_.appearance.isDark());
     parts_.appearance.setChangeHandler([this] {
         applyPalette(parts_.appearance.isDark());
-        parts_.backend.notificationCenter.post("AppleInterfaceThemeChangedNotification");
+        parts_.notificationCenter.post("AppleInterfaceThemeChangedNotification");
     });
 }
 
 void WindowSession::keepAwakeWhileCapturing() {
     parts_.loop.scheduleTimer(
-        captureCheckInterval,
+        captureLook,
         [this](NSTimer&) {
             const std::shared_ptr<NSTimer>& timer = parts_.controller.myTimer;
             parts_.sleepInhibitor.setActive(timer && timer->isValid());
@@ -258,8 +303,9 @@ void WindowSession::handleEndings() {
     running = this;
     std::atexit([] { running->end(1); });
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { end(0); });
-    parts_.backend.handleSignals({.end = [this](int status) { end(status); },
-                                  .isEnding = [this] { return parts_.isEnding.load(); }});
+    EndingSignals::handle(
+        {[this](int status) { parts_.loop.mainQueue().async([this, status] { end(status); }); },
+         [this](int status) { parts_.endWithoutMainThread(status); }});
 }
 
 bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
@@ -267,7 +313,7 @@ bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
         end(0);
     }
     if (event->type() == QEvent::Expose) {
-        // Queued, so that the window is drawn first.
+        // Its drawing comes first.
         watched->removeEventFilter(this);
         parts_.loop.mainQueue().async([this] { mainWindowIsDrawn(); });
     }
@@ -275,16 +321,16 @@ bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void WindowSession::end(int status) {
-    // These calls may process events that end the program again.
+    // What is done here may run events that end the program once more.
     if (!parts_.isEnding.exchange(true) && parts_.isLaunched) {
-        // Both save their settings here. Their result is always yes.
+        // Either may have something to save; neither has ever said no.
         parts_.panel.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationWillTerminate();
     }
-    parts_.backend.movies.abandonAll();
+    parts_.movies.abandonAll();
     parts_.log.flush();
-    // Other threads may still be running, so nothing is destroyed.
+    // Threads may still be at work, so nothing is taken apart.
     std::_Exit(status);
 }
 

@@ -9,39 +9,41 @@
 
 namespace vistrane {
 
-/// The program in its window: the controller and the info panel with the interface files and real
-/// media. One for the process. Main thread only, after `makeApplication`.
+/// The program in its window: the controller and the info panel with the interface files, real
+/// media and Qt's event loop. One for the process; main thread only, and the QApplication is there.
 ///
-/// Closing the main window or quitting ends the process at once with status 0, whatever else is
-/// open: settings are saved, unfinished movies are removed, other threads are not waited for.
-/// SIGINT, SIGHUP and SIGTERM do the same with status 128 + the signal.
+/// The process ends at once, with status 0, when the main window is closed or the program is quit,
+/// whatever else is open: settings are saved, movies that are not whole are taken away, nothing is
+/// waited for. An interrupt, a hang-up or a termination ends it the same way, with 128 + the
+/// signal as its status.
 class WindowSession final : public QObject {
 public:
     WindowSession(const WindowOptions& options, WindowLog& log);
-    /// Never called: a session ends with the process.
+    /// Never called: sessions end with the process.
     ~WindowSession() override = default;
 
-    /// Shows the main window, sends `awakeFromNib` and runs the program to its end. `launched` is
-    /// called when all initial windows are shown.
+    /// Shows the main window, wakes the interface's objects and runs the program to its end.
+    /// `launched` is called when all that is to be seen at first is there.
     [[noreturn]] void run(const std::function<void()>& launched = {});
 
 protected:
-    /// Watches the main window for close and expose events.
+    /// Sees the main window close.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     struct Parts;
 
     void launch();
+    void rememberFolder(const std::string& path);
     void connectInterface();
     void tellThatNoCameraIsThere();
     void showMainWindow();
-    /// Does what can wait until the main window is drawn. The second call does nothing.
+    /// What can wait until the user sees something. Once, however often it is called.
     void mainWindowIsDrawn();
     void showOtherWindows();
-    /// Waits a short time until all shown windows are exposed: looking for cameras blocks drawing.
+    /// Looking for cameras takes a moment in which nothing is drawn.
     void awaitDisplay();
-    /// Gives the keyboard to the last visible window of the interface.
+    /// The last window in the interface that shows gets it.
     void takeKeyboard();
     void followAppearance();
     void keepAwakeWhileCapturing();

@@ -7,11 +7,11 @@
 
 namespace vistrane {
 
-/// The program's build information. Any thread.
+/// What the program was built as. Any thread.
 class NSBundle : public NSObject {
 public:
-    /// "CFBundleShortVersionString" is the version without its last number, "CFBundleVersion" that
-    /// number. Nothing for another key.
+    /// A text of the program's information: "CFBundleShortVersionString", the version without its
+    /// last number, or "CFBundleVersion", that number. Nothing for a key that it does not have.
     virtual std::optional<std::string> objectForInfoDictionaryKey(const std::string& key) const = 0;
 };
 

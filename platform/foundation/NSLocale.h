@@ -15,8 +15,7 @@ enum NSComparisonResult : int {
     NSOrderedDescending = 1
 };
 
-/// Options of a string comparison; combine them with "|". The program always passes all four, so a
-/// backend need not implement any other combination.
+/// Options of a string comparison, added up.
 enum NSStringCompareOptions : std::uint32_t {
     NSCaseInsensitiveSearch = 1,
     NSNumericSearch = 64,
@@ -40,7 +39,8 @@ public:
     virtual NSComparisonResult compare(const std::string& first, const std::string& second,
                                        std::uint32_t options, NSRange range) const = 0;
 
-    /// Sorts the texts, compared whole, by `compare`. The sort is stable.
+    /// Brings the texts, compared whole, into the order of `compare`; those that it calls the same
+    /// stay in the order in which they were.
     virtual void sort(std::vector<std::string>& texts, std::uint32_t options) const = 0;
 };
 

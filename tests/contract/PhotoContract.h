@@ -17,15 +17,16 @@
 
 namespace vistrane {
 
-/// Tests sessions and stills. A backend has
+/// Sessions and stills. A backend has
 ///
 ///     auto& cameras();                                      an AVFoundation, or its capture half
 ///     std::shared_ptr<AVCaptureDevice> camera();            one that works, for video only
-///     bool runUntil(const std::function<bool()>& done);     runs the main queue; returns done()
+///     bool runUntil(const std::function<bool()>& done);     runs the main queue; whether it is
+///     done
 template <typename Backend>
 class PhotoContract : public ::testing::Test {
 protected:
-    /// Records the outcomes of its requests.
+    /// The outcomes of its requests.
     class Delegate final : public AVCapturePhotoCaptureDelegate {
     public:
         explicit Delegate(std::vector<const Delegate*>& order) : order_(order) {}
@@ -83,7 +84,7 @@ protected:
         return backend_.runUntil([this, count] { return order_.size() >= count; });
     }
 
-    /// The delegates in the order of their calls. They outlive the backend.
+    /// The delegates as they were told. These outlive the backend.
     std::vector<const Delegate*> order_;
     Delegate first_{order_};
     Delegate second_{order_};
@@ -192,7 +193,7 @@ TYPED_TEST_P(PhotoContract, EachRequestHasOneOutcomeInItsTurn) {
     }
     EXPECT_TRUE(this->order_.empty());
     ASSERT_TRUE(this->awaitOutcomes(4));
-    // A second outcome of an earlier request would come before this one.
+    // Whatever came a second time for one of them would come before this.
     this->request(*this->output_, this->third_);
     ASSERT_TRUE(this->awaitOutcomes(5));
     EXPECT_THAT(this->order_, ::testing::ElementsAre(&this->third_, &this->first_, &this->second_,

@@ -6,20 +6,20 @@
 #include <string>
 #include <vector>
 
-#include <QImage>
-#include <QRect>
 #include <sys/types.h>
+
+#include "tests/desktop/Picture.h"
 
 namespace vistrane {
 
-/// A top-level window, as the window manager lists it.
+/// A top-level window, as the window manager knows it.
 struct Window {
-    unsigned long id = 0;
+    unsigned long number = 0;
     std::string title;
     pid_t process = 0;
 };
 
-/// An X display: mouse, keyboard, screen, bell and windows.
+/// The X display as a person at it has it: a mouse, a keyboard, and eyes and ears.
 class Screen {
 public:
     explicit Screen(const std::string& display);
@@ -27,38 +27,41 @@ public:
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 
-    void moveTo(QPoint place);
+    void moveTo(int x, int y);
     void press();
     void release();
-    /// Clicks the middle of the rectangle.
-    void click(const QRect& rectangle);
-    void drag(QPoint from, QPoint to);
+    /// Moves to the middle of the rectangle and clicks there.
+    void click(const Rectangle& rectangle, unsigned button = 1);
+    /// Presses the button in one place, moves over to the other, and releases it there.
+    void drag(int fromX, int fromY, int toX, int toY);
 
-    /// The last key, while the others are held, by the X names: {"Control_L", "o"}.
+    /// One key with those that are held meanwhile, by the X names: {"Control_L", "o"}.
     void press(const std::vector<std::string>& keys);
-    /// Printable ASCII, and a tabulator.
+    /// Printable ASCII, a newline for Return.
     void type(const std::string& text);
 
-    QImage picture() const;
+    Picture picture() const;
     /// The part of the rectangle that lies on the screen.
-    QImage picture(const QRect& rectangle) const;
+    Picture picture(const Rectangle& rectangle) const;
 
     /// How often the bell rang since the last call.
     int bells();
 
-    /// The managed windows, lower ones first.
+    /// The windows that the window manager manages, lower ones first.
     std::vector<Window> windows() const;
     /// Without the window manager's frame.
-    QRect placeOf(const Window& window) const;
-    /// Shows a small window for a moment. True when the window manager has listed it: a starting
-    /// one announces itself before it notices every new window.
+    Rectangle placeOf(const Window& window) const;
+    /// Shows a small window for a moment. True when a window manager has taken it into its list:
+    /// one that is starting says that it is there before it sees every new window.
     bool isManaged() const;
     std::optional<unsigned long> activeWindow() const;
-    /// Asks the window manager to close it, as the close button of a task bar does.
+    /// As the close button of a task bar does.
     void close(const Window& window);
     void activate(const Window& window);
+    void resize(const Window& window, int width, int height);
 
-    /// The time until the application's main loop answers the window manager's ping.
+    /// How long the window takes to answer that it is alive. The window manager's question is
+    /// asked, which the application's main loop answers.
     std::chrono::microseconds roundTrip(const Window& window);
 
 private:

@@ -1,7 +1,7 @@
 #include <filesystem>
 
 #include "tests/desktop/DesktopTest.h"
-#include "tests/support/movie_facts.h"
+#include "tests/frontends/commandline/movie_facts.h"
 
 namespace vistrane {
 namespace {
@@ -10,19 +10,28 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Pair;
 
-class Damage : public DesktopTest {};
+class Damage : public DesktopTest {
+protected:
+    Control display() {
+        return *await("the frame's view", [this] {
+            return firstBelow(root(), [](const Control& control) {
+                return control.name() == "Frame" && control.role() != "slider";
+            });
+        });
+    }
+};
 
 TEST_F(Damage, OfTheSettingsCostsTheSettingsOnly) {
     storeUsual(12);
     const std::string damaged = contentsOf(settingsFile()).substr(0, 70);
     writeFile(settingsFile(), damaged);
     start();
-    // As at the first start.
+    // As on the first day.
     await("the beep", [this] { return screen().bells() == 1; });
-    tips();
+    await("the tips", [this] { return windowTitled("Quick Start Tips"); });
     awaitLabel("( fps = 30 )");
     awaitLabel("( t = 5 s )");
-    EXPECT_THAT(program().log(), HasSubstr("are damaged"));
+    EXPECT_THAT(program().written(), HasSubstr("are damaged"));
     EXPECT_EQ(contentsOf(settingsFile() + ".damaged"), damaged);
     EXPECT_EQ(quit(), 0);
     EXPECT_THAT(stored(), Contains(Pair("iFPS", 30)));
@@ -37,13 +46,20 @@ TEST_F(Damage, OfAFrameEmptiesThePreviewAndStopsNothing) {
     storeUsual(10);
     start({folder});
     awaitFrame(4, 4);
-    const Control view = frameView();
+    const Control view = display();
     const auto isEmpty = [&] {
-        const QImage picture = pictureOf(view);
-        return picture.pixelColor(picture.width() / 2, picture.height() / 4) == QColor(Qt::black);
+        const Rectangle place = view.extents();
+        const Colour middle =
+            screen()
+                .picture({place.x + place.width / 2, place.y + place.height / 4, 1, 1})
+                .at(0, 0);
+        return middle == Colour{0, 0, 0};
     };
     await("the empty view", isEmpty);
-    dragFrameSliderTo(0.0);
+    const Control slider = find("slider", "Frame");
+    const Rectangle place = slider.extents();
+    screen().drag(place.right() - 14, place.y + place.height / 2, place.x + 3,
+                  place.y + place.height / 2);
     awaitFrame(1, 4);
     await("the good frame", [&] { return !isEmpty(); });
     keepScreen("good");
@@ -54,7 +70,9 @@ TEST_F(Damage, OfAFrameEmptiesThePreviewAndStopsNothing) {
     clickButton("Play");
     awaitFrame(4, 4);
     clickButton("Compile Movie");
-    EXPECT_EQ(movieFacts(openedMovie()).times.size(), 1U);
+    await("the movie in its application", [this] { return !desktop.opened().empty(); });
+    EXPECT_EQ(movieFacts(desktop.copyOfOpened(0)).times.size(), 1U);
+    EXPECT_EQ(quit(), 0);
 }
 
 TEST_F(Damage, OfTheFolderPutsThePlaceholderBack) {
@@ -64,6 +82,7 @@ TEST_F(Damage, OfTheFolderPutsThePlaceholderBack) {
     std::filesystem::remove_all(folder);
     start();
     button("click to select the output folder");
+    EXPECT_EQ(quit(), 0);
 }
 
 } // namespace

@@ -1,12 +1,13 @@
 #include "tests/desktop/DesktopTest.h"
-#include "tests/support/movie_facts.h"
+#include "tests/frontends/commandline/movie_facts.h"
 
 namespace vistrane {
 namespace {
 
+using testing::IsEmpty;
 using testing::SizeIs;
 
-/// Without the mouse.
+/// The mouse lies still.
 class Keyboard : public DesktopTest {
 protected:
     std::vector<std::string> frames() const { return namesEndingIn(".png", folder); }
@@ -17,9 +18,10 @@ TEST_F(Keyboard, AloneMakesFramesAndAMovieOfThem) {
     start({folder, "--demo-camera"});
     giveKeysToMainWindow();
 
-    // The camera list by its label's mnemonic.
+    // The camera by its label's mnemonic, from the list that a key opens.
     screen().press({"Alt_L", "e"});
-    const Control box = cameraList();
+    const Control box =
+        *firstBelow(root(), [](const Control& control) { return control.role() == "combo box"; });
     await("the focus", [&] { return box.is(ControlState::focused); });
     screen().press({"space"});
     await("the list", [&] {
@@ -46,7 +48,8 @@ TEST_F(Keyboard, AloneMakesFramesAndAMovieOfThem) {
         return shown && shown->first == shown->second;
     });
     screen().press({"Alt_L", "c"});
-    EXPECT_THAT(movieFacts(openedMovie()).times, SizeIs(frames().size()));
+    await("the movie in its application", [this] { return !desktop.opened().empty(); });
+    EXPECT_THAT(movieFacts(desktop.copyOfOpened(0)).times, SizeIs(frames().size()));
 
     screen().press({"Alt_L", "o"});
     find("dialog", "Select Output Folder to Save the Capture");
@@ -54,6 +57,7 @@ TEST_F(Keyboard, AloneMakesFramesAndAMovieOfThem) {
           [this] { return find("text", "Directory:").is(ControlState::focused); });
     screen().press({"Escape"});
     button("click to select the output folder");
+    EXPECT_EQ(quit(), 0);
 }
 
 } // namespace

@@ -5,9 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include <QImage>
-
 #include "tests/desktop/Accessibility.h"
+#include "tests/desktop/Picture.h"
 
 namespace vistrane {
 
@@ -19,24 +18,25 @@ struct PlayFace {
     bool operator==(const PlayFace&) const = default;
 };
 
-/// The faces by the desktop's appearance and the player's state.
+/// The faces by appearance and state: "play1" and "play1-s", "play2" and "play2-s".
 inline constexpr PlayFace darkStopped{true, false};
 inline constexpr PlayFace darkPlaying{true, true};
 inline constexpr PlayFace lightStopped{false, false};
 inline constexpr PlayFace lightPlaying{false, true};
 
 /// Nothing for a picture that is none of the faces.
-std::optional<PlayFace> faceOf(const QImage& button);
+std::optional<PlayFace> faceOf(const Picture& button);
 
 /// The numbers in "Displaying frame 3 of 20"; nothing for another text.
 std::optional<std::pair<int, int>> frameNumbers(const std::string& readOut);
 
-/// Records which frames the read-out names.
+/// Notes which frames the read-out names.
 class FrameWatch {
 public:
     explicit FrameWatch(Control readOut) : readOut_(std::move(readOut)) {}
 
-    void look();
+    /// The number at the moment; 0 for none.
+    int look();
 
     /// Each number that followed another one.
     const std::vector<int>& seen() const { return seen_; }

@@ -22,7 +22,7 @@ void PopUpWidget::keyPressEvent(QKeyEvent* event) {
         }
         break;
     default:
-        // Letters would search the closed list.
+        // Leaves out the letters that search the closed list, too.
         event->ignore();
     }
 }

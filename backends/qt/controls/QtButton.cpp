@@ -22,7 +22,7 @@ void QtButton::setTitle(const std::string& title) {
         return;
     }
     widget_->setText(withMnemonic(shownText(title), mnemonic_));
-    // Setting the text resets the shortcut.
+    // The text may just have taken the shortcut away.
     widget_->setShortcut(shortcut_);
 }
 

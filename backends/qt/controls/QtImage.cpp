@@ -13,7 +13,7 @@ namespace vistrane {
 
 namespace {
 
-/// Of the icon of a disabled control.
+/// How strong the icon of something disabled is.
 constexpr double disabledOpacity = 0.35;
 
 class PictureIconEngine final : public QIconEngine {

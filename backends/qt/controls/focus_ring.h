@@ -7,10 +7,10 @@ class QWidget;
 
 namespace vistrane {
 
-/// In points.
+/// How wide the ring is, in points.
 constexpr int focusRingWidth = 2;
 
-/// Whether the widget has the focus and the user navigates by keyboard.
+/// Whether the widget has the keyboard and its user uses that.
 bool showsFocusRing(const QWidget& widget);
 
 /// Draws just within `outline`, with round corners.

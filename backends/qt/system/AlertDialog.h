@@ -9,13 +9,12 @@ class QScrollArea;
 
 namespace vistrane {
 
-/// The dialog of an alert. Its result is the index of the pressed button. While it is open it
-/// borrows the accessory view's widget. Long texts scroll, so that the dialog fits the screen.
+/// The dialog of an alert. Its result is the number of the answering button, counted from 0; while
+/// it is open it borrows the accessory view's widget.
 ///
-/// A message box of the toolkit would reorder the buttons by the desktop's rules, and would not
-/// break a long path.
+/// It stays within the screen, so that its buttons can be reached, however long its texts are.
 ///
-/// For tests: its object name is "alert", those of its buttons are "button0" and so on.
+/// For whoever drives it: its object name is "alert", those of its buttons are "button0" and so on.
 class AlertDialog final : public QDialog {
 public:
     AlertDialog(const AlertContents& contents, QWidget* accessory, QWidget* parent);
@@ -32,10 +31,9 @@ private:
     QWidget* makePicture();
     QScrollArea* makeTexts(const AlertContents& contents);
     QWidget* makeButtons(const AlertContents& contents);
-    /// The screen's room for the dialog, without the frame.
+    /// The room for the dialog without its frame.
     QSize available() const;
-    /// Makes texts scroll that are too high for the screen. `others` is the height of everything
-    /// else.
+    /// Lets texts scroll that are too high for the screen. `others` is the height of all else.
     void fitHeight(QScrollArea& texts, int others);
     void returnAccessory();
 

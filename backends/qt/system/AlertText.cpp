@@ -10,7 +10,7 @@ namespace vistrane {
 
 namespace {
 
-/// Without the children that a text editor has.
+/// Without the parts of a text editor, which nobody is to meet here.
 class AccessibleText final : public QAccessibleWidget {
 public:
     explicit AccessibleText(AlertText& text)

@@ -17,12 +17,17 @@ TEST(UserLocale, TheStrongestVariableThatIsSetDecides) {
     EXPECT_EQ(userLocale(LocaleCategory::collation), "ja_JP");
 }
 
-TEST(UserLocale, AnEmptyVariableCountsAsUnsetAndNoneGivesPosix) {
+TEST(UserLocale, AnEmptyVariableCountsAsUnset) {
     const Environment all("LC_ALL", "");
     const Environment time("LC_TIME", "");
     const Environment language("LANG", "en_GB.UTF-8");
     EXPECT_EQ(userLocale(LocaleCategory::time), "en_GB");
-    const Environment none("LANG", nullptr);
+}
+
+TEST(UserLocale, NoSettingGivesPosix) {
+    const Environment all("LC_ALL", nullptr);
+    const Environment time("LC_TIME", nullptr);
+    const Environment language("LANG", nullptr);
     EXPECT_EQ(userLocale(LocaleCategory::time), "en_US_POSIX");
 }
 

@@ -7,7 +7,7 @@
 
 namespace vistrane {
 
-/// An empty folder, removed with its contents at the end of the test.
+/// A folder of the test's own, away again at its end.
 class TemporaryFolder {
 public:
     TemporaryFolder() {

@@ -20,14 +20,14 @@ int statusOf(std::vector<std::string> command) {
     return ended.get_future().get();
 }
 
-TEST(LaunchProgram, ReportsTheExitStatus) {
+TEST(LaunchProgram, TellsHowItEnded) {
     EXPECT_EQ(statusOf({"true"}), 0);
     EXPECT_EQ(statusOf({"sh", "-c", "exit 7"}), 7);
     EXPECT_EQ(statusOf({"sh", "-c", "kill -TERM $$"}), 128 + SIGTERM);
     EXPECT_EQ(statusOf({"vistrane-there-is-no-such-program"}), 127);
 }
 
-TEST(LaunchProgram, PassesArgumentsUnchanged) {
+TEST(LaunchProgram, HandsArgumentsOverAsTheyAre) {
     const TemporaryFolder folder;
     const std::string argument = "a b'\"\n\xff$HOME";
     EXPECT_EQ(statusOf({"sh", "-c", "printf %s \"$1\" > \"$2\"", "sh", argument, folder / "out"}),
@@ -38,13 +38,13 @@ TEST(LaunchProgram, PassesArgumentsUnchanged) {
 
 TEST(LaunchProgram, NoSignalIsBlockedOrIgnoredInIt) {
     std::signal(SIGPIPE, SIG_IGN);
-    // If the signal were blocked or ignored, the status would be 0.
+    // A blocked or ignored signal would not end it, and the exit would.
     EXPECT_EQ(statusOf({"sh", "-c", "kill -INT $$; exit 0"}), 128 + SIGINT);
     EXPECT_EQ(statusOf({"sh", "-c", "kill -PIPE $$; exit 0"}), 128 + SIGPIPE);
     std::signal(SIGPIPE, SIG_DFL);
 }
 
-TEST(LaunchProgram, HasItsOwnSessionAndNoneOfOurStreams) {
+TEST(LaunchProgram, ItHasASessionOfItsOwnAndNoneOfOurStreams) {
     EXPECT_EQ(statusOf({"sh", "-c",
                         "test \"$(ps -o sid= -p $$ | tr -d ' ')\" = $$ && "
                         "test \"$(readlink /proc/$$/fd/2)\" = /dev/null"}),

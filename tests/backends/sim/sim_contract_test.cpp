@@ -30,7 +30,6 @@ public:
     Foundation& foundation() { return sim_.platform().foundation; }
     Dispatch& dispatch() { return sim_.platform().dispatch; }
     void stall(double seconds) { sim_.stall(seconds); }
-    void skip(double seconds) { sim_.stall(seconds); }
 
     std::unique_ptr<NSDateFormatter> formatter() { return foundation().dateFormatter(); }
     std::shared_ptr<const NSLocale> locale() { return foundation().currentLocale(); }
@@ -39,8 +38,7 @@ public:
         sim_.defaults().values[key] = text;
     }
     bool reopen() {
-        // Another start of the program: what was not synchronised is lost.
-        sim_.defaults().values = sim_.defaults().durableValues;
+        sim_.defaults().reopen();
         return true;
     }
 
@@ -72,7 +70,7 @@ public:
     std::shared_ptr<NSMenu> menu() { return sim_.platform().appKit.menu(); }
     std::vector<std::string> titles(NSMenu& menu) { return titlesOf(simMenu(menu)); }
     std::vector<std::string> submenuTitles(NSMenu& menu, std::size_t index) {
-        return titlesOf(simMenu(*simMenu(menu).items.at(index)->submenu));
+        return titlesOf(*simMenu(menu).items.at(index)->submenu);
     }
     void choose(NSMenu& menu, std::size_t index) { simMenu(menu).items.at(index)->choose(); }
 

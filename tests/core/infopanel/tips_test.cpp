@@ -1,11 +1,12 @@
-#include <algorithm>
-
+#include "core/infopanel/tip_pages.h"
 #include "tests/support/PanelTest.h"
 
 namespace vistrane {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 const std::string page1 =
     "  Benefit from the quality of modern professional cameras, time LAPSE movie making "
@@ -27,12 +28,10 @@ const std::string page3 =
     "terminated if the resolution of each frame image is too high, please be sure to use "
     "the auto preview function (5) or simply manually slide the preview bar before the "
     "final movie compiling.";
-const std::string page4 =
+const std::string page4Beginning =
     "Actually, you can copy your time-lapse photos to the project folder and use the "
     "compiling function only. Yes, it works, but for better result, please search app "
-    "named 'frameweave', 'stillreel' and 'Flipstep'.\n\n"
-    "The pictures of these tips were taken at the developer's own desk.\n\n"
-    "mantisQRX";
+    "named 'frameweave', 'stillreel' and 'Flipstep'.";
 
 class Tips : public PanelTest {
 protected:
@@ -40,67 +39,76 @@ protected:
     void next() { sim.nib().send("tipNext:"); }
     void previous() { sim.nib().send("tipPreverious:"); }
     void tick(NSInteger state) {
-        checkBox().currentState = state;
+        sim.nib().button("tipButton").currentState = state;
         sim.nib().send("tipButtonChanged:");
-    }
-    SimButton& checkBox() { return sim.nib().button("tipButton"); }
-    /// Wakes the panel. Returns whether the tips window came up.
-    bool opensAtStart() {
-        sim.takeCalls();
-        panel.awakeFromNib();
-        const auto calls = sim.takeCalls();
-        return std::count(calls.begin(), calls.end(), "tipWindow makeKeyAndOrderFront") == 1;
-    }
-    void expectPage(std::int32_t number, const std::string& text) {
-        const std::string digit = std::to_string(number);
-        EXPECT_EQ(panel.demoCount, number);
-        EXPECT_EQ(counter(), digit + " of 4");
-        EXPECT_EQ(pagePicture(), "tip" + digit + ".png");
-        EXPECT_EQ(pageText(), text);
     }
 };
 
 TEST_F(Tips, OpeningTakesItsStepsInOrder) {
     EXPECT_EQ(panel.demoCount, 0);
     open();
-    EXPECT_THAT(takeProcedure(sim, {"tipImage setImage", "picCount"}),
-                ElementsAre("tipButton setState: 0", "tipText setStringValue: " + page1,
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("tipButton setState: 0", "picCount setStringValue: 1 of 4",
+                            "tipImage setImage: tip1.png", "tipText setStringValue: " + page1,
                             "tipText setNeedsDisplay: YES", "tipImage setNeedsDisplay: YES",
                             "tipWindow makeKeyAndOrderFront"));
-    expectPage(1, page1);
+    EXPECT_EQ(panel.demoCount, 1);
 }
 
-TEST_F(Tips, TheButtonsGoThroughThePagesAndStopAtTheEnds) {
+TEST_F(Tips, AStepTakesItsStepsInOrder) {
     open();
+    sim.takeCalls();
+    next();
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("picCount setStringValue: 2 of 4", "tipImage setImage: tip2.png",
+                            "tipText setStringValue: " + page2, "tipText setNeedsDisplay: YES",
+                            "tipImage setNeedsDisplay: YES"));
     previous();
-    expectPage(1, page1);
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("picCount setStringValue: 1 of 4", "tipImage setImage: tip1.png",
+                            "tipText setStringValue: " + page1, "tipText setNeedsDisplay: YES",
+                            "tipImage setNeedsDisplay: YES"));
+}
+
+TEST_F(Tips, NextStopsAtTheLastPage) {
+    open();
     next();
-    expectPage(2, page2);
     next();
-    expectPage(3, page3);
-    next();
-    // At the ends the page is drawn again.
+    EXPECT_EQ(pagePicture(), "tip3.png");
+    EXPECT_EQ(pageText(), page3);
+    EXPECT_EQ(counter(), "3 of 4");
     for (int press = 0; press < 3; ++press) {
-        expectPage(4, page4);
-        sim.nib().textField("tipText").text.clear();
-        sim.takeCalls();
         next();
-        EXPECT_THAT(sim.takeCalls(), ::testing::IsSupersetOf({"tipText setNeedsDisplay: YES",
-                                                              "tipImage setNeedsDisplay: YES"}));
+        EXPECT_EQ(panel.demoCount, 4);
+        EXPECT_EQ(pagePicture(), "tip4.png");
+        EXPECT_EQ(counter(), "4 of 4");
     }
-    previous();
-    expectPage(3, page3);
+}
+
+TEST_F(Tips, PreviousStopsAtTheFirstPage) {
     open();
-    expectPage(1, page1);
+    sim.takeCalls();
+    previous();
+    EXPECT_EQ(panel.demoCount, 1);
+    EXPECT_EQ(counter(), "1 of 4");
+    // The page is drawn again all the same.
+    EXPECT_EQ(sim.takeCalls().size(), 5U);
+}
+
+TEST_F(Tips, TheLastPageClosesWithAPlaceAndASignature) {
+    EXPECT_THAT(tipPage(4).text, StartsWith(page4Beginning + "\n\n"));
+    EXPECT_GT(tipPage(4).text.size(), page4Beginning.size() + 10);
 }
 
 TEST_F(Tips, ANumberOutsideThePagesShowsTheEmptyPage) {
     for (const std::int32_t number : {0, 5, -1, 1000000}) {
         sim.nib().textField("tipText").text = "something";
         panel.demoCount = number;
+        sim.takeCalls();
         sim.nib().send("changePictures:");
-        EXPECT_EQ(pagePicture(), "tip5.png");
-        EXPECT_EQ(pageText(), "");
+        EXPECT_THAT(sim.takeCalls(),
+                    ElementsAre("tipImage setImage: tip5.png", "tipText setStringValue: ",
+                                "tipText setNeedsDisplay: YES", "tipImage setNeedsDisplay: YES"));
     }
 }
 
@@ -111,47 +119,72 @@ TEST_F(Tips, AMissingPictureLeavesThePageWithoutOne) {
     EXPECT_EQ(pageText(), page1);
 }
 
-TEST_F(Tips, TickingTheCheckBoxIsSavedAtOnce) {
+TEST_F(Tips, OpeningAgainStartsAtTheFirstPage) {
     open();
-    for (const NSInteger state : {1, 0}) {
-        tick(state);
-        EXPECT_EQ(panel.neverTip, state);
-        EXPECT_EQ(savedInteger("iTip"), state);
-    }
+    next();
+    next();
+    open();
+    EXPECT_EQ(counter(), "1 of 4");
+    EXPECT_EQ(pagePicture(), "tip1.png");
 }
 
-TEST_F(Tips, ClosingTheWindowSavesTheStateLastReadNotWhatTheCheckBoxShows) {
+TEST_F(Tips, TickingTheCheckBoxIsSavedAtOnce) {
+    open();
+    sim.takeCalls();
+    tick(1);
+    EXPECT_THAT(sim.takeCalls(), ElementsAre("standardUserDefaults setInteger: 1 forKey: iTip",
+                                             "standardUserDefaults synchronize"));
+    EXPECT_EQ(panel.neverTip, 1);
+    tick(0);
+    EXPECT_EQ(panel.neverTip, 0);
+    EXPECT_EQ(savedInteger("iTip"), 0);
+}
+
+TEST_F(Tips, ClosingTheWindowSavesTheStateAgain) {
     open();
     tick(1);
-    checkBox().currentState = 0;
-    sim.defaults().durableValues.clear();
+    // What counts is the state last read, not what the check box shows.
+    sim.nib().button("tipButton").currentState = 0;
+    sim.takeCalls();
     sim.nib().send("windowWillClose:");
-    EXPECT_EQ(savedInteger("iTip"), 1);
+    EXPECT_THAT(sim.takeCalls(), ElementsAre("standardUserDefaults setInteger: 1 forKey: iTip",
+                                             "standardUserDefaults synchronize"));
 }
 
 TEST_F(Tips, AFreshInstallationShowsThemWithTheCheckBoxOff) {
-    checkBox().currentState = 1;
-    EXPECT_TRUE(opensAtStart());
-    EXPECT_EQ(checkBox().currentState, 0);
+    sim.nib().button("tipButton").currentState = 1;
+    panel.awakeFromNib();
+    EXPECT_THAT(sim.calls(), ::testing::Contains("tipWindow makeKeyAndOrderFront"));
+    EXPECT_EQ(sim.nib().button("tipButton").currentState, 0);
 }
 
-TEST_F(Tips, OnceTickedTheyStayAwayUntilTheyAreOpenedByHandAndUnticked) {
+TEST_F(Tips, OnceTickedTheyStayAwayUntilTheyAreOpenedByHand) {
     sim.defaults().values["iTip"] = NSInteger{1};
-    EXPECT_FALSE(opensAtStart());
+    panel.awakeFromNib();
+    EXPECT_THAT(sim.calls(), ::testing::Not(::testing::Contains(StartsWith("tip"))));
     EXPECT_EQ(panel.demoCount, 0);
     open();
-    EXPECT_EQ(checkBox().currentState, 1);
+    EXPECT_EQ(sim.nib().button("tipButton").currentState, 1);
     EXPECT_EQ(counter(), "1 of 4");
+}
+
+TEST_F(Tips, UntickingAfterOpeningByHandTurnsThemOnAgain) {
+    sim.defaults().values["iTip"] = NSInteger{1};
+    wake();
+    open();
     tick(0);
     sim.nib().send("windowWillClose:");
-    EXPECT_TRUE(opensAtStart());
+    sim.takeCalls();
+    panel.awakeFromNib();
+    EXPECT_THAT(sim.calls(), ::testing::Contains("tipWindow makeKeyAndOrderFront"));
 }
 
 TEST_F(Tips, AnyOtherSettingThanOneShowsThem) {
     for (const NSInteger setting : {NSInteger{0}, NSInteger{2}, NSInteger{-1}}) {
         sim.defaults().values["iTip"] = setting;
-        EXPECT_TRUE(opensAtStart());
+        panel.awakeFromNib();
         EXPECT_EQ(panel.neverTip, setting);
+        EXPECT_THAT(sim.takeCalls(), ::testing::Contains("tipWindow makeKeyAndOrderFront"));
     }
 }
 

@@ -8,9 +8,9 @@ namespace {
 
 class MemoryProgram : public CommandLineTest {
 protected:
-    MemoryProgram() { options.timeout = std::chrono::minutes(18); }
+    MemoryProgram() { options.limit = std::chrono::minutes(18); }
 
-    /// The peak memory of a compile of that many frames, in KiB.
+    /// The most memory that a movie of so many frames takes, in KiB.
     long peakFor(int count) {
         FrameForm form;
         form.width = 1920;

@@ -28,18 +28,18 @@ TEST_F(QtResourcesTest, ANameMayHaveAnyEnding) {
     EXPECT_NE(resources_.imageNamed("play1.png"), nullptr);
 }
 
-TEST_F(QtResourcesTest, AnUnknownNameGivesNull) {
+TEST_F(QtResourcesTest, WhatThereIsNotIsNull) {
     for (const char* name : {"", ".", "..", "play", "play1/", "../pictures/play1", "\xff"}) {
         EXPECT_EQ(resources_.imageNamed(name), nullptr) << name;
     }
 }
 
-TEST_F(QtResourcesTest, AnIconIsSharpAtEverySize) {
+TEST_F(QtResourcesTest, AnIconIsCrispAtEverySize) {
     const QIcon icon = iconOf(*resources_.imageNamed("play1"));
     for (const int side : {16, 64, 512}) {
         EXPECT_EQ(icon.pixmap(QSize(side, side)).size(), QSize(side, side));
     }
-    // Drawn from vectors, not scaled up.
+    // Vectors, not a small picture made large.
     const QImage large = icon.pixmap(QSize(512, 512)).toImage();
     const QImage stretched = icon.pixmap(QSize(16, 16))
                                  .toImage()
@@ -109,7 +109,7 @@ TEST_F(QtImageTest, OnlyThePartThatIsAskedForIsDrawn) {
     EXPECT_EQ(canvas_.pixelColor(20, 38), QColor(Qt::blue));
 }
 
-TEST_F(QtImageTest, AFractionIsTheOpacity) {
+TEST_F(QtImageTest, AFractionLetsTheGroundShineThrough) {
     draw([&] {
         picture_.drawInRect({{0.0, 0.0}, {40.0, 40.0}}, NSZeroRect,
                             NSCompositingOperationSourceOver, 0.5);

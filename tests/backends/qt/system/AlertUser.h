@@ -9,18 +9,18 @@
 
 namespace vistrane {
 
-/// The open dialog of an alert; null without one.
+/// The dialog of an alert that is open; null without one.
 QDialog* openAlert();
 
-/// Sends that key to the dialog's focused widget.
+/// Presses that key, as a user does, in the dialog.
 void pressKey(QDialog& dialog, Qt::Key key);
 
-/// Waits for alerts and answers them. One instance, on the main thread.
+/// Waits for alerts and answers them. One for the main thread.
 class AlertUser {
 public:
     AlertUser();
 
-    /// Calls `act` once, that many seconds after the next dialog has been shown.
+    /// Called once, so many seconds after the next dialog has come up.
     void withNext(double seconds, std::function<void(QDialog&)> act);
     void pressButton(int button, double seconds);
 

@@ -1,14 +1,17 @@
 #include "backends/qt/system/SleepInhibitor.h"
 
+#include <functional>
+
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
-#include <QTest>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "tests/support/FakeServices.h"
+#include "backends/posix/clock.h"
+#include "backends/qt/system/QtRunLoop.h"
+#include "tests/backends/qt/system/FakeServices.h"
 
 namespace vistrane {
 namespace {
@@ -23,15 +26,16 @@ class SleepInhibitorTest : public ::testing::Test {
 protected:
     ~SleepInhibitorTest() override { services_.reset(); }
 
-    template <typename Condition>
-    static bool waitFor(Condition condition) {
-        constexpr int timeoutMilliseconds = 60000;
-        return QTest::qWaitFor(condition, timeoutMilliseconds);
+    bool runUntil(const std::function<bool()>& done) {
+        for (int step = 0; step < 6000 && !done(); ++step) {
+            loop_.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.01});
+        }
+        return done();
     }
-    bool waitUntilCalled(const std::string& call, int times = 1) {
-        return waitFor([&] { return services_.countOf(call) >= times; });
+    bool runUntilCalled(const std::string& call, int times = 1) {
+        return runUntil([&] { return services_.countOf(call) >= times; });
     }
-    static void waitShortly() { QTest::qWait(50); }
+    void runShortly() { loop_.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.05}); }
 
     void offerPortal() {
         services_.offer("org.freedesktop.portal.Desktop");
@@ -44,6 +48,7 @@ protected:
         services_.answer("org.freedesktop.ScreenSaver.UnInhibit", {});
     }
 
+    QtRunLoop loop_;
     FakeServices& services_ = FakeServices::shared();
     std::vector<std::string> log_;
     SleepInhibitor inhibitor_{[this](const std::string& line) { log_.push_back(line); }};
@@ -53,46 +58,46 @@ TEST_F(SleepInhibitorTest, AsksThePortalAndEndsItsRequest) {
     offerPortal();
     inhibitor_.setActive(true);
     inhibitor_.setActive(true);
-    EXPECT_TRUE(waitUntilCalled("portal.Inhibit"));
-    waitShortly();
+    EXPECT_TRUE(runUntilCalled("portal.Inhibit"));
+    runShortly();
     inhibitor_.setActive(false);
-    EXPECT_TRUE(waitUntilCalled("Close"));
+    EXPECT_TRUE(runUntilCalled("Close"));
     EXPECT_EQ(services_.countOf("portal.Inhibit"), 1);
     EXPECT_EQ(services_.countOf("/request/1 org.freedesktop.portal.Request.Close()"), 1);
     EXPECT_THAT(log_, ElementsAre());
 }
 
-TEST_F(SleepInhibitorTest, AsksTheLoginManagerNextAndReleasesItsLock) {
+TEST_F(SleepInhibitorTest, AsksTheLoginManagerNextAndLetsGoOfItsLock) {
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
     services_.offer("org.freedesktop.login1");
     services_.answer(loginInhibit, {QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))});
     ::close(ends[1]);
     inhibitor_.setActive(true);
-    EXPECT_TRUE(waitUntilCalled("login1.Manager.Inhibit(sleep:idle, Vistrane"));
-    waitShortly();
+    EXPECT_TRUE(runUntilCalled("login1.Manager.Inhibit(sleep:idle, Vistrane"));
+    runShortly();
     services_.answer(loginInhibit, {});
     char byte = 0;
     EXPECT_EQ(::read(ends[0], &byte, 1), -1) << "the lock is held";
     inhibitor_.setActive(false);
-    EXPECT_TRUE(waitFor([&] { return ::read(ends[0], &byte, 1) == 0; })) << "the lock is free";
+    EXPECT_TRUE(runUntil([&] { return ::read(ends[0], &byte, 1) == 0; })) << "the lock is free";
     ::close(ends[0]);
 }
 
 TEST_F(SleepInhibitorTest, AsksTheScreenSaverLast) {
     offerScreenSaver();
     inhibitor_.setActive(true);
-    EXPECT_TRUE(waitUntilCalled("ScreenSaver.Inhibit"));
-    waitShortly();
+    EXPECT_TRUE(runUntilCalled("ScreenSaver.Inhibit"));
+    runShortly();
     inhibitor_.setActive(false);
-    EXPECT_TRUE(waitUntilCalled("ScreenSaver.UnInhibit(4711)"));
+    EXPECT_TRUE(runUntilCalled("ScreenSaver.UnInhibit(4711)"));
 }
 
-TEST_F(SleepInhibitorTest, AnInhibitionThatIsGrantedTooLateIsReleased) {
+TEST_F(SleepInhibitorTest, WhatIsGrantedTooLateIsGivenBack) {
     offerPortal();
     inhibitor_.setActive(true);
     inhibitor_.setActive(false);
-    EXPECT_TRUE(waitUntilCalled("Close"));
+    EXPECT_TRUE(runUntilCalled("Close"));
     EXPECT_FALSE(inhibitor_.isActive());
 }
 
@@ -100,19 +105,19 @@ TEST_F(SleepInhibitorTest, CapturingThatStartsAgainAsksAgain) {
     offerPortal();
     for (int times = 1; times <= 2; ++times) {
         inhibitor_.setActive(true);
-        EXPECT_TRUE(waitUntilCalled("portal.Inhibit", times));
-        waitShortly();
+        EXPECT_TRUE(runUntilCalled("portal.Inhibit", times));
+        runShortly();
         inhibitor_.setActive(false);
-        EXPECT_TRUE(waitUntilCalled("Close", times));
+        EXPECT_TRUE(runUntilCalled("Close", times));
     }
 }
 
-TEST_F(SleepInhibitorTest, ALackOfServicesIsLoggedOnce) {
+TEST_F(SleepInhibitorTest, ThatNobodyAnswersIsToldOnce) {
     inhibitor_.setActive(true);
-    EXPECT_TRUE(waitFor([&] { return !log_.empty(); }));
+    EXPECT_TRUE(runUntil([&] { return !log_.empty(); }));
     inhibitor_.setActive(false);
     inhibitor_.setActive(true);
-    waitShortly();
+    runShortly();
     EXPECT_EQ(log_.size(), 1U);
 }
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "backends/posix/GlobalQueue.h"
+#include "backends/qt/system/QtRunLoop.h"
+#include "platform/dispatch/Dispatch.h"
+
+namespace vistrane {
+
+/// The run loop's main queue, and one thread for the global queue. What `GlobalQueue` says of its
+/// end holds for this object as well.
+class QtDispatch final : public Dispatch {
+public:
+    explicit QtDispatch(QtRunLoop& loop) : loop_(loop) {}
+
+    /// One queue, whatever the priority.
+    DispatchQueue& dispatch_get_global_queue(std::intptr_t, std::uintptr_t) override {
+        return globalQueue_;
+    }
+    DispatchQueue& dispatch_get_main_queue() override { return loop_.mainQueue(); }
+
+private:
+    QtRunLoop& loop_;
+    GlobalQueue globalQueue_;
+};
+
+} // namespace vistrane
