@@ -7,7 +7,7 @@ namespace vistrane::bench {
 
 namespace {
 
-/// Quick and the same everywhere.
+/// Fast, and the same on every system.
 class Random {
 public:
     explicit Random(std::uint64_t seed) : state_(seed * 2 + 1) {}
@@ -19,7 +19,7 @@ public:
 
     int below(int limit) { return static_cast<int>(next() % static_cast<std::uint32_t>(limit)); }
 
-    /// Nearly normal, with a deviation of about 2.3.
+    /// Roughly normal, with a standard deviation of about 3.2.
     int sensorNoise() {
         const std::uint32_t bits = next();
         const int sum = static_cast<int>((bits & 7U) + (bits >> 3 & 7U));
@@ -51,7 +51,7 @@ void drawGradient(SamplePicture& picture, unsigned frame) {
     }
 }
 
-/// A sky, a ground and round things before them, all with the noise of a sensor.
+/// A sky and a ground with waves of light, and sensor noise.
 void drawScene(SamplePicture& picture, unsigned frame) {
     Random random(frame + 1);
     const double horizon = picture.height * 0.55;
@@ -80,7 +80,7 @@ void fill(SamplePicture& picture, int left, int top, int width, int height, std:
     }
 }
 
-/// Lines of letters, each a pattern of 5 x 7 dots of which there are 26.
+/// Lines of letters: 26 patterns of 5 x 7 dots.
 void drawText(SamplePicture& picture, int left, int top, int width, int height, Random& random) {
     for (int y = top; y + 14 <= top + height; y += 18) {
         for (int x = left; x + 10 <= left + width * (60 + random.below(40)) / 100; x += 10) {

@@ -6,7 +6,7 @@
 
 namespace vistrane::bench {
 
-/// Pixels of a made-up picture, three bytes each, rows without gaps.
+/// A generated picture: pixels of three bytes, rows without gaps.
 struct SamplePicture {
     std::string kind;
     std::uint32_t width = 0;
@@ -14,11 +14,10 @@ struct SamplePicture {
     std::vector<std::uint8_t> rgb;
 };
 
-/// noise: a scene as a camera delivers it. gradient: smooth ones. screen: windows with text.
-/// flat: one colour.
+/// noise: a scene with sensor noise. gradient: smooth. screen: windows with text. flat: one colour.
 inline const std::vector<std::string> sampleKinds = {"noise", "gradient", "screen", "flat"};
 
-/// The same picture each time. `frame` moves what is in it, as from frame to frame of a movie.
+/// The same picture in every run. `frame` moves its content, as from frame to frame of a movie.
 SamplePicture samplePicture(const std::string& kind, std::uint32_t width, std::uint32_t height,
                             unsigned frame = 0);
 

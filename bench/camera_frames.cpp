@@ -1,8 +1,8 @@
-// camera_frames FOLDER COUNT WIDTH HEIGHT [ours|libpng]: writes the frames of a time-lapse as a
-// camera sees it: a still ground with detail of every size, clouds that drift above it, light that
-// changes slowly, and the noise of a sensor. The same frames on every machine.
+// Writes generated time-lapse frames: camera_frames FOLDER COUNT WIDTH HEIGHT [ours|libpng]
 //
-// They are PNG files by this program's own writer or by libpng with its default settings.
+// They show a still ground with detail of every size, drifting clouds, slowly changing light, and
+// sensor noise, the same on every machine. The PNG files are written by this program's own encoder
+// or by libpng with its defaults.
 
 #include <algorithm>
 #include <array>
@@ -15,10 +15,9 @@
 #include <png.h>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
-#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/PictureSource.h"
 #include "backends/pictures/png_encoding.h"
 
@@ -104,8 +103,7 @@ private:
     std::vector<float> values_;
 };
 
-/// The scene without noise. Sizes are told in parts of the height, so that it looks the same at
-/// any size.
+/// The scene without noise. Lengths are in units of the height, so it looks the same in every size.
 class Scene {
 public:
     std::array<float, 3> color(double x, double y, std::size_t index) const {
@@ -224,17 +222,13 @@ bool writeFile(const std::string& path, const void* bytes, std::size_t count) {
 
 bool writeOurs(const std::string& path, const std::vector<std::uint8_t>& pixels, std::size_t width,
                std::size_t height) {
-    const std::string head =
-        "P6\n" + std::to_string(width) + " " + std::to_string(height) + "\n255\n";
-    ByteArray file;
-    if (!file.append({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()}) ||
-        !file.append(pixels)) {
+    auto copy = ByteArray::copyOf(pixels);
+    if (!copy) {
         return false;
     }
-    const auto picture =
-        pictureFromPpm(std::make_shared<DataBytes>(std::move(file)), path, PictureLimits());
-    const auto* source = std::get_if<std::shared_ptr<const PictureSource>>(&picture);
-    const auto png = source != nullptr ? encodePng(**source) : std::nullopt;
+    const PictureShape shape{static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
+                             std::nullopt, false};
+    const auto png = encodePng(DecodedPicture(shape, path, std::move(*copy)));
     return png && writeFile(path, png->bytes().data(), png->bytes().size());
 }
 

@@ -1,4 +1,4 @@
-// The peer of the program's start: a window with nothing in it, up to its first event.
+// The peer of the program's start: an empty window. Ends when it is exposed.
 
 #include <cstdlib>
 

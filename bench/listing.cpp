@@ -1,19 +1,16 @@
-// Ticks of the frame list beside what else lists a folder: listing_bench [--short] [--cpu] [FOLDER]
+// Ticks of the frame list and other ways to list a folder: listing_bench [--short] [--cpu] [FOLDER]
 //
-// A tick is the controller's own, on the real file system and the real collation, with controls
-// and pictures that cost nothing. It takes turns with its peer:
+// A tick is the controller's own, with the real file system and collation, and with controls and
+// pictures that cost nothing. It takes turns with its peer:
 //   quiet-tick     nothing has changed; the peer reads the folder with readdir
-//   quiet-tick-longest  the longest of these, beside the 100 ms after which the next one is due
-//   new-frame-tick one frame has come; the same peer
+//   quiet-tick-longest  the longest of these; the peer is 100 ms, when the next one is due
+//   new-frame-tick one frame is new; the peer is that of quiet-tick
 //   first-listing  a controller's first tick; QDir lists and QCollator compares
 //   first-listing  kind "sort-keys": the same, sorted by QCollator's keys
-//   kept-bytes     no times but thousands of bytes that stay in use: ours, and QDir's list
-// One line for each:
-//   name  kind  size  ours_ms  peer_ms  ratio  spread
-// with tabs between. Times are medians, the ratio is the median of the turns' ratios, and the
-// spread is the distance of its quartiles. The folders are made in FOLDER, else in the folder for
-// temporary files, and taken away. --short leaves out a million names. --cpu counts processor time
-// instead of time, for a machine that others are using.
+//   kept-bytes     not times but thousands of bytes that stay in use: ours, and QDir's list
+// Each is a row as `printTurns` prints it. The folders are made in FOLDER, or in the folder for
+// temporary files, and removed. --short leaves out a million names. --cpu measures processor time,
+// for a machine that others are using.
 
 #include <QCollator>
 #include <QCollatorSortKey>
@@ -21,7 +18,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -39,6 +35,7 @@
 
 #include "backends/sim/Sim.h"
 #include "bench/RealFiles.h"
+#include "bench/measuring.h"
 #include "core/app/AppDelegate.h"
 
 namespace vistrane::bench {
@@ -47,68 +44,33 @@ namespace {
 
 constexpr int turns = 9;
 
-void require(bool holds, const std::string& what) {
-    if (!holds) {
-        std::fprintf(stderr, "listing_bench: %s\n", what.c_str());
-        std::exit(1);
-    }
-}
+double (*measuredClock)() = milliseconds;
 
-clockid_t measuredClock = CLOCK_MONOTONIC;
-
-double milliseconds() {
-    timespec time{};
-    clock_gettime(measuredClock, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-double timeOf(const std::function<void()>& work) {
-    const double started = milliseconds();
-    work();
-    return milliseconds() - started;
-}
-
-double quantile(std::vector<double> values, double part) {
-    std::sort(values.begin(), values.end());
-    return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1))];
-}
-
-void print(const char* name, const char* kind, std::size_t size, double our, double their,
-           double ratio, double spread) {
-    std::printf("%s\t%s\t%zu\t%.3f\t%.3f\t%.3f\t%.3f\n", name, kind, size, our, their, ratio,
-                spread);
-    std::fflush(stdout);
-}
-
-/// One turn of both sides: what is done before it is not measured.
+/// One turn of both sides. `before` is not measured.
 struct Pair {
     std::function<void()> before;
     std::function<void()> ours;
     std::function<void()> peer;
 };
 
-/// The longest time of ours.
+/// Prints a row and returns the longest time of ours.
 double compare(const char* name, const char* kind, std::size_t size, const Pair& pair) {
-    std::vector<double> our;
-    std::vector<double> their;
-    std::vector<double> ratios;
+    Turns taken;
     for (int turn = 0; turn < turns; ++turn) {
         pair.before();
-        our.push_back(timeOf(pair.ours));
-        their.push_back(timeOf(pair.peer));
-        ratios.push_back(our.back() / their.back());
+        taken.ours.push_back(timeOf(pair.ours, measuredClock));
+        taken.peer.push_back(timeOf(pair.peer, measuredClock));
     }
-    print(name, kind, size, quantile(our, 0.5), quantile(their, 0.5), quantile(ratios, 0.5),
-          quantile(ratios, 0.75) - quantile(ratios, 0.25));
-    return quantile(our, 1.0);
+    printTurns({name, kind, std::to_string(size)}, taken);
+    return quantile(taken.ours, 1.0);
 }
 
-/// A folder of frames, named by the second, that goes away with it.
+/// A folder of frames, named by the second. It is removed with this object.
 class Folder {
 public:
     explicit Folder(const std::string& parent) {
         path_ = parent + "/vistrane-listing-XXXXXX";
-        require(mkdtemp(path_.data()) != nullptr, "no folder can be made in " + parent);
+        require(mkdtemp(path_.data()) != nullptr, "cannot make a folder in " + parent);
     }
     ~Folder() {
         std::error_code ignored;
@@ -128,7 +90,7 @@ public:
             char name[64];
             std::strftime(name, sizeof name, "/%y-%m-%d-%H-%M-%S.png", &parts);
             const int file = open((path_ + name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-            require(file >= 0, "no file can be made in " + path_);
+            require(file >= 0, "cannot make a file in " + path_);
             close(file);
         }
     }
@@ -165,7 +127,7 @@ private:
     AppDelegate delegate_{platform()};
 };
 
-/// The peer of the ticks: how many entries there are.
+/// The peer of the ticks: counts the entries.
 std::size_t readWithReaddir(const std::string& path) {
     DIR* folder = opendir(path.c_str());
     require(folder != nullptr, "the folder cannot be read");
@@ -214,10 +176,10 @@ QStringList sortedByQCollatorsKeys(const std::string& path) {
 
 void requireSame(const std::string& folder, const std::vector<std::string>& ours,
                  const QStringList& theirs) {
-    require(ours.size() == static_cast<std::size_t>(theirs.size()), "another number of frames");
+    require(ours.size() == static_cast<std::size_t>(theirs.size()), "the numbers of frames differ");
     for (std::size_t at = 0; at < ours.size(); ++at) {
         require(ours[at] == folder + "/" + theirs[static_cast<qsizetype>(at)].toStdString(),
-                "another order");
+                "the orders differ");
     }
 }
 
@@ -234,8 +196,8 @@ void measureMemory(const Folder& folder) {
     before = bytesInUse();
     const QStringList names = sortedWithQCollator(folder.path());
     const double theirs = bytesInUse() - before;
-    print("kept-bytes", "stamps", static_cast<std::size_t>(names.size()), ours / 1e3, theirs / 1e3,
-          ours / theirs, 0.0);
+    printTurns({"kept-bytes", "stamps", std::to_string(names.size())},
+               {{ours / 1e3}, {theirs / 1e3}});
 }
 
 void measure(const std::string& parent, std::size_t count) {
@@ -250,9 +212,9 @@ void measure(const std::string& parent, std::size_t count) {
     const auto tick = [&] { controller.tick(); };
     constexpr double untilTheNext = 100.0;
     const double longest = compare("quiet-tick", "stamps", count, {nothing, tick, readdirLoop});
-    print("quiet-tick-longest", "stamps", count, longest, untilTheNext, longest / untilTheNext,
-          0.0);
-    require(entries == controller.frames().size() + 2, "another number of names");
+    printTurns({"quiet-tick-longest", "stamps", std::to_string(count)},
+               {{longest}, {untilTheNext}});
+    require(entries == controller.frames().size() + 2, "the numbers of names differ");
 
     std::unique_ptr<Controller> fresh;
     QStringList theirs;
@@ -282,7 +244,7 @@ int run(int count, char** arguments) {
         if (std::string_view(arguments[at]) == "--short") {
             sizes.pop_back();
         } else if (std::string_view(arguments[at]) == "--cpu") {
-            measuredClock = CLOCK_PROCESS_CPUTIME_ID;
+            measuredClock = processorMilliseconds;
         } else {
             parent = arguments[at];
         }

@@ -5,32 +5,41 @@
 
 namespace vistrane::bench {
 
-/// Since some moment, of a clock that never goes back.
+/// Of a clock that never goes back.
 double milliseconds();
+/// The processor time of this process.
+double processorMilliseconds();
 
-/// `part` from 0 to 1; 0.5 is the median. Of no values: 0.
+template <typename Work>
+double timeOf(const Work& work, double (*clock)() = milliseconds) {
+    const double started = clock();
+    work();
+    return clock() - started;
+}
+
+/// `part`: 0 to 1, 0.5 for the median. 0 of no values.
 double quantile(std::vector<double> values, double part);
 
-/// What a line of the table is about.
+/// The first columns of a row.
 struct Label {
     std::string name;
     std::string kind;
     std::string size;
 };
 
-/// What both sides took, turn by turn.
+/// The numbers of both sides, turn by turn.
 struct Turns {
     std::vector<double> ours;
     std::vector<double> peer;
 };
 
-/// Prints the line of those turns to standard output:
+/// Prints a row to standard output, separated by tabs:
 ///   name  kind  size  ours  peer  ratio  spread
-/// with tabs between. The first numbers are medians, the ratio is the median of the turns' ratios,
-/// and the spread is the distance of its quartiles.
+/// `ours` and `peer` are medians, `ratio` is the median of the turns' ratios, and `spread` the
+/// distance of its quartiles.
 void printTurns(const Label& label, const Turns& turns);
 
-/// Ends the program with `what` unless it holds.
+/// Exits with the message `what` unless `holds`.
 void require(bool holds, const std::string& what);
 
 } // namespace vistrane::bench

@@ -1,122 +1,42 @@
-// Reading and writing PNG files beside libpng and QImage: png_bench [--short] [WORD...]
+// Reads and writes PNG files with this program and its peers: png_bench [--short] [WORD...]
 //
-// Ours and the peer take turns, and both results are compared. One line for each pair:
-//   name  kind  size  ours_ms  peer_ms  ratio  spread
-// with tabs between. Times are the processor's, so that other work on the machine shows little, and
-// medians; all of this runs on one thread. The ratio is the median of the turns' ratios, and the
-// spread the distance of its quartiles. Of names that end in "-bytes" the two numbers are file
-// lengths in thousands of bytes. WORD picks the lines whose name, kind or size has it. --short
-// leaves out what takes very long.
-
-#include <png.h>
+// Ours and the peer take turns, and both results are compared. Each pair is a row as `printTurns`
+// prints it, in milliseconds of processor time: other work on the machine matters little, and all
+// of this runs on one thread. Of rows whose name ends in "-bytes" the numbers are file lengths in
+// thousands of bytes. WORD selects rows by a part of their name, kind or size; --short leaves out
+// what takes very long.
 
 #include <QBuffer>
 #include <QImage>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <functional>
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/PictureSource.h"
 #include "backends/pictures/png_encoding.h"
-#include "backends/pictures/ppm.h"
 #include "bench/SamplePictures.h"
+#include "bench/measuring.h"
+#include "bench/png_peers.h"
 
 namespace vistrane::bench {
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 constexpr int turns = 7;
 
-void require(bool holds, const char* what) {
-    if (!holds) {
-        std::fprintf(stderr, "png_bench: %s\n", what);
-        std::exit(1);
-    }
-}
-
-// libpng as its manual has it: errors end the program.
-
-struct Source {
-    std::span<const std::uint8_t> left;
-};
-
-void giveBytes(png_structp png, png_bytep to, std::size_t length) {
-    auto* source = static_cast<Source*>(png_get_io_ptr(png));
-    if (length > source->left.size()) {
-        png_error(png, "end");
-    }
-    std::memcpy(to, source->left.data(), length);
-    source->left = source->left.subspan(length);
-}
-
-void readByLibpng(const Bytes& file, Bytes& rgba) {
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    Source source{file};
-    png_set_read_fn(png, &source, giveBytes);
-    png_read_info(png, info);
-    png_set_expand(png);
-    png_set_gray_to_rgb(png);
-    png_set_filler(png, 0xFF, PNG_FILLER_AFTER);
-    png_read_update_info(png, info);
-    const std::size_t stride = png_get_rowbytes(png, info);
-    for (std::size_t y = 0; y < png_get_image_height(png, info); ++y) {
-        png_read_row(png, rgba.data() + y * stride, nullptr);
-    }
-    png_read_end(png, nullptr);
-    png_destroy_read_struct(&png, &info, nullptr);
-}
-
-void takeBytes(png_structp png, png_bytep bytes, std::size_t length) {
-    auto* file = static_cast<Bytes*>(png_get_io_ptr(png));
-    file->insert(file->end(), bytes, bytes + length);
-}
-
-void flushNothing(png_structp) {}
-
-/// Level -1: the library's defaults. Else one simple filter.
-Bytes writeByLibpng(const SamplePicture& picture, int level) {
-    Bytes file;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    png_set_write_fn(png, &file, takeBytes, flushNothing);
-    png_set_IHDR(png, info, picture.width, picture.height, 8, PNG_COLOR_TYPE_RGB,
-                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    if (level >= 0) {
-        png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_UP);
-        png_set_compression_level(png, level);
-        png_set_compression_buffer_size(png, std::size_t{1} << 18);
-    }
-    png_write_info(png, info);
-    for (std::size_t y = 0; y < picture.height; ++y) {
-        png_write_row(png, picture.rgb.data() + y * picture.width * 3);
-    }
-    png_write_end(png, info);
-    png_destroy_write_struct(&png, &info);
-    return file;
-}
-
-std::shared_ptr<const PictureSource> sourceOf(const Bytes& file) {
-    auto data = DataBytes::copyOf(file);
-    auto png = pictureFromPng(data, "bench", PictureLimits());
-    if (auto* found = std::get_if<0>(&png)) {
-        return *found;
-    }
-    auto raw = pictureFromPpm(data, "bench", PictureLimits());
-    require(raw.index() == 0, "a picture of our own is refused");
-    return std::get<0>(raw);
+std::unique_ptr<const PictureSource> sourceOf(const SamplePicture& picture) {
+    auto pixels = ByteArray::copyOf(picture.rgb);
+    require(pixels.has_value(), "there is no memory for a picture");
+    return std::make_unique<DecodedPicture>(
+        PictureShape{picture.width, picture.height, std::nullopt, false}, "bench",
+        std::move(*pixels));
 }
 
 void readByUs(const std::shared_ptr<const NSData>& file, Bytes& rgba) {
@@ -128,43 +48,20 @@ void readByUs(const std::shared_ptr<const NSData>& file, Bytes& rgba) {
             "a file cannot be decoded");
 }
 
-double milliseconds() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+bool matches(const Label& label, const std::vector<std::string>& words) {
+    const std::string all = label.name + " " + label.kind + " " + label.size;
+    return std::all_of(words.begin(), words.end(), [&](const std::string& word) {
+        return all.find(word) != std::string::npos;
+    });
 }
-
-double timeOf(const std::function<void()>& work) {
-    const double started = milliseconds();
-    work();
-    return milliseconds() - started;
-}
-
-double quantile(std::vector<double> values, double part) {
-    std::sort(values.begin(), values.end());
-    return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1) + 0.5)];
-}
-
-struct Label {
-    std::string name;
-    std::string kind;
-    std::string size;
-
-    bool matches(const std::vector<std::string>& words) const {
-        const std::string all = name + " " + kind + " " + size;
-        return std::all_of(words.begin(), words.end(), [&](const std::string& word) {
-            return all.find(word) != std::string::npos;
-        });
-    }
-};
 
 class Table {
 public:
     explicit Table(std::vector<std::string> words) : words_(std::move(words)) {}
 
-    bool wants(const Label& label) const { return label.matches(words_); }
+    bool wants(const Label& label) const { return matches(label, words_); }
 
-    /// Saves making pictures that no line is printed of.
+    /// Whether any row of these pictures is asked for, which take a while to make.
     bool wantsAnyOf(const std::string& kind, const std::string& size) const {
         return std::all_of(words_.begin(), words_.end(), [&](const std::string& word) {
             const bool isKind =
@@ -180,34 +77,23 @@ public:
             return;
         }
         ours();
-        std::vector<double> our;
-        std::vector<double> their;
-        std::vector<double> ratios;
+        Turns taken;
         for (int turn = 0; turn < turns; ++turn) {
-            our.push_back(timeOf(ours));
-            their.push_back(timeOf(peer));
-            ratios.push_back(our.back() / their.back());
+            taken.ours.push_back(timeOf(ours, processorMilliseconds));
+            taken.peer.push_back(timeOf(peer, processorMilliseconds));
         }
-        print(label, quantile(our, 0.5), quantile(their, 0.5), quantile(ratios, 0.5),
-              quantile(ratios, 0.75) - quantile(ratios, 0.25));
+        printTurns(label, taken);
     }
 
     void compareLengths(Label label, std::size_t our, std::size_t their) const {
         label.name += "-bytes";
         if (wants(label)) {
-            const auto ours = static_cast<double>(our);
-            const auto theirs = static_cast<double>(their);
-            print(label, ours / 1e3, theirs / 1e3, ours / theirs, 0.0);
+            printTurns(label,
+                       {{static_cast<double>(our) / 1e3}, {static_cast<double>(their) / 1e3}});
         }
     }
 
 private:
-    static void print(const Label& label, double our, double their, double ratio, double spread) {
-        std::printf("%s\t%s\t%s\t%.3f\t%.3f\t%.3f\t%.3f\n", label.name.c_str(), label.kind.c_str(),
-                    label.size.c_str(), our, their, ratio, spread);
-        std::fflush(stdout);
-    }
-
     std::vector<std::string> words_;
 };
 
@@ -243,10 +129,20 @@ void compareLoading(const Table& table, const SamplePicture& picture, const Byte
                   [&] { readByLibpng(file, their); });
     table.compare({"load-" + writer + "-qimage", picture.kind, size}, ours,
                   [&] { loadWithQImage(file, image); });
+    table.compare({"load-" + writer + "-isal", picture.kind, size}, ours,
+                  [&] { readByUsWithIsal(file, their); });
+    table.compare({"load-" + writer + "-libdeflate", picture.kind, size}, ours,
+                  [&] { readByUsWithLibdeflate(file, their); });
     ours();
     checkPixels(picture, our);
     readByLibpng(file, their);
     require(our == their, "libpng reads other pixels");
+    their.assign(their.size(), 0);
+    readByUsWithIsal(file, their);
+    require(our == their, "isa-l yields other pixels");
+    their.assign(their.size(), 0);
+    readByUsWithLibdeflate(file, their);
+    require(our == their, "libdeflate yields other pixels");
     loadWithQImage(file, image);
     require(isSame(image.convertToFormat(QImage::Format_RGBA8888), our),
             "QImage reads other pixels");
@@ -268,10 +164,7 @@ QByteArray saveWithQImage(const QImage& image) {
 
 void compareSaving(const Table& table, const SamplePicture& picture, const std::string& size,
                    bool everything) {
-    const std::string head = ppmHead(picture.width, picture.height);
-    Bytes raw(head.begin(), head.end());
-    raw.insert(raw.end(), picture.rgb.begin(), picture.rgb.end());
-    const auto source = sourceOf(raw);
+    const auto source = sourceOf(picture);
     std::size_t our = 0;
     std::size_t their = 0;
     const auto ours = [&] { our = encodePng(*source)->length(); };
@@ -300,6 +193,24 @@ void compareSaving(const Table& table, const SamplePicture& picture, const std::
     checkPixels(picture, rgba);
 }
 
+/// Files that take long to read for what is in them.
+void compareHostile(const Table& table) {
+    for (const std::string& kind : hostileKinds) {
+        for (const std::size_t length : {300'000U, 3'000'000U}) {
+            const Label label{"hostile", kind, std::to_string(length)};
+            if (table.wants(label)) {
+                const Bytes file = hostileFile(kind, length);
+                const auto data = DataBytes::copyOf(file);
+                Bytes our(4);
+                Bytes their(4);
+                table.compare(
+                    label, [&] { readByUs(data, our); }, [&] { readByLibpng(file, their); });
+                require(our == their, "libpng reads another pixel");
+            }
+        }
+    }
+}
+
 void compareAll(const Table& table, bool everything) {
     constexpr std::pair<std::uint32_t, std::uint32_t> sizes[] = {
         {640, 480}, {1920, 1080}, {3840, 2160}};
@@ -310,10 +221,8 @@ void compareAll(const Table& table, bool everything) {
                 continue;
             }
             const SamplePicture picture = samplePicture(kind, width, height);
-            const std::string head = ppmHead(width, height);
-            Bytes raw(head.begin(), head.end());
-            raw.insert(raw.end(), picture.rgb.begin(), picture.rgb.end());
-            compareLoading(table, picture, encodeByUs(*sourceOf(raw)), "ours", size);
+
+            compareLoading(table, picture, encodeByUs(*sourceOf(picture)), "ours", size);
             compareLoading(table, picture, writeByLibpng(picture, -1), "defaults", size);
             compareSaving(table, picture, size, everything);
         }
@@ -326,11 +235,13 @@ void compareAll(const Table& table, bool everything) {
 
 int main(int count, char** arguments) {
     std::vector<std::string> words(arguments + 1, arguments + count);
-    const auto asked = std::find(words.begin(), words.end(), "--short");
-    const bool everything = asked == words.end();
+    const auto isShort = std::find(words.begin(), words.end(), "--short");
+    const bool everything = isShort == words.end();
     if (!everything) {
-        words.erase(asked);
+        words.erase(isShort);
     }
-    vistrane::bench::compareAll(vistrane::bench::Table(words), everything);
+    const vistrane::bench::Table table(words);
+    vistrane::bench::compareAll(table, everything);
+    vistrane::bench::compareHostile(table);
     return 0;
 }

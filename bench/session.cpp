@@ -1,17 +1,15 @@
-// The program in its window, driven from within, on a display that nobody sees:
+// Runs the program in its window on a virtual display, and works its controls from the inside:
 //
-//   session_bench start FOLDER             ends when the window is seen and takes events
-//   session_bench launch FOLDER            ends when the start is over: with the settings in the
-//                                          controls and the cameras in their list
-//   session_bench compile FOLDER FPS       from the click to the whole movie
+//   session_bench start FOLDER             ends when the window is exposed and handles events
+//   session_bench launch FOLDER            ends when the settings are in the controls and the
+//                                          cameras in their list
+//   session_bench compile FOLDER FPS       from the click to the finished movie
 //   session_bench compile-alone FOLDER FPS the same without a window
-//   session_bench play FOLDER              between two frames that were painted, at 60 a second
+//   session_bench play FOLDER              from frame to frame, as painted, at 60 a second
 //   session_bench capture FOLDER SECONDS   with the first camera, a still at each interval of the
-//                                          settings: the longest time that an event waited for
-//                                          its answer
+//                                          settings: the longest that an event waited
 //
-// What was measured is printed in milliseconds; of "start" and "launch" the process itself is to be
-// timed.
+// Prints the measurement in milliseconds; for "start" and "launch" the caller times the process.
 
 #include <atomic>
 #include <chrono>
@@ -66,7 +64,7 @@ Widget& control(const char* name) {
     std::abort();
 }
 
-/// Looks every few milliseconds, until it is so.
+/// Polls `condition` and then calls `then`. `period`: in milliseconds.
 void when(const std::function<bool()>& condition, const std::function<void()>& then,
           int period = 5) {
     auto* const look = new QTimer(qApp);
@@ -91,7 +89,7 @@ std::size_t countIn(const std::string& folder, const std::string& extension) {
     return count;
 }
 
-/// The newest of so many frames is shown.
+/// Waits until the newest frame of the folder is shown.
 void whenListed(const std::string& folder, const std::function<void()>& then) {
     const auto count = QString::number(countIn(folder, ".png"));
     auto& readOut = control<QLabel>("currentS");
@@ -121,7 +119,7 @@ void compileAlone(const std::string& folder, int rate) {
     tell(milliseconds() - started);
 }
 
-/// Counts the frames of a playback that come to be painted.
+/// Records when the frames of a playback are painted.
 class PaintWatch final : public QObject {
 public:
     explicit PaintWatch(const QSlider& slider) : slider_(slider) {}
@@ -134,7 +132,7 @@ public:
         return QObject::eventFilter(watched, event);
     }
 
-    /// The last frame was painted.
+    /// Whether the last frame was painted.
     bool isOver() const { return times_.size() > 1 && shown_ == slider_.maximum(); }
     double meanPeriod() const {
         return (times_.back() - times_.front()) / static_cast<double>(times_.size() - 1);
@@ -149,7 +147,7 @@ private:
 void play(const std::string& folder) {
     whenListed(folder, [=] {
         control<QSlider>("fpsS").setValue(60);
-        // Nothing of the newest frame is left to be painted.
+        // By then the newest frame has been painted.
         QTimer::singleShot(500, qApp, [] {
             auto* const watch = new PaintWatch(control<QSlider>("photoSlider"));
             control<QWidget>("myDisplay").installEventFilter(watch);
@@ -159,7 +157,7 @@ void play(const std::string& folder) {
     });
 }
 
-/// Sends the main thread an event every five milliseconds and takes the time to its answer.
+/// Sends the main thread an event every five milliseconds and measures how long it waits.
 class AnswerWatch {
 public:
     void begin() {
@@ -207,7 +205,7 @@ void capture(const std::string& folder, double seconds) {
             tell(watch->longest());
         });
     };
-    // The camera has its first pictures behind it.
+    // By then the camera delivers pictures.
     QTimer::singleShot(2000, qApp, begin);
 }
 
@@ -247,7 +245,7 @@ void run(const std::vector<std::string>& arguments) {
         } else if (verb == "capture") {
             capture(folder, number);
         } else {
-            require(false, "there is no " + verb);
+            require(false, "unknown verb: " + verb);
         }
     });
 }

@@ -1,10 +1,9 @@
-// Two commands in turn, ours and the peer's:
+// Runs two shell commands in turn, ours and the peer's:
 //   take_turns [--told] [--memory NAME] TURNS NAME KIND SIZE OURS PEER
 //
-// Both are for the shell. One line for the wall-clock time from a command's start to its end, in
-// milliseconds; with --told for the number that the command prints last instead. With --memory
-// another line of that name follows, for the most memory that was in use, in megabytes. What the
-// commands say goes to standard error. A command that fails ends it.
+// Prints a row of wall-clock times in milliseconds, or with --told of the numbers that the commands
+// print in their last lines. --memory adds a row of that name for the peak memory, in megabytes.
+// The commands' output goes to standard error. If one fails the run ends.
 
 #include <cstdio>
 #include <cstdlib>
@@ -45,7 +44,7 @@ std::string readAll(int file) {
 
 Run run(const std::string& command) {
     int ends[2];
-    require(pipe2(ends, O_CLOEXEC) == 0, "no pipe");
+    require(pipe2(ends, O_CLOEXEC) == 0, "cannot make a pipe");
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
@@ -58,12 +57,13 @@ Run run(const std::string& command) {
     Run result;
     const double started = milliseconds();
     pid_t child = 0;
-    require(posix_spawn(&child, shell, &actions, nullptr, arguments, environ) == 0, "no process");
+    require(posix_spawn(&child, shell, &actions, nullptr, arguments, environ) == 0,
+            "cannot start a process");
     close(ends[1]);
     result.output = readAll(ends[0]);
     int status = 0;
     rusage usage{};
-    require(wait4(child, &status, 0, &usage) == child, "no such process");
+    require(wait4(child, &status, 0, &usage) == child, "cannot wait for a process");
     result.wall = milliseconds() - started;
     result.memory = static_cast<double>(usage.ru_maxrss) / 1024.0;
     close(ends[0]);
@@ -75,7 +75,7 @@ Run run(const std::string& command) {
 /// The number in the last line.
 double told(const std::string& output) {
     const std::size_t end = output.find_last_not_of('\n');
-    require(end != std::string::npos, "a command told no number");
+    require(end != std::string::npos, "a command printed no number");
     const std::size_t before = output.find_last_of('\n', end);
     return std::strtod(output.c_str() + (before == std::string::npos ? 0 : before + 1), nullptr);
 }

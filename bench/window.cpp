@@ -1,11 +1,11 @@
-// What the window does with one picture: window_bench TURNS FOLDER...
+// Single pictures in the window: window_bench TURNS FOLDER...
 //
-// FOLDER holds frames. Two lines for each, as of `printTurns`:
-//   still-to-file  the main thread's time for a still that has arrived, until its file is written;
-//                  the peer decodes the same bytes with QImage and saves it with its defaults
-//   playback-tick  one tick of the playback with what it paints; the peer reads with QImageReader,
+// FOLDER holds frames. Two rows for each, as `printTurns` prints them:
+//   still-to-file  the main thread's time from a still's arrival until its file is written; the
+//                  peer decodes the same pixels with QImage and saves them with its defaults
+//   playback-tick  one tick of the playback with its painting; the peer reads with QImageReader,
 //                  scaled to the same size, and paints
-// The controller is the program's own, on real files and pictures.
+// The controller is the program's own, with real files and pictures.
 
 #include <algorithm>
 #include <chrono>
@@ -28,9 +28,9 @@
 #include <QPainter>
 #include <QWidget>
 
-#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/PictureAppKit.h"
-#include "backends/pictures/ppm.h"
+#include "backends/pictures/PictureData.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/sim/Sim.h"
 #include "bench/RealFiles.h"
@@ -42,10 +42,10 @@ namespace vistrane::bench {
 
 namespace {
 
-/// As large as the window has it at first.
+/// The size of the picture view in a new window.
 constexpr QSize viewSize(530, 372);
 
-/// The real pictures; the rest is the sim's.
+/// The real pictures; the rest comes from the simulated platform.
 class RealPictures final : public PictureAppKit {
 public:
     RealPictures(AppKit& sim, const Pictures& pictures) : PictureAppKit(pictures), sim_(sim) {}
@@ -67,9 +67,9 @@ private:
     AppKit& sim_;
 };
 
-class Observer final : public MediaObserver {};
+class Observer final : public PictureObserver {};
 
-/// The controller with the window's display of pictures.
+/// The controller with the window's picture view.
 class Controller {
 public:
     explicit Controller(const std::string& folder) {
@@ -128,15 +128,32 @@ std::vector<std::string> filesIn(const std::string& folder) {
     return paths;
 }
 
-/// The picture as cameras hand it over.
-std::vector<std::uint8_t> rawBytes(const QImage& image) {
+std::vector<std::uint8_t> rgbOf(const QImage& image) {
     const QImage rgb = image.convertToFormat(QImage::Format_RGB888);
-    const std::string head =
-        ppmHead(static_cast<std::uint32_t>(rgb.width()), static_cast<std::uint32_t>(rgb.height()));
-    std::vector<std::uint8_t> bytes(head.begin(), head.end());
+    std::vector<std::uint8_t> bytes;
     for (int y = 0; y < rgb.height(); ++y) {
         bytes.insert(bytes.end(), rgb.constScanLine(y), rgb.constScanLine(y) + rgb.width() * 3);
     }
+    return bytes;
+}
+
+/// The picture as cameras deliver it.
+std::shared_ptr<NSData> stillOf(const QImage& image) {
+    auto pixels = ByteArray::copyOf(rgbOf(image));
+    require(pixels.has_value(), "there is no memory for the still");
+    const PictureShape shape{static_cast<std::uint32_t>(image.width()),
+                             static_cast<std::uint32_t>(image.height()), std::nullopt, false};
+    return std::make_shared<PictureData>(
+        std::make_shared<DecodedPicture>(shape, "still", std::move(*pixels)));
+}
+
+/// The picture as a binary PPM file, which is the quickest for the peer to read.
+std::vector<std::uint8_t> ppmOf(const QImage& image) {
+    const std::string header =
+        "P6\n" + std::to_string(image.width()) + " " + std::to_string(image.height()) + "\n255\n";
+    std::vector<std::uint8_t> bytes(header.begin(), header.end());
+    const std::vector<std::uint8_t> rgb = rgbOf(image);
+    bytes.insert(bytes.end(), rgb.begin(), rgb.end());
     return bytes;
 }
 
@@ -144,13 +161,7 @@ std::string sizeOf(const QImage& image) {
     return std::to_string(image.width()) + "x" + std::to_string(image.height());
 }
 
-double timeOf(const std::function<void()>& work) {
-    const double started = milliseconds();
-    work();
-    return milliseconds() - started;
-}
-
-/// Waits for files that are written when the main thread is done with them.
+/// Waits for a file, which is written by another thread.
 QImage readWhenWritten(const std::string& folder) {
     for (int attempt = 0; attempt < 500; ++attempt) {
         const std::vector<std::string> paths = filesIn(folder);
@@ -163,7 +174,7 @@ QImage readWhenWritten(const std::string& folder) {
     return {};
 }
 
-/// Equal pictures have the same notes of their colours as well, which the files have not.
+/// QImage compares colour spaces too, which the files do not all have.
 bool haveSamePixels(QImage one, QImage other) {
     one.setColorSpace({});
     other.setColorSpace({});
@@ -173,14 +184,14 @@ bool haveSamePixels(QImage one, QImage other) {
 void measureStill(long turns, const std::string& frame) {
     const QImage picture(QString::fromStdString(frame));
     require(!picture.isNull(), "not a picture: " + frame);
-    const std::vector<std::uint8_t> bytes = rawBytes(picture);
+    const std::vector<std::uint8_t> bytes = ppmOf(picture);
     std::string folder = std::filesystem::temp_directory_path().string() + "/still-XXXXXX";
-    require(mkdtemp(folder.data()) != nullptr, "no folder can be made");
+    require(mkdtemp(folder.data()) != nullptr, "cannot make a folder");
     const std::string path = folder + "/peer";
     Turns times;
     {
         Controller controller(folder);
-        const Photo photo(DataBytes::copyOf(bytes));
+        const Photo photo(stillOf(picture));
         const auto output = controller.output();
         for (long turn = 0; turn < turns; ++turn) {
             times.ours.push_back(timeOf([&] {
@@ -203,7 +214,7 @@ void measureStill(long turns, const std::string& frame) {
     printTurns({"still-to-file", "noise", sizeOf(picture)}, times);
 }
 
-/// The playback's peer: a widget that shows a file.
+/// The peer of the playback: a widget that shows a file.
 class PlainWidget final : public QWidget {
 public:
     PlainWidget() {
@@ -231,7 +242,8 @@ private:
     QImage image_;
 };
 
-/// Of the middle, where both have the picture; two good ways to scale differ a little.
+/// The mean difference in the middle, where both show the picture. Two good ways to scale differ a
+/// little.
 double meanDifference(const QImage& one, const QImage& other) {
     double sum = 0.0;
     int count = 0;
@@ -273,8 +285,8 @@ void measureTick(long turns, const std::string& folder) {
         }
     }
     const double difference = meanDifference(display.grab().toImage(), plain.grab().toImage());
-    require(difference < 3.0, "the playback shows another picture, by " +
-                                  std::to_string(difference) + " in the mean");
+    require(difference < 3.0,
+            "the pictures differ by " + std::to_string(difference) + " in the mean");
     printTurns({"playback-tick", "noise", size}, times);
 }
 

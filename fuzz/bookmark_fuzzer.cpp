@@ -5,7 +5,7 @@
 
 #include "backends/posix/bookmark.h"
 
-// Any bytes as a bookmark: refused, or an address whose own bookmark finds it again.
+// Any bytes as a bookmark: refused, or resolved to a URL whose own bookmark resolves to it.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vistrane;

@@ -1,17 +1,16 @@
-// Writes the fuzzer's inputs to begin with, one for each form of PNG file and some with rarer
-// parts: make_png_seeds FOLDER
+// Writes the seeds of png_fuzzer: one for each form of PNG file, and some with rarer chunks.
+// make_png_seeds FOLDER
 
 #include <lcms2.h>
 #include <zlib.h>
 
-#include <algorithm>
 #include <fstream>
 #include <random>
 #include <span>
 #include <string>
+#include <vector>
 
-#include "backends/pictures/LiteralBlock.h"
-#include "tests/backends/pictures/PngSamples.h"
+#include "tests/backends/pictures/DeflateSamples.h"
 
 namespace vistrane::testing {
 
@@ -23,7 +22,7 @@ void write(const std::string& path, const Bytes& bytes) {
                static_cast<std::streamsize>(bytes.size()));
 }
 
-/// The data of an iCCP chunk: sRGB's primaries, values in proportion to light.
+/// The data of an iCCP chunk: sRGB's primaries, linear values.
 Bytes linearProfile() {
     const cmsCIExyY white = {0.3127, 0.3290, 1};
     const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
@@ -38,15 +37,14 @@ Bytes linearProfile() {
     cmsFreeToneCurve(curve);
     Bytes packed(compressBound(length));
     uLongf packedLength = packed.size();
-    // Not compressed, so that a changed byte is a changed profile.
+    // Stored, so that the fuzzer can change the profile itself.
     compress2(packed.data(), &packedLength, bytes.data(), length, 0);
     packed.resize(packedLength);
     packed.insert(packed.begin(), {'p', 0, 0});
     return packed;
 }
 
-/// Noise in chunks of nothing but literals, which are read two at a time: each is as long as that
-/// takes, and the file no longer.
+/// Noise in chunks of literals, just long enough to be decoded in pairs.
 Bytes literalsPng() {
     constexpr std::uint32_t width = 40;
     constexpr std::size_t rowBytes = 1 + 3 * width;
@@ -57,31 +55,15 @@ Bytes literalsPng() {
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         pixels[i] = static_cast<std::uint8_t>(i % rowBytes == 0 ? random() % 5 : random() % 200);
     }
-    Bytes file = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-    const auto add = [&](const std::string& type, const Bytes& data) {
-        const Bytes framed = chunk(type, data);
-        file.insert(file.end(), framed.begin(), framed.end());
-    };
-    add("IHDR", {0, 0, 0, width, 0, 0, 0, height, 8, 2, 0, 0, 0});
     constexpr std::size_t part = rowBytes * rowsAtOnce;
+    std::vector<Bytes> chunks;
     for (std::size_t from = 0; from < pixels.size(); from += part) {
-        const bool last = from + part == pixels.size();
-        const LiteralBlock block(std::span<const std::uint8_t>(pixels).subspan(from, part));
-        Bytes data(block.room());
-        data.resize(static_cast<std::size_t>(block.write(data.data(), last) - data.data()));
-        if (from == 0) {
-            data.insert(data.begin(), {0x78, 0x01});
-        }
-        if (last) {
-            const uLong sum = ::adler32(1, pixels.data(), static_cast<uInt>(pixels.size()));
-            for (const unsigned shift : {24U, 16U, 8U, 0U}) {
-                data.push_back(static_cast<std::uint8_t>(sum >> shift));
-            }
-        }
-        add("IDAT", data);
+        const auto bytes = std::span<const std::uint8_t>(pixels).subspan(from, part);
+        chunks.push_back(literalBlock(bytes, from + part == pixels.size()));
     }
-    add("IEND", {});
-    return file;
+    chunks.front().insert(chunks.front().begin(), {0x78, 0x01});
+    append(chunks.back(), Inflated{pixels}.checksum());
+    return pngAround({2, 8, false, false}, width, height, chunks);
 }
 
 void writeSeeds(const std::string& folder) {
@@ -94,8 +76,6 @@ void writeSeeds(const std::string& folder) {
     write(folder + "/split.png", withSplitData(plain, 11));
     write(folder + "/profile.png", withChunkBefore(plain, "IDAT", chunk("iCCP", linearProfile())));
     write(folder + "/literals.png", literalsPng());
-    const std::string raw = "P6\n# raw\n2 1\n255\nabcdef";
-    write(folder + "/raw.ppm", Bytes(raw.begin(), raw.end()));
 }
 
 } // namespace

@@ -8,8 +8,8 @@
 #include "backends/icu/IcuLocale.h"
 #include "core/folder/frame_list.h"
 
-// Any three names, parted by NUL bytes: they have one order, in which only equal names are the
-// same. Sorting, which has a way of its own, agrees.
+// Any three names, separated by NUL bytes: comparing them is a total order in which only equal
+// names are equal. Sorting, which compares differently, agrees with it.
 
 namespace {
 

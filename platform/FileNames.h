@@ -10,9 +10,9 @@ namespace vistrane {
 
 /// The names of a folder's entries, in the order of their listing.
 ///
-/// They lie one behind the other in one piece of memory, so that a listing costs no allocation for
-/// each name and two listings are compared at the speed of memory. The views that reading gives
-/// last as long as the names are neither changed nor moved.
+/// The names are stored contiguously: a listing needs no allocation for each name, and comparing
+/// two listings is one comparison of memory. A view of a name is valid until the object is changed,
+/// moved or destroyed. One thread at a time.
 class FileNames {
 public:
     class Iterator {

@@ -8,10 +8,11 @@
 
 namespace vistrane {
 
-/// The outlets of an interface file as a table. What else a file has is added by the backend.
+/// The outlets of an interface file as a table; a backend implements the rest. Main thread only.
 class NibOutlets : public NSNib {
 public:
-    /// Makes `control` the outlet of that name, in place of an earlier one.
+    /// Makes `control` the outlet of that name, replacing an earlier one. Null leaves the outlet
+    /// out.
     void addOutlet(const std::string& name, std::shared_ptr<NSObject> control);
 
     // A field is filled only with a control of its own type.

@@ -8,7 +8,7 @@ namespace vistrane {
 
 namespace {
 
-/// The nearest integer, halves away from zero; the nearest in range when there is none.
+/// The nearest integer, halves away from zero, clamped to the type's range.
 template <typename Integer>
 Integer rounded(double value) {
     using Limits = std::numeric_limits<Integer>;

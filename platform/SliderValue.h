@@ -7,20 +7,20 @@
 namespace vistrane {
 
 /// The value of a slider, by the rules that every backend shares. With a minimum above the maximum
-/// the value is the minimum. What is no number is not taken.
+/// the value is the minimum. NaN is ignored. One thread at a time.
 class SliderValue {
 public:
     SliderValue(double minimum, double maximum, double value);
 
     void setMinimum(double minimum);
     void setMaximum(double maximum);
-    /// As far as the range goes.
+    /// Clamps to the range.
     void set(double value);
 
     double minimum() const { return minimum_; }
     double maximum() const { return maximum_; }
     double doubleValue() const { return value_; }
-    /// The nearest there is, halves away from zero.
+    /// Rounded to the nearest integer, halves away from zero; clamped to the type's range.
     std::int32_t intValue() const;
     NSInteger integerValue() const;
     float floatValue() const;

@@ -5,19 +5,18 @@
 
 namespace vistrane {
 
-/// The dates on which a repeating timer ticks: first + n * interval, in nanoseconds of a monotonic
-/// clock. Shared by every run loop.
+/// The fire dates of a repeating timer: first + n * interval, in nanoseconds of a monotonic clock.
+/// Shared by every run loop.
 class TimerGrid {
 public:
-    /// `interval` in seconds; 0 or less (or no number) counts as 0.0001 s. The first date lies one
-    /// interval after `now`.
+    /// `interval` in seconds; 0 or less (or NaN) counts as 0.0001 s. The first date is one interval
+    /// after `now`.
     TimerGrid(std::int64_t now, double interval)
         : start_(now), interval_(interval > 0.0 ? interval : 0.0001) {}
 
     std::int64_t next() const { return date(number_); }
 
-    /// Goes to the first date after `now`: the dates that have passed merge into the tick that is
-    /// being given.
+    /// Advances to the first date after `now`. The dates that passed merge into the current tick.
     void passUpTo(std::int64_t now) {
         const double passed = static_cast<double>(now - start_) / (interval_ * 1e9);
         const auto estimate = static_cast<std::int64_t>(std::floor(passed));

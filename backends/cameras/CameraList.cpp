@@ -54,13 +54,13 @@ CameraFacts factsOf(GstDevice* device, const std::string& provider) {
     facts.provider = provider;
     facts.name = text(gst_device_get_display_name(device));
     if (provider == pipeWireProvider) {
-        // The name is made from the place in the machine; a node's number is never used again.
+        // The name is derived from the place in the machine; a node's number is never reused.
         facts.identity = get("node.name") + " " + facts.name;
         facts.instance = firstOf({get("object.serial"), get("object.id")});
         facts.devicePath = get("api.v4l2.path");
         facts.libcameraId = get("api.libcamera.path");
     } else if (provider == v4l2Provider) {
-        // The kernel may hand out another number after a replug; the place stays.
+        // The kernel may assign another number after a replug; the place stays the same.
         facts.devicePath = get("device.path");
         facts.identity =
             firstOf({get("device.bus_path"), get("v4l2.device.bus_info"), facts.devicePath}) + " " +
@@ -88,8 +88,8 @@ Camera cameraOf(GstDevice* device, const std::string& provider) {
     return camera;
 }
 
-/// Each listing would print libcamera's version otherwise. First on the main thread, which is the
-/// one that reads the environment.
+/// Else each listing prints libcamera's version. The first call is on the main thread, which is the
+/// only one that reads the environment.
 void quietLibcamera() {
     static const bool isQuiet = setenv("LIBCAMERA_LOG_LEVELS", "*:ERROR", 0) == 0;
     static_cast<void>(isQuiet);
@@ -104,7 +104,7 @@ struct CameraList::Provider {
     std::condition_variable freed;
     bool busy = false;
 
-    /// Waits for its turn: a provider is asked by one thread at a time. Nothing after `deadline`.
+    /// A provider answers one thread at a time. Empty when it is still busy at `deadline`.
     std::vector<Camera> askBefore(std::chrono::steady_clock::time_point deadline) {
         std::unique_lock lock(mutex);
         if (!freed.wait_until(lock, deadline, [this] { return !busy; })) {
@@ -135,7 +135,7 @@ struct CameraList::Provider {
 
 namespace {
 
-/// What a listing has collected so far. Outlives the listing for the sake of late answers.
+/// The answers to one listing. Late answers outlive the listing.
 struct Answers {
     std::mutex mutex;
     std::condition_variable changed;
@@ -176,8 +176,8 @@ void CameraList::findProviders() {
     gst_plugin_feature_list_free(factories);
 }
 
-std::vector<Camera> CameraList::list(std::chrono::milliseconds patience) {
-    const std::vector<Camera> all = listOf("", patience);
+std::vector<Camera> CameraList::list(std::chrono::milliseconds timeout) {
+    const std::vector<Camera> all = listOf("", timeout);
     std::vector<CameraFacts> facts;
     for (const Camera& camera : all) {
         facts.push_back(camera.facts);
@@ -189,10 +189,9 @@ std::vector<Camera> CameraList::list(std::chrono::milliseconds patience) {
     return offered;
 }
 
-std::vector<Camera> CameraList::listOf(const std::string& name,
-                                       std::chrono::milliseconds patience) {
+std::vector<Camera> CameraList::listOf(const std::string& name, std::chrono::milliseconds timeout) {
     std::call_once(providersFound_, [this] { findProviders(); });
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
     auto answers = std::make_shared<Answers>();
     answers->byProvider.resize(providers_.size());
     std::unique_lock lock(answers->mutex);
@@ -209,7 +208,7 @@ std::vector<Camera> CameraList::listOf(const std::string& name,
             answers->changed.notify_all();
         });
         if (!asked) {
-            --answers->missing; // No thread now counts as no answer.
+            --answers->missing; // Without a thread there is no answer.
         }
     }
     answers->changed.wait_until(lock, deadline, [&] { return answers->missing == 0; });

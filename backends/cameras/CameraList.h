@@ -11,40 +11,39 @@
 
 namespace vistrane {
 
-/// A camera as one listing found it.
+/// A camera in one listing.
 struct Camera {
     CameraFacts facts;
-    /// What opens it; null for the demo camera.
+    /// Null for the demo camera.
     std::shared_ptr<GstDevice> device;
     std::shared_ptr<const std::vector<CameraMode>> modes;
 
     bool isDemo() const { return device == nullptr; }
 };
 
-/// Asks this system's providers which cameras there are. Any thread.
+/// Lists the cameras of this system's providers. Any thread.
 ///
-/// Each question goes to the providers afresh and in parallel: watching them instead would miss
-/// the cameras of a PipeWire that was restarted, and PipeWire's watcher, at least up to 0.3.65,
-/// damages the heap when it is stopped. A provider that hangs costs the waiting time and one
-/// thread, however often it is asked.
+/// Each listing queries all providers anew and in parallel. Monitoring them instead would miss the
+/// cameras of a restarted PipeWire, and PipeWire's monitor, at least up to 0.3.65, corrupts the
+/// heap when it is stopped. A provider that hangs costs the timeout and one thread at a time.
 class CameraList : public std::enable_shared_from_this<CameraList> {
 public:
-    /// Starts nothing: that happens with `prepare` or the first question.
+    /// Does not start GStreamer: `prepare` or the first listing does.
     CameraList();
     ~CameraList();
     CameraList(const CameraList&) = delete;
     CameraList& operator=(const CameraList&) = delete;
 
-    /// Finds out whom to ask, on a thread of its own: loading the providers takes longer than they
-    /// take to answer. A question that comes meanwhile waits for it. Main thread only.
+    /// Loads the providers in the background, which takes longer than a listing. A listing that is
+    /// requested meanwhile waits for it. Main thread only.
     void prepare();
 
-    /// Every camera once, in the platform's order, without the demo camera. Waits for slow
-    /// providers at most `patience`, then goes on without them.
-    std::vector<Camera> list(std::chrono::milliseconds patience);
+    /// Every camera once, in the platform's order, without the demo camera. Leaves out providers
+    /// that take longer than `timeout`.
+    std::vector<Camera> list(std::chrono::milliseconds timeout);
 
     /// Every camera of one provider.
-    std::vector<Camera> listOf(const std::string& provider, std::chrono::milliseconds patience);
+    std::vector<Camera> listOf(const std::string& provider, std::chrono::milliseconds timeout);
 
 private:
     struct Provider;
@@ -58,8 +57,8 @@ private:
 /// The moving test picture.
 Camera demoCamera();
 
-/// Starts GStreamer with the first call, without a look at the program's arguments. Whether it
-/// works.
+/// Initialises GStreamer with the first call, without the program's arguments. Returns whether that
+/// succeeded.
 bool startGStreamer();
 
 } // namespace vistrane

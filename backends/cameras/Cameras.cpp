@@ -24,7 +24,7 @@ private:
     std::vector<std::shared_ptr<AVCaptureDevice>> devices_;
 };
 
-/// The camera as it is listed now. Waits for one that is restarting.
+/// The camera in a fresh listing. Waits for one that is restarting.
 std::optional<Camera> listedNow(CameraList& list, const CameraFacts& wanted,
                                 const CameraOptions& options) {
     const auto deadline = std::chrono::steady_clock::now() + options.reappear;
@@ -47,7 +47,7 @@ std::optional<Camera> listedNow(CameraList& list, const CameraFacts& wanted,
 
 } // namespace
 
-Cameras::Cameras(Dispatch& dispatch, MediaObserver& observer, CameraOptions options)
+Cameras::Cameras(Dispatch& dispatch, CameraObserver& observer, CameraOptions options)
     : observer_(observer), options_(options),
       mainQueue_(std::make_shared<MainThreadGate>(dispatch)) {}
 
@@ -100,7 +100,7 @@ Cameras::deviceInputWithDevice(const std::shared_ptr<AVCaptureDevice>& device) {
             return {nullptr, deviceNotConnected(known->localizedName())};
         }
     }
-    if (const auto reason = whyNotOpen(*camera, options_.patience)) {
+    if (const auto reason = whyNotOpen(*camera, options_.driverTimeout)) {
         return {nullptr, deviceCannotBeOpened(known->localizedName(), *reason)};
     }
     return {std::make_shared<CameraInput>(device, std::move(*camera)), std::nullopt};

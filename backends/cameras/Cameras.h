@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
+#include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/CameraOptions.h"
-#include "backends/posix/MediaObserver.h"
 #include "platform/avfoundation/AVCaptureDevice.h"
 #include "platform/avfoundation/AVCapturePhotoOutput.h"
 #include "platform/avfoundation/AVCaptureSession.h"
@@ -16,26 +16,26 @@ namespace vistrane {
 class CameraList;
 class MainThreadGate;
 
-/// The capture half of the AVFoundation kit on GStreamer: v4l2, PipeWire and libcamera cameras,
-/// whichever of them this system has. The methods are those of `AVFoundation` and keep its
-/// contract; a still's file data is a binary PPM file.
+/// The capture half of the AVFoundation kit, on GStreamer: v4l2, PipeWire and libcamera cameras,
+/// as far as this system has them. The methods fulfil the contract of `AVFoundation`; the file data
+/// of a still carries its picture (`PictureData`).
 ///
-/// Main thread only. Everything towards the program arrives through the main queue; the observer
-/// is told from a thread of this object. `dispatch` and `observer` outlive this object; what it
-/// handed out may outlive it and is dead then: sessions have stopped, no outcome arrives.
+/// Main thread only. The program is called through the main queue, the observer on threads of this
+/// object. `dispatch` and `observer` outlive this object. The objects that it returned may outlive
+/// it: then sessions have stopped and no outcome arrives.
 class Cameras {
 public:
-    Cameras(Dispatch& dispatch, MediaObserver& observer, CameraOptions options = {});
+    Cameras(Dispatch& dispatch, CameraObserver& observer, CameraOptions options = {});
     ~Cameras();
     Cameras(const Cameras&) = delete;
     Cameras& operator=(const Cameras&) = delete;
 
-    /// Prepares the first listing without holding anything up.
+    /// Prepares the first listing in the background.
     void prepare();
 
-    /// Lists what is there now; waits at most `CameraOptions::listing`. The types make no
-    /// difference (what is built in cannot be told reliably), as long as there is one. A query
-    /// for video finds muxed sources as well.
+    /// Lists the cameras that are connected now; waits at most `CameraOptions::listing`. The types
+    /// make no difference, as long as there is one: whether a camera is built in cannot be told
+    /// reliably. A query for video finds muxed sources too.
     std::shared_ptr<AVCaptureDeviceDiscoverySession>
     discoverySessionWithDeviceTypes(const std::vector<std::optional<AVCaptureDeviceType>>& types,
                                     AVMediaType mediaType, AVCaptureDevicePosition position);
@@ -54,10 +54,10 @@ public:
     layerWithSession(const std::shared_ptr<AVCaptureSession>& session);
 
 private:
-    /// Made with the first use: starting GStreamer takes a moment.
+    /// Made on first use, because starting GStreamer takes time.
     std::shared_ptr<CameraList> cameraList();
 
-    MediaObserver& observer_;
+    CameraObserver& observer_;
     CameraOptions options_;
     std::shared_ptr<MainThreadGate> mainQueue_;
     std::shared_ptr<CameraList> list_;

@@ -7,63 +7,62 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "backends/cameras/CameraList.h"
+#include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/CameraOptions.h"
 #include "backends/cameras/gst_pointers.h"
-#include "backends/posix/MediaObserver.h"
+#include "backends/pictures/PictureSource.h"
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
 
-/// What came of a request: a PPM file, or why there is none.
+/// The outcome of a request: exactly one of the two is set.
 struct StillOutcome {
-    std::vector<std::uint8_t> file;
+    std::shared_ptr<const PictureSource> picture;
     std::optional<NSError> error;
 };
 
-/// Keeps one camera running on a thread of its own: opens it, notices when it is gone, gets it
-/// back, and serves stills from it. It never takes another camera in its place.
-///
-/// The methods are for the main thread.
+struct CaptureCore;
+
+/// Keeps one camera running on its own thread: opens it, notices when it is gone, reopens it when
+/// it is back, and serves stills from it. Never uses another camera in its place. The methods are
+/// for the main thread.
 class CaptureEngine {
 public:
-    /// `still` and `preview` are called on threads of the engine, one call at a time for each
-    /// request respectively picture, and return soon; `still` with an outcome for each request, in
-    /// the order of the requests. A preview sample is lent; a null one says that the picture is to
-    /// be taken off the screen.
+    /// Called on threads of the engine, `still` also from within `requestStill` and `stop`; both
+    /// return soon. `still` is called once for each request, in the order of the requests. A
+    /// preview sample is borrowed; null means that no picture is to be shown any more.
     struct Receiver {
         std::function<void(std::uint64_t request, StillOutcome outcome)> still;
         std::function<void(GstSample* sample)> preview;
     };
 
-    CaptureEngine(std::shared_ptr<CameraList> list, MediaObserver& observer, CameraOptions options,
+    CaptureEngine(std::shared_ptr<CameraList> list, CameraObserver& observer, CameraOptions options,
                   Receiver receiver);
-    /// Stops; no call of the receiver or the observer begins after this. A driver that hangs does
-    /// not hold this up for longer than `CameraOptions::patience`.
+    /// Stops. No call of the receiver or the observer begins after this. Waits for a hanging driver
+    /// no longer than `CameraOptions::driverTimeout`.
     ~CaptureEngine();
     CaptureEngine(const CaptureEngine&) = delete;
     CaptureEngine& operator=(const CaptureEngine&) = delete;
 
-    /// Waits for the first picture, at most `CameraOptions::patience`, and goes on trying after
-    /// that.
+    /// Waits for the first picture, at most `CameraOptions::driverTimeout`; the engine keeps trying
+    /// after that.
     void start(Camera camera, AVCaptureSessionPreset preset);
 
-    /// Every outstanding request has its outcome when this returns.
+    /// Every pending request has its outcome when this returns.
     void stop();
 
     bool isRunning() const;
 
-    /// The outcome comes from a thread of the engine, or from within this call.
+    /// The outcome comes on a thread of the engine, or from within this call.
     void requestStill(std::uint64_t request);
 
     void wantPreview(bool wanted);
 
 private:
-    struct Core;
-    std::shared_ptr<Core> core_;
+    std::shared_ptr<CaptureCore> core_;
     std::thread thread_;
 };
 

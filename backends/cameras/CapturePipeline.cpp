@@ -19,11 +19,11 @@ namespace {
 constexpr int previewSide = 640;
 constexpr int previewRate = 30;
 
-/// What a callback of GStreamer is given; freed by `forget`.
+/// The user data of GStreamer callbacks; freed by `forget`.
 using SharedEvents = std::shared_ptr<const PipelineEvents>;
 
-/// GStreamer hands these to its threads by means that ThreadSanitizer cannot see. This counter says
-/// the same in a way that it can.
+/// GStreamer passes the user data to its threads with a synchronisation that ThreadSanitizer cannot
+/// see. This counter makes it visible.
 std::atomic<unsigned> handovers{0};
 
 gpointer keep(const SharedEvents& events) {
@@ -46,8 +46,8 @@ GstPadProbeReturn onPicture(GstPad*, GstPadProbeInfo* info, gpointer kept) {
     return GST_PAD_PROBE_OK;
 }
 
-/// A valve that opens asks everything before it to settle its format anew. The format before the
-/// tee is fixed, and PipeWire's source would let go of its camera for it.
+/// A valve that opens makes the elements before it renegotiate their format. The format before the
+/// tee is fixed, and PipeWire's source would release its camera to renegotiate.
 GstPadProbeReturn onUpstreamEvent(GstPad*, GstPadProbeInfo* info, gpointer) {
     return GST_EVENT_TYPE(GST_PAD_PROBE_INFO_EVENT(info)) == GST_EVENT_RECONFIGURE
                ? GST_PAD_PROBE_DROP
@@ -85,7 +85,7 @@ GstBusSyncReply onMessage(GstBus*, GstMessage* message, gpointer kept) {
     } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
         eventsOf(kept).failed("the stream has ended");
     }
-    // Nobody reads the bus: what is not dropped here would pile up.
+    // The bus has no reader: messages that are not dropped here would pile up.
     gst_message_unref(message);
     return GST_BUS_DROP;
 }
@@ -101,12 +101,12 @@ void onDecoded(GstElement*, GstPad* decoded, gpointer next) {
     }
 }
 
-/// Adds elements to a pipeline; remembers the first that could not be made.
+/// Adds elements to a pipeline and keeps the first error.
 class Builder {
 public:
     explicit Builder(GstElement* pipeline) : pipeline_(GST_BIN(pipeline)) {}
 
-    /// The element, owned by the pipeline; null when this system has none of that kind.
+    /// The pipeline owns the element. Null when this system has no such factory.
     GstElement* add(const char* factory) {
         GstElement* element = gst_element_factory_make(factory, nullptr);
         if (element == nullptr) {
@@ -159,7 +159,7 @@ bool hasProperty(GstElement* element, const char* name) {
     return g_object_class_find_property(G_OBJECT_GET_CLASS(element), name) != nullptr;
 }
 
-/// A camera's element, and what must live as long as it.
+/// A camera's element and the connection that must outlive it.
 struct Source {
     /// Floating; null when it cannot be made.
     GstElement* element = nullptr;
@@ -169,7 +169,7 @@ struct Source {
 Source demoSource() {
     GstElement* element = gst_element_factory_make("videotestsrc", nullptr);
     if (element != nullptr) {
-        // Colour bars that wander, so that successive stills differ.
+        // Moving colour bars, so that successive stills differ.
         gst_util_set_object_arg(G_OBJECT(element), "pattern", "smpte");
         g_object_set(element, "is-live", TRUE, "horizontal-speed", 4, nullptr);
     }
@@ -189,7 +189,7 @@ Source sourceOf(const Camera& camera) {
     }
     if (camera.facts.provider == pipeWireProvider) {
         source.connection = std::make_shared<PipeWireConnection>();
-        // This camera or none: the session manager would move the stream to another one.
+        // Else the session manager would move the stream to another camera.
         const GstPointer<GstStructure> properties(gst_structure_new(
             "props", "node.dont-reconnect", G_TYPE_STRING, "true", "node.dont-fallback",
             G_TYPE_STRING, "true", "node.dont-move", G_TYPE_STRING, "true", nullptr));
@@ -239,7 +239,7 @@ struct CapturePipeline::Elements {
     std::shared_ptr<PipeWireConnection> connection;
     GstPointer<GstElement> pipeline;
     GstPointer<GstElement> source;
-    /// Null where stills need no decoder.
+    /// Null when stills need no decoder.
     GstPointer<GstElement> stillValve;
     GstPointer<GstElement> previewValve;
 
@@ -283,13 +283,13 @@ void CapturePipeline::Elements::end() {
     ended = true;
 }
 
-/// PipeWire's source holds up its start until it is linked to its camera, for half a minute, and
-/// with it the lock that every change of state takes. Asked again and again, since it forgets that
-/// it was asked when it gets under way.
+/// PipeWire's source blocks its start for up to half a minute, until it is linked to its camera,
+/// and holds the lock that every change of state takes. Called repeatedly, because the source
+/// clears the request when its start proceeds.
 void CapturePipeline::Elements::hurrySource() {
     if (source && GST_IS_BASE_SRC(source.get()) && GST_STATE(source.get()) >= GST_STATE_READY) {
         auto* base = GST_BASE_SRC(source.get());
-        // A source that never waits has nothing to be unlocked, the demo's among them.
+        // Sources that never block, such as the demo's, have no such method.
         if (const auto unlock = GST_BASE_SRC_GET_CLASS(base)->unlock) {
             unlock(base);
         }
@@ -336,7 +336,7 @@ void addPreviewBranch(Builder& builder, GstElement* tee, bool isJpeg, const Shar
     }
 }
 
-/// From the camera to `tee`.
+/// Links the camera to `tee`.
 void addSourceBranch(Builder& builder, GstElement* source, const CameraMode& mode,
                      GstElement* tee) {
     if (mode.givesPictures()) {
@@ -358,7 +358,7 @@ CapturePipeline::CapturePipeline(std::shared_ptr<Elements> elements)
     : elements_(std::move(elements)) {}
 
 CapturePipeline::~CapturePipeline() {
-    // Elements that go while they run cannot be freed; so they are never left running.
+    // Elements cannot be freed while they run.
     if (!elements_->wasStarted) {
         elements_->end();
     } else if (!elements_->stopping &&
@@ -392,7 +392,7 @@ std::shared_ptr<CapturePipeline> CapturePipeline::create(const Camera& camera,
     }
 
     elements->source = retained(source);
-    // The camera's clock stands still when the camera goes.
+    // The camera's clock stops when the camera goes.
     const GstPointer<GstClock> clock(gst_system_clock_obtain());
     gst_pipeline_use_clock(GST_PIPELINE(elements->pipeline.get()), clock.get());
     const GstPointer<GstPad> pad(gst_element_get_static_pad(tee, "sink"));
@@ -414,8 +414,8 @@ bool CapturePipeline::start() {
     return elements_->wasStarted;
 }
 
-bool CapturePipeline::stop(std::chrono::milliseconds patience) {
-    return runWithin(patience, [elements = elements_] { elements->end(); });
+bool CapturePipeline::stop(std::chrono::milliseconds timeout) {
+    return runWithin(timeout, [elements = elements_] { elements->end(); });
 }
 
 bool CapturePipeline::hasEnded() const {
@@ -432,10 +432,10 @@ void CapturePipeline::wantPreview(bool wanted) {
     g_object_set(elements_->previewValve.get(), "drop", wanted ? FALSE : TRUE, nullptr);
 }
 
-std::optional<std::string> whyNotOpen(const Camera& camera, std::chrono::milliseconds patience) {
+std::optional<std::string> whyNotOpen(const Camera& camera, std::chrono::milliseconds timeout) {
     auto reason = std::make_shared<std::optional<std::string>>();
-    const bool answered = runWithin(patience, [camera, reason] {
-        // Made first, as its connection has to outlive its element.
+    const bool answered = runWithin(timeout, [camera, reason] {
+        // Declared first, because its connection must outlive its element.
         const Source source = sourceOf(camera);
         const GstPointer<GstElement> pipeline(
             GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));

@@ -11,17 +11,17 @@
 
 namespace vistrane {
 
-/// What a pipeline tells. Called on its threads until `stop` has returned true, possibly later
-/// otherwise; each returns soon.
+/// The callbacks of a pipeline, on its threads. None is called after `stop` returned true. Each
+/// returns soon. Samples are borrowed.
 struct PipelineEvents {
-    /// A picture came from the camera. Its time, to compare with that of a still from the same
-    /// pipeline; `GST_CLOCK_TIME_NONE` if it has none.
+    /// The camera delivered a picture. `time` is comparable with that of a still from the same
+    /// pipeline; `GST_CLOCK_TIME_NONE` if unknown.
     std::function<void(GstClockTime time)> pictureArrived;
-    /// A full-size raw picture. Lent.
+    /// A raw picture at full size.
     std::function<void(GstSample* sample)> still;
-    /// A small picture, 32 bits a pixel. Lent.
+    /// A small picture, 32 bits a pixel.
     std::function<void(GstSample* sample)> preview;
-    /// No further picture will come. The reason is one line.
+    /// No more pictures will come. The reason is one line.
     std::function<void(const std::string& reason)> failed;
 };
 
@@ -30,28 +30,28 @@ struct PipelineEvents {
 ///     source, mode filter -> tee -> [valve, queue, JPEG decoder] -> stills
 ///                                -> valve, queue, [JPEG decoder], scaler -> preview
 ///
-/// JPEG pictures are decoded for a still or the preview only; encoded streams are decoded before
-/// the tee. Neither branch keeps more than a picture or two: what is not fetched is dropped.
-/// One thread at a time, except for the valves.
+/// JPEG pictures are decoded only for a still or the preview; encoded streams are decoded before
+/// the tee. Each branch keeps at most two pictures and drops what is not fetched. One thread at a
+/// time, except for the valves.
 class CapturePipeline {
 public:
-    /// Null, with a reason, when an element is missing. Nothing is opened yet.
+    /// Null, with a reason, when an element is missing. Does not open the camera.
     static std::shared_ptr<CapturePipeline> create(const Camera& camera, const CameraMode& mode,
                                                    PipelineEvents events, std::string& reason);
     ~CapturePipeline();
     CapturePipeline(const CapturePipeline&) = delete;
     CapturePipeline& operator=(const CapturePipeline&) = delete;
 
-    /// Opens the camera and lets it run, in the background. False when the system grants no thread
-    /// for that.
+    /// Opens and runs the camera in the background. False when no thread can be started.
     bool start();
 
-    /// Ends what goes on and frees the camera. False when a driver has not let go within
-    /// `patience`: that goes on in the background, and `hasEnded` tells when it is over.
-    bool stop(std::chrono::milliseconds patience);
+    /// Stops and closes the camera. False when the driver takes longer than `timeout`: stopping
+    /// continues in the background until `hasEnded`.
+    bool stop(std::chrono::milliseconds timeout);
     bool hasEnded() const;
 
-    /// Any thread. While nobody wants stills of a JPEG camera, none is decoded.
+    /// Open and close the valves. Any thread. While no stills of a JPEG camera are wanted, none is
+    /// decoded.
     void wantStills(bool wanted);
     void wantPreview(bool wanted);
 
@@ -61,7 +61,7 @@ private:
     std::shared_ptr<Elements> elements_;
 };
 
-/// Opens the camera for a moment. Why that did not work, if so.
-std::optional<std::string> whyNotOpen(const Camera& camera, std::chrono::milliseconds patience);
+/// Opens the camera and closes it again. Returns the reason if that failed.
+std::optional<std::string> whyNotOpen(const Camera& camera, std::chrono::milliseconds timeout);
 
 } // namespace vistrane

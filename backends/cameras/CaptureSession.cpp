@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "backends/cameras/PhotoBytes.h"
+#include "backends/pictures/PictureData.h"
 
 namespace vistrane {
 
@@ -11,24 +11,26 @@ namespace {
 
 class Photo final : public AVCapturePhoto {
 public:
-    explicit Photo(std::shared_ptr<NSData> file) : file_(std::move(file)) {}
-    std::shared_ptr<NSData> fileDataRepresentation() const override { return file_; }
+    explicit Photo(std::shared_ptr<const PictureSource> picture)
+        : data_(std::make_shared<PictureData>(std::move(picture))) {}
+    std::shared_ptr<NSData> fileDataRepresentation() const override { return data_; }
 
 private:
-    std::shared_ptr<NSData> file_;
+    std::shared_ptr<NSData> data_;
 };
 
-/// A preview sample, mapped and held.
+/// Keeps a preview sample mapped.
 struct HeldPreview {
     GstPointer<GstSample> sample;
     GstVideoFrame frame{};
     bool isMapped = false;
 
-    explicit HeldPreview(GstSample* lent) : sample(gst_sample_ref(lent)) {
+    explicit HeldPreview(GstSample* borrowed) : sample(gst_sample_ref(borrowed)) {
         GstVideoInfo info;
-        const GstCaps* caps = gst_sample_get_caps(lent);
-        isMapped = caps != nullptr && gst_video_info_from_caps(&info, caps) &&
-                   gst_video_frame_map(&frame, &info, gst_sample_get_buffer(lent), GST_MAP_READ);
+        const GstCaps* caps = gst_sample_get_caps(borrowed);
+        isMapped =
+            caps != nullptr && gst_video_info_from_caps(&info, caps) &&
+            gst_video_frame_map(&frame, &info, gst_sample_get_buffer(borrowed), GST_MAP_READ);
     }
     ~HeldPreview() {
         if (isMapped) {
@@ -94,9 +96,9 @@ struct CaptureSession::Shared : std::enable_shared_from_this<CaptureSession::Sha
 
     const std::shared_ptr<MainThreadGate> mainQueue;
     std::mutex mutex;
-    /// Requests without an outcome, by number. Under the mutex.
+    /// Pending requests by number. Guarded by the mutex.
     std::map<std::uint64_t, Waiting> waiting;
-    std::atomic<bool> previewIsOnItsWay{false};
+    std::atomic<bool> previewIsQueued{false};
     /// Main thread only.
     std::vector<std::weak_ptr<MediaPreviewLayer>> layers;
 
@@ -114,28 +116,24 @@ void CaptureSession::Shared::deliver(std::uint64_t request, StillOutcome outcome
     const Waiting answered = found->second;
     waiting.erase(found);
     lock.unlock();
-    std::shared_ptr<NSData> file;
-    if (!outcome.error) {
-        file = std::make_shared<PhotoBytes>(std::move(outcome.file));
-    }
-    mainQueue->post([answered, file, error = std::move(outcome.error)] {
+    mainQueue->post([answered, outcome = std::move(outcome)] {
         const auto output = answered.output.lock();
         if (!output) {
             return;
         }
-        const Photo photo(file);
-        answered.delegate->captureOutputDidFinishProcessingPhoto(*output, error ? nullptr : &photo,
-                                                                 error);
+        const Photo photo(outcome.picture);
+        answered.delegate->captureOutputDidFinishProcessingPhoto(
+            *output, outcome.error ? nullptr : &photo, outcome.error);
     });
 }
 
 void CaptureSession::Shared::preview(GstSample* sample) {
     const bool mustArrive = sample == nullptr;
-    if (previewIsOnItsWay.exchange(true) && !mustArrive) {
+    if (previewIsQueued.exchange(true) && !mustArrive) {
         return;
     }
     mainQueue->post([shared = shared_from_this(), picture = pictureOf(sample)] {
-        shared->previewIsOnItsWay = false;
+        shared->previewIsQueued = false;
         shared->show(picture);
     });
 }
@@ -149,7 +147,7 @@ void CaptureSession::Shared::show(const PreviewPicture& picture) {
     }
 }
 
-CaptureSession::CaptureSession(std::shared_ptr<CameraList> list, MediaObserver& observer,
+CaptureSession::CaptureSession(std::shared_ptr<CameraList> list, CameraObserver& observer,
                                const CameraOptions& options,
                                std::shared_ptr<MainThreadGate> mainQueue)
     : shared_(std::make_shared<Shared>(std::move(mainQueue))),

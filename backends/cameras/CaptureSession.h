@@ -41,12 +41,12 @@ private:
     Camera camera_;
 };
 
-/// A session with at most one input at work, the first. A preset counts from the next start.
+/// A session that runs its first input. A preset takes effect at the next start.
 class CaptureSession final : public AVCaptureSession,
                              public StillSource,
                              public std::enable_shared_from_this<CaptureSession> {
 public:
-    CaptureSession(std::shared_ptr<CameraList> list, MediaObserver& observer,
+    CaptureSession(std::shared_ptr<CameraList> list, CameraObserver& observer,
                    const CameraOptions& options, std::shared_ptr<MainThreadGate> mainQueue);
     ~CaptureSession() override;
 
@@ -71,7 +71,7 @@ private:
         std::weak_ptr<AVCapturePhotoOutput> output;
         AVCapturePhotoCaptureDelegate* delegate = nullptr;
     };
-    /// What the engine's threads and the main queue reach without the session.
+    /// State for the engine's threads and the main queue, which may outlive the session.
     struct Shared;
 
     void preview(bool wanted);

@@ -8,13 +8,13 @@
 
 namespace vistrane {
 
-/// The way to the main thread, until it is closed: a thread that comes back late from a camera
-/// driver then finds no queue any more. Any thread.
+/// Posts work to the main thread until it is closed: a thread that returns late from a camera
+/// driver must not use a queue that is gone. Any thread.
 class MainThreadGate {
 public:
     explicit MainThreadGate(Dispatch& dispatch) : dispatch_(&dispatch) {}
 
-    /// Work that comes after `close` is dropped.
+    /// Drops the work after `close`.
     void post(std::function<void()> work) {
         std::lock_guard lock(mutex_);
         if (dispatch_ != nullptr) {

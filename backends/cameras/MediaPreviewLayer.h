@@ -10,11 +10,11 @@
 
 namespace vistrane {
 
-/// A small picture for the live preview: rows from the top, each pixel four bytes blue, green, red
-/// and one to pass over. Full-range RGB. All fields 0 or null: nothing to show.
+/// A small picture for the live preview: the top row first, four bytes a pixel: blue, green, red,
+/// one ignored. Full-range RGB. All fields 0 or null: no picture.
 struct PreviewPicture {
-    /// The first row; the rows lie `stride` bytes apart. Immutable, lives as long as somebody
-    /// holds it. Holding it costs the camera a buffer, so not for long.
+    /// The top row. Rows are `stride` bytes apart. Immutable. Holding it costs the camera a buffer,
+    /// so release it soon.
     std::shared_ptr<const std::uint8_t> pixels;
     int width = 0;
     int height = 0;
@@ -26,7 +26,7 @@ class MediaPreviewLayer final : public AVCaptureVideoPreviewLayer {
 public:
     using PictureHandler = std::function<void(PreviewPicture)>;
 
-    /// `wanted` is told whether there is a handler.
+    /// `wanted` is called with whether there is a handler.
     explicit MediaPreviewLayer(std::function<void(bool)> wanted);
 
     void setFrame(CGRect frame) override;
@@ -37,12 +37,13 @@ public:
     CGColor backgroundColor() const;
     const std::vector<std::shared_ptr<CALayer>>& sublayers() const;
 
-    /// From now on called with each picture from the main queue, at most 640 pixels a side. While
-    /// one waits there, further ones are dropped. An empty picture comes when the session stops
-    /// or the camera is gone. Without a handler no preview is made. The handler may replace itself.
+    /// The handler is called through the main queue with each picture, at most 640 pixels a side.
+    /// While one waits there, further ones are dropped. An empty picture comes when the session
+    /// stops or the camera is gone. Without a handler no preview is made. The handler may replace
+    /// itself.
     void setPictureHandler(PictureHandler handler);
 
-    /// Hands `picture` to the handler.
+    /// Calls the handler.
     void show(const PreviewPicture& picture) const;
 
 private:

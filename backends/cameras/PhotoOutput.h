@@ -7,10 +7,10 @@
 
 namespace vistrane {
 
-/// Where an output's stills come from.
+/// The source of an output's stills.
 class StillSource {
 public:
-    /// The outcome goes to `output` on the main queue, in the order of the requests.
+    /// Delivers the outcome for `output` on the main queue, in the order of the requests.
     virtual void requestStill(std::shared_ptr<AVCapturePhotoOutput> output,
                               AVCapturePhotoCaptureDelegate& delegate) = 0;
     virtual bool offers(AVMediaType type) const = 0;
@@ -28,7 +28,7 @@ private:
     std::int64_t uniqueID_;
 };
 
-/// An output of no session, or of one that may be gone.
+/// An output that is attached to at most one session, which it may outlive.
 class PhotoOutput final : public AVCapturePhotoOutput,
                           public std::enable_shared_from_this<PhotoOutput> {
 public:

@@ -2,11 +2,11 @@
 
 namespace vistrane {
 
-/// A connection to this user's PipeWire of its own.
+/// A private connection to this user's PipeWire.
 ///
-/// GStreamer's PipeWire elements and its listing of cameras share one connection by default, and
-/// that listing, at least up to 0.3.65, leaves callbacks behind on it that crash when a camera
-/// goes. An element with a connection of its own keeps the listing's connection short-lived.
+/// By default, GStreamer's PipeWire elements share one connection with its listing of cameras. The
+/// listing, at least up to 0.3.65, leaves callbacks on it that crash when a camera goes. A private
+/// connection for each element keeps the listing's connection short-lived.
 class PipeWireConnection {
 public:
     PipeWireConnection();
@@ -14,8 +14,8 @@ public:
     PipeWireConnection(const PipeWireConnection&) = delete;
     PipeWireConnection& operator=(const PipeWireConnection&) = delete;
 
-    /// Stays this object's; -1 when PipeWire does not answer. An element knows its connection by
-    /// this number, so it must stay open as long as the element is.
+    /// The descriptor, which this object owns; -1 when PipeWire does not answer. The connection
+    /// outlives the element that uses it.
     int file() const { return file_; }
 
 private:

@@ -19,7 +19,7 @@ int rankOf(const CameraFacts& camera) {
                                            : 3;
 }
 
-/// PipeWire says which kernel file it reads, but only v4l2 says what is behind that file.
+/// PipeWire reports the device file that it reads, but only v4l2 reports which device that is.
 std::map<std::string, std::string> usbIdsByPath(const std::vector<CameraFacts>& cameras) {
     std::map<std::string, std::string> ids;
     for (const CameraFacts& camera : cameras) {
@@ -54,7 +54,7 @@ std::vector<std::size_t> withoutKnownDoubles(const std::vector<CameraFacts>& cam
     return kept;
 }
 
-/// How one kind of USB camera is offered.
+/// The cameras of one USB model.
 struct UsbOffers {
     std::vector<std::size_t> byPath;
     std::vector<std::size_t> byLibcamera;
@@ -96,8 +96,8 @@ std::string usbIdOfLibcamera(const std::string& libcameraId) {
 std::vector<std::size_t> offeredOnce(const std::vector<CameraFacts>& cameras) {
     std::vector<std::size_t> kept = withoutKnownDoubles(cameras);
     for (const auto& [id, offers] : usbOffers(cameras, kept)) {
-        // libcamera and the kernel have no name in common. As many cameras of one make by either
-        // way are the same ones; different numbers are not to be told apart.
+        // libcamera and the kernel share no identifier. If both list equally many cameras of one
+        // model, they are the same cameras; else they cannot be matched.
         if (offers.byPath.size() != offers.byLibcamera.size()) {
             continue;
         }

@@ -12,7 +12,7 @@ namespace {
 
 using Kind = CameraMode::Kind;
 
-/// A range that ends beyond this is one of a source that makes any size it is asked for.
+/// A range beyond this belongs to a source that can produce any size.
 constexpr int largestSide = 16384;
 constexpr double smoothRate = 24.0;
 constexpr std::pair<int, int> usualRate{30, 1};
@@ -57,7 +57,7 @@ std::optional<Kind> kindOf(const GstStructure* structure) {
     return std::nullopt;
 }
 
-/// The largest of the lengths on offer; the usual one where any is.
+/// The largest of the offered lengths; `usual` where any length is offered.
 int largestLength(const GValue* value, int usual) {
     if (value == nullptr) {
         return 0;
@@ -81,8 +81,8 @@ std::pair<int, int> fractionOf(const GValue* value) {
     return {gst_value_get_fraction_numerator(value), gst_value_get_fraction_denominator(value)};
 }
 
-/// The highest of the rates on offer. From a range the usual one if it lies inside: more pictures
-/// than that only cost power.
+/// The highest of the offered rates. From a range, the usual rate if it lies inside, because more
+/// pictures only cost power.
 std::pair<int, int> bestRate(const GValue* value) {
     if (value == nullptr) {
         return {0, 1};
@@ -173,7 +173,7 @@ const CameraMode* photoMode(const std::vector<CameraMode>& modes) {
 
 const CameraMode* movingPictureMode(const std::vector<CameraMode>& modes) {
     const auto rank = [](const CameraMode& mode) {
-        // A camera that does not tell its rate is taken at its word for moving pictures.
+        // A camera of unknown rate counts as fast enough.
         const double rate = mode.rate > 0.0 ? std::min(mode.rate, smoothRate) : smoothRate;
         return std::tuple(rate, area(mode), mode.rate, preference(mode));
     };

@@ -7,7 +7,7 @@
 
 namespace vistrane {
 
-/// Owners of GStreamer's counted objects. `get()` lends, `release()` hands over.
+/// Owning pointers to GStreamer's reference-counted objects.
 struct GstRelease {
     void operator()(gpointer object) const { gst_object_unref(object); }
     void operator()(GstCaps* caps) const { gst_caps_unref(caps); }
@@ -22,7 +22,7 @@ struct GstRelease {
 template <typename T>
 using GstPointer = std::unique_ptr<T, GstRelease>;
 
-/// A further owner of `object`.
+/// Another reference to `object`.
 template <typename T>
 GstPointer<T> retained(T* object) {
     return GstPointer<T>(static_cast<T*>(gst_object_ref(object)));

@@ -1,14 +1,15 @@
 #include "backends/cameras/still_pictures.h"
 
-#include <cstring>
-#include <new>
-#include <string>
+#include <optional>
+#include <utility>
+
+#include "backends/pictures/DecodedPicture.h"
 
 namespace vistrane {
 
 namespace {
 
-/// A picture's memory, mapped for as long as this lives.
+/// Maps a picture's memory as long as it lives.
 class MappedFrame {
 public:
     MappedFrame(const GstVideoInfo& info, GstBuffer* buffer, GstMapFlags flags)
@@ -34,10 +35,11 @@ struct BufferRelease {
 };
 using BufferPointer = std::unique_ptr<GstBuffer, BufferRelease>;
 
-/// A view of `pixels` as a buffer that `info` describes: rows without gaps.
-BufferPointer tightBuffer(const GstVideoInfo& info, std::uint8_t* pixels, std::size_t length) {
-    BufferPointer buffer(gst_buffer_new_wrapped_full(static_cast<GstMemoryFlags>(0), pixels, length,
-                                                     0, length, nullptr, nullptr));
+/// A view of `pixels` as a buffer of RGB rows without gaps, whose size `info` states.
+BufferPointer tightBuffer(const GstVideoInfo& info, ByteArray& pixels) {
+    BufferPointer buffer(gst_buffer_new_wrapped_full(static_cast<GstMemoryFlags>(0), pixels.data(),
+                                                     pixels.length(), 0, pixels.length(), nullptr,
+                                                     nullptr));
     gsize offset[GST_VIDEO_MAX_PLANES] = {0};
     gint stride[GST_VIDEO_MAX_PLANES] = {3 * GST_VIDEO_INFO_WIDTH(&info)};
     gst_buffer_add_video_meta_full(buffer.get(), GST_VIDEO_FRAME_FLAG_NONE, GST_VIDEO_FORMAT_RGB,
@@ -60,43 +62,38 @@ bool convert(MappedFrame& from, const GstVideoInfo& fromInfo, MappedFrame& to,
 
 } // namespace
 
-std::optional<std::vector<std::uint8_t>> portablePixmap(GstSample* sample) {
+std::shared_ptr<const PictureSource> stillPicture(GstSample* sample) {
     GstBuffer* buffer = gst_sample_get_buffer(sample);
     const GstCaps* caps = gst_sample_get_caps(sample);
     GstVideoInfo info;
     if (buffer == nullptr || caps == nullptr || !gst_video_info_from_caps(&info, caps)) {
-        return std::nullopt;
+        return nullptr;
     }
-    const int width = GST_VIDEO_INFO_WIDTH(&info);
-    const int height = GST_VIDEO_INFO_HEIGHT(&info);
+    const auto width = static_cast<guint>(GST_VIDEO_INFO_WIDTH(&info));
+    const auto height = static_cast<guint>(GST_VIDEO_INFO_HEIGHT(&info));
     GstVideoInfo rgb;
-    if (!gst_video_info_set_format(&rgb, GST_VIDEO_FORMAT_RGB, static_cast<guint>(width),
-                                   static_cast<guint>(height))) {
-        return std::nullopt;
+    if (!PictureLimits().allows(width, height) ||
+        !gst_video_info_set_format(&rgb, GST_VIDEO_FORMAT_RGB, width, height)) {
+        return nullptr;
     }
     GST_VIDEO_INFO_FPS_N(&rgb) = GST_VIDEO_INFO_FPS_N(&info);
     GST_VIDEO_INFO_FPS_D(&rgb) = GST_VIDEO_INFO_FPS_D(&info);
     GST_VIDEO_INFO_INTERLACE_MODE(&rgb) = GST_VIDEO_INFO_INTERLACE_MODE(&info);
 
-    const std::string header =
-        "P6\n" + std::to_string(width) + " " + std::to_string(height) + "\n255\n";
-    const std::size_t pixels =
-        std::size_t{3} * static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    std::vector<std::uint8_t> file;
-    try {
-        file.resize(header.size() + pixels);
-    } catch (const std::bad_alloc&) {
-        return std::nullopt;
+    auto pixels = ByteArray::ofLength(std::size_t{3} * width * height);
+    if (!pixels) {
+        return nullptr;
     }
-    std::memcpy(file.data(), header.data(), header.size());
-
-    MappedFrame from(info, buffer, GST_MAP_READ);
-    const BufferPointer target = tightBuffer(rgb, file.data() + header.size(), pixels);
-    MappedFrame to(rgb, target.get(), GST_MAP_WRITE);
-    if (!from.isMapped() || !to.isMapped() || !convert(from, info, to, rgb)) {
-        return std::nullopt;
+    {
+        MappedFrame from(info, buffer, GST_MAP_READ);
+        const BufferPointer target = tightBuffer(rgb, *pixels);
+        MappedFrame to(rgb, target.get(), GST_MAP_WRITE);
+        if (!from.isMapped() || !to.isMapped() || !convert(from, info, to, rgb)) {
+            return nullptr;
+        }
     }
-    return file;
+    return std::make_shared<DecodedPicture>(PictureShape{width, height, std::nullopt, false},
+                                            "in memory", std::move(*pixels));
 }
 
 } // namespace vistrane

@@ -5,40 +5,23 @@
 
 namespace vistrane {
 
-namespace {
-
-std::string withoutLineEnd(std::string text) {
-    while (!text.empty() && text.back() == '\n') {
-        text.pop_back();
-    }
-    return text;
-}
-
-} // namespace
-
 ConsoleAlert::ConsoleAlert(std::shared_ptr<const ConsoleAlertRules> rules)
     : rules_(std::move(rules)) {}
 
 ConsoleAlert::ConsoleAlert(std::shared_ptr<const ConsoleAlertRules> rules, const NSError& error)
     : rules_(std::move(rules)), messageText_(error.localizedDescription),
-      informativeText_(error.domain + " error " + std::to_string(error.code)), buttons_{"OK"} {}
+      informativeText_(error.domain + " error " + std::to_string(error.code)) {}
 
 NSModalResponse ConsoleAlert::runModal() {
-    if (buttons_.empty()) {
-        buttons_.push_back("OK");
-    }
-    if (rules_->show) {
-        rules_->show(withoutLineEnd(messageText_ + "\n" + informativeText_));
-    }
-    std::optional<ConsoleRunLoop::ModalScope> modal;
-    if (isOnMainThread()) {
+    std::string text = messageText_ + "\n" + informativeText_;
+    text.erase(text.find_last_not_of('\n') + 1);
+    rules_->show(text);
+
+    std::optional<QtRunLoop::ModalScope> modal;
+    if (rules_->loop.isMainThread()) {
         modal.emplace(rules_->loop);
     }
-    return answer();
-}
-
-NSModalResponse ConsoleAlert::answer() const {
-    return rules_->answer ? rules_->answer(*this) : NSAlertFirstButtonReturn;
+    return rules_->answer();
 }
 
 } // namespace vistrane

@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// A program without windows: there is nothing to miniaturise or to bring to the front.
+/// An application without windows: there is nothing to miniaturise or to bring to the front.
 class ConsoleApplication final : public NSApplication {
 public:
     void miniaturizeAll(NSObject*) override {}

@@ -10,12 +10,12 @@
 
 namespace vistrane {
 
-/// A button that nobody sees. `performClick` is the user's click.
+/// A button without a screen. `performClick` does what a user's click does.
 class ConsoleButton final : public NSButton {
 public:
     enum class Kind {
         push,
-        /// A click turns the state over before the action is sent.
+        /// A click toggles the state before the action is sent.
         checkBox
     };
 
@@ -29,18 +29,14 @@ public:
         state_ = state == NSControlStateValueOff ? NSControlStateValueOff : NSControlStateValueOn;
     }
     void setEnabled(bool enabled) override { enabled_ = enabled; }
-    void setImage(std::shared_ptr<NSImage> image) override { image_ = std::move(image); }
-    void setAlternateImage(std::shared_ptr<NSImage> image) override {
-        alternateImage_ = std::move(image);
-    }
+    void setImage(std::shared_ptr<NSImage>) override {}
+    void setAlternateImage(std::shared_ptr<NSImage>) override {}
 
     void setAction(NSAction action) { action_ = std::move(action); }
     /// Any thread.
     bool isEnabled() const { return enabled_; }
-    std::shared_ptr<NSImage> image() const { return image_; }
-    std::shared_ptr<NSImage> alternateImage() const { return alternateImage_; }
 
-    /// Sends the action; does nothing while the button is disabled.
+    /// Sends the action. A disabled button does nothing.
     void performClick() {
         if (!enabled_) {
             return;
@@ -58,10 +54,8 @@ private:
     const Kind kind_;
     std::string title_;
     NSInteger state_ = NSControlStateValueOff;
-    /// Written by the compile thread too.
+    /// The compile thread writes it too.
     std::atomic<bool> enabled_{true};
-    std::shared_ptr<NSImage> image_;
-    std::shared_ptr<NSImage> alternateImage_;
     NSAction action_;
 };
 

@@ -27,11 +27,7 @@ ConsoleInterface::ConsoleInterface()
       myDisplay(std::make_shared<ConsoleImageView>()),
       AVDevicePopUp(std::make_shared<ConsolePopUpButton>()),
       previewView(std::make_shared<ConsoleView>()),
-      progressBar(std::make_shared<ConsoleProgressIndicator>()) {
-    for (const auto& field : {hInput, mInput, sInput}) {
-        myWindow->addField(field);
-    }
-}
+      progressBar(std::make_shared<ConsoleProgressIndicator>()) {}
 
 void ConsoleInterface::addTo(ConsoleNib& nib) const {
     nib.addOutlet("myWindow", myWindow);

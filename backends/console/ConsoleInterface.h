@@ -13,12 +13,13 @@
 
 namespace vistrane {
 
-/// The main window's controls, as an interface file would make them, for whoever acts as the user.
+/// The main window's controls as an interface file would create them. The front end operates them
+/// in the user's place.
 struct ConsoleInterface {
-    /// Fresh controls with their first titles, ranges and values.
+    /// New controls with their initial titles, ranges and values.
     ConsoleInterface();
 
-    /// Makes the controls the outlets of their names, and the senders of their actions.
+    /// Registers every control as an outlet and, where it has one, as the sender of its action.
     void addTo(ConsoleNib& nib) const;
 
     std::shared_ptr<ConsoleWindow> myWindow;

@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// Nobody is there to choose: the panel always answers as if it was cancelled.
+/// A panel that is always cancelled: there is no user who could choose.
 class ConsoleOpenPanel final : public NSOpenPanel {
 public:
     void setTitle(const std::string&) override {}

@@ -1,26 +1,21 @@
 #include "backends/console/ConsoleOutput.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "backends/posix/Descriptor.h"
 
 namespace vistrane {
 
 namespace {
 
-/// Back to the line's start, and away with what stands there.
+/// Carriage return, then "erase to the end of the line".
 constexpr std::string_view clearLine = "\r\x1b[K";
 
 constexpr std::size_t usualColumns = 80;
-
-bool waitUntilWritable(int descriptor) {
-    pollfd watched{descriptor, POLLOUT, 0};
-    return poll(&watched, 1, -1) >= 0 || errno == EINTR;
-}
 
 } // namespace
 
@@ -51,7 +46,7 @@ void ConsoleOutput::showProgress(double value, double maximum) {
 std::string ConsoleOutput::barFor(double value, double maximum) const {
     const double part = std::min(value / maximum, 1.0);
     const std::string percent = std::to_string(static_cast<int>(part * 100.0)) + " %";
-    // The last column stays free: a full line would scroll.
+    // The last column stays free: a full line would wrap.
     const std::size_t used = std::string_view("[] 100 %").size() + 1;
     const std::size_t available = columns();
     if (available <= used) {
@@ -71,16 +66,7 @@ std::size_t ConsoleOutput::columns() const {
 }
 
 void ConsoleOutput::write(std::string_view bytes) const {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-        if (written >= 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EAGAIN && !waitUntilWritable(descriptor_)) {
-            return;
-        } else if (errno != EINTR && errno != EAGAIN) {
-            return;
-        }
-    }
+    writeAll(descriptor_, bytes.data(), bytes.size());
 }
 
 } // namespace vistrane

@@ -6,26 +6,24 @@
 
 namespace vistrane {
 
-/// The lines and the progress bar that the program writes to its standard error output. Any
-/// thread.
+/// Writes lines and a progress bar to standard error. Any thread.
 ///
-/// A line is written whole, never mixed with another. On a terminal the bar is the last line and
-/// is drawn anew below each line that comes; elsewhere there is no bar.
+/// Lines of several threads are never mixed. On a terminal the bar is the last line, and is redrawn
+/// below each new line. Elsewhere there is no bar.
 class ConsoleOutput {
 public:
-    /// `descriptor` stays the caller's. Asks once whether it is a terminal.
+    /// The caller keeps `descriptor` open. Whether it is a terminal is checked once, here.
     explicit ConsoleOutput(int descriptor);
     ConsoleOutput(const ConsoleOutput&) = delete;
     ConsoleOutput& operator=(const ConsoleOutput&) = delete;
 
-    /// Writes the text, unchanged, and a line end. What cannot be written is lost.
+    /// Writes the text unchanged, then a newline. Waits while the descriptor is full; ignores other
+    /// errors.
     void writeLine(std::string_view text);
 
-    /// Draws the bar at `value` of `maximum`, or takes it away unless both are above 0
-    /// and the maximum is finite.
+    /// Draws the bar at `value` of `maximum`. Removes it unless both are greater than 0 and the
+    /// maximum is finite.
     void showProgress(double value, double maximum);
-
-    bool isTerminal() const { return isTerminal_; }
 
 private:
     std::string barFor(double value, double maximum) const;
@@ -35,7 +33,7 @@ private:
     const int descriptor_;
     const bool isTerminal_;
     std::mutex mutex_;
-    /// The bar as it stands on the terminal; empty without one.
+    /// The bar on the terminal, or an empty string.
     std::string bar_;
 };
 

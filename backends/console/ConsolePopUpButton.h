@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// A list of titles that nobody sees. The selection stays with its title when the items move.
+/// A pop-up list without a screen. The selected title stays selected when its index changes.
 class ConsolePopUpButton final : public NSPopUpButton {
 public:
     void removeAllItems() override;
@@ -18,8 +18,8 @@ public:
     void setAction(NSAction action) { action_ = std::move(action); }
     const std::vector<std::string>& itemTitles() const { return titles_; }
 
-    /// The user chooses an item, be it the selected one: selects it and sends the action. Returns
-    /// false, and does nothing, when there is no such item.
+    /// Selects an item, even if it is the selected one, and sends the action. Returns false, and
+    /// does nothing, when there is no such item.
     bool userPicks(NSInteger index);
 
 private:

@@ -7,16 +7,16 @@
 
 namespace vistrane {
 
-/// A progress bar that tells an observer of every change.
+/// A progress bar that reports every change to an observer.
 class ConsoleProgressIndicator final : public NSProgressIndicator {
 public:
     void setMaxValue(double value) override {
         maximum_ = value;
-        tell();
+        notify();
     }
     void setDoubleValue(double value) override {
         value_ = value;
-        tell();
+        notify();
     }
 
     double maxValue() const { return maximum_; }
@@ -27,7 +27,7 @@ public:
     }
 
 private:
-    void tell() {
+    void notify() {
         if (observer_) {
             observer_(value_, maximum_);
         }

@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// A slider that nobody sees.
+/// A slider without a screen.
 class ConsoleSlider final : public NSSlider {
 public:
     ConsoleSlider(double minimum, double maximum, double value) : value_(minimum, maximum, value) {}
@@ -25,7 +25,7 @@ public:
     double maxValue() const { return value_.maximum(); }
     double doubleValue() const { return value_.doubleValue(); }
 
-    /// The user moves the knob, as far as the range goes; sends the action.
+    /// Moves the knob, within the range, and sends the action.
     void userMoves(double value) {
         value_.set(value);
         if (action_) {

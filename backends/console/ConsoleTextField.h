@@ -1,37 +1,37 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "platform/appkit/NSNib.h"
 #include "platform/appkit/NSTextField.h"
+#include "platform/foundation/NSString.h"
 
 namespace vistrane {
 
-/// A text that nobody sees. What the user types counts at once as the field's value; the action is
-/// sent when the edit ends. Setting a value gives an edit up.
+/// A text field without a screen. `userTypes` does what a user would do.
 class ConsoleTextField final : public NSTextField {
 public:
-    void setStringValue(const std::string& text) override;
-    std::int32_t intValue() const override;
-    NSInteger integerValue() const override;
-    void setIntValue(std::int32_t value) override;
-    void setIntegerValue(NSInteger value) override;
-
+    void setStringValue(const std::string& text) override { text_ = text; }
+    std::int32_t intValue() const override { return vistrane::intValue(text_); }
+    NSInteger integerValue() const override { return vistrane::integerValue(text_); }
+    void setIntValue(std::int32_t value) override { text_ = std::to_string(value); }
+    void setIntegerValue(NSInteger value) override { text_ = std::to_string(value); }
     void setNeedsDisplay(bool) override {}
 
     void setAction(NSAction action) { action_ = std::move(action); }
     const std::string& stringValue() const { return text_; }
 
-    /// The user puts the cursor into the field and replaces its text; the edit goes on.
-    void userEdits(const std::string& text);
-    /// The user replaces the text and confirms it.
-    void userTypes(const std::string& text);
-    /// Sends the action if the user was editing.
-    void endEditing();
+    /// Replaces the text and confirms it, which sends the action.
+    void userTypes(const std::string& text) {
+        text_ = text;
+        if (action_) {
+            action_(this);
+        }
+    }
 
 private:
     std::string text_;
-    bool isEdited_ = false;
     NSAction action_;
 };
 

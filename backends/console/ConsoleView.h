@@ -9,27 +9,21 @@
 
 namespace vistrane {
 
-/// A layer that only holds what it was told.
+/// A layer that is never drawn. It keeps its sublayers alive.
 class ConsoleLayer final : public CALayer {
 public:
-    void setFrame(CGRect frame) override { frame_ = frame; }
-    void setBackgroundColor(CGColor color) override { backgroundColor_ = color; }
+    void setFrame(CGRect) override {}
+    void setBackgroundColor(CGColor) override {}
     void addSublayer(std::shared_ptr<CALayer> layer) override {
         sublayers_.push_back(std::move(layer));
     }
 
-    CGRect frame() const { return frame_; }
-    CGColor backgroundColor() const { return backgroundColor_; }
-    const std::vector<std::shared_ptr<CALayer>>& sublayers() const { return sublayers_; }
-
 private:
-    CGRect frame_;
-    CGColor backgroundColor_ = CGColorGetConstantColor(kCGColorClear);
     std::vector<std::shared_ptr<CALayer>> sublayers_;
 };
 
-/// A view without a place on any screen: its bounds are zero. `Interface` is `NSView` or an
-/// interface that extends it.
+/// A view that is on no screen: its bounds are zero. `Interface` is `NSView` or an interface that
+/// extends it.
 template <typename Interface>
 class ConsoleViewOf : public Interface {
 public:
@@ -50,14 +44,9 @@ private:
 
 class ConsoleView final : public ConsoleViewOf<NSView> {};
 
-/// Keeps the picture that was set last.
 class ConsoleImageView final : public ConsoleViewOf<NSImageView> {
 public:
-    void setImage(std::shared_ptr<NSImage> image) override { image_ = std::move(image); }
-    std::shared_ptr<NSImage> image() const { return image_; }
-
-private:
-    std::shared_ptr<NSImage> image_;
+    void setImage(std::shared_ptr<NSImage>) override {}
 };
 
 } // namespace vistrane

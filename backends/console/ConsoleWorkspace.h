@@ -7,13 +7,13 @@
 
 namespace vistrane {
 
-/// Hands addresses to the front end.
+/// Passes each address to a function of the front end.
 class ConsoleWorkspace final : public NSWorkspace {
 public:
-    /// `open` is called on the thread that opens, any thread; its result is that of `openURL`.
+    /// `open` is called on the thread that calls `openURL`, and returns its result.
     explicit ConsoleWorkspace(std::function<bool(const NSURL&)> open) : open_(std::move(open)) {}
 
-    bool openURL(const NSURL& url) override { return open_ && open_(url); }
+    bool openURL(const NSURL& url) override { return open_(url); }
 
 private:
     const std::function<bool(const NSURL&)> open_;

@@ -9,8 +9,8 @@
 
 namespace vistrane {
 
-/// Settings for one run: nothing is kept. They begin empty; a front end puts in beforehand what it
-/// wants to be found.
+/// Settings in memory, for one run. They start empty; a front end stores what the program should
+/// find.
 class MemoryUserDefaults final : public NSUserDefaults {
 public:
     NSInteger integerForKey(const std::string& key) const override;
@@ -20,7 +20,7 @@ public:
     void setObject(const std::vector<std::uint8_t>& value, const std::string& key) override;
     void synchronize() override {}
 
-    /// For keys that the system owns.
+    /// Stores a key that belongs to the system.
     void setString(const std::string& value, const std::string& key);
 
 private:

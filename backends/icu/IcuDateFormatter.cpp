@@ -19,7 +19,7 @@ namespace vistrane {
 
 namespace {
 
-/// The largest moment that ICU's calendars take, in milliseconds around 1970.
+/// The limit of ICU's calendars: milliseconds before and after 1970.
 constexpr double farthestMoment = 8.64e15;
 
 double millisecondsOf(NSDate date) {
@@ -30,7 +30,7 @@ double millisecondsOf(NSDate date) {
     return std::fmin(std::fmax(milliseconds, -farthestMoment), farthestMoment);
 }
 
-/// The offset from UTC that the C library gives a moment, in milliseconds.
+/// The C library's offset from UTC at that time, in milliseconds.
 std::optional<std::int32_t> systemOffset(double milliseconds) {
     const auto moment = static_cast<std::time_t>(std::floor(milliseconds / 1000.0));
     std::tm parts{};
@@ -70,7 +70,7 @@ struct IcuDateFormatter::State {
         format = std::move(made);
     }
 
-    /// A zone that is right at that moment.
+    /// A zone whose offset is right at that time.
     std::unique_ptr<icu::TimeZone> zoneAt(double milliseconds) const {
         const std::optional<std::int32_t> offset = systemOffset(milliseconds);
         if (!offset || (zone && offsetInZone(*zone, milliseconds) == offset)) {

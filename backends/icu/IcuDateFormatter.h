@@ -7,19 +7,19 @@
 
 namespace vistrane {
 
-/// Formats dates with ICU. Pattern letters, week rules, calendar and digits are those of the
-/// locale, as ICU has them; the pattern reaches ICU unchanged.
+/// Formats dates with ICU, which gets the pattern unchanged. Week rules, calendar and digits are
+/// those of the locale.
 ///
-/// The time zone is the user's: the TZ variable, else the system's. The moment's offset from UTC
-/// always agrees with the C library's `localtime`, also where TZ holds a rule that ICU does not
-/// read ("CET-1CEST,M3.5.0,M10.5.0/3"). Fractions of a second are cut down to the millisecond,
-/// before 1970 too.
+/// The time zone is the user's: the TZ variable, else the system's. The offset from UTC always
+/// agrees with the C library's `localtime`, also for TZ rules that ICU does not read
+/// ("CET-1CEST,M3.5.0,M10.5.0/3"). Fractions of a second are rounded down to the millisecond, also
+/// before 1970.
 class IcuDateFormatter final : public NSDateFormatter {
 public:
-    /// With the user's locale and time zone of this moment. Reads the environment: no other thread
-    /// may be changing it.
+    /// The user's current locale and time zone. Reads the environment: no other thread may change
+    /// it meanwhile.
     IcuDateFormatter();
-    /// With a locale of that ICU identifier, for instance "th_TH@calendar=gregorian".
+    /// A locale by its ICU identifier, for instance "th_TH@calendar=gregorian".
     explicit IcuDateFormatter(const std::string& icuLocale);
     ~IcuDateFormatter() override;
 

@@ -9,7 +9,6 @@
 
 #include <unicode/coll.h>
 #include <unicode/locid.h>
-#include <unicode/normalizer2.h>
 #include <unicode/sortkey.h>
 #include <unicode/stringpiece.h>
 #include <unicode/uchar.h>
@@ -21,42 +20,27 @@ namespace vistrane {
 
 namespace {
 
-std::unique_ptr<const icu::Collator> makeCollator(const icu::Locale& locale, bool numeric,
-                                                  icu::Collator::ECollationStrength strength) {
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(locale, status));
-    if (U_FAILURE(status) != 0) {
-        return nullptr;
-    }
-    collator->setStrength(strength);
-    collator->setAttribute(UCOL_NUMERIC_COLLATION, numeric ? UCOL_ON : UCOL_OFF, status);
-    // Some locales skip punctuation by default: "a-b" and "ab" would be the same.
-    collator->setAttribute(UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, status);
-    // Names may come decomposed or not, from one file system or another.
-    collator->setAttribute(UCOL_NORMALIZATION_MODE, UCOL_ON, status);
-    return U_FAILURE(status) != 0 ? nullptr : std::move(collator);
-}
-
-/// The rules for collation. Those of POSIX are no language's: they tell the cases apart as if they
-/// were different letters, which no option could undo.
+/// The rules of the POSIX locale belong to no language: they sort all capitals before all small
+/// letters. The root's rules replace them.
 icu::Locale collationLocale(const std::string& icuLocale) {
     return icuLocale == "en_US_POSIX" ? icu::Locale::getRoot()
                                       : icu::Locale::createCanonical(icuLocale.c_str());
 }
 
-/// Wide and narrow forms become the plain characters that they are forms of.
-icu::UnicodeString withoutWidth(const icu::UnicodeString& text) {
-    icu::UnicodeString plain;
-    for (std::int32_t at = 0; at < text.length(); at = text.moveIndex32(at, 1)) {
-        icu::UnicodeString character(text.char32At(at));
-        const auto form = u_getIntPropertyValue(text.char32At(at), UCHAR_DECOMPOSITION_TYPE);
-        if (form == U_DT_WIDE || form == U_DT_NARROW) {
-            UErrorCode status = U_ZERO_ERROR;
-            character = icu::Normalizer2::getNFKDInstance(status)->normalize(character, status);
-        }
-        plain.append(character);
+std::unique_ptr<const icu::Collator> makeCollator(const icu::Locale& locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(locale, status));
+    if (U_FAILURE(status) != 0) {
+        return nullptr;
     }
-    return plain;
+    // Letters and accents count. Case and width are the third level.
+    collator->setStrength(icu::Collator::SECONDARY);
+    collator->setAttribute(UCOL_NUMERIC_COLLATION, UCOL_ON, status);
+    // Some locales ignore punctuation by default: "a-b" and "ab" would be equal.
+    collator->setAttribute(UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, status);
+    // Some file systems store names decomposed, others composed.
+    collator->setAttribute(UCOL_NORMALIZATION_MODE, UCOL_ON, status);
+    return U_FAILURE(status) != 0 ? nullptr : std::move(collator);
 }
 
 icu::StringPiece pieceOf(std::string_view bytes) {
@@ -64,13 +48,16 @@ icu::StringPiece pieceOf(std::string_view bytes) {
     return {bytes.data(), static_cast<std::int32_t>(std::min(bytes.size(), limit))};
 }
 
-/// Whether there is a digit beyond those of ASCII.
-bool hasOtherDigit(std::string_view text) {
+icu::UnicodeString charactersOf(std::string_view bytes) {
+    return icu::UnicodeString::fromUTF8(pieceOf(bytes));
+}
+
+bool hasDigitBeyondAscii(std::string_view text) {
     const auto isBeyondAscii = [](char byte) { return static_cast<signed char>(byte) < 0; };
     if (std::none_of(text.begin(), text.end(), isBeyondAscii)) {
         return false;
     }
-    const icu::UnicodeString characters = icu::UnicodeString::fromUTF8(pieceOf(text));
+    const icu::UnicodeString characters = charactersOf(text);
     for (std::int32_t at = 0; at < characters.length(); at = characters.moveIndex32(at, 1)) {
         const UChar32 character = characters.char32At(at);
         if (character > 0x7f && u_isdigit(character)) {
@@ -80,16 +67,12 @@ bool hasOtherDigit(std::string_view text) {
     return false;
 }
 
-/// For numbers with digits of other scripts. Comparing begins behind what two texts have in common
-/// and in many languages takes such a digit there for the beginning of a number, not for a part of
-/// one: what it then says contradicts itself. The keys are made of whole numbers.
-int keyOrder(const icu::Collator& collator, const icu::UnicodeString& first,
-             const icu::UnicodeString& second) {
+int keyOrder(const icu::Collator& collator, std::string_view first, std::string_view second) {
     UErrorCode status = U_ZERO_ERROR;
     icu::CollationKey firstKey;
     icu::CollationKey secondKey;
-    collator.getCollationKey(first, firstKey, status);
-    collator.getCollationKey(second, secondKey, status);
+    collator.getCollationKey(charactersOf(first), firstKey, status);
+    collator.getCollationKey(charactersOf(second), secondKey, status);
     return firstKey.compareTo(secondKey, status);
 }
 
@@ -100,25 +83,8 @@ NSComparisonResult resultOf(int difference) {
     return difference < 0 ? NSOrderedAscending : NSOrderedDescending;
 }
 
-std::string_view part(const std::string& text, NSRange range) {
-    return std::string_view(text).substr(std::min(range.location, text.size()), range.length);
-}
-
-bool ignoresCase(std::uint32_t options) {
-    return (options & NSCaseInsensitiveSearch) != 0;
-}
-
-bool ignoresWidth(std::uint32_t options) {
-    return (options & NSWidthInsensitiveSearch) != 0;
-}
-
-/// `NSForcedOrderingSearch`: equal only when the bytes are.
-int byteOrder(std::string_view first, std::string_view second) {
-    return first.compare(second);
-}
-
-/// How many bytes the texts have in common up to and including a slash, hyphen or underscore: no
-/// collation sees anything that reaches across one, so that what comes behind decides by itself.
+/// The length of what all texts begin with, up to and including a slash, hyphen or underscore. No
+/// collation has a rule that reaches across one of these, so the rest decides by itself.
 std::size_t commonStart(const std::vector<std::string>& texts) {
     std::string_view common = texts.empty() ? std::string_view() : texts.front();
     for (const std::string& text : texts) {
@@ -129,20 +95,20 @@ std::size_t commonStart(const std::vector<std::string>& texts) {
     return common.find_last_of("/-_") + 1;
 }
 
-/// Keys, one behind the other: byte strings whose order is that of their texts.
+/// Collation keys in one buffer: byte strings whose order is that of their texts.
 class SortKeys {
 public:
     explicit SortKeys(const icu::Collator& collator) : collator_(collator), bytes_(1 << 16) {}
 
-    /// Where the text's key begins; nothing when the collation has none for it.
+    /// Where the text's key begins; nothing when the collation has no key for it.
     std::optional<std::size_t> add(std::string_view text) {
-        const icu::UnicodeString characters = icu::UnicodeString::fromUTF8(pieceOf(text));
+        const icu::UnicodeString characters = charactersOf(text);
         std::size_t length = write(characters);
         if (length > room()) {
             bytes_.resize(std::max(bytes_.size() * 2, used_ + length));
             length = write(characters);
         }
-        // A key of its own ends with a zero byte.
+        // Every key ends with a zero byte.
         if (length == 0 || length > room()) {
             return std::nullopt;
         }
@@ -151,8 +117,8 @@ public:
         return start;
     }
 
-    /// The first bytes of a key as a number that orders as they do.
-    std::uint64_t head(std::size_t key) const {
+    /// The first bytes of a key as a number that has their order.
+    std::uint64_t start(std::size_t key) const {
         std::uint64_t value = 0;
         bool ended = false;
         for (std::size_t at = 0; at < sizeof value; ++at) {
@@ -182,12 +148,12 @@ private:
     std::size_t used_ = 0;
 };
 
-/// A text by its place in the list, and its key: where that begins, and how.
 struct KeyedText {
-    /// Beside each other in the list, these mostly decide without a look at the keys themselves.
-    std::uint64_t head;
+    /// The key's first bytes, which decide most comparisons without a look at the key itself.
+    std::uint64_t start;
     std::size_t key;
-    std::size_t place;
+    /// The text's index in the list.
+    std::size_t text;
 };
 
 std::optional<std::vector<KeyedText>> keyed(const std::vector<std::string>& texts,
@@ -199,130 +165,87 @@ std::optional<std::vector<KeyedText>> keyed(const std::vector<std::string>& text
         if (!key) {
             return std::nullopt;
         }
-        result.push_back({keys.head(*key), *key, result.size()});
+        result.push_back({keys.start(*key), *key, result.size()});
     }
     return result;
 }
 
-void putInOrder(std::vector<std::string>& texts, const std::vector<KeyedText>& order) {
-    std::vector<std::string> sorted;
-    sorted.reserve(texts.size());
-    for (const KeyedText& text : order) {
-        sorted.push_back(std::move(texts[text.place]));
-    }
-    texts.swap(sorted);
-}
-
-/// Whether that could be done; else nothing has changed.
-bool sortByKeys(std::vector<std::string>& texts, const icu::Collator& collator, bool forced) {
+/// False, with nothing changed, when a text has no key.
+bool sortByKeys(std::vector<std::string>& texts, const icu::Collator& collator) {
     SortKeys keys(collator);
     auto order = keyed(texts, commonStart(texts), keys);
     if (!order) {
         return false;
     }
     std::sort(order->begin(), order->end(), [&](const KeyedText& first, const KeyedText& second) {
-        if (first.head != second.head) {
-            return first.head < second.head;
+        if (first.start != second.start) {
+            return first.start < second.start;
         }
-        int difference = keys.compare(first.key, second.key);
-        if (difference == 0 && forced) {
-            difference = byteOrder(texts[first.place], texts[second.place]);
-        }
-        return difference != 0 ? difference < 0 : first.place < second.place;
+        const int difference = keys.compare(first.key, second.key);
+        return difference != 0 ? difference < 0 : texts[first.text] < texts[second.text];
     });
-    putInOrder(texts, *order);
+    std::vector<std::string> sorted;
+    sorted.reserve(texts.size());
+    for (const KeyedText& each : *order) {
+        sorted.push_back(std::move(texts[each.text]));
+    }
+    texts.swap(sorted);
     return true;
 }
 
 } // namespace
 
-struct IcuLocale::Collators {
-    explicit Collators(const icu::Locale& locale)
-        : turkic(locale.getLanguage() == std::string_view("tr") ||
-                 locale.getLanguage() == std::string_view("az")) {
-        for (const bool numeric : {false, true}) {
-            letters[numeric] = makeCollator(locale, numeric, icu::Collator::SECONDARY);
-            forms[numeric] = makeCollator(locale, numeric, icu::Collator::TERTIARY);
-        }
+struct IcuLocale::Collation {
+    explicit Collation(const icu::Locale& locale) : collator(makeCollator(locale)) {
         UErrorCode status = U_ZERO_ERROR;
         readsFromTheEnd =
-            letters[0] && letters[0]->getAttribute(UCOL_FRENCH_COLLATION, status) == UCOL_ON;
+            collator && collator->getAttribute(UCOL_FRENCH_COLLATION, status) == UCOL_ON;
     }
 
-    /// The collator for the options; null when there is none.
-    const icu::Collator* collatorFor(std::uint32_t options) const {
-        const bool numeric = (options & NSNumericSearch) != 0;
-        return (ignoresCase(options) && ignoresWidth(options) ? letters : forms)[numeric].get();
-    }
-
-    int compare(std::string_view first, std::string_view second, std::uint32_t options) const {
-        const bool anyCase = ignoresCase(options);
-        const bool anyWidth = ignoresWidth(options);
-        const icu::Collator* collator = collatorFor(options);
-        if (collator == nullptr) {
-            return byteOrder(first, second);
+    /// Zero for texts that the collation calls equal.
+    int compare(std::string_view first, std::string_view second) const {
+        if (!collator) {
+            return 0;
         }
-        // The collation's third level holds case and width together: to let only one of them
-        // count, the other is taken out of the text.
-        const auto read = [&](std::string_view text) {
-            return anyCase != anyWidth ? folded(text, anyCase)
-                                       : icu::UnicodeString::fromUTF8(pieceOf(text));
-        };
-        if ((options & NSNumericSearch) != 0 && !readsFromTheEnd &&
-            (hasOtherDigit(first) || hasOtherDigit(second))) {
-            return keyOrder(*collator, read(first), read(second));
+        // ICU skips what two texts have in common. In many languages it then takes a digit of
+        // another script for the start of a number, not for a part of one, and contradicts itself.
+        // Keys are made of whole numbers.
+        if (!readsFromTheEnd && (hasDigitBeyondAscii(first) || hasDigitBeyondAscii(second))) {
+            return keyOrder(*collator, first, second);
         }
         UErrorCode status = U_ZERO_ERROR;
-        if (anyCase != anyWidth) {
-            return collator->compare(read(first), read(second), status);
-        }
         return collator->compareUTF8(pieceOf(first), pieceOf(second), status);
     }
 
-    icu::UnicodeString folded(std::string_view bytes, bool caseNotWidth) const {
-        icu::UnicodeString text = icu::UnicodeString::fromUTF8(pieceOf(bytes));
-        if (!caseNotWidth) {
-            return withoutWidth(text);
-        }
-        return text.foldCase(turkic ? U_FOLD_CASE_EXCLUDE_SPECIAL_I : U_FOLD_CASE_DEFAULT);
-    }
-
-    /// Each without and with numeric order: accents count; accents, case and width count.
-    std::unique_ptr<const icu::Collator> letters[2];
-    std::unique_ptr<const icu::Collator> forms[2];
-    /// Whether dotted and dotless i are two letters.
-    bool turkic;
-    /// Whether the last accent counts first. The keys then say of marks that are parted by
-    /// characters without weight what comparing does not say.
+    /// Null when ICU has none; texts then have the order of their bytes.
+    std::unique_ptr<const icu::Collator> collator;
+    /// Whether the last accent counts first. Keys and comparisons then disagree about marks with
+    /// characters without weight between them, so keys are not used.
     bool readsFromTheEnd = false;
 };
 
 IcuLocale::IcuLocale() : IcuLocale(userLocale(LocaleCategory::collation)) {}
 
 IcuLocale::IcuLocale(const std::string& icuLocale)
-    : collators_(std::make_unique<const Collators>(collationLocale(icuLocale))) {}
+    : collation_(std::make_unique<const Collation>(collationLocale(icuLocale))) {}
 
 IcuLocale::~IcuLocale() = default;
 
 NSComparisonResult IcuLocale::compare(const std::string& first, const std::string& second,
-                                      std::uint32_t options, NSRange range) const {
-    const std::string_view compared = part(first, range);
-    const int difference = collators_->compare(compared, second, options);
-    if (difference == 0 && (options & NSForcedOrderingSearch) != 0) {
-        return resultOf(byteOrder(compared, second));
-    }
-    return resultOf(difference);
+                                      std::uint32_t, NSRange range) const {
+    const auto compared =
+        std::string_view(first).substr(std::min(range.location, first.size()), range.length);
+    const int difference = collation_->compare(compared, second);
+    return resultOf(difference != 0 ? difference : compared.compare(second));
 }
 
 void IcuLocale::sort(std::vector<std::string>& texts, std::uint32_t options) const {
-    const icu::Collator* collator = collators_->collatorFor(options);
-    if (collator == nullptr || collators_->readsFromTheEnd ||
-        ignoresCase(options) != ignoresWidth(options) ||
-        !sortByKeys(texts, *collator, (options & NSForcedOrderingSearch) != 0)) {
-        std::stable_sort(
-            texts.begin(), texts.end(), [&](const std::string& first, const std::string& second) {
-                return compare(first, second, options, {0, first.size()}) == NSOrderedAscending;
-            });
+    if (!collation_->collator || collation_->readsFromTheEnd ||
+        !sortByKeys(texts, *collation_->collator)) {
+        std::sort(texts.begin(), texts.end(),
+                  [&](const std::string& first, const std::string& second) {
+                      return compare(first, second, options, {0, first.size()}) < 0;
+                  });
     }
 }
 

@@ -19,7 +19,7 @@ std::string firstSetVariable(std::initializer_list<const char*> names) {
     return {};
 }
 
-/// Puts a script behind the language: "sr_RS" with "Latn" gives "sr_Latn_RS".
+/// Inserts a script after the language: "sr_RS" with "Latn" gives "sr_Latn_RS".
 std::string withScript(const std::string& language, const std::string& script) {
     const std::size_t end = language.find('_');
     if (end == std::string::npos) {
@@ -28,7 +28,7 @@ std::string withScript(const std::string& language, const std::string& script) {
     return language.substr(0, end) + "_" + script + language.substr(end);
 }
 
-/// Most modifiers name something that ICU knows already, for instance a currency.
+/// Other modifiers, such as a currency, are implied by the locale and dropped.
 std::string withModifier(const std::string& language, const std::string& modifier) {
     if (modifier.find('=') != std::string::npos) {
         return language + "@" + modifier;
@@ -55,7 +55,7 @@ std::string icuLocaleOfPosixName(const std::string& name) {
     const std::string modifier = at == std::string::npos ? std::string() : name.substr(at + 1);
     std::string language = name.substr(0, at);
     language = language.substr(0, language.find('.'));
-    // A name with a slash is the C library's way of naming a file of its own.
+    // The C library takes a name with a slash for the path of a locale file.
     if (language.empty() || language == "C" || language == "POSIX" ||
         language.find('/') != std::string::npos) {
         return posixLocale;

@@ -3,17 +3,16 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <functional>
 #include <string>
 #include <string_view>
-#include <thread>
-#include <utility>
 
-#include "backends/movies/Libav.h"
 #include "backends/movies/movie_errors.h"
-#include "backends/posix/threads.h"
 
 extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavutil/dict.h>
+#include <libavutil/error.h>
+#include <libavutil/frame.h>
 #include <libavutil/log.h>
 }
 
@@ -37,24 +36,20 @@ bool takesPlanar420(const AVCodec& codec) {
 }
 
 bool isUsable(const AVCodec& codec) {
-    return libav()->av_codec_is_encoder(&codec) && codec.id == AV_CODEC_ID_H264 &&
-           takesPlanar420(codec) && (codec.capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0;
+    return av_codec_is_encoder(&codec) && codec.id == AV_CODEC_ID_H264 && takesPlanar420(codec) &&
+           (codec.capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0;
 }
 
-/// The encoders to try, the best first. Some that are there work with certain hardware only.
-std::vector<const AVCodec*> findEncoders(const std::string& name) {
+/// The encoders to try, the best first. Some need certain hardware and fail when they are opened.
+std::vector<const AVCodec*> findEncoders() {
     std::vector<const AVCodec*> encoders;
-    if (libav() == nullptr) {
-        return encoders;
-    }
-    const AVCodec* wanted =
-        libav()->avcodec_find_encoder_by_name(name.empty() ? "libx264" : name.c_str());
-    if (wanted && isUsable(*wanted)) {
-        encoders.push_back(wanted);
+    const AVCodec* const best = avcodec_find_encoder_by_name("libx264");
+    if (best != nullptr && isUsable(*best)) {
+        encoders.push_back(best);
     }
     void* position = nullptr;
-    while (const AVCodec* codec = name.empty() ? libav()->av_codec_iterate(&position) : nullptr) {
-        if (codec != wanted && isUsable(*codec)) {
+    while (const AVCodec* const codec = av_codec_iterate(&position)) {
+        if (codec != best && isUsable(*codec)) {
             encoders.push_back(codec);
         }
     }
@@ -63,7 +58,7 @@ std::vector<const AVCodec*> findEncoders(const std::string& name) {
 
 NSError encoderError(int number, const std::string& what, const std::string& advice) {
     char reason[AV_ERROR_MAX_STRING_SIZE] = {};
-    libav()->av_strerror(number, reason, sizeof reason);
+    av_strerror(number, reason, sizeof reason);
     return movieError(AVErrorUnknown, what + ": " + reason + ". " + advice);
 }
 
@@ -86,37 +81,36 @@ void describePictures(AVCodecContext& context, int width, int height, std::int32
     context.chroma_sample_location = AVCHROMA_LOC_LEFT;
 }
 
-/// libx264's preset veryfast with a coarser motion search, and instead of that what costs less and
-/// gains more for pictures of which many are alike, as those of a still camera are:
-/// - three pictures to refer to, and a somewhat longer look ahead;
-/// - more of the bits for the pictures that others are made from;
-/// - chroma a little finer, as the slower presets have it too;
-/// - edges smoothed a little less, and coefficients that stand alone are kept.
+/// libx264's preset veryfast with a coarser motion search. The time that this saves goes into what
+/// gains more when most pictures are alike, as those of a still camera are:
+/// - three reference pictures and a longer look-ahead;
+/// - more bits for the pictures that others refer to;
+/// - a lower quantiser for chroma, as the slower presets have;
+/// - weaker deblocking, and no removal of isolated coefficients.
 ///
-/// 150 frames of 1920 x 1080, a scene with gusts of wind, people and sensor noise, encoded alone:
-/// size, SSIM of all planes, processor time.
+/// 150 frames of 1920 x 1080, a scene with gusts of wind, people and sensor noise, encoding alone:
+/// constant rate factor, size, SSIM of all planes, processor time.
 ///
-///     medium 23                                 6.83 MB  0.9550  14.9 s
-///     veryfast 22                               7.90 MB  0.9547   5.4 s
-///     veryfast's motion search, 2 references    7.38 MB  0.9566   5.7 s  (21.6)
-///     these 21.75                               7.48 MB  0.9576  4.3 s
-///     ... with trellis, 2 references            7.58 MB  0.9571   5.0 s  (22)
-///     ... with 5 B-pictures, 2 references       7.11 MB  0.9549   4.2 s  (22)
-///     ... with 2 references                     7.50 MB  0.9560   4.0 s  (22)
+///     medium                                         23     6.83 MB  0.9550  14.9 s
+///     veryfast                                       22     7.90 MB  0.9547   5.4 s
+///     these with veryfast's motion search, 2 refs    21.6   7.38 MB  0.9566   5.7 s
+///     these                                          21.75  7.48 MB  0.9576   4.3 s
+///     these with trellis, 2 refs                     22     7.58 MB  0.9571   5.0 s
+///     these with 5 B-pictures, 2 refs                22     7.11 MB  0.9549   4.2 s
+///     these with 2 refs                              22     7.50 MB  0.9560   4.0 s
 ///
-/// Other quantisation by variance, a look ahead of 40 and other partitions gain nothing or less
-/// than they cost.
+/// Adaptive quantisation by variance, a look-ahead of 40 and other partitions gain less than they
+/// cost.
 void chooseOwnSettings(AVDictionary** settings) {
-    libav()->av_dict_set(settings, "preset", "veryfast", 0);
-    libav()->av_dict_set(
-        settings, "x264-params",
-        "subme=1:ref=3:rc-lookahead=15:qcomp=0.5:chroma-qp-offset=-3:deblock=-2,-2:"
-        "no-dct-decimate=1",
-        0);
+    av_dict_set(settings, "preset", "veryfast", 0);
+    av_dict_set(settings, "x264-params",
+                "subme=1:ref=3:rc-lookahead=15:qcomp=0.5:chroma-qp-offset=-3:deblock=-2,-2:"
+                "no-dct-decimate=1",
+                0);
 }
 
-/// For encoders that know no constant quality: a fifth of a bit for each pixel.
-std::int64_t plentifulBitRate(int width, int height, std::int32_t timescale) {
+/// For encoders without constant quality: a fifth of a bit a pixel.
+std::int64_t ampleBitRate(int width, int height, std::int32_t timescale) {
     constexpr std::int64_t limit = 400'000'000;
     return std::min(std::int64_t{width} * height * std::min(timescale, 60) / 5, limit);
 }
@@ -133,7 +127,7 @@ void forEachUnit(const std::uint8_t* bytes, std::size_t count, const Take& take)
         const std::uint8_t* const first = at + 3;
         at = startCode(first);
         const std::uint8_t* last = at;
-        while (last != first && last[-1] == 0) { // no unit ends with a zero byte
+        while (last != first && last[-1] == 0) { // trailing zero bytes belong to no unit
             --last;
         }
         if (last != first) {
@@ -148,83 +142,74 @@ void appendBigEndian(std::vector<std::uint8_t>& bytes, std::size_t value, int wi
     }
 }
 
-/// Profiles whose configuration record tells the chroma format and the bit depths as well.
+/// Profiles whose configuration record has the chroma format and the bit depths as well.
 bool isHighProfile(unsigned profile) {
     return profile == 100 || profile == 110 || profile == 122 || profile == 144;
 }
 
-/// The threads that the work starts give way; the one that waits here does not, nor what it starts
-/// later.
-void onGivingWay(const std::function<void()>& work) {
-    std::thread thread = startThread([&work] {
-        giveWayToOtherThreads();
-        work();
-    });
-    if (thread.joinable()) {
-        thread.join();
-    } else {
-        work();
+class Module final : public EncoderModule {
+public:
+    std::optional<NSError> availability() const override { return H264Encoder::availability(); }
+
+    std::unique_ptr<VideoFrame> makeFrame(int width, int height) const override {
+        LibavPointer<AVFrame> frame(av_frame_alloc());
+        if (!frame) {
+            return nullptr;
+        }
+        frame->format = AV_PIX_FMT_YUV420P;
+        frame->width = width;
+        frame->height = height;
+        if (av_frame_get_buffer(frame.get(), 0) != 0) {
+            return nullptr;
+        }
+        return std::make_unique<LibavFrame>(std::move(frame));
     }
-}
+
+    std::unique_ptr<VideoEncoder> makeEncoder(const MovieOptions& options) const override {
+        return std::make_unique<H264Encoder>(options);
+    }
+};
 
 } // namespace
 
-void FrameDeleter::operator()(AVFrame* frame) const {
-    libav()->av_frame_free(&frame);
+void LibavDeleter::operator()(AVCodecContext* context) const {
+    avcodec_free_context(&context);
 }
 
-FramePointer makeFrame(int width, int height) {
-    FramePointer frame(libav() == nullptr ? nullptr : libav()->av_frame_alloc());
-    if (!frame) {
-        return nullptr;
-    }
-    frame->format = AV_PIX_FMT_YUV420P;
-    frame->width = width;
-    frame->height = height;
-    frame->color_range = AVCOL_RANGE_MPEG;
-    frame->color_primaries = AVCOL_PRI_BT709;
-    frame->color_trc = AVCOL_TRC_BT709;
-    frame->colorspace = AVCOL_SPC_BT709;
-    frame->chroma_location = AVCHROMA_LOC_LEFT;
-    return libav()->av_frame_get_buffer(frame.get(), 0) == 0 ? std::move(frame) : nullptr;
+void LibavDeleter::operator()(AVFrame* frame) const {
+    av_frame_free(&frame);
 }
 
-bool isFrameUnshared(const AVFrame& frame) {
-    // The parameter has lacked its const in some versions of the library.
-    return libav()->av_frame_is_writable(const_cast<AVFrame*>(&frame)) > 0;
+void LibavDeleter::operator()(AVPacket* packet) const {
+    av_packet_free(&packet);
 }
 
-void H264Encoder::ContextDeleter::operator()(AVCodecContext* context) const {
-    libav()->avcodec_free_context(&context);
+PlanarPicture LibavFrame::planes() {
+    return {frame_->data[0],
+            frame_->data[1],
+            frame_->data[2],
+            static_cast<std::size_t>(frame_->linesize[0]),
+            static_cast<std::size_t>(frame_->linesize[1]),
+            static_cast<std::size_t>(frame_->width),
+            static_cast<std::size_t>(frame_->height)};
 }
 
-void H264Encoder::PacketDeleter::operator()(AVPacket* packet) const {
-    libav()->av_packet_free(&packet);
+bool LibavFrame::isWritable() const {
+    return av_frame_is_writable(frame_.get()) > 0;
 }
 
-std::optional<NSError> H264Encoder::availability(const MovieOptions& options) {
-    if (!findEncoders(options.encoder).empty()) {
+std::optional<NSError> H264Encoder::availability() {
+    if (!findEncoders().empty()) {
         return std::nullopt;
     }
-    if (libav() == nullptr) {
-        return movieError(AVErrorEncoderNotFound,
-                          std::string("The movie cannot be made: ") + libavcodecName + " or " +
-                              libavutilName +
-                              " is not on this system. Install libavcodec with libx264");
-    }
-    const std::string wanted = options.encoder.empty() ? "" : " \"" + options.encoder + "\"";
     return movieError(AVErrorEncoderNotFound,
-                      "The movie cannot be made: there is no H.264 encoder" + wanted +
-                          " on this system. Install libavcodec with libx264");
+                      "The movie cannot be made: there is no H.264 encoder on this system. Install "
+                      "libavcodec with libx264");
 }
-
-H264Encoder::H264Encoder(MovieOptions options) : options_(std::move(options)) {}
-
-H264Encoder::~H264Encoder() = default;
 
 std::optional<NSError> H264Encoder::open(int width, int height, std::int32_t timescale) {
     std::optional<NSError> firstError;
-    for (const AVCodec* codec : findEncoders(options_.encoder)) {
+    for (const AVCodec* codec : findEncoders()) {
         const auto error = openWith(*codec, width, height, timescale);
         if (!error) {
             return std::nullopt;
@@ -233,22 +218,21 @@ std::optional<NSError> H264Encoder::open(int width, int height, std::int32_t tim
             firstError = error;
         }
     }
-    return firstError ? firstError : availability(options_);
+    return firstError ? firstError : availability();
 }
 
 std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, int height,
                                              std::int32_t timescale) {
-    std::unique_ptr<AVCodecContext, ContextDeleter> context(
-        libav()->avcodec_alloc_context3(&codec));
-    packet_.reset(libav()->av_packet_alloc());
+    LibavPointer<AVCodecContext> context(avcodec_alloc_context3(&codec));
+    packet_.reset(av_packet_alloc());
     if (!context || !packet_) {
         return encodingError(AVERROR(ENOMEM));
     }
     describePictures(*context, width, height, timescale);
-    // Its messages are for developers; what fails is told by the results.
+    // The library's messages are for developers; the results tell what has failed.
     context->log_level_offset = AV_LOG_TRACE;
     context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    context->thread_count = options_.threads;
+    context->thread_count = 0; // as many as the encoder thinks best
 
     AVDictionary* settings = nullptr;
     if (std::string_view(codec.name) == "libx264") {
@@ -257,20 +241,14 @@ std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, in
         if (options_.preset.empty()) {
             chooseOwnSettings(&settings);
         } else {
-            libav()->av_dict_set(&settings, "preset", options_.preset.c_str(), 0);
+            av_dict_set(&settings, "preset", options_.preset.c_str(), 0);
         }
-        libav()->av_dict_set(&settings, "crf", factor, 0);
+        av_dict_set(&settings, "crf", factor, 0);
     } else {
-        context->bit_rate = plentifulBitRate(width, height, timescale);
+        context->bit_rate = ampleBitRate(width, height, timescale);
     }
-    int result = 0;
-    const auto open = [&] { result = libav()->avcodec_open2(context.get(), &codec, &settings); };
-    if (options_.givesWay) {
-        onGivingWay(open);
-    } else {
-        open();
-    }
-    libav()->av_dict_free(&settings);
+    const int result = avcodec_open2(context.get(), &codec, &settings);
+    av_dict_free(&settings);
     if (result < 0) {
         return encoderError(result,
                             "The H.264 encoder " + std::string(codec.name) +
@@ -285,10 +263,11 @@ std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, in
     return std::nullopt;
 }
 
-std::optional<NSError> H264Encoder::encode(AVFrame& frame, std::int64_t time, const Sink& sink) {
-    frame.pts = time;
-    frame.pict_type = AV_PICTURE_TYPE_NONE;
-    return send(&frame, sink);
+std::optional<NSError> H264Encoder::encode(VideoFrame& frame, std::int64_t time, const Sink& sink) {
+    AVFrame& picture = static_cast<LibavFrame&>(frame).frame();
+    picture.pts = time;
+    picture.pict_type = AV_PICTURE_TYPE_NONE;
+    return send(&picture, sink);
 }
 
 std::optional<NSError> H264Encoder::finish(const Sink& sink) {
@@ -296,12 +275,12 @@ std::optional<NSError> H264Encoder::finish(const Sink& sink) {
 }
 
 std::optional<NSError> H264Encoder::send(const AVFrame* frame, const Sink& sink) {
-    int result = libav()->avcodec_send_frame(context_.get(), frame);
+    int result = avcodec_send_frame(context_.get(), frame);
     if (result == AVERROR(EAGAIN)) {
         if (auto error = receive(sink)) {
             return error;
         }
-        result = libav()->avcodec_send_frame(context_.get(), frame);
+        result = avcodec_send_frame(context_.get(), frame);
     }
     if (result < 0) {
         return encodingError(result);
@@ -311,7 +290,7 @@ std::optional<NSError> H264Encoder::send(const AVFrame* frame, const Sink& sink)
 
 std::optional<NSError> H264Encoder::receive(const Sink& sink) {
     while (true) {
-        const int result = libav()->avcodec_receive_packet(context_.get(), packet_.get());
+        const int result = avcodec_receive_packet(context_.get(), packet_.get());
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) {
             return std::nullopt;
         }
@@ -319,7 +298,7 @@ std::optional<NSError> H264Encoder::receive(const Sink& sink) {
             return encodingError(result);
         }
         repackage();
-        libav()->av_packet_unref(packet_.get());
+        av_packet_unref(packet_.get());
         if (auto error = sink(picture_)) {
             return error;
         }
@@ -337,7 +316,8 @@ void H264Encoder::takeParameterSets(const std::uint8_t* bytes, std::size_t count
     });
 }
 
-/// Parameter sets belong into the configuration record, not among the pictures.
+/// Replaces start codes by lengths. Parameter sets belong in the configuration record, and are left
+/// out here.
 void H264Encoder::repackage() {
     const std::uint8_t* bytes = packet_->data;
     const auto count = static_cast<std::size_t>(packet_->size);
@@ -381,3 +361,8 @@ std::vector<std::uint8_t> H264Encoder::configuration() const {
 }
 
 } // namespace vistrane
+
+const vistrane::EncoderModule* vistraneEncoderModule() {
+    static const vistrane::Module module;
+    return &module;
+}

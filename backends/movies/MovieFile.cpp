@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
-#include <dirent.h>
 #include <fcntl.h>
 #include <string_view>
 #include <sys/file.h>
@@ -11,10 +10,10 @@
 #include <thread>
 #include <unistd.h>
 #include <utility>
-#include <vector>
 
 #include "backends/movies/exclusive_rename.h"
 #include "backends/movies/movie_errors.h"
+#include "backends/posix/entry_names.h"
 #include "platform/shown_text.h"
 
 namespace vistrane {
@@ -22,26 +21,6 @@ namespace vistrane {
 namespace {
 
 constexpr std::string_view hiddenSuffix = ".vistrane-part";
-
-/// A descriptor that is closed at the end of its scope, unless it is let go.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() {
-        if (number_ >= 0) {
-            ::close(number_);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    bool isOpen() const { return number_ >= 0; }
-    int number() const { return number_; }
-    int letGo() { return std::exchange(number_, -1); }
-
-private:
-    int number_;
-};
 
 struct PathParts {
     std::string folder;
@@ -67,9 +46,9 @@ std::string nameHash(const std::string& name) {
     return text;
 }
 
-/// The hidden name depends on the movie's name only, so that it reserves it. A long name is
-/// shortened, between two characters where it is UTF-8: the hidden one is longer than it, and
-/// some file systems allow far less than 255 bytes.
+/// The hidden name depends on the movie's name only, so that it reserves that name. A long name is
+/// shortened, in UTF-8 between two characters: the hidden name is longer than the movie's, and some
+/// file systems allow far less than 255 bytes.
 std::string hiddenNameFor(const std::string& name) {
     constexpr std::size_t longest = 100;
     constexpr std::size_t kept = 64;
@@ -102,7 +81,7 @@ bool isSameFile(int folder, const std::string& name, int file) {
            named.st_ino == opened.st_ino;
 }
 
-/// Removes a hidden file that no living writer holds. The lock tells: it ends with its process.
+/// Removes a hidden file that no process has locked: a lock ends with its process.
 void removeIfLeftover(int folder, const std::string& name) {
     const Descriptor file(
         ::openat(folder, name.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY));
@@ -116,59 +95,49 @@ void removeIfLeftover(int folder, const std::string& name) {
 }
 
 void removeLeftovers(int folder) {
-    const int own = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (own < 0) {
+    const Descriptor listing(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const std::optional<FileNames> names = entryNames(listing.number());
+    if (!names) {
         return;
     }
-    DIR* const listing = ::fdopendir(own);
-    if (listing == nullptr) {
-        ::close(own);
-        return;
-    }
-    std::vector<std::string> names;
-    while (const dirent* const entry = ::readdir(listing)) {
-        if (isHiddenName(entry->d_name)) {
-            names.emplace_back(entry->d_name);
+    for (const std::string_view name : *names) {
+        if (isHiddenName(name)) {
+            removeIfLeftover(folder, std::string(name));
         }
-    }
-    ::closedir(listing);
-    for (const std::string& name : names) {
-        removeIfLeftover(folder, name);
     }
 }
 
 struct Reservation {
-    int file = -1;
-    int number = 0; // the error number when there is no file
+    Descriptor file;
+    int error = 0; // the error number when there is no file
 };
 
-/// Makes and locks the hidden file. Between the two another process may take the file for a
-/// leftover and remove it: then it is made again.
+/// Creates and locks the hidden file. In between another process may take the file for a leftover
+/// and remove it: EAGAIN then.
 Reservation reserveOnce(int folder, const std::string& hiddenName) {
     Descriptor file(::openat(folder, hiddenName.c_str(),
                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
     if (!file.isOpen()) {
-        return {-1, errno};
+        return {Descriptor(), errno};
     }
     if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        return {-1, EAGAIN};
+        return {Descriptor(), EAGAIN};
     }
     if (!isSameFile(folder, hiddenName, file.number())) {
-        return {-1, EAGAIN};
+        return {Descriptor(), EAGAIN};
     }
-    return {file.letGo(), 0};
+    return {std::move(file), 0};
 }
 
 Reservation reserve(int folder, const std::string& hiddenName) {
-    Reservation reservation;
-    for (int attempt = 0; attempt < 50; ++attempt) {
-        reservation = reserveOnce(folder, hiddenName);
-        if (reservation.number != EAGAIN) {
-            break;
+    for (int attempt = 1; attempt < 50; ++attempt) {
+        Reservation reservation = reserveOnce(folder, hiddenName);
+        if (reservation.error != EAGAIN) {
+            return reservation;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    return reservation;
+    return reserveOnce(folder, hiddenName);
 }
 
 NSError nameTakenError(const std::string& path) {
@@ -181,11 +150,6 @@ NSError nameReservedError(const std::string& path) {
     return movieError(AVErrorFileAlreadyExists,
                       "The movie cannot be made: it is being written already (" + shownText(path) +
                           "). Wait until that is done, then compile again");
-}
-
-NSError givenUpError(const std::string& path) {
-    return movieError(AVErrorOperationCancelled, "The movie was given up before it was whole (" +
-                                                     shownText(path) + "). Compile again");
 }
 
 } // namespace
@@ -210,31 +174,29 @@ MovieFileResult MovieFile::create(const std::string& path) {
     }
     removeLeftovers(folder.number());
     const std::string hiddenName = hiddenNameFor(parts.name);
-    const Reservation reservation = reserve(folder.number(), hiddenName);
-    if (reservation.number == EEXIST || reservation.number == EAGAIN) {
+    Reservation reservation = reserve(folder.number(), hiddenName);
+    if (reservation.error == EEXIST || reservation.error == EAGAIN) {
         return {nullptr, nameReservedError(path)};
     }
-    if (reservation.number != 0) {
-        return {nullptr, systemError(reservation.number, "The movie cannot be made", path)};
+    if (reservation.error != 0) {
+        return {nullptr, systemError(reservation.error, "The movie cannot be made", path)};
     }
-    std::unique_ptr<MovieFile> file(
-        new MovieFile(path, folder.letGo(), reservation.file, hiddenName, parts.name));
+    std::unique_ptr<MovieFile> file(new MovieFile(
+        path, std::move(folder), std::move(reservation.file), hiddenName, parts.name));
     // Another writer may have finished a movie of that name since the first look.
-    if (isNameTaken(file->folder_, file->name_)) {
+    if (isNameTaken(file->folder_.number(), file->name_)) {
         return {nullptr, nameTakenError(path)};
     }
     return {std::move(file), std::nullopt};
 }
 
-MovieFile::MovieFile(std::string path, int folder, int file, std::string hiddenName,
+MovieFile::MovieFile(std::string path, Descriptor folder, Descriptor file, std::string hiddenName,
                      std::string name)
-    : path_(std::move(path)), folder_(folder), file_(file), hiddenName_(std::move(hiddenName)),
-      name_(std::move(name)) {}
+    : path_(std::move(path)), folder_(std::move(folder)), file_(std::move(file)),
+      hiddenName_(std::move(hiddenName)), name_(std::move(name)) {}
 
 MovieFile::~MovieFile() {
-    giveUp();
-    ::close(file_);
-    ::close(folder_);
+    discard();
 }
 
 std::optional<NSError> MovieFile::write(const void* bytes, std::size_t count) {
@@ -247,55 +209,38 @@ std::optional<NSError> MovieFile::write(const void* bytes, std::size_t count) {
 
 std::optional<NSError> MovieFile::writeAt(std::uint64_t offset, const void* bytes,
                                           std::size_t count) {
-    const auto* next = static_cast<const unsigned char*>(bytes);
-    while (count > 0) {
-        const ssize_t written = ::pwrite(file_, next, count, static_cast<off_t>(offset));
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return writeFailure(written < 0 ? errno : ENOSPC);
-        }
-        next += written;
-        offset += static_cast<std::uint64_t>(written);
-        count -= static_cast<std::size_t>(written);
-    }
-    return std::nullopt;
+    const int error = writeAll(file_.number(), bytes, count, static_cast<std::int64_t>(offset));
+    return error != 0 ? std::optional(writeFailure(error)) : std::nullopt;
 }
 
-std::optional<NSError> MovieFile::giveName() {
-    while (::fsync(file_) != 0) {
-        if (errno == EINTR) {
-            continue;
-        }
-        if (errno == EINVAL) { // a file system that has nothing to bring to a disk
-            break;
-        }
-        return writeFailure(errno);
+std::optional<NSError> MovieFile::publish() {
+    if (const int error = syncToDisk(file_.number())) {
+        return writeFailure(error);
     }
     if (auto error = rename()) {
         return error;
     }
-    ::fsync(folder_); // the movie is whole either way; some file systems refuse this for a folder
+    // The movie is complete either way: some file systems refuse this for folders.
+    syncToDisk(folder_.number());
     return std::nullopt;
 }
 
 std::optional<NSError> MovieFile::rename() {
     const std::lock_guard lock(mutex_);
     if (place_ != Place::hidden) {
-        return givenUpError(path_);
+        return cancelledError(path_);
     }
-    const int number = renameWithoutReplacing(folder_, hiddenName_, name_);
+    const int number = renameWithoutReplacing(folder_.number(), hiddenName_, name_);
     if (number == 0) {
-        place_ = Place::named;
+        place_ = Place::published;
         return std::nullopt;
     }
     removeHiddenFile();
     return number == EEXIST ? nameTakenError(path_)
-                            : systemError(number, "The finished movie cannot get its name", path_);
+                            : systemError(number, "The finished movie cannot be renamed", path_);
 }
 
-void MovieFile::giveUp() {
+void MovieFile::discard() {
     const std::lock_guard lock(mutex_);
     if (place_ == Place::hidden) {
         removeHiddenFile();
@@ -307,8 +252,8 @@ NSError MovieFile::writeFailure(int number) const {
 }
 
 void MovieFile::removeHiddenFile() {
-    ::unlinkat(folder_, hiddenName_.c_str(), 0);
-    place_ = Place::gone;
+    ::unlinkat(folder_.number(), hiddenName_.c_str(), 0);
+    place_ = Place::removed;
 }
 
 } // namespace vistrane

@@ -7,22 +7,23 @@
 #include <optional>
 #include <string>
 
+#include "backends/posix/Descriptor.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
 
 struct MovieFileResult;
 
-/// The file of a movie on its way.
+/// The file of an unfinished movie.
 ///
-/// It lies hidden beside its later name and gets that name in one step when it is whole, so that
-/// under the name there is a whole movie or nothing. The hidden file is locked: it reserves the
-/// name against every other writer, and an unlocked one is the leftover of a process that died.
-/// A file that goes away without having got its name is removed. One thread, except `giveUp`.
+/// It is a hidden file beside its later name, and is renamed in one step when it is complete, so
+/// that under the name there is a complete movie or nothing. The hidden file is locked: the lock
+/// reserves the name against every other writer, and an unlocked file is the leftover of a process
+/// that died. The destructor removes an unpublished file. One thread, except for `discard`.
 class MovieFile {
 public:
-    /// Reserves the name. Fails when anything has that name, when another writer has reserved it,
-    /// and when the folder is missing or cannot be written. Removes leftovers from the folder.
+    /// Reserves the name. Fails when anything of that name exists, when another writer has reserved
+    /// it, and when the folder is missing or cannot be written. Removes leftovers from the folder.
     static MovieFileResult create(const std::string& path);
 
     ~MovieFile();
@@ -34,28 +35,29 @@ public:
 
     std::optional<NSError> write(const void* bytes, std::size_t count);
 
-    /// Replaces bytes that have been written.
+    /// Overwrites bytes that have been written.
     std::optional<NSError> writeAt(std::uint64_t offset, const void* bytes, std::size_t count);
 
-    /// Everything is written: brings it to the disk and gives the file its name.
-    std::optional<NSError> giveName();
+    /// Brings the complete file to the disk and renames it to the movie's name.
+    std::optional<NSError> publish();
 
-    /// Removes the hidden file at once; it gets its name never. Does nothing once it has it. Any
+    /// Removes the hidden file at once: it is never published. Does nothing once it has been. Any
     /// thread.
-    void giveUp();
+    void discard();
 
 private:
-    enum class Place { hidden, named, gone };
+    enum class Place { hidden, published, removed };
 
-    MovieFile(std::string path, int folder, int file, std::string hiddenName, std::string name);
+    MovieFile(std::string path, Descriptor folder, Descriptor file, std::string hiddenName,
+              std::string name);
 
     std::optional<NSError> rename();
     NSError writeFailure(int number) const;
     void removeHiddenFile();
 
     const std::string path_;
-    const int folder_;
-    const int file_;
+    const Descriptor folder_;
+    const Descriptor file_;
     const std::string hiddenName_;
     const std::string name_;
     std::uint64_t size_ = 0;

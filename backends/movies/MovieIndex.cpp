@@ -7,7 +7,7 @@ namespace vistrane {
 
 namespace {
 
-/// Big-endian bytes; a box's size is filled in when the box ends.
+/// Appends big-endian numbers and boxes, whose sizes are filled in when they end.
 class BoxWriter {
 public:
     void u8(unsigned value) { bytes_.push_back(static_cast<std::uint8_t>(value)); }
@@ -53,7 +53,7 @@ private:
     std::vector<std::uint8_t> bytes_;
 };
 
-/// Neighbours with the same value, as time tables have them.
+/// Consecutive samples with the same value: an entry of a time table.
 struct Run {
     std::uint32_t count;
     std::int64_t value;
@@ -70,11 +70,11 @@ void extend(std::vector<Run>& runs, std::int64_t value) {
 class MovieBoxWriter {
 public:
     explicit MovieBoxWriter(const MovieTrack& track) : track_(track) {
-        shown_.reserve(track.samples.size());
+        times_.reserve(track.samples.size());
         for (const MovieSample& sample : track.samples) {
-            shown_.push_back(sample.time);
+            times_.push_back(sample.time);
         }
-        std::sort(shown_.begin(), shown_.end());
+        std::sort(times_.begin(), times_.end());
     }
 
     std::vector<std::uint8_t> write() {
@@ -86,7 +86,7 @@ public:
     }
 
 private:
-    std::int64_t begin() const { return shown_.front(); }
+    std::int64_t begin() const { return times_.front(); }
     std::int64_t mediaDuration() const { return track_.end - begin(); }
 
     void matrix() {
@@ -99,11 +99,11 @@ private:
 
     void movieHeader() {
         out_.versionAndFlags(0, 0);
-        out_.zeros(8); // made and changed: not told
+        out_.zeros(8); // creation and modification time: unknown
         out_.i32(track_.timescale);
         out_.i32(track_.end);
-        out_.u32(0x00010000); // plays at rate 1
-        out_.u16(0x0100);     // and volume 1
+        out_.u32(0x00010000); // rate 1
+        out_.u16(0x0100);     // volume 1
         out_.zeros(10);
         matrix();
         out_.zeros(24); // preview, poster, selection, current time
@@ -119,7 +119,7 @@ private:
     void trackHeader() {
         constexpr unsigned enabledInMovieAndPreview = 7;
         out_.versionAndFlags(0, enabledInMovieAndPreview);
-        out_.zeros(8); // made and changed: not told
+        out_.zeros(8); // creation and modification time: unknown
         out_.u32(1);   // track number
         out_.zeros(4);
         out_.i32(track_.end);
@@ -130,7 +130,7 @@ private:
         out_.u32(std::uint64_t{track_.height} << 16);
     }
 
-    /// A track that does not begin at zero has an empty edit first.
+    /// A track that does not start at zero begins with an empty edit.
     void editList() {
         constexpr std::uint32_t normalRate = 0x00010000;
         out_.versionAndFlags(0, 0);
@@ -159,7 +159,7 @@ private:
         out_.box("minf", [&] {
             out_.box("vmhd", [&] {
                 out_.versionAndFlags(0, 1);
-                out_.zeros(8); // plain copying, no colour
+                out_.zeros(8); // graphics mode: copy
             });
             handler("dhlr", "url ", "DataHandler");
             out_.box("dinf", [&] { out_.box("dref", [&] { dataReference(); }); });
@@ -201,9 +201,9 @@ private:
         out_.box("stsc", [&] {
             out_.versionAndFlags(0, 0);
             out_.u32(1);
-            out_.u32(1); // from the first chunk on
-            out_.u32(1); // a chunk is one sample
-            out_.u32(1); // of the first description
+            out_.u32(1); // first chunk of the run
+            out_.u32(1); // samples per chunk
+            out_.u32(1); // sample description
         });
         out_.box("stsz", [&] { sizes(); });
         out_.box("co64", [&] { chunkOffsets(); });
@@ -219,8 +219,8 @@ private:
         out_.u32(dotsPerInch);
         out_.u32(dotsPerInch);
         out_.u32(0);
-        out_.u16(1);     // one picture in a sample
-        out_.zeros(32);  // name of the compressor
+        out_.u16(1);     // frames per sample
+        out_.zeros(32);  // compressor name
         out_.u16(24);    // depth: colour without alpha
         out_.u16(65535); // no colour table
         out_.box("avcC", [&] { out_.bytes(track_.configuration); });
@@ -246,9 +246,9 @@ private:
 
     void durations() {
         std::vector<Run> table;
-        for (std::size_t i = 0; i < shown_.size(); ++i) {
-            const std::int64_t next = i + 1 < shown_.size() ? shown_[i + 1] : track_.end;
-            extend(table, next - shown_[i]);
+        for (std::size_t i = 0; i < times_.size(); ++i) {
+            const std::int64_t next = i + 1 < times_.size() ? times_[i + 1] : track_.end;
+            extend(table, next - times_[i]);
         }
         out_.versionAndFlags(0, 0);
         runs(table);
@@ -256,8 +256,8 @@ private:
 
     std::vector<Run> compositionOffsets() const {
         std::vector<Run> table;
-        for (std::size_t i = 0; i < shown_.size(); ++i) {
-            extend(table, track_.samples[i].time - shown_[i]);
+        for (std::size_t i = 0; i < times_.size(); ++i) {
+            extend(table, track_.samples[i].time - times_[i]);
         }
         return table;
     }
@@ -272,7 +272,7 @@ private:
         const auto isLess = [](const Run& a, const Run& b) { return a.value < b.value; };
         const auto [least, greatest] = std::minmax_element(offsets.begin(), offsets.end(), isLess);
         out_.versionAndFlags(0, 0);
-        out_.i32(-least->value); // moves every picture behind its decoding
+        out_.i32(-least->value); // shift after which no picture is presented before its decoding
         out_.i32(least->value);
         out_.i32(greatest->value);
         out_.i32(0);
@@ -295,7 +295,7 @@ private:
 
     void sizes() {
         out_.versionAndFlags(0, 0);
-        out_.u32(0); // they differ
+        out_.u32(0); // no common size
         out_.u32(track_.samples.size());
         for (const MovieSample& sample : track_.samples) {
             out_.u32(sample.size);
@@ -311,7 +311,7 @@ private:
     }
 
     const MovieTrack& track_;
-    std::vector<std::int64_t> shown_; // the samples' times, rising
+    std::vector<std::int64_t> times_; // in presentation order
     BoxWriter out_;
 };
 
@@ -319,14 +319,14 @@ constexpr std::size_t mediaBoxOffset = mediaBoxSizeOffset - 8;
 
 } // namespace
 
-std::vector<std::uint8_t> movieFileHead() {
+std::vector<std::uint8_t> movieFileHeader() {
     BoxWriter out;
     out.box("ftyp", [&] {
         out.text("qt  ");
         out.u32(0x200);
         out.text("qt  ");
     });
-    out.u32(1); // the size stands behind the type, in 64 bits
+    out.u32(1); // a 64-bit size follows the type
     out.text("mdat");
     out.u64(0);
     return out.take();

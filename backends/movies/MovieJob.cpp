@@ -1,14 +1,12 @@
 #include "backends/movies/MovieJob.h"
 
 #include <chrono>
-#include <csignal>
-#include <exception>
 #include <new>
-#include <system_error>
 #include <thread>
 #include <utility>
 
 #include "backends/movies/movie_errors.h"
+#include "backends/posix/threads.h"
 #include "platform/shown_text.h"
 
 namespace vistrane {
@@ -17,43 +15,30 @@ namespace {
 
 /// Pictures that wait for the encoder: enough to keep it busy, few enough to keep memory flat.
 constexpr std::size_t queueLimit = 3;
-constexpr auto roomPatience = std::chrono::milliseconds(100);
-
-/// No signal reaches the threads that are started during its life: they are the main thread's
-/// business. A file size limit, whose signal goes to the thread that writes, is then an error
-/// number like every other.
-class BlockedSignals {
-public:
-    BlockedSignals() {
-        sigset_t all;
-        ::sigfillset(&all);
-        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP}) {
-            ::sigdelset(&all, fault);
-        }
-        ::pthread_sigmask(SIG_BLOCK, &all, &before_);
-    }
-    ~BlockedSignals() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    BlockedSignals(const BlockedSignals&) = delete;
-    BlockedSignals& operator=(const BlockedSignals&) = delete;
-
-private:
-    sigset_t before_{};
-};
+constexpr auto roomTimeout = std::chrono::milliseconds(100);
 
 int evenUp(std::size_t side) {
     return static_cast<int>(side + side % 2);
 }
 
-NSError memoryError() {
-    return movieError(AVErrorUnknown, "There is not enough memory for the movie. Use smaller "
-                                      "frames, or close some programs");
+/// Threads that `work` starts inherit the low priority; the waiting thread keeps its own.
+void runAtLowPriority(const std::function<void()>& work) {
+    std::thread thread = startThread([&work] {
+        giveWayToOtherThreads();
+        work();
+    });
+    if (thread.joinable()) {
+        thread.join();
+    } else {
+        work();
+    }
 }
 
 } // namespace
 
-MovieJob::MovieJob(std::string path, std::unique_ptr<MovieFile> file, MovieOptions options,
-                   std::shared_ptr<MovieJobs> jobs)
-    : path_(std::move(path)), options_(std::move(options)), jobs_(std::move(jobs)),
+MovieJob::MovieJob(std::string path, std::unique_ptr<MovieFile> file, const EncoderModule& module,
+                   MovieOptions options, std::shared_ptr<MovieJobs> jobs)
+    : path_(std::move(path)), module_(module), options_(std::move(options)), jobs_(std::move(jobs)),
       file_(std::move(file)) {}
 
 bool MovieJob::start() {
@@ -61,17 +46,16 @@ bool MovieJob::start() {
         const std::lock_guard lock(mutex_);
         isStarted_ = true;
     }
-    try {
-        const BlockedSignals blocked;
-        std::thread([self = shared_from_this()] { self->run(); }).detach();
+    // A thread of `startDetachedThread` gets no signal: they are the main thread's business. A file
+    // size limit, whose signal goes to the thread that writes, so becomes an error number.
+    if (startDetachedThread([self = shared_from_this()] { self->run(); })) {
         return true;
-    } catch (const std::system_error&) {
-        const std::lock_guard lock(mutex_);
-        isStarted_ = false;
-        failure_ = movieError(AVErrorUnknown, "The system gives no thread to write the movie with. "
-                                              "Close some programs and compile again");
-        return false;
     }
+    const std::lock_guard lock(mutex_);
+    isStarted_ = false;
+    failure_ = movieError(AVErrorUnknown, "The system grants no thread to write the movie with. "
+                                          "Close some programs and compile again");
+    return false;
 }
 
 void MovieJob::setShape(const TrackShape& shape) {
@@ -79,32 +63,32 @@ void MovieJob::setShape(const TrackShape& shape) {
     shape_ = shape;
 }
 
-FramePointer MovieJob::takeFrame(int width, int height) {
+std::unique_ptr<VideoFrame> MovieJob::takeFrame(int width, int height) {
     {
         const std::lock_guard lock(mutex_);
         if (!idleFrames_.empty()) {
-            FramePointer frame = std::move(idleFrames_.back());
+            std::unique_ptr<VideoFrame> frame = std::move(idleFrames_.back());
             idleFrames_.pop_back();
             return frame;
         }
     }
-    return makeFrame(width, height);
+    return module_.makeFrame(width, height);
 }
 
 bool MovieJob::waitForRoom() {
     std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, roomPatience,
-                             [this] { return takesNone() || queue_.size() < queueLimit; });
+    return changed_.wait_for(lock, roomTimeout,
+                             [this] { return isClosed() || queue_.size() < queueLimit; });
 }
 
-std::optional<NSError> MovieJob::push(FramePointer frame, std::int64_t ticks) {
+std::optional<NSError> MovieJob::push(std::unique_ptr<VideoFrame> frame, std::int64_t ticks) {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return takesNone() || queue_.size() < queueLimit; });
+    changed_.wait(lock, [this] { return isClosed() || queue_.size() < queueLimit; });
     if (failure_) {
         return failure_;
     }
-    if (takesNone()) {
-        return givenUpError();
+    if (isClosed()) {
+        return cancelledError(path_);
     }
     queue_.push_back({std::move(frame), ticks});
     lock.unlock();
@@ -120,13 +104,13 @@ void MovieJob::fail(NSError reason) {
         }
         queue_.clear();
     }
-    file_->giveUp();
+    file_->discard();
     changed_.notify_all();
 }
 
 std::optional<NSError> MovieJob::failure() const {
     const std::lock_guard lock(mutex_);
-    return failure_ || !isAbandoned_ ? failure_ : givenUpError();
+    return failure_ || !isAbandoned_ ? failure_ : cancelledError(path_);
 }
 
 void MovieJob::setLastRefusal(const NSError& reason) {
@@ -150,11 +134,11 @@ void MovieJob::finish(std::function<void()> handler) {
         isFinishing_ = true;
         handler_ = std::move(handler);
         isOurs = !isStarted_;
-        isLate = hasEndedUnasked_;
+        isLate = hasEndedEarly_;
     }
     changed_.notify_all();
     if (isLate) {
-        tellFinished();
+        callHandlerAndObserver();
     } else if (isOurs) {
         conclude();
     }
@@ -168,7 +152,7 @@ void MovieJob::abandon() {
         queue_.clear();
         isOurs = !isStarted_ && !isFinishing_;
     }
-    file_->giveUp();
+    file_->discard();
     changed_.notify_all();
     if (isOurs) {
         conclude();
@@ -183,13 +167,13 @@ void MovieJob::run() {
             }
         }
     } catch (const std::bad_alloc&) {
-        fail(memoryError());
+        fail(memoryError("the movie"));
         next();
     }
     conclude();
 }
 
-/// Nothing at the end: when all is encoded, or nothing more is to be.
+/// Nothing when all pictures are encoded, or the job was cancelled.
 std::optional<MovieJob::Item> MovieJob::next() {
     std::optional<Item> item;
     {
@@ -227,12 +211,17 @@ std::optional<NSError> MovieJob::openEncoder() {
     track_.width = static_cast<std::uint16_t>(shape.width);
     track_.height = static_cast<std::uint16_t>(shape.height);
     track_.timescale = shape.timescale;
-    encoder_ = std::make_unique<H264Encoder>(options_);
-    if (auto error = encoder_->open(evenUp(shape.width), evenUp(shape.height), shape.timescale)) {
+    encoder_ = module_.makeEncoder(options_);
+    std::optional<NSError> error;
+    const auto open = [&] {
+        error = encoder_->open(evenUp(shape.width), evenUp(shape.height), shape.timescale);
+    };
+    options_.isLowPriority ? runAtLowPriority(open) : open();
+    if (error) {
         return error;
     }
-    const auto head = movieFileHead();
-    return file_->write(head.data(), head.size());
+    const auto header = movieFileHeader();
+    return file_->write(header.data(), header.size());
 }
 
 std::optional<NSError> MovieJob::store(const EncodedPicture& picture) {
@@ -241,14 +230,14 @@ std::optional<NSError> MovieJob::store(const EncodedPicture& picture) {
     return file_->write(picture.bytes.data(), picture.bytes.size());
 }
 
-void MovieJob::recycle(FramePointer frame) {
+void MovieJob::recycle(std::unique_ptr<VideoFrame> frame) {
     const std::lock_guard lock(mutex_);
-    if (idleFrames_.size() < queueLimit && isFrameUnshared(*frame)) {
+    if (idleFrames_.size() < queueLimit && frame->isWritable()) {
         idleFrames_.push_back(std::move(frame));
     }
 }
 
-/// The end of the job, however it comes. Once.
+/// Ends the job, whatever the outcome. Only the first call counts.
 void MovieJob::conclude() {
     std::optional<NSError> error;
     {
@@ -263,7 +252,7 @@ void MovieJob::conclude() {
         try {
             error = completeFile();
         } catch (const std::bad_alloc&) {
-            error = memoryError();
+            error = memoryError("the movie");
         }
     }
     if (error) {
@@ -271,14 +260,14 @@ void MovieJob::conclude() {
     }
     encoder_.reset();
     track_ = {};
-    tellOutcome(error);
+    reportOutcome(error);
 }
 
 std::optional<NSError> MovieJob::completeFile() {
     {
         const std::lock_guard lock(mutex_);
         if (isAbandoned_) {
-            return givenUpError();
+            return cancelledError(path_);
         }
         if (!encoder_) {
             return emptyError();
@@ -301,24 +290,24 @@ std::optional<NSError> MovieJob::completeFile() {
     if (auto error = file_->writeAt(mediaBoxSizeOffset, mediaSize.data(), mediaSize.size())) {
         return error;
     }
-    return file_->giveName();
+    return file_->publish();
 }
 
-void MovieJob::tellOutcome(const std::optional<NSError>& error) {
+void MovieJob::reportOutcome(const std::optional<NSError>& error) {
     bool wasAskedToFinish = false;
     {
         const std::lock_guard lock(mutex_);
         outcome_ = error;
         wasAskedToFinish = isFinishing_;
-        hasEndedUnasked_ = !isFinishing_;
+        hasEndedEarly_ = !isFinishing_;
     }
     if (wasAskedToFinish) {
-        tellFinished();
+        callHandlerAndObserver();
     }
     jobs_->ended(*this, error);
 }
 
-void MovieJob::tellFinished() {
+void MovieJob::callHandlerAndObserver() {
     std::function<void()> handler;
     std::optional<NSError> error;
     {
@@ -326,7 +315,7 @@ void MovieJob::tellFinished() {
         handler = std::exchange(handler_, nullptr);
         error = outcome_;
     }
-    jobs_->tell([&](MediaObserver& observer) {
+    jobs_->report([&](MovieObserver& observer) {
         if (handler) {
             handler();
         }
@@ -336,11 +325,6 @@ void MovieJob::tellFinished() {
             observer.movieIsWhole(path_);
         }
     });
-}
-
-NSError MovieJob::givenUpError() const {
-    return movieError(AVErrorOperationCancelled, "The movie was given up before it was whole (" +
-                                                     shownText(path_) + "). Compile again");
 }
 
 NSError MovieJob::emptyError() const {

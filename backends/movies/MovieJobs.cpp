@@ -41,7 +41,7 @@ void MovieJobs::ended(const MovieJob& job, const std::optional<NSError>& error) 
         entries_.erase(entry);
     }
     for (const Finished& callback : callbacks) {
-        tell([&](MediaObserver&) { callback(error); });
+        report([&](MovieObserver&) { callback(error); });
     }
 }
 
@@ -67,7 +67,7 @@ void MovieJobs::close() {
     observer_ = nullptr;
 }
 
-void MovieJobs::tell(const std::function<void(MediaObserver&)>& call) {
+void MovieJobs::report(const std::function<void(MovieObserver&)>& call) {
     const std::shared_lock lock(calls_);
     if (observer_ != nullptr) {
         call(*observer_);

@@ -8,29 +8,29 @@
 #include <string>
 #include <vector>
 
-#include "backends/posix/MediaObserver.h"
+#include "backends/movies/MovieObserver.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
 
 class MovieJob;
 
-/// The movies that are on their way, and the one road by which they tell how it went. Any thread.
+/// Registry of the active jobs; dispatches their completion callbacks. Any thread.
 ///
-/// It is shared with the writers' threads and so outlives its owner, but not the other way round:
-/// after `close` nothing calls out any more.
+/// The jobs' threads share it, so it may outlive the `Movies` that made it. After `close` it calls
+/// neither the observer nor any callback.
 class MovieJobs {
 public:
     using Finished = std::function<void(std::optional<NSError>)>;
 
-    explicit MovieJobs(MediaObserver& observer) : observer_(&observer) {}
+    explicit MovieJobs(MovieObserver& observer) : observer_(&observer) {}
     MovieJobs(const MovieJobs&) = delete;
     MovieJobs& operator=(const MovieJobs&) = delete;
 
-    /// Held while a movie is being created, so that giving all up misses none.
+    /// Held while a movie is being created, so that `abandonAll` misses none.
     std::unique_lock<std::mutex> lockCreation() { return std::unique_lock(creation_); }
 
-    /// All are given up and none may begin. Ask with the creation locked.
+    /// `abandonAll` was called: no movie may begin. Requires the creation lock.
     bool isEnded() const;
 
     void add(const std::string& path, const std::shared_ptr<MovieJob>& job);
@@ -38,17 +38,17 @@ public:
     /// See `Movies::whenFinished`.
     bool whenFinished(const std::string& path, Finished callback);
 
-    /// The job has ended, well or not: it leaves the list, and those who asked are told.
+    /// Removes the job, which has ended, and calls its callbacks with the outcome.
     void ended(const MovieJob& job, const std::optional<NSError>& error);
 
     /// See `Movies::abandonAll`.
     void abandonAll();
 
-    /// Waits for calls that are under way, and makes none from then on.
+    /// Waits for calls in progress; none is made afterwards.
     void close();
 
     /// Calls `call` with the observer, unless closed.
-    void tell(const std::function<void(MediaObserver&)>& call);
+    void report(const std::function<void(MovieObserver&)>& call);
 
 private:
     struct Entry {
@@ -64,8 +64,8 @@ private:
     std::vector<Entry> entries_;
     bool isEnded_ = false;
 
-    std::shared_mutex calls_; // shared by calls to the outside; guards observer_
-    MediaObserver* observer_;
+    std::shared_mutex calls_; // held shared during callbacks; guards observer_
+    MovieObserver* observer_;
 };
 
 } // namespace vistrane

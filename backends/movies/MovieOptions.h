@@ -4,22 +4,15 @@
 
 namespace vistrane {
 
-/// How movies are compressed.
-///
-/// The defaults are those of a usual libx264 run (preset medium, constant rate factor 23) in
-/// quality and size, at a third of its time; `H264Encoder.cpp` tells how.
+/// How movies are compressed. The defaults reach the quality and size of libx264's own (preset
+/// medium, constant rate factor 23) in a third of the time: see `H264Encoder.cpp`.
 struct MovieOptions {
-    /// The name of an encoder of libavcodec; empty takes libx264, and else whichever H.264
-    /// encoder is there.
-    std::string encoder;
-    /// libx264's preset, taken as it is; empty takes this program's own settings.
+    /// One of libx264's presets; empty for this program's own settings.
     std::string preset;
-    /// 0 to 51, lower is better and larger.
+    /// 0 to 51. Lower is better and larger.
     double constantRateFactor = 21.75;
-    /// Threads of the encoder; 0 leaves it to the encoder.
-    int threads = 0;
-    /// The encoder's threads leave the processor to the others when there is not enough for all.
-    bool givesWay = false;
+    /// The encoder's threads run at low priority, so that the program's other threads go first.
+    bool isLowPriority = false;
 };
 
 } // namespace vistrane

@@ -4,10 +4,6 @@
 #include <string>
 #include <utility>
 
-extern "C" {
-#include <libavutil/frame.h>
-}
-
 #include "backends/movies/movie_errors.h"
 #include "backends/pictures/PixelBuffer.h"
 
@@ -19,21 +15,6 @@ PictureView viewOf(const PixelBuffer& buffer) {
     return {buffer.bytes(), buffer.width(), buffer.height(), buffer.bytesPerRow()};
 }
 
-PlanarPicture planesOf(const AVFrame& frame) {
-    return {frame.data[0],
-            frame.data[1],
-            frame.data[2],
-            static_cast<std::size_t>(frame.linesize[0]),
-            static_cast<std::size_t>(frame.linesize[1]),
-            static_cast<std::size_t>(frame.width),
-            static_cast<std::size_t>(frame.height)};
-}
-
-NSError memoryError() {
-    return movieError(AVErrorUnknown, "There is not enough memory for the picture. Use smaller "
-                                      "frames, or close some programs");
-}
-
 } // namespace
 
 MovieTrackWriter::MovieTrackWriter(std::shared_ptr<MovieJob> job, std::int64_t width,
@@ -41,7 +22,7 @@ MovieTrackWriter::MovieTrackWriter(std::shared_ptr<MovieJob> job, std::int64_t w
     : job_(std::move(job)), width_(width), height_(height) {}
 
 std::optional<NSError> MovieTrackWriter::sizeError(std::int64_t width, std::int64_t height) {
-    constexpr std::int64_t largest{H264Encoder::largestSide};
+    constexpr std::int64_t largest{VideoEncoder::largestSide};
     if (width <= largest && height <= largest) {
         return std::nullopt;
     }
@@ -57,12 +38,12 @@ std::optional<NSError> MovieTrackWriter::append(CVPixelBufferRef buffer, CMTime 
     try {
         error = take(buffer, time);
     } catch (const std::bad_alloc&) {
-        error = memoryError();
+        error = memoryError("the picture");
     }
     if (error) {
         job_->setLastRefusal(*error);
     }
-    job_->jobs().tell([&error](MediaObserver& observer) {
+    job_->jobs().report([&error](MovieObserver& observer) {
         error ? observer.pictureWasRefused(*error) : observer.pictureWasAppended();
     });
     return error;
@@ -85,9 +66,9 @@ std::optional<NSError> MovieTrackWriter::take(CVPixelBufferRef buffer, CMTime ti
     if (auto error = takeSize(picture)) {
         return error;
     }
-    FramePointer frame = convert(picture);
+    std::unique_ptr<VideoFrame> frame = convert(picture);
     if (!frame) {
-        return memoryError();
+        return memoryError("the picture");
     }
     const TrackClock::Reading reading = clock_.take(time);
     if (reading.error) {
@@ -132,11 +113,11 @@ std::optional<NSError> MovieTrackWriter::takeSize(const PictureView& picture) {
     return std::nullopt;
 }
 
-FramePointer MovieTrackWriter::convert(const PictureView& picture) {
-    FramePointer frame = job_->takeFrame(static_cast<int>(width_ + width_ % 2),
-                                         static_cast<int>(height_ + height_ % 2));
+std::unique_ptr<VideoFrame> MovieTrackWriter::convert(const PictureView& picture) {
+    std::unique_ptr<VideoFrame> frame = job_->takeFrame(static_cast<int>(width_ + width_ % 2),
+                                                        static_cast<int>(height_ + height_ % 2));
     if (frame) {
-        convertToPlanar709(fitter_->fit(picture), planesOf(*frame));
+        convertToPlanar709(fitter_->fit(picture), frame->planes());
     }
     return frame;
 }

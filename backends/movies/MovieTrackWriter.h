@@ -14,14 +14,14 @@
 
 namespace vistrane {
 
-/// The near side of a track: checks each picture and its time, brings it to the track's size and
-/// colours and hands it to the job. The writer's thread only.
+/// The appending side of a track: checks each picture and its time, converts it to the track's size
+/// and colour space and queues it in the job. The writer's thread only.
 class MovieTrackWriter {
 public:
     /// A track without a size (either side is 0 or less) takes that of its first picture.
     MovieTrackWriter(std::shared_ptr<MovieJob> job, std::int64_t width, std::int64_t height);
 
-    /// Nothing when a track of that size can be made.
+    /// Why a track cannot have that size; nothing when it can.
     static std::optional<NSError> sizeError(std::int64_t width, std::int64_t height);
 
     /// Writing has started.
@@ -29,32 +29,32 @@ public:
     bool isBegun() const { return isBegun_; }
     void startSession(CMTime time) { clock_.startSession(time); }
 
-    /// Taken when nothing is returned; else why not. The observer is told either way.
+    /// Why the picture is refused; nothing when it is taken. Reports either to the observer.
     std::optional<NSError> append(CVPixelBufferRef buffer, CMTime time);
 
-    /// May wait a tenth of a second for room.
+    /// May wait for room, for a tenth of a second at most.
     bool isReady();
 
-    /// Nothing will be appended any more.
+    /// No picture follows.
     void end() { isEnded_ = true; }
 
-    /// Hands on what is still held back, and asks the job to finish.
+    /// Queues the held frame, and asks the job to finish.
     void finish(std::function<void()> handler);
 
 private:
     std::optional<NSError> take(CVPixelBufferRef buffer, CMTime time);
     std::optional<NSError> stateError() const;
     std::optional<NSError> takeSize(const PictureView& picture);
-    FramePointer convert(const PictureView& picture);
+    std::unique_ptr<VideoFrame> convert(const PictureView& picture);
     std::optional<NSError> pushHeldFrame(std::int32_t timescale);
 
     std::shared_ptr<MovieJob> job_;
     std::int64_t width_;
     std::int64_t height_;
-    std::optional<PictureFitter> fitter_; // there when the size is known
+    std::optional<PictureFitter> fitter_; // once the size is known
     TrackClock clock_;
-    /// The picture at time zero, as long as no other tells the timescale.
-    FramePointer heldFrame_;
+    /// The frame at time zero, until a later time decides the timescale.
+    std::unique_ptr<VideoFrame> heldFrame_;
     bool isShapeSet_ = false;
     bool isBegun_ = false;
     bool isEnded_ = false;

@@ -12,17 +12,17 @@
 
 namespace vistrane {
 
-/// A video track to be; writes once it is added to a `MovieWriter`.
+/// A video track, which takes pictures once it is added to a `MovieWriter` that has started.
 class MovieInput final : public AVAssetWriterInput {
 public:
     MovieInput(AVMediaType mediaType, const NSDictionary& outputSettings);
 
-    /// A movie is written as fast as it goes: nothing is dropped either way.
+    /// Has no effect: nothing is dropped either way.
     void setExpectsMediaDataInRealTime(bool) override {}
     bool isReadyForMoreMediaData() override;
     void markAsFinished() override;
 
-    /// Makes the track. Why it cannot be made, else nothing.
+    /// Makes the track. Why it cannot be made; nothing when it can.
     std::optional<NSError> attach(std::shared_ptr<MovieJob> job);
 
     /// Null before `attach`.

@@ -2,16 +2,16 @@
 
 #include <utility>
 
-#include "backends/movies/H264Encoder.h"
 #include "backends/movies/MovieFile.h"
 #include "backends/movies/MovieJob.h"
 #include "backends/movies/MovieJobs.h"
 #include "backends/movies/MovieWriter.h"
+#include "backends/movies/encoder_module.h"
 #include "backends/movies/movie_errors.h"
 
 namespace vistrane {
 
-Movies::Movies(MediaObserver& observer, MovieOptions options)
+Movies::Movies(MovieObserver& observer, MovieOptions options)
     : options_(std::move(options)), jobs_(std::make_shared<MovieJobs>(observer)) {}
 
 Movies::~Movies() {
@@ -20,8 +20,12 @@ Movies::~Movies() {
 }
 
 AVAssetWriterResult Movies::assetWriterWithURL(const NSURL& url, AVFileType) {
-    if (auto error = H264Encoder::availability(options_)) {
-        return {nullptr, std::move(error)};
+    EncoderModuleResult encoder = encoderModule();
+    if (!encoder.error) {
+        encoder.error = encoder.module->availability();
+    }
+    if (encoder.error) {
+        return {nullptr, std::move(encoder.error)};
     }
     const std::string path = url.path();
     const auto creation = jobs_->lockCreation();
@@ -33,7 +37,8 @@ AVAssetWriterResult Movies::assetWriterWithURL(const NSURL& url, AVFileType) {
     if (result.error) {
         return {nullptr, std::move(result.error)};
     }
-    auto job = std::make_shared<MovieJob>(path, std::move(result.file), options_, jobs_);
+    auto job =
+        std::make_shared<MovieJob>(path, std::move(result.file), *encoder.module, options_, jobs_);
     jobs_->add(path, job);
     return {std::make_shared<MovieWriter>(std::move(job)), std::nullopt};
 }

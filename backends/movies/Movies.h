@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "backends/movies/MovieObserver.h"
 #include "backends/movies/MovieOptions.h"
-#include "backends/posix/MediaObserver.h"
 #include "platform/avfoundation/AVAssetWriter.h"
 #include "platform/foundation/NSURL.h"
 
@@ -16,43 +16,44 @@ class MovieJobs;
 
 /// The movie half of the AVFoundation kit: H.264 in QuickTime files. Any thread.
 ///
-/// Pixel buffers are those of `MediaCoreVideo`. A movie on its way lies in a hidden file beside its
-/// later name (".<name>.vistrane-part"), which is removed whenever the movie is not finished; when
-/// the process dies, the next writer in that folder removes it.
+/// Pixel buffers are those of `MediaCoreVideo`. An unfinished movie is a hidden file beside its
+/// later name (".<name>.vistrane-part"). It is removed when the movie is cancelled or fails; after
+/// a crash, the next writer in that folder removes it.
 ///
-/// Going away gives up every unfinished movie, and calls nothing any more, handlers included; it
-/// waits for such calls that are under way and for nothing else. It is not done from within one.
+/// The destructor cancels every unfinished movie. It waits for calls of handlers and of the
+/// observer that are in progress, and for nothing else; none is made afterwards. It must not run
+/// within one.
 class Movies {
 public:
-    /// `whenFinished` tells whether a movie is whole (no error).
+    /// Receives nothing for a complete movie, else the reason.
     using Finished = std::function<void(std::optional<NSError>)>;
 
-    explicit Movies(MediaObserver& observer, MovieOptions options = {});
+    explicit Movies(MovieObserver& observer, MovieOptions options = {});
     ~Movies();
     Movies(const Movies&) = delete;
     Movies& operator=(const Movies&) = delete;
 
-    /// Fails when anything of that name exists or is being written, when the folder is missing or
-    /// cannot be written, and when there is no H.264 encoder.
+    /// Loads the encoder module with the first call. Fails when anything of that name exists or is
+    /// being written, when the folder is missing or cannot be written, and without H.264 encoder.
     AVAssetWriterResult assetWriterWithURL(const NSURL& url, AVFileType fileType);
 
-    /// The settings' width and height are the track's exact size, odd ones too. A track without a
-    /// size takes that of the first picture that can be appended.
+    /// The settings' width and height are the track's exact size, also when they are odd. A track
+    /// of size zero takes the size of the first picture that can be appended.
     std::shared_ptr<AVAssetWriterInput>
     assetWriterInputWithMediaType(AVMediaType mediaType, const NSDictionary& outputSettings);
 
-    /// The attributes are wishes for the pool, which keeps no buffers.
+    /// The attributes are ignored: they describe the pool's buffers, and the pool has none.
     std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor>
     assetWriterInputPixelBufferAdaptorWithAssetWriterInput(
         std::shared_ptr<AVAssetWriterInput> input, const NSDictionary& attributes);
 
-    /// Calls `callback` once, on any thread, when the movie that a writer holds at `path` is whole
-    /// or has failed, after the observer. False, without a call, when no writer holds that path:
-    /// what lies there is all there will be.
+    /// Calls `callback` once, on any thread and after the observer, when the movie that is being
+    /// written at `path` is complete or has failed. False, without a call, when none is being
+    /// written there.
     bool whenFinished(const std::string& path, Finished callback);
 
-    /// Removes every hidden file at once, for a process that is about to end. No unfinished movie
-    /// gets its name afterwards, and no new writer is made. Waits for no thread that encodes.
+    /// Cancels every unfinished movie, for a process that is about to end: their hidden files are
+    /// removed, they are never published, and no new writer is made. Waits for no encoding thread.
     void abandonAll();
 
 private:

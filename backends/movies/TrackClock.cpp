@@ -8,12 +8,12 @@ namespace vistrane {
 
 namespace {
 
-/// The time in ticks of `timescale`; nothing when it lies between two ticks or too far out.
+/// The time in ticks of `timescale`; nothing when it is between two ticks or too large.
 std::optional<std::int64_t> exactTicks(CMTime time, std::int32_t timescale) {
     const std::int32_t common = std::gcd(time.timescale, timescale);
     const std::int64_t divisor = time.timescale / common;
     const std::int64_t factor = timescale / common;
-    if (divisor < 1 || factor < 1) { // Not with valid times; said here for the analyzer.
+    if (divisor < 1 || factor < 1) { // never with valid times; for the analyser
         return std::nullopt;
     }
     if (time.value % divisor != 0) {
@@ -43,17 +43,18 @@ TrackClock::Reading TrackClock::take(CMTime time) {
     const auto ticks = exactTicks(time, scale);
     const auto startTicks = exactTicks(start_, scale);
     if (!ticks || !startTicks) {
-        return refusal("The picture's time does not lie on the movie's frame rate");
+        return refusal("The picture's time is no multiple of the movie's frame period");
     }
     const std::int64_t sinceStart = *ticks - *startTicks;
     if (sinceStart < 0) {
-        return refusal("The picture's time lies before the movie's start");
+        return refusal("The picture's time is before the movie's start");
     }
     if (last_ && sinceStart <= *last_) {
-        return refusal("The picture's time does not come after that of the picture before it");
+        return refusal("The picture's time is not after that of the previous picture");
     }
     if (sinceStart > lastTick) {
-        return refusal("The picture's time lies beyond the longest movie that the file can hold");
+        return refusal(
+            "The picture's time is beyond the longest movie that the file format allows");
     }
     if (isPlainZero) {
         timescaleOfZero_ = time.timescale;

@@ -5,7 +5,7 @@
 namespace vistrane {
 
 void convertToPlanar709(const PictureView& picture, const PlanarPicture& target) {
-    const RowConversion& rows = rowConversions().back();
+    const RowConversion& rows = fastestRowConversion();
     for (std::size_t y = 0; y < target.height; y += 2) {
         const std::uint8_t* top = picture.bytes + y * picture.stride;
         const std::uint8_t* bottom = y + 1 < picture.height ? top + picture.stride : top;

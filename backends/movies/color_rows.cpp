@@ -1,17 +1,15 @@
 #include "backends/movies/color_rows.h"
 
 #include <algorithm>
-#include <vector>
 
-#include "backends/movies/color_rows_plain.h"
-#include "backends/movies/color_rows_x86.h"
+#include "backends/movies/color_rows_avx2.h"
 #include "backends/movies/color_weights.h"
 
 namespace vistrane {
 
 namespace {
 
-/// The sum of a channel with a weight of eight: two rows, and columns weighted 1, 2, 1.
+/// The sum of a channel over two rows and three columns weighted 1, 2, 1: eightfold the mean.
 std::int32_t sumOfEight(const std::uint8_t* top, const std::uint8_t* bottom, std::size_t left,
                         std::size_t middle, std::size_t right) {
     return top[left] + 2 * top[middle] + top[right] + bottom[left] + 2 * bottom[middle] +
@@ -21,12 +19,6 @@ std::int32_t sumOfEight(const std::uint8_t* top, const std::uint8_t* bottom, std
 void convertChromaRow(const std::uint8_t* top, const std::uint8_t* bottom, std::size_t width,
                       std::uint8_t* blueDifference, std::uint8_t* redDifference) {
     convertChromaPlainly(top, bottom, width, 0, width, blueDifference, redDifference);
-}
-
-std::vector<RowConversion> findRowConversions() {
-    std::vector<RowConversion> found{{"plain", convertLumaPlainly, convertChromaRow}};
-    addX86RowConversions(found);
-    return found;
 }
 
 } // namespace
@@ -56,9 +48,13 @@ void convertChromaPlainly(const std::uint8_t* top, const std::uint8_t* bottom, s
     }
 }
 
-std::span<const RowConversion> rowConversions() {
-    static const std::vector<RowConversion> found = findRowConversions();
-    return found;
+RowConversion plainRowConversion() {
+    return {convertLumaPlainly, convertChromaRow};
+}
+
+const RowConversion& fastestRowConversion() {
+    static const RowConversion fastest = avx2RowConversion().value_or(plainRowConversion());
+    return fastest;
 }
 
 } // namespace vistrane

@@ -7,7 +7,7 @@ namespace vistrane {
 // ITU-R BT.709-6, item 3.2: Y' = 0.2126 R' + 0.7152 G' + 0.0722 B', Cb = (B' - Y') / 1.8556,
 // Cr = (R' - Y') / 1.5748; item 3.4 gives the limited range: 219 steps of luma, 224 of chroma.
 
-/// Weights are whole numbers of two to the minus this.
+/// Weights are fixed-point numbers with this many fraction bits.
 constexpr int fractionBits = 16;
 
 struct ChannelWeights {
@@ -35,7 +35,7 @@ constexpr ChannelWeights lumaWeights{fixedPoint(redShare * lumaScale),
                                      fixedPoint(greenShare* lumaScale),
                                      fixedPoint(blueShare* lumaScale)};
 
-// The green weights follow from the others, so that every grey gives exactly 128.
+// Each row of weights adds up to 0, so that every grey gives exactly 128.
 constexpr std::int32_t blueFromRed = fixedPoint(-redShare / 1.8556 * chromaScale);
 constexpr std::int32_t blueFromBlue = fixedPoint((1 - blueShare) / 1.8556 * chromaScale);
 constexpr ChannelWeights blueWeights{blueFromRed, -blueFromRed - blueFromBlue, blueFromBlue};
@@ -43,10 +43,10 @@ constexpr std::int32_t redFromRed = fixedPoint((1 - redShare) / 1.5748 * chromaS
 constexpr std::int32_t redFromBlue = fixedPoint(-blueShare / 1.5748 * chromaScale);
 constexpr ChannelWeights redWeights{redFromRed, -redFromRed - redFromBlue, redFromBlue};
 
-/// What is added to a weighted sum of luma: black's 16, and a half that rounds.
+/// Added to a weighted sum of luma: black's 16, and a half for rounding.
 constexpr std::int32_t lumaOffset = (16 << fractionBits) + (1 << (fractionBits - 1));
 
-/// Chroma is a weighted sum of sums that are eightfold.
+/// Chroma is weighted from sums of a total weight of eight.
 constexpr int chromaBits = fractionBits + 3;
 constexpr std::int32_t chromaOffset = (128 << chromaBits) + (1 << (chromaBits - 1));
 

@@ -4,8 +4,8 @@
 
 namespace vistrane {
 
-/// Gives the entry `from` of the open folder `folder` the name `to` in the same folder, in one
-/// step that never replaces what is there. 0, or the error number: EEXIST when `to` is taken.
+/// Renames the entry `from` of the open folder `folder` to `to`, atomically and without replacing
+/// anything. 0, or the errno value: EEXIST when `to` exists.
 int renameWithoutReplacing(int folder, const std::string& from, const std::string& to);
 
 } // namespace vistrane

@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// For file systems that cannot rename exclusively, for instance network ones: they know links.
+/// For file systems that have links but no exclusive rename, such as network file systems.
 int linkAndUnlink(int folder, const std::string& from, const std::string& to) {
     if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) != 0) {
         return errno;
@@ -25,8 +25,8 @@ int renameWithoutReplacing(int folder, const std::string& from, const std::strin
         return 0;
     }
     const int number = errno;
-    const bool isUnknownThere = number == EINVAL || number == ENOSYS || number == EOPNOTSUPP;
-    return isUnknownThere ? linkAndUnlink(folder, from, to) : number;
+    const bool isUnsupported = number == EINVAL || number == ENOSYS || number == EOPNOTSUPP;
+    return isUnsupported ? linkAndUnlink(folder, from, to) : number;
 }
 
 } // namespace vistrane

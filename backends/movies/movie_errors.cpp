@@ -36,8 +36,15 @@ const char* adviceFor(int number) {
 
 } // namespace
 
-NSError movieError(MovieErrorCode code, std::string text) {
-    return {"AVFoundationErrorDomain", code, std::move(text)};
+NSError cancelledError(const std::string& path) {
+    return movieError(AVErrorOperationCancelled,
+                      "The movie was cancelled before it was complete (" + shownText(path) +
+                          "). Compile again");
+}
+
+NSError memoryError(const std::string& what) {
+    return movieError(AVErrorUnknown, "There is not enough memory for " + what +
+                                          ". Use smaller frames, or close some programs");
 }
 
 NSError systemError(int number, const std::string& what, const std::string& path) {

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
 
-/// Codes of "AVFoundationErrorDomain" that a movie writer reports. What the system itself refuses
-/// comes in "NSPOSIXErrorDomain" with its error number.
+/// Codes of "AVFoundationErrorDomain" that a movie writer reports. Refusals of the operating system
+/// are in "NSPOSIXErrorDomain", with the errno value as their code.
 enum MovieErrorCode {
     AVErrorUnknown = -11800,
     AVErrorFileAlreadyExists = -11823,
@@ -15,11 +16,19 @@ enum MovieErrorCode {
     AVErrorOperationCancelled = -11878,
 };
 
-/// The movie writer's own refusals.
-NSError movieError(MovieErrorCode code, std::string text);
+/// A refusal of the movie writer itself. Inline, because the encoder module needs it as well.
+inline NSError movieError(MovieErrorCode code, std::string text) {
+    return {"AVFoundationErrorDomain", code, std::move(text)};
+}
 
-/// `what` was tried with the movie at `path` and the system answered with `number`, an errno
-/// value. The text ends with what to do about it.
+/// The movie at `path` was cancelled.
+NSError cancelledError(const std::string& path);
+
+/// There was not enough memory for `what`.
+NSError memoryError(const std::string& what);
+
+/// The system refused `what` for the movie at `path` with the errno value `number`. The text ends
+/// with advice.
 NSError systemError(int number, const std::string& what, const std::string& path);
 
 } // namespace vistrane

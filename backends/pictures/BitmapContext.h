@@ -10,16 +10,16 @@
 
 namespace vistrane {
 
-/// A drawing context on memory of the form of a `PixelBuffer`. One thread at a time.
+/// A drawing context on memory laid out as in a `PixelBuffer`. One thread at a time.
 class BitmapContext final : public CGContext {
 public:
-    /// `target` is the pixel buffer whose memory this is, or null; the context keeps it alive.
+    /// `target` is the pixel buffer that owns the memory, or null. The context retains it.
     BitmapContext(const Surface& surface, PixelBuffer* target);
     ~BitmapContext();
 
     const Surface& surface() const { return surface_; }
 
-    /// Tells the pixel buffer that what was drawn is not to be used.
+    /// Marks the pixel buffer: its pixels must not be used.
     void markDamaged(const NSError& reason);
 
 private:
@@ -27,10 +27,10 @@ private:
     PixelBuffer* target_;
 };
 
-/// A bitmap context as pictures are drawn into it.
+/// A bitmap context that pictures draw into.
 class MediaGraphicsContext final : public NSGraphicsContext {
 public:
-    /// `flipped`: the origin is the top left corner and pictures come out upside down.
+    /// `flipped`: the origin is the top left corner, and pictures are drawn upside down.
     MediaGraphicsContext(BitmapContext* context, bool flipped)
         : context_(context), flipped_(flipped) {}
 

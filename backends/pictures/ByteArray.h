@@ -10,13 +10,13 @@
 
 namespace vistrane {
 
-/// Bytes whose number is known only while running. Unlike a vector, the memory is not cleared
-/// first (pictures are overwritten whole anyway), and being out of memory is a value.
+/// A dynamic array of bytes. Unlike a vector it does not clear its memory, because pictures are
+/// overwritten whole, and it reports the lack of memory without an exception.
 class ByteArray {
 public:
     ByteArray() = default;
 
-    /// `length` bytes of any content; nothing when there is no memory for them.
+    /// `length` bytes of unspecified content; null without the memory for them.
     static std::optional<ByteArray> ofLength(std::size_t length) {
         ByteArray result;
         if (!result.reserve(length)) {
@@ -39,7 +39,7 @@ public:
     std::size_t length() const { return length_; }
     std::span<const std::uint8_t> bytes() const { return {memory_.get(), length_}; }
 
-    /// False, with nothing changed, when there is no memory.
+    /// Returns false and changes nothing when there is no memory.
     [[nodiscard]] bool append(std::span<const std::uint8_t> more) {
         if (more.empty()) {
             return true;
@@ -52,7 +52,7 @@ public:
         return true;
     }
 
-    /// Forgets the bytes from `length` on; never adds any.
+    /// Removes the bytes from `length` on. Never adds any.
     void shorten(std::size_t length) {
         if (length < length_) {
             length_ = length;
@@ -68,7 +68,7 @@ private:
         if (length <= capacity_ && memory_) {
             return true;
         }
-        // The first size is taken as it is; whoever appends gets room to grow.
+        // The first allocation is exact; later ones leave room to grow.
         std::size_t wanted = capacity_ == 0 ? length : length + length / 2;
         wanted = wanted < 1 ? 1 : wanted;
         auto* larger = static_cast<std::uint8_t*>(std::realloc(memory_.get(), wanted));

@@ -6,11 +6,11 @@
 
 namespace vistrane {
 
-DataBytes::DataBytes(ByteArray bytes, MediaObserver* observer)
+DataBytes::DataBytes(ByteArray bytes, PictureObserver* observer)
     : bytes_(std::move(bytes)), observer_(observer) {}
 
 std::shared_ptr<DataBytes> DataBytes::copyOf(std::span<const std::uint8_t> bytes,
-                                             MediaObserver* observer) {
+                                             PictureObserver* observer) {
     auto copy = ByteArray::copyOf(bytes);
     return copy ? std::make_shared<DataBytes>(std::move(*copy), observer) : nullptr;
 }
@@ -23,12 +23,11 @@ std::size_t DataBytes::length() const {
     return bytes_.length();
 }
 
-bool DataBytes::writeToFile(const std::string& path, bool atomically) const {
+bool DataBytes::writeToFile(const std::string& path, bool) const {
     if (observer_ != nullptr) {
         observer_->fileIsBeingWritten(path);
     }
-    const auto error =
-        atomically ? replaceFile(path, bytes_.bytes()) : writeFileInPlace(path, bytes_.bytes());
+    const auto error = writeFileInPlace(path, bytes_.bytes());
     if (observer_ != nullptr && error) {
         observer_->fileCouldNotBeWritten(path, *error);
     } else if (observer_ != nullptr) {

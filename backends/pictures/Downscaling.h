@@ -9,15 +9,15 @@
 
 namespace vistrane {
 
-/// Makes a picture smaller, row by row as it is decoded: what a view needs of a large picture is
-/// made while the rows are in the processor's cache, and the large picture is never there whole.
+/// Scales a picture down, row by row while it is decoded: each row is still in the processor's
+/// cache, and the large picture is never in memory as a whole.
 ///
-/// Each new pixel is the average of the area that falls on it, of the values as they are; alpha is
-/// left out. One thread.
+/// A new pixel is the average of the area that falls on it, of the sRGB values as they are. Alpha
+/// is ignored. One thread.
 class Downscaling final : public PictureRows {
 public:
-    /// `shape`, `form`: of the rows that come. `width`, `height`: from 1 to the picture's own.
-    /// `pixels`: where the result goes, 0xFFRRGGBB; `stride` is in bytes.
+    /// `shape` and `form` describe the rows to take. `width` and `height` are from 1 to the
+    /// picture's own. The result is written to `pixels` as 0xFFRRGGBB; `stride` is in bytes.
     Downscaling(const PictureShape& shape, PixelForm form, std::size_t width, std::size_t height,
                 std::uint32_t* pixels, std::ptrdiff_t stride);
 
@@ -37,7 +37,7 @@ private:
 
     std::size_t oldRow_ = 0;
     std::size_t newRow_ = 0;
-    /// Of the new row's old ones, each times its weight.
+    /// The weighted sum of the old rows of the current new row.
     std::vector<std::uint16_t> sums_;
 };
 

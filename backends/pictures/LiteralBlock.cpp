@@ -11,21 +11,21 @@ namespace {
 constexpr std::size_t mostSymbols = 288;
 constexpr std::size_t endOfBlock = 256;
 
-/// Two of them are found by one look into the table of `Inflation`, mostly, and none needs a
-/// second look. Longer ones would make noise smaller by less than a thousandth.
+/// `Inflation` finds mostly two of these in one lookup, and never needs a subtable. Longer codes
+/// would make noise smaller by less than a thousandth.
 constexpr unsigned longestLiteral = 11;
 constexpr unsigned longestLength = 7;
 
-/// Code lengths are written with codes of their own: 0 to 15 as they are, 16 repeats the last one,
-/// 17 and 18 repeat none.
+/// Code lengths are written in a code of their own: 0 to 15 stand for themselves, 16 repeats the
+/// last length, 17 and 18 repeat 0.
 constexpr std::size_t lengthSymbols = 19;
 constexpr std::array<std::uint8_t, lengthSymbols> lengthOrder = {16, 17, 18, 0, 8,  7, 9,  6, 10, 5,
                                                                  11, 4,  12, 3, 13, 2, 14, 1, 15};
-/// There are no matches, but some readers want distances to have codes.
+/// There are no matches, but some decoders require codes for distances.
 constexpr std::size_t distanceSymbols = 2;
 
-/// More than the head and the end of a block take.
-constexpr std::size_t headRoom = 512;
+/// More than the header and the end of a block take.
+constexpr std::size_t headerRoom = 512;
 
 std::uint16_t reversed(unsigned code, unsigned length) {
     unsigned result = 0;
@@ -35,14 +35,14 @@ std::uint16_t reversed(unsigned code, unsigned length) {
     return static_cast<std::uint16_t>(result);
 }
 
-/// Gives each symbol `give(symbol, code, length)`: its code with the first bit lowest.
-template <typename Give>
-void dealInOrder(std::span<const std::uint8_t> lengths, const Give& give) {
+/// Calls `assign(symbol, code, length)` for each symbol: its canonical code, first bit lowest.
+template <typename Assign>
+void assignCodes(std::span<const std::uint8_t> lengths, const Assign& assign) {
     unsigned code = 0;
     for (unsigned length = 1; length <= 15; ++length) {
         for (std::size_t symbol = 0; symbol < lengths.size(); ++symbol) {
             if (lengths[symbol] == length) {
-                give(symbol, reversed(code, length), length);
+                assign(symbol, reversed(code, length), length);
                 ++code;
             }
         }
@@ -57,12 +57,12 @@ void storeWord(std::uint8_t* to, std::uint64_t word) {
     std::memcpy(to, &word, sizeof word);
 }
 
-/// Bits from the lowest one on; up to 8 bytes past the end are overwritten.
+/// Writes bits, the lowest first. Overwrites up to 8 bytes past the end.
 class BitWriter {
 public:
     explicit BitWriter(std::uint8_t* to) : to_(to) {}
 
-    /// Up to 56 bits can be put before the next `flush`.
+    /// At most 56 bits between two calls of `flush`.
     void put(std::uint64_t bits, unsigned count) {
         bits_ |= bits << count_;
         count_ += count;
@@ -75,12 +75,12 @@ public:
         count_ %= 8;
     }
 
-    void flushed(std::uint64_t bits, unsigned count) {
+    void putAndFlush(std::uint64_t bits, unsigned count) {
         put(bits, count);
         flush();
     }
 
-    /// On to a whole byte; where that is.
+    /// Pads to a byte boundary and returns it.
     std::uint8_t* end() {
         count_ = (count_ + 7) / 8 * 8;
         flush();
@@ -93,14 +93,14 @@ private:
     unsigned count_ = 0;
 };
 
-/// The head of a block: its codes' lengths, shortened where they repeat.
+/// The header of a block: the lengths of its codes, run-length encoded.
 class LengthWriting {
 public:
     explicit LengthWriting(std::span<const std::uint8_t> literals) {
         std::copy(literals.begin(), literals.end(), all_.begin());
         std::fill_n(all_.begin() + endOfBlock + 1, distanceSymbols, std::uint8_t{1});
         for (std::size_t at = 0; at < all_.size();) {
-            at += shorten(at);
+            at += addItem(at);
         }
         std::array<std::uint32_t, lengthSymbols> counts{};
         for (std::size_t i = 0; i < itemCount_; ++i) {
@@ -116,18 +116,18 @@ public:
         }
         out.put(endOfBlock + 1 - 257, 5);
         out.put(distanceSymbols - 1, 5);
-        out.flushed(known - 4, 4);
+        out.putAndFlush(known - 4, 4);
         for (std::size_t i = 0; i < known; ++i) {
-            out.flushed(lengths_[lengthOrder[i]], 3);
+            out.putAndFlush(lengths_[lengthOrder[i]], 3);
         }
         std::array<std::uint16_t, lengthSymbols> codes{};
-        dealInOrder(lengths_, [&](std::size_t symbol, std::uint16_t code, unsigned) {
+        assignCodes(lengths_, [&](std::size_t symbol, std::uint16_t code, unsigned) {
             codes[symbol] = code;
         });
         for (std::size_t i = 0; i < itemCount_; ++i) {
             const Item& item = items_[i];
             out.put(codes[item.symbol], lengths_[item.symbol]);
-            out.flushed(item.extra, item.extraBits);
+            out.putAndFlush(item.extra, item.extraBits);
         }
     }
 
@@ -138,8 +138,8 @@ private:
         std::uint8_t extraBits = 0;
     };
 
-    /// Adds an item for the lengths from `at` on; how many these are.
-    std::size_t shorten(std::size_t at) {
+    /// Adds an item for the lengths from `at` on. Returns how many it stands for.
+    std::size_t addItem(std::size_t at) {
         const std::uint8_t length = all_[at];
         std::size_t times = 1;
         while (at + times < all_.size() && all_[at + times] == length) {
@@ -188,7 +188,7 @@ void chooseCodeLengths(std::span<const std::uint32_t> counts, unsigned limit,
                   return counts[a] != counts[b] ? counts[a] < counts[b] : a < b;
               });
 
-    // Each list has the symbols and, as one, each two neighbours of the list before, by weight.
+    // Each list has, by weight, the symbols and the packages: pairs of neighbours in the last list.
     std::array<std::uint64_t, 2 * mostSymbols> list{};
     std::array<std::uint64_t, 2 * mostSymbols> next{};
     std::array<std::array<bool, 2 * mostSymbols>, 15> isSymbol{};
@@ -212,8 +212,8 @@ void chooseCodeLengths(std::span<const std::uint32_t> counts, unsigned limit,
         length = pairs + used;
         std::swap(list, next);
     }
-    // A symbol's code is as long as often as it is among the first of the last list, or in the
-    // pairs there.
+    // The length of a symbol's code is the number of times that it is among the first items of the
+    // last list, alone or in a package.
     std::size_t taken = 2 * used - 2;
     for (unsigned level = limit; level-- > 0;) {
         const auto first = isSymbol[level].begin();
@@ -227,7 +227,7 @@ void chooseCodeLengths(std::span<const std::uint32_t> counts, unsigned limit,
 }
 
 LiteralBlock::LiteralBlock(std::span<const std::uint8_t> bytes) : bytes_(bytes) {
-    // Equal neighbours would wait for each other.
+    // Four sets of counters: incrementing the same one twice in a row would wait for the first.
     std::array<std::array<std::uint32_t, 256>, 4> parts{};
     std::size_t i = 0;
     for (; i + 4 <= bytes.size(); i += 4) {
@@ -244,10 +244,10 @@ LiteralBlock::LiteralBlock(std::span<const std::uint8_t> bytes) : bytes_(bytes) 
         counts[value] = parts[0][value] + parts[1][value] + parts[2][value] + parts[3][value];
     }
     counts[endOfBlock] = 1;
-    // A code has two symbols at least.
+    // A code needs at least two symbols.
     counts[0] = std::max(counts[0], 1U);
     chooseCodeLengths(counts, longestLiteral, lengths_);
-    dealInOrder(lengths_, [this](std::size_t symbol, std::uint16_t code, unsigned length) {
+    assignCodes(lengths_, [this](std::size_t symbol, std::uint16_t code, unsigned length) {
         codes_[symbol] = {code, static_cast<std::uint16_t>(length)};
     });
 }
@@ -261,13 +261,13 @@ std::size_t LiteralBlock::bitsOf(std::span<const std::uint8_t> part) const {
 }
 
 std::size_t LiteralBlock::room() const {
-    return bitsOf(bytes_) / 8 + headRoom;
+    return bitsOf(bytes_) / 8 + headerRoom;
 }
 
 std::uint8_t* LiteralBlock::write(std::uint8_t* to, bool last) const {
     constexpr unsigned ownCodes = 2;
     BitWriter out(to);
-    out.flushed((last ? 1U : 0U) | ownCodes << 1U, 3);
+    out.putAndFlush((last ? 1U : 0U) | ownCodes << 1U, 3);
     LengthWriting(lengths_).write(out);
 
     const std::uint8_t* byte = bytes_.data();
@@ -280,9 +280,9 @@ std::uint8_t* LiteralBlock::write(std::uint8_t* to, bool last) const {
         out.flush();
     }
     for (; byte != end; ++byte) {
-        out.flushed(codes_[*byte].bits, codes_[*byte].length);
+        out.putAndFlush(codes_[*byte].bits, codes_[*byte].length);
     }
-    out.flushed(codes_[endOfBlock].bits, codes_[endOfBlock].length);
+    out.putAndFlush(codes_[endOfBlock].bits, codes_[endOfBlock].length);
     if (last) {
         return out.end();
     }

@@ -8,7 +8,7 @@
 namespace vistrane {
 
 MediaBitmapImageRep::MediaBitmapImageRep(std::shared_ptr<const PictureSource> source,
-                                         MediaObserver& observer)
+                                         PictureObserver& observer)
     : source_(std::move(source)), observer_(observer) {}
 
 std::shared_ptr<NSData>

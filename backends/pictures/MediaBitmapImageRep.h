@@ -2,17 +2,17 @@
 
 #include <memory>
 
+#include "backends/pictures/PictureObserver.h"
 #include "backends/pictures/PictureSource.h"
-#include "backends/posix/MediaObserver.h"
 #include "platform/appkit/NSBitmapImageRep.h"
 
 namespace vistrane {
 
-/// A picture to be encoded. The data that it makes report their writing to the observer, which
+/// A picture to be encoded. The data that it returns report their writing to the observer, which
 /// outlives them.
 class MediaBitmapImageRep final : public NSBitmapImageRep {
 public:
-    MediaBitmapImageRep(std::shared_ptr<const PictureSource> source, MediaObserver& observer);
+    MediaBitmapImageRep(std::shared_ptr<const PictureSource> source, PictureObserver& observer);
 
     /// PNG only; see `encodePng`.
     std::shared_ptr<NSData>
@@ -23,7 +23,7 @@ public:
 
 private:
     std::shared_ptr<const PictureSource> source_;
-    MediaObserver& observer_;
+    PictureObserver& observer_;
 };
 
 } // namespace vistrane

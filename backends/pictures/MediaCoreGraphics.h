@@ -5,8 +5,8 @@
 
 namespace vistrane {
 
-/// Bitmap contexts of the form of a `PixelBuffer`. The generic RGB space counts as sRGB: pictures
-/// are drawn with the values that a screen would be given.
+/// Bitmap contexts with the layout of a `PixelBuffer`. The generic RGB space counts as sRGB:
+/// pictures are drawn with the values that a screen shows.
 class MediaCoreGraphics final : public CoreGraphics {
 public:
     /// A context on the memory of a locked buffer of `coreVideo` marks that buffer when a picture
@@ -15,8 +15,8 @@ public:
 
     CGColorSpaceRef CGColorSpaceCreateWithName(CGColorSpaceName name) override;
     void CGColorSpaceRelease(CGColorSpaceRef space) override;
-    /// Takes 8 bits a component and `kCGImageAlphaNoneSkipFirst` only. On a locked pixel buffer
-    /// the sizes have to fit into it.
+    /// Accepts only 8 bits a component and `kCGImageAlphaNoneSkipFirst`. The sizes must fit a
+    /// locked pixel buffer whose memory this is.
     CGContextRef CGBitmapContextCreate(void* data, std::size_t width, std::size_t height,
                                        std::size_t bitsPerComponent, std::size_t bytesPerRow,
                                        CGColorSpaceRef space, std::uint32_t bitmapInfo) override;

@@ -9,27 +9,27 @@
 
 namespace vistrane {
 
-/// Pixel buffers in plain memory; see `PixelBuffer`. One object serves a whole process and
-/// outlives every context on its buffers.
+/// Pixel buffers in plain memory (see `PixelBuffer`). One object serves the process and outlives
+/// every context on its buffers.
 class MediaCoreVideo final : public CoreVideo {
 public:
     MediaCoreVideo() = default;
-    /// Buffers that are still locked lose the count that their lock holds.
+    /// Releases the references that outstanding locks hold.
     ~MediaCoreVideo() override;
 
     CVReturn CVPixelBufferCreate(std::size_t width, std::size_t height, std::uint32_t pixelFormat,
                                  const NSDictionary& attributes, CVPixelBufferRef* buffer) override;
-    /// A lock counts the buffer up until the unlock that belongs to it.
+    /// A lock retains the buffer until the matching unlock.
     CVReturn CVPixelBufferLockBaseAddress(CVPixelBufferRef buffer, std::uint64_t flags) override;
     CVReturn CVPixelBufferUnlockBaseAddress(CVPixelBufferRef buffer, std::uint64_t flags) override;
     void* CVPixelBufferGetBaseAddress(CVPixelBufferRef buffer) override;
     std::size_t CVPixelBufferGetBytesPerRow(CVPixelBufferRef buffer) override;
     void CVBufferRelease(CVPixelBufferRef buffer) override;
-    /// Nothing to do: the pool keeps no idle buffers and belongs to its adaptor.
+    /// Does nothing: the pool keeps no idle buffers and belongs to its adaptor.
     void CVPixelBufferPoolRelease(CVPixelBufferPoolRef pool) override;
 
-    /// The locked buffer whose top row starts at that address, counted up for the caller; null
-    /// when there is none. It lets a bitmap context find the buffer that it draws into.
+    /// The locked buffer whose top row starts at that address, retained for the caller, or null. A
+    /// bitmap context finds its buffer by it.
     PixelBuffer* retainLockedBufferAt(const void* baseAddress);
 
 private:

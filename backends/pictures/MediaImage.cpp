@@ -4,10 +4,10 @@
 #include <variant>
 
 #include "backends/pictures/BitmapContext.h"
-#include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
+#include "backends/pictures/PictureData.h"
 #include "backends/pictures/drawing.h"
 #include "backends/pictures/graphics_state.h"
-#include "backends/pictures/tiff.h"
 
 namespace vistrane {
 
@@ -18,9 +18,9 @@ NSSize MediaImage::size() const {
 }
 
 std::shared_ptr<NSData> MediaImage::TIFFRepresentation() const {
-    auto file = tiffFile(*source_);
-    auto* bytes = std::get_if<ByteArray>(&file);
-    return bytes != nullptr ? std::make_shared<DataBytes>(std::move(*bytes)) : nullptr;
+    auto decoded = decodedPicture(source_);
+    auto* picture = std::get_if<std::shared_ptr<const PictureSource>>(&decoded);
+    return picture != nullptr ? std::make_shared<PictureData>(std::move(*picture)) : nullptr;
 }
 
 void MediaImage::drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,

@@ -9,19 +9,20 @@ namespace vistrane {
 
 struct Drawing;
 
-/// A picture as this folder makes it. Its pixels are decoded each time they are drawn.
+/// A picture of this folder. Its pixels are decoded each time it is drawn.
 class MediaImage final : public NSImage {
 public:
     explicit MediaImage(std::shared_ptr<const PictureSource> source);
 
     NSSize size() const override;
+    /// Always a `PictureData`.
     std::shared_ptr<NSData> TIFFRepresentation() const override;
     void drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                      double fraction) const override;
     void drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
                     double fraction) const override;
 
-    /// The picture's pixels, for a view that shows them; any thread.
+    /// The pixels, for a view. Any thread.
     const std::shared_ptr<const PictureSource>& source() const { return source_; }
 
 private:

@@ -9,7 +9,7 @@
 
 namespace vistrane {
 
-/// What of the AppKit kit has to do with pictures. The rest is added by the front ends.
+/// The picture messages of AppKit. The front ends add the rest.
 class PictureAppKit : public AppKit {
 public:
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {

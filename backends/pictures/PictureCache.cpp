@@ -6,7 +6,7 @@
 
 namespace vistrane {
 
-/// Of the one who loads: however it ends, also by an exception, those who wait for it go on.
+/// Scope of a load: its end, also by an exception, wakes those who wait for the picture.
 class PictureCache::Turn {
 public:
     Turn(PictureCache& cache, const std::string& path, const FileState& state)
@@ -15,7 +15,7 @@ public:
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
 
-    /// Null for a failure.
+    /// Null after a failure.
     std::shared_ptr<SharedDecoding> decoding;
 
 private:

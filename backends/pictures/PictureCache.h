@@ -13,15 +13,15 @@
 
 namespace vistrane {
 
-/// Lets those who load the same state of the same file at one time share what was read of it. It
-/// keeps nothing: a picture is there as long as one of those who have loaded it. Any thread.
+/// Shares a file's picture between all who have loaded the same state of that file. Holds weak
+/// references only: a picture lives as long as one of its users. Any thread.
 class PictureCache {
 public:
     using Loading = std::function<PictureSourceResult()>;
 
-    /// The picture of the file at `path`, of which `state` is what the open file says: shared with
-    /// those who have it already, or are just reading it (that is waited for), else loaded. A
-    /// failure is nobody's but the caller's, as is an exception of `load`.
+    /// The picture of the file at `path` in `state`: shared with another user, waiting for one who
+    /// is loading it, else loaded by `load`. A failure or an exception of `load` concerns this call
+    /// only; those who wait load the file themselves.
     PictureSourceResult picture(const std::string& path, const FileState& state,
                                 const Loading& load);
 
@@ -29,7 +29,7 @@ private:
     struct Entry {
         std::string path;
         FileState state;
-        /// Empty while it is loaded.
+        /// Empty while the picture is being loaded.
         std::weak_ptr<SharedDecoding> decoding;
         bool isLoading = true;
     };
@@ -44,7 +44,7 @@ private:
 
     std::mutex mutex_;
     std::condition_variable changed_;
-    /// Few: one for each that is alive or was lately.
+    /// Few: the pictures in use, and some that were until lately.
     std::vector<Entry> entries_;
 };
 

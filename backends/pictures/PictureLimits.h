@@ -4,13 +4,13 @@
 
 namespace vistrane {
 
-/// What a picture may claim to be before memory is taken for it.
+/// The largest sizes that are accepted before memory is allocated.
 struct PictureLimits {
-    /// Pixels in either direction.
+    /// In pixels.
     std::uint32_t largestSide = 32768;
-    /// Pixels in all: at 4 bytes each this is 1 GiB.
+    /// Width times height; 1 GiB at 4 bytes a pixel.
     std::uint64_t mostPixels = 256ULL * 1024 * 1024;
-    /// Bytes of a picture file.
+    /// In bytes.
     std::uint64_t largestFile = 1024ULL * 1024 * 1024;
 
     bool allows(std::uint64_t width, std::uint64_t height) const {

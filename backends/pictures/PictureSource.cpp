@@ -68,11 +68,6 @@ PictureShape shapeOf(const PngHeader& header) {
     return shape;
 }
 
-NSError memoryError(const std::string& name) {
-    return pictureError(PictureFault::NoMemory, name,
-                        "needs more memory than there is; close other programs");
-}
-
 } // namespace
 
 NSSize PictureShape::sizeInPoints() const {
@@ -85,16 +80,21 @@ NSSize PictureShape::sizeInPoints() const {
 
 std::optional<NSError> PictureSource::passRows(PixelForm form, PictureRows& rows) const {
     const std::size_t stride = bytesPerPixel(form) * shape_.width;
-    auto bitmap = ByteArray::ofLength(stride * shape_.height);
-    if (!bitmap) {
-        return memoryError(name_);
-    }
-    if (auto error = readPixels(form, bitmap->data(), static_cast<std::ptrdiff_t>(stride))) {
-        return error;
+    const std::uint8_t* pixels = pixelsInMemory(form);
+    std::optional<ByteArray> decoded;
+    if (pixels == nullptr) {
+        decoded = ByteArray::ofLength(stride * shape_.height);
+        if (!decoded) {
+            return outOfMemory(name_);
+        }
+        if (auto error = readPixels(form, decoded->data(), static_cast<std::ptrdiff_t>(stride))) {
+            return error;
+        }
+        pixels = decoded->data();
     }
     rows.begin();
     for (std::size_t y = 0; y < shape_.height; ++y) {
-        rows.take(bitmap->data() + y * stride);
+        rows.take(pixels + y * stride);
     }
     return std::nullopt;
 }
@@ -106,7 +106,7 @@ std::optional<NSError> PictureSource::readSmaller(std::size_t width, std::size_t
         Downscaling smaller(shape_, PixelForm::RGB, width, height, pixels, stride);
         return passRows(PixelForm::RGB, smaller);
     } catch (const std::bad_alloc&) {
-        return memoryError(name_);
+        return outOfMemory(name_);
     }
 }
 

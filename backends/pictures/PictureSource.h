@@ -15,7 +15,7 @@
 
 namespace vistrane {
 
-/// How the components of a pixel lie in memory, one byte each, colour not multiplied by alpha.
+/// The order of a pixel's components in memory, one byte each, colour not multiplied by alpha.
 enum class PixelForm { ARGB, RGBA, RGB };
 
 constexpr std::size_t bytesPerPixel(PixelForm form) {
@@ -29,49 +29,51 @@ struct PixelDensity {
     bool operator==(const PixelDensity&) const = default;
 };
 
-/// What is known of a picture before its pixels are decoded.
+/// What is known about a picture before its pixels are decoded.
 struct PictureShape {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     /// Only a density that `densityMakesSense`.
     std::optional<PixelDensity> density;
-    /// Where false, every pixel is opaque.
+    /// If false, every pixel is opaque.
     bool mayBeTransparent = false;
+
+    /// The form that keeps every value in the fewest bytes.
+    PixelForm compactForm() const { return mayBeTransparent ? PixelForm::RGBA : PixelForm::RGB; }
 
     /// In points: pixels x 72 / dpi where there is a density, else pixels.
     NSSize sizeInPoints() const;
 };
 
-/// The dots per inch that a density in whole pixels per metre stands for.
+/// Converts a density in whole pixels per metre to dots per inch.
 ///
-/// A metre is no whole number of inches: 144 dpi is written as 5669 pixels per metre, which is
-/// 143.9926 dpi, and 72 dpi as 2835, which is 72.009, so that 1280 pixels would become 1279.8
-/// points and lose a column. A density that some whole number of dpi is rounded to, up or down,
-/// therefore means that number.
+/// A density to which some whole number of dpi rounds, up or down, gives that number: 144 dpi is
+/// stored as 5669 pixels per metre, which is 143.9926 dpi exactly, and 72 dpi as 2835, which is
+/// 72.009. Else 1280 pixels would become 1279.8 points and lose a column.
 double dotsPerInch(std::uint32_t pixelsPerMetre);
 
-/// Whether a picture of so many pixels has at least one point and at most `PictureLimits`' side in
-/// both directions. Other densities are nonsense (often an aspect ratio of 1:1 that claims to be
-/// in metres) and are best forgotten.
+/// Whether a picture of that size has from one point to `PictureLimits::largestSide` points in both
+/// directions. Other densities, such as an aspect ratio of 1:1 marked as pixels per metre, are
+/// ignored.
 bool densityMakesSense(PixelDensity density, std::uint32_t width, std::uint32_t height);
 
-/// Takes the rows of a picture as they are decoded.
+/// Receives the rows of a picture while they are decoded.
 class PictureRows {
 public:
     virtual ~PictureRows() = default;
     PictureRows(const PictureRows&) = delete;
     PictureRows& operator=(const PictureRows&) = delete;
 
-    /// Before the top row. Another time when the rows up to there do not count: all come again.
+    /// Called before the top row. Called again if decoding starts anew: all rows follow once more.
     virtual void begin() = 0;
-    /// From the top; to be read until this returns.
+    /// Called for each row from the top. The row is valid during the call.
     virtual void take(const std::uint8_t* row) = 0;
 
 protected:
     PictureRows() = default;
 };
 
-/// A picture whose form was checked and whose pixels can be had. Immutable; any thread.
+/// A picture whose structure is valid and whose pixels can be decoded. Immutable; any thread.
 class PictureSource {
 public:
     virtual ~PictureSource() = default;
@@ -80,33 +82,33 @@ public:
 
     const PictureShape& shape() const { return shape_; }
 
-    /// A path, or a word that says where the picture comes from; for messages.
+    /// A path or a description, for messages.
     const std::string& name() const { return name_; }
 
-    /// Writes all pixels as sRGB values: the top row at `rows`, each next one `stride` bytes on (a
-    /// negative stride turns the picture upside down). RGB leaves alpha out. Nothing beyond a
-    /// row's pixels is touched. On failure the rows hold anything.
+    /// Writes all pixels as sRGB values: the top row at `rows`, rows `stride` bytes apart (a
+    /// negative stride turns the picture upside down). RGB drops alpha. Writes nothing between the
+    /// rows. After a failure their content is unspecified.
     virtual std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
                                               std::ptrdiff_t stride) const = 0;
 
-    /// Hands on the same rows, one after the other: there is no need for memory for all of them.
-    /// After a failure those that came do not count.
+    /// Passes the same rows on one by one, without the memory for all of them where that is
+    /// possible. After a failure the rows that were passed are invalid.
     virtual std::optional<NSError> passRows(PixelForm form, PictureRows& rows) const;
 
-    /// Makes an opaque picture smaller for a view: by the average of the area, 0xFFRRGGBB, neither
-    /// side less than 1 or larger than the picture's own. `stride` is in bytes. On failure the
-    /// pixels are anything.
+    /// Scales an opaque picture down for a view, by area averaging, to 0xFFRRGGBB. `width` and
+    /// `height` are from 1 to the picture's own; `stride` is in bytes. After a failure the pixels
+    /// are unspecified.
     virtual std::optional<NSError> readSmaller(std::size_t width, std::size_t height,
                                                std::uint32_t* pixels, std::ptrdiff_t stride) const;
 
-    /// A view is going to ask for that: whoever decodes the picture first may see to it.
+    /// Announces a `readSmaller` of that size, so that an earlier decoding can prepare it.
     virtual void expectSmaller(std::size_t width, std::size_t height) const {
         (void)width;
         (void)height;
     }
 
-    /// The top row, where all rows lie in memory in that form without gaps; else null. Valid as
-    /// long as the source.
+    /// The top row, if all rows are in memory in that form without gaps; else null. Valid as long
+    /// as this object.
     virtual const std::uint8_t* pixelsInMemory(PixelForm form) const {
         (void)form;
         return nullptr;
@@ -120,21 +122,13 @@ private:
     std::string name_;
 };
 
-/// A picture, or why the bytes are none.
+/// A picture, or the reason why there is none.
 using PictureSourceResult = std::variant<std::shared_ptr<const PictureSource>, NSError>;
 
-/// A picture in the bytes of a PNG file. The whole file is checked except for the pixels, which
-/// are decoded each time they are read.
+/// The picture of a PNG file. Validates the file except for the compressed pixels, which are
+/// decoded each time they are read.
 PictureSourceResult pictureFromPng(ByteArray file, std::string name, const PictureLimits& limits);
 PictureSourceResult pictureFromPng(std::shared_ptr<const NSData> file, std::string name,
                                    const PictureLimits& limits);
-
-/// A picture in the bytes of a binary PPM file of 8 bits; see `ppm.h`.
-PictureSourceResult pictureFromPpm(std::shared_ptr<const NSData> file, std::string name,
-                                   const PictureLimits& limits);
-
-/// A picture in the bytes that `tiffFile` makes; see `tiff.h`.
-PictureSourceResult pictureFromTiff(std::shared_ptr<const NSData> file, std::string name,
-                                    const PictureLimits& limits);
 
 } // namespace vistrane

@@ -7,6 +7,7 @@
 #include "backends/pictures/MediaBitmapImageRep.h"
 #include "backends/pictures/MediaImage.h"
 #include "backends/pictures/PictureCache.h"
+#include "backends/pictures/PictureData.h"
 #include "backends/pictures/PictureSource.h"
 #include "backends/pictures/file_bytes.h"
 #include "backends/pictures/graphics_state.h"
@@ -22,17 +23,17 @@ std::shared_ptr<const PictureSource> sourceOf(const PictureSourceResult& result)
     return source != nullptr ? *source : nullptr;
 }
 
-std::shared_ptr<const PictureSource> pngOrPpm(const std::shared_ptr<NSData>& data,
-                                              const PictureLimits& limits) {
-    if (auto source = sourceOf(pictureFromPng(data, dataName, limits))) {
-        return source;
+PictureSourceResult pictureFromData(const std::shared_ptr<NSData>& data,
+                                    const PictureLimits& limits) {
+    if (const auto* carrier = dynamic_cast<const PictureData*>(data.get())) {
+        return carrier->picture();
     }
-    return sourceOf(pictureFromPpm(data, dataName, limits));
+    return pictureFromPng(data, dataName, limits);
 }
 
 } // namespace
 
-Pictures::Pictures(MediaObserver& observer, PictureLimits limits)
+Pictures::Pictures(PictureObserver& observer, PictureLimits limits)
     : observer_(observer), limits_(limits), cache_(std::make_unique<PictureCache>()) {}
 
 Pictures::~Pictures() = default;
@@ -57,22 +58,20 @@ std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& pa
 }
 
 std::shared_ptr<NSImage> Pictures::imageWithData(const std::shared_ptr<NSData>& data) const {
-    auto source = data ? pngOrPpm(data, limits_) : nullptr;
-    if (data && !source) {
-        const auto result = pictureFromPpm(data, dataName, limits_);
-        if (const auto* error = std::get_if<NSError>(&result)) {
-            observer_.imageCouldNotBeRead("", *error);
-        }
+    if (!data) {
+        return nullptr;
     }
-    return source ? std::make_shared<MediaImage>(std::move(source)) : nullptr;
+    const auto result = pictureFromData(data, limits_);
+    if (const auto* error = std::get_if<NSError>(&result)) {
+        observer_.imageCouldNotBeRead("", *error);
+        return nullptr;
+    }
+    return std::make_shared<MediaImage>(sourceOf(result));
 }
 
 std::shared_ptr<NSBitmapImageRep>
 Pictures::imageRepWithData(const std::shared_ptr<NSData>& data) const {
-    auto source = data ? sourceOf(pictureFromTiff(data, dataName, limits_)) : nullptr;
-    if (data && !source) {
-        source = pngOrPpm(data, limits_);
-    }
+    auto source = data ? sourceOf(pictureFromData(data, limits_)) : nullptr;
     return source ? std::make_shared<MediaBitmapImageRep>(std::move(source), observer_) : nullptr;
 }
 

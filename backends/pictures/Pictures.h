@@ -4,7 +4,7 @@
 #include <string>
 
 #include "backends/pictures/PictureLimits.h"
-#include "backends/posix/MediaObserver.h"
+#include "backends/pictures/PictureObserver.h"
 #include "platform/appkit/NSBitmapImageRep.h"
 #include "platform/appkit/NSGraphicsContext.h"
 #include "platform/appkit/NSImage.h"
@@ -14,38 +14,39 @@ namespace vistrane {
 
 class PictureCache;
 
-/// The picture messages of `AppKit`, for a front end to pass on. Any thread.
+/// Implements the picture messages of `AppKit`. Any thread.
 ///
-/// Pictures are PNG files of every form. They are checked when loaded and decoded when drawn, into
-/// sRGB: untagged ones count as sRGB, an embedded profile is converted. Bytes may also be a binary
-/// PPM file (see `ppm.h`), which is how raw camera pictures travel.
+/// Picture files are PNG files of every form. They are checked when loaded and decoded when drawn,
+/// into sRGB: untagged ones count as sRGB, an embedded profile is converted. Data may also carry a
+/// decoded picture (`PictureData`), as the stills of cameras do.
 class Pictures {
 public:
-    /// The observer outlives everything made here.
-    explicit Pictures(MediaObserver& observer, PictureLimits limits = {});
+    /// The observer outlives every object that is made here.
+    explicit Pictures(PictureObserver& observer, PictureLimits limits = {});
     Pictures(const Pictures&) = delete;
     Pictures& operator=(const Pictures&) = delete;
     ~Pictures();
 
-    /// Tells the observer why when it returns null. The name's ending does not matter. What was
-    /// read of a file is shared with those who still have a picture of its present state.
+    /// Reports to the observer why it returns null. The file name's extension does not matter.
+    /// Images of the same state of a file share what was read.
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) const;
-    /// PNG or PPM.
+    /// A PNG file or `PictureData`. Reports to the observer why it returns null, unless `data` is
+    /// null.
     std::shared_ptr<NSImage> imageWithData(const std::shared_ptr<NSData>& data) const;
-    /// PNG, PPM or what `NSImage::TIFFRepresentation` made. Data that it encodes report their
-    /// writing to the observer.
+    /// A PNG file or `PictureData`, which `NSImage::TIFFRepresentation` returns. The data that the
+    /// result encodes report their writing to the observer.
     std::shared_ptr<NSBitmapImageRep> imageRepWithData(const std::shared_ptr<NSData>& data) const;
 
     /// Null without a context. The context is one of `MediaCoreGraphics`.
     std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
                                                                     bool flipped) const;
-    /// The graphics state belongs to the calling thread, not to this object.
+    /// The graphics state is the calling thread's, not this object's.
     void saveGraphicsState() const;
     void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) const;
     void restoreGraphicsState() const;
 
 private:
-    MediaObserver& observer_;
+    PictureObserver& observer_;
     PictureLimits limits_;
     std::unique_ptr<PictureCache> cache_;
 };

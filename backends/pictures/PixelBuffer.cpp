@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// A cache line, and the widest vector register that a conversion may want to load from.
+/// A cache line, and the widest vector register.
 constexpr std::size_t rowAlignment = 64;
 
 std::size_t roundUp(std::size_t value) {
@@ -27,7 +27,7 @@ PixelBuffer* PixelBuffer::make(std::size_t width, std::size_t height) {
         return nullptr;
     }
     const std::size_t bytesPerRow = roundUp(4 * width);
-    // calloc gets large blocks already cleared, which aligned_alloc and memset would do by hand.
+    // calloc returns large blocks cleared by the system, without the cost of a memset.
     Memory memory(std::calloc(bytesPerRow * height + rowAlignment - 1, 1));
     if (!memory) {
         return nullptr;

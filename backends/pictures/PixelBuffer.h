@@ -12,22 +12,22 @@
 
 namespace vistrane {
 
-/// The pixel buffer of `MediaCoreVideo`, as a movie writer sees it: `height` rows of `width`
-/// pixels, the top row first, 4 bytes a pixel: one that means nothing, red, green, blue. sRGB
-/// values, opaque. Rows start at multiples of 64 bytes.
+/// The pixel buffer of `MediaCoreVideo`: `height` rows of `width` pixels, the top row first, 4
+/// bytes a pixel: one ignored, red, green, blue. sRGB values, opaque. Rows start at multiples of 64
+/// bytes.
 ///
-/// One thread at a time; only the count may be changed by several.
+/// One thread at a time, except for `retain` and `release`.
 class PixelBuffer final : public CVPixelBuffer {
 public:
-    /// A black buffer with a count of one, owned by the caller. Null without pixels, with more
-    /// than a picture may have (see `PictureLimits`), or without memory.
+    /// A black buffer with a reference count of one, owned by the caller. Null for sizes that
+    /// `PictureLimits` does not allow, and without memory.
     static PixelBuffer* make(std::size_t width, std::size_t height);
 
-    /// What a reference stands for. Every buffer of this process comes from `make`.
+    /// Every buffer of this process comes from `make`.
     static PixelBuffer* from(CVPixelBufferRef buffer) { return static_cast<PixelBuffer*>(buffer); }
 
     void retain();
-    /// Counts one down; the last count frees the buffer.
+    /// The last release frees the buffer.
     void release();
 
     std::size_t width() const { return width_; }
@@ -36,8 +36,8 @@ public:
     const std::uint8_t* bytes() const { return rows_; }
     std::uint8_t* bytes() { return rows_; }
 
-    /// Why the pixels are not to be used: something drawn here could not be decoded. The first
-    /// reason stays.
+    /// Why the pixels must not be used: a picture drawn here could not be decoded. The first reason
+    /// is kept.
     const std::optional<NSError>& damage() const { return damage_; }
     void markDamaged(NSError reason);
 
@@ -62,8 +62,8 @@ private:
     std::optional<NSError> damage_;
 };
 
-/// The pool of a pixel buffer adaptor. It keeps no idle buffers: whoever needs one makes it with
-/// `CVPixelBufferCreate`. Owned by its adaptor alone, whatever releases it.
+/// The pool of a pixel buffer adaptor, without idle buffers: buffers are made with
+/// `CVPixelBufferCreate`. Its adaptor alone owns it; `CVPixelBufferPoolRelease` does not free it.
 class PixelBufferPool final : public CVPixelBufferPool {
 public:
     PixelBufferPool() = default;

@@ -14,9 +14,10 @@ namespace vistrane {
 
 namespace {
 
-/// Profiles of cameras and screens have some kilobytes, with large tables one or two megabytes.
+/// Profiles of cameras and screens have some kilobytes, those with large tables up to two
+/// megabytes.
 constexpr std::size_t largestProfile = std::size_t{8} << 20;
-/// Of a profile's head; less is no profile.
+/// The length of a profile's header.
 constexpr std::size_t smallestProfile = 128;
 
 struct Close {
@@ -56,7 +57,7 @@ std::optional<ByteArray> inflated(std::span<const std::uint8_t> data) {
     return state == Z_STREAM_END && fits ? std::optional(std::move(result)) : std::nullopt;
 }
 
-/// The chunk's data: a name of 1 to 79 bytes, a zero, the method 0 (deflate), the profile.
+/// The chunk holds a name of 1 to 79 bytes, a zero, the method 0 (deflate), and the profile.
 std::optional<ByteArray> profileBytes(std::span<const std::uint8_t> chunk) {
     const auto nameEnd = std::find(chunk.begin(), chunk.end(), std::uint8_t{0});
     const auto nameLength = static_cast<std::size_t>(nameEnd - chunk.begin());
@@ -85,7 +86,8 @@ Transform makeTransform(cmsContext context, const Profile& from, cmsUInt32Number
     if (!to) {
         return nullptr;
     }
-    // Colours that both spaces have stay what they are. No cache: it saves nothing in pictures.
+    // Relative colorimetric keeps the colours that both spaces have. A cache is no gain for
+    // pictures.
     return Transform(cmsCreateTransformTHR(
         context, from.get(), fromType, to.get(), toType, INTENT_RELATIVE_COLORIMETRIC,
         cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE | flags));
@@ -99,10 +101,10 @@ bool isSame(std::uint8_t first, std::uint8_t second) {
 
 struct ProfileConversion::Tables {
     PixelForm form = PixelForm::RGB;
-    // The transform goes before its context.
+    // Declared in this order, because the transform must be destroyed before its context.
     Context context;
     Transform transform;
-    /// Of a grey profile: the colour of each value.
+    /// For a grey profile: the colour of each value.
     std::optional<std::array<std::uint8_t, 768>> greys;
 
     bool changesAGrey() const {
@@ -116,7 +118,7 @@ struct ProfileConversion::Tables {
 
     bool changesAColour(const Profile& profile) const {
         const Transform plain = makeTransform(context.get(), profile, TYPE_RGB_8, TYPE_RGB_8);
-        // 9 steps in each direction, the ends among them.
+        // 9 values of each component, 0 and 255 among them.
         constexpr int steps = 9;
         for (int i = 0; plain && i < steps * steps * steps; ++i) {
             const auto step = [](int n) {
@@ -142,7 +144,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
     const auto bytes = profileBytes(chunk);
     auto tables = std::make_shared<Tables>();
     tables->form = form;
-    // A context of its own keeps threads and error reports apart from everybody else's.
+    // A private context, because the default one is shared by all threads.
     tables->context.reset(cmsCreateContext(nullptr, nullptr));
     if (!bytes || !tables->context) {
         return std::nullopt;
@@ -153,7 +155,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
         return std::nullopt;
     }
     if (grey) {
-        // For 256 values nothing needs to be shortened, which would cost the dark ones some steps.
+        // The optimised transform is less exact in dark values and gains nothing for 256 of them.
         const Transform transform = makeTransform(tables->context.get(), profile, TYPE_GRAY_8,
                                                   TYPE_RGB_8, cmsFLAGS_NOOPTIMIZE);
         if (!transform) {
@@ -178,7 +180,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
 
 void ProfileConversion::convert(std::uint8_t* pixels, std::size_t count) const {
     if (!tables_->greys) {
-        // Bytes that are no colour stay as they are where input and output are the same memory.
+        // In place, the library leaves the bytes beside the colour unchanged.
         cmsDoTransform(tables_->transform.get(), pixels, pixels,
                        static_cast<cmsUInt32Number>(count));
         return;

@@ -10,16 +10,16 @@
 
 namespace vistrane {
 
-/// Turns pixels with an embedded colour profile into sRGB. One thread at a time.
+/// Converts pixels from an embedded colour profile to sRGB. One thread at a time.
 class ProfileConversion {
 public:
-    /// `chunk` is the data of an iCCP chunk. Nothing where no conversion is needed: the profile is
-    /// sRGB (no component changes by more than one step), or it is broken, or it is for another
-    /// kind of colour than the picture's. `grey` says that the picture has grey values only.
+    /// `chunk` is the data of an iCCP chunk. `grey`: the picture has grey values only. Null when no
+    /// conversion is needed or possible: the profile is sRGB (no component changes by more than one
+    /// step), it is broken, or it is for another colour model than the picture's.
     static std::optional<ProfileConversion> fromChunk(std::span<const std::uint8_t> chunk,
                                                       bool grey, PixelForm form);
 
-    /// Converts `count` pixels of the form given to `fromChunk` in place; alpha stays.
+    /// Converts `count` pixels of the form given to `fromChunk` in place. Keeps alpha.
     void convert(std::uint8_t* pixels, std::size_t count) const;
 
 private:

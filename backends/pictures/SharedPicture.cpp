@@ -10,13 +10,13 @@ namespace vistrane {
 
 namespace {
 
-/// How long a view waits for one who has loaded the picture to begin to decode it, which mostly is
-/// a matter of microseconds. After that it does so itself.
-constexpr std::chrono::milliseconds patience(20);
+/// How long a view waits for another user to begin decoding, which usually takes microseconds,
+/// before it decodes the picture itself.
+constexpr std::chrono::milliseconds decodingTimeout(20);
 
 } // namespace
 
-/// Of one who decodes: however it ends, also by an exception, those who wait for it go on.
+/// Scope of a decoding: its end, also by an exception, wakes those who wait for it.
 class SharedDecoding::Turn {
 public:
     explicit Turn(SharedDecoding& decoding) : decoding_(decoding) {
@@ -56,7 +56,7 @@ std::optional<NSError> SharedDecoding::readPixels(PixelForm form, std::uint8_t* 
     try {
         makeSmaller(form, rows, stride);
     } catch (const std::bad_alloc&) {
-        // What the view wants is no matter of who has read the pixels: it makes that itself.
+        // The pixels were read, which is all that this caller needs. The view decodes for itself.
         return std::nullopt;
     }
     return std::nullopt;
@@ -99,7 +99,8 @@ bool SharedDecoding::takeSmaller(std::size_t width, std::size_t height, std::uin
                                  std::ptrdiff_t stride) {
     const auto isMade = [&] { return this->isMade(width, height); };
     std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, patience, [&] { return isMade() || decoding_ > 0 || unread_ == 0; });
+    changed_.wait_for(lock, decodingTimeout,
+                      [&] { return isMade() || decoding_ > 0 || unread_ == 0; });
     changed_.wait(lock, [&] { return isMade() || decoding_ == 0; });
     const bool made = isMade();
     for (std::size_t y = 0; made && y < height; ++y) {
@@ -107,7 +108,7 @@ bool SharedDecoding::takeSmaller(std::size_t width, std::size_t height, std::uin
         std::copy_n(smaller_->pixels.data() + y * width, width,
                     reinterpret_cast<std::uint32_t*>(row));
     }
-    // It is the view's now, or the view makes it.
+    // The view has it now, or makes it itself.
     smaller_.reset();
     return made;
 }
@@ -127,10 +128,10 @@ SharedPicture::SharedPicture(std::shared_ptr<SharedDecoding> decoding)
 }
 
 SharedPicture::~SharedPicture() {
-    beRead();
+    markRead();
 }
 
-void SharedPicture::beRead() const {
+void SharedPicture::markRead() const {
     if (isUnread_.exchange(false)) {
         decoding_->leave();
     }
@@ -139,19 +140,19 @@ void SharedPicture::beRead() const {
 std::optional<NSError> SharedPicture::readPixels(PixelForm form, std::uint8_t* rows,
                                                  std::ptrdiff_t stride) const {
     auto error = decoding_->readPixels(form, rows, stride);
-    beRead();
+    markRead();
     return error;
 }
 
 std::optional<NSError> SharedPicture::passRows(PixelForm form, PictureRows& rows) const {
-    beRead();
+    markRead();
     return decoding_->picture().passRows(form, rows);
 }
 
 std::optional<NSError> SharedPicture::readSmaller(std::size_t width, std::size_t height,
                                                   std::uint32_t* pixels,
                                                   std::ptrdiff_t stride) const {
-    beRead();
+    markRead();
     return decoding_->readSmaller(width, height, pixels, stride);
 }
 

@@ -14,8 +14,8 @@
 
 namespace vistrane {
 
-/// What those have in common who have loaded the same picture: while one of them decodes it, what a
-/// view has asked for is made on the way. Any thread.
+/// The state that all users of the same picture share. While one of them decodes it, the smaller
+/// picture that a view has asked for is made from the same rows. Any thread.
 class SharedDecoding {
 public:
     explicit SharedDecoding(std::shared_ptr<const PictureSource> picture)
@@ -23,7 +23,7 @@ public:
 
     const PictureSource& picture() const { return *picture_; }
 
-    /// One more has loaded the picture and not read it yet; one less.
+    /// Count the users that have loaded the picture and not read it yet.
     void join();
     void leave();
 
@@ -37,7 +37,7 @@ private:
     struct Smaller {
         std::size_t width = 0;
         std::size_t height = 0;
-        /// Without gaps; empty until it is made.
+        /// Rows without gaps; empty until the picture is made.
         std::vector<std::uint32_t> pixels;
         bool hasSize(std::size_t w, std::size_t h) const { return width == w && height == h; }
     };
@@ -52,11 +52,11 @@ private:
     std::condition_variable changed_;
     std::size_t unread_ = 0;
     std::size_t decoding_ = 0;
-    /// What the view has asked for last.
+    /// The last request of a view.
     std::optional<Smaller> smaller_;
 };
 
-/// A picture for one of those who have loaded it.
+/// One user's picture.
 class SharedPicture final : public PictureSource {
 public:
     explicit SharedPicture(std::shared_ptr<SharedDecoding> decoding);
@@ -72,7 +72,7 @@ public:
     const SharedDecoding& decoding() const { return *decoding_; }
 
 private:
-    void beRead() const;
+    void markRead() const;
 
     std::shared_ptr<SharedDecoding> decoding_;
     mutable std::atomic<bool> isUnread_{true};

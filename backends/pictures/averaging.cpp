@@ -12,7 +12,7 @@ namespace vistrane {
 
 namespace {
 
-/// A sum is halved first, so that it is a signed number of 16 bits too.
+/// Sums are halved, so that they fit into signed 16 bits.
 constexpr int valueBits = 7 + 14;
 constexpr std::int32_t half = 1 << (valueBits - 1);
 
@@ -41,7 +41,7 @@ std::uint32_t pixelOf(std::uint32_t red, std::uint32_t green, std::uint32_t blue
     addWeightedPlainly(bytes + i, weight, sums + i, count - i);
 }
 
-/// Two pixels of sums, each component beside its neighbour's.
+/// Two pixels of sums, interleaved by component.
 template <std::size_t components>
 __m128i twoPixels(const std::uint16_t* sums) {
     const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(sums));
@@ -49,7 +49,7 @@ __m128i twoPixels(const std::uint16_t* sums) {
     return _mm_srli_epi16(_mm_unpacklo_epi16(first, second), 1);
 }
 
-/// `red`: where it is in a pixel.
+/// `red` is its position in a pixel.
 template <std::size_t components, int red>
 void averagePixelsBySse2(const std::uint16_t* sums, const AveragedParts& parts,
                          std::uint32_t* pixels) {
@@ -86,8 +86,7 @@ AddWeighted chooseAddWeighted() {
 } // namespace
 
 AveragedParts::AveragedParts(std::size_t from, std::size_t to, int sum) {
-    // Lengths are counted in parts of an old pixel, of which it has `to`; a new one has `from` of
-    // them.
+    // The unit of length is 1/`to` of an old pixel, which is 1/`from` of a new one.
     firsts.resize(to);
     ends.resize(to);
     for (std::size_t i = 0; i < to; ++i) {
@@ -101,7 +100,7 @@ AveragedParts::AveragedParts(std::size_t from, std::size_t to, int sum) {
         std::int16_t* weight = weights.data() + i * taps;
         std::uint64_t given = 0;
         for (std::size_t old = firsts[i]; old < ends[i]; ++old) {
-            // What falls on this pixel up to here is rounded, so that no rounding adds up.
+            // Rounds the running total, so that rounding errors do not add up.
             const std::uint64_t end =
                 std::min<std::uint64_t>(std::uint64_t{old + 1} * to, std::uint64_t{i + 1} * from);
             const std::uint64_t upTo =
@@ -146,7 +145,7 @@ void averagePixelsPlainly(const std::uint16_t* sums, PixelForm form, const Avera
 void averagePixels(const std::uint16_t* sums, PixelForm form, const AveragedParts& parts,
                    std::uint32_t* pixels) {
 #if defined(__x86_64__)
-    // Part of every such processor.
+    // Every x86-64 processor has SSE2.
     switch (form) {
     case PixelForm::ARGB:
         averagePixelsBySse2<4, 1>(sums, parts, pixels);

@@ -8,38 +8,37 @@
 
 namespace vistrane {
 
-/// For each of a row of new pixels: the old ones that fall on it, and how much of each.
+/// Which old pixels fall on each new pixel of a smaller row, and how much of each.
 struct AveragedParts {
-    /// From `from` old pixels to `to` new ones, at most as many. The weights of a new pixel are
-    /// whole numbers that add up to `sum`, at most 32767.
+    /// `to` new pixels from `from` old ones; `to` <= `from`. The weights of a new pixel are
+    /// integers that add up to `sum`, which is at most 32767.
     AveragedParts(std::size_t from, std::size_t to, int sum);
 
     std::size_t count() const { return firsts.size(); }
     const std::int16_t* weightsOf(std::size_t i) const { return weights.data() + i * taps; }
 
-    /// Of the old pixels, for each new one.
+    /// The range of old pixels of each new pixel; the end is not part of it.
     std::vector<std::size_t> firsts;
     std::vector<std::size_t> ends;
-    /// An even number. Weights of 0 fill up what a new pixel does not need, past the last old pixel
-    /// as well.
+    /// Weights of each new pixel; even. Unused ones are 0 and may lie past the last old pixel.
     std::size_t taps = 0;
     std::vector<std::int16_t> weights;
 };
 
-/// What the weights of rows add up to, and those of the pixels of a row.
+/// The sums of the weights of rows, and of the pixels of a row.
 constexpr int rowWeights = 256;
 constexpr int pixelWeights = 1 << 14;
 
-/// Adds `weight` times each byte. The weights of one sum are at most `rowWeights` altogether.
+/// Adds `weight` times each byte to `sums`. The weights of one sum add up to `rowWeights` at most.
 void addWeighted(const std::uint8_t* bytes, unsigned weight, std::uint16_t* sums,
                  std::size_t count);
 
-/// Makes pixels, 0xFFRRGGBB, of a row of such sums, which are in `form`. `parts` have
-/// `pixelWeights`; so many pixels as they have taps and one more can be read past the row's end.
+/// Makes pixels, 0xFFRRGGBB, of a row of such sums, which are in `form`. The weights of `parts` add
+/// up to `pixelWeights`. `parts.taps` + 1 pixels past the row's end must be readable.
 void averagePixels(const std::uint16_t* sums, PixelForm form, const AveragedParts& parts,
                    std::uint32_t* pixels);
 
-/// The same in plain C++, for any processor; the tests compare them.
+/// The reference implementations, for every processor.
 void addWeightedPlainly(const std::uint8_t* bytes, unsigned weight, std::uint16_t* sums,
                         std::size_t count);
 void averagePixelsPlainly(const std::uint16_t* sums, PixelForm form, const AveragedParts& parts,

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::size_t pixelBytes = 4;
 
-/// A stretch of one axis, in points.
-struct Stretch {
+/// A range of one axis, in points.
+struct Range {
     double from = 0.0;
     double to = 0.0;
     bool isEmpty() const { return !(from < to); }
@@ -26,7 +26,7 @@ struct Axis {
     /// The pixels to draw.
     std::size_t first = 0;
     std::size_t count = 0;
-    /// Where in the picture pixel `first` starts, and how far one pixel goes, in picture pixels.
+    /// Where pixel `first` begins in the picture, and the length of a pixel, in picture pixels.
     double origin = 0.0;
     double step = 1.0;
     /// The part of the picture that may be drawn, in picture pixels.
@@ -36,6 +36,9 @@ struct Axis {
     bool isUnscaled(std::size_t pixels) const {
         return step == 1.0 && origin == 0.0 && count == pixels;
     }
+    Resampling resampling() const {
+        return Resampling(origin, step, count, low, high, Shrinking::ByArea);
+    }
 };
 
 /// The first pixel whose middle is not before `edge`, within 0 and `size`.
@@ -44,9 +47,10 @@ std::size_t pixelFrom(double edge, std::size_t size) {
         std::clamp(std::ceil(edge - 0.5), 0.0, static_cast<double>(size)));
 }
 
-/// `place`: where the point 0 of the picture's axis comes to lie. `part`: of the picture, in
-/// points. `points`, `pixels`: the picture's size. `surface`: the surface's, in pixels.
-Axis axisOf(double place, Stretch part, double points, std::size_t pixels, std::size_t surface) {
+/// `place` is the position of the picture's point 0 on the surface. `part` is the part of the
+/// picture to draw, in points. `points` and `pixels` are the picture's size, `surface` is the
+/// surface's, in pixels.
+Axis axisOf(double place, Range part, double points, std::size_t pixels, std::size_t surface) {
     Axis axis;
     axis.first = pixelFrom(place + part.from, surface);
     axis.count = pixelFrom(place + part.to, surface) - axis.first;
@@ -57,7 +61,7 @@ Axis axisOf(double place, Stretch part, double points, std::size_t pixels, std::
     return axis;
 }
 
-// Beyond that, a double no longer holds a part of a point.
+// Beyond this, doubles do not hold fractions of a point precisely enough.
 constexpr double farthest = 1e9;
 
 NSSize scaled(NSSize size, NSSize scale) {
@@ -76,17 +80,17 @@ bool isPlace(const Drawing& drawing) {
            sane(drawing.from.size.height) && drawing.fraction >= 0.0;
 }
 
-Stretch within(double origin, double length, double points) {
+Range within(double origin, double length, double points) {
     return {std::max(origin, 0.0), std::min(origin + length, points)};
 }
 
 std::uint8_t scaled(unsigned value, unsigned alpha) {
-    // The nearest value to value * alpha / 255.
+    // value * alpha / 255, rounded to nearest.
     const unsigned product = value * alpha + 128;
     return static_cast<std::uint8_t>((product + (product >> 8)) >> 8);
 }
 
-/// Multiplies by alpha, which stays where it is.
+/// Multiplies the colour by alpha.
 void premultiply(std::uint8_t* row, std::size_t count) {
     for (std::uint8_t* pixel = row; pixel != row + count * pixelBytes; pixel += pixelBytes) {
         pixel[1] = scaled(pixel[1], pixel[0]);
@@ -102,7 +106,7 @@ void premultiplyOntoBlack(std::uint8_t* row, std::size_t count) {
     }
 }
 
-/// The usual case: the rows are decoded where they belong.
+/// The usual case: decodes straight into the surface.
 std::optional<NSError> decodeInto(const PictureSource& picture, std::uint8_t* rows,
                                   std::ptrdiff_t stride) {
     if (auto error = picture.readPixels(PixelForm::ARGB, rows, stride)) {
@@ -115,22 +119,20 @@ std::optional<NSError> decodeInto(const PictureSource& picture, std::uint8_t* ro
     return std::nullopt;
 }
 
-std::uint8_t rounded(float value) {
-    // NOLINTNEXTLINE(bugprone-incorrect-roundings): nothing here is negative, and it is quick
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
-}
-
-/// Draws rows of alpha, red, green and blue, multiplied by alpha, as numbers from 0 to 255.
+/// Draws premultiplied pixels: alpha, red, green, blue, from 0 to 255.
 class RowDrawing {
 public:
     RowDrawing(NSCompositingOperation operation, double fraction)
         : fraction_(static_cast<float>(std::min(fraction, 1.0))),
           over_(operation == NSCompositingOperationSourceOver) {}
 
+    /// Where the cubic overshoots, alpha stays within its range and colour within alpha.
     void drawPixel(const float* from, std::uint8_t* to) const {
-        const float kept = over_ ? 1.0F - from[0] * fraction_ / 255.0F : 0.0F;
+        const float alpha = std::clamp(from[0], 0.0F, 255.0F);
+        const float kept = over_ ? 1.0F - alpha * fraction_ / 255.0F : 0.0F;
         for (std::size_t i = 1; i < pixelBytes; ++i) {
-            to[i] = rounded(from[i] * fraction_ + static_cast<float>(to[i]) * kept);
+            const float colour = std::clamp(from[i], 0.0F, alpha);
+            to[i] = nearestByte(colour * fraction_ + static_cast<float>(to[i]) * kept);
         }
         to[0] = 0xFF;
     }
@@ -140,40 +142,14 @@ private:
     bool over_;
 };
 
-/// Adds up one old row after the other with its weight; `sums` starts at pixel `first`.
-void addRow(std::vector<float>& sums, const std::uint8_t* row, std::size_t first, float weight) {
-    const std::uint8_t* values = row + first * pixelBytes;
-    for (std::size_t i = 0; i < sums.size(); ++i) {
-        sums[i] += weight * static_cast<float>(values[i]);
-    }
-}
-
-/// One new pixel of the summed-up rows. Where the curve overshoots, colour stays within alpha.
-void gather(const std::vector<float>& sums, std::size_t first, const Resampling::Part& part,
-            float* pixel) {
-    std::fill_n(pixel, pixelBytes, 0.0F);
-    const float* values = sums.data() + (part.first - first) * pixelBytes;
-    for (const float weight : part.weights) {
-        for (std::size_t i = 0; i < pixelBytes; ++i) {
-            pixel[i] += weight * values[i];
-        }
-        values += pixelBytes;
-    }
-    pixel[0] = std::clamp(pixel[0], 0.0F, 255.0F);
-    for (std::size_t i = 1; i < pixelBytes; ++i) {
-        pixel[i] = std::clamp(pixel[i], 0.0F, pixel[0]);
-    }
-}
-
-/// Any other case: the whole picture is decoded, then the pixels are made of it row by row.
+/// All other cases: decodes the whole picture, then resamples it row by row.
 std::optional<NSError> drawScaled(const PictureSource& picture, const Surface& surface,
                                   const Axis& across, const Axis& down, const RowDrawing& drawing) {
     const PictureShape& shape = picture.shape();
     const std::size_t stride = pixelBytes * shape.width;
     auto bitmap = ByteArray::ofLength(stride * shape.height);
     if (!bitmap) {
-        return pictureError(PictureFault::NoMemory, picture.name(),
-                            "needs more memory than there is; close other programs");
+        return outOfMemory(picture.name());
     }
     if (auto error = picture.readPixels(PixelForm::ARGB, bitmap->data(),
                                         static_cast<std::ptrdiff_t>(stride))) {
@@ -182,23 +158,14 @@ std::optional<NSError> drawScaled(const PictureSource& picture, const Surface& s
     for (std::uint32_t y = 0; shape.mayBeTransparent && y < shape.height; ++y) {
         premultiply(bitmap->data() + y * stride, shape.width);
     }
-    const Resampling columns(across.origin, across.step, across.count, across.low, across.high);
-    const Resampling rows(down.origin, down.step, down.count, down.low, down.high);
-    std::vector<float> sums((columns.end() - columns.first()) * pixelBytes);
+    RowResampler resampler(across.resampling(), down.resampling());
     for (std::size_t y = 0; y < down.count; ++y) {
-        std::fill(sums.begin(), sums.end(), 0.0F);
-        const Resampling::Part part = rows.at(y);
-        for (std::size_t i = 0; i < part.weights.size(); ++i) {
-            addRow(sums, bitmap->data() + (part.first + i) * stride, columns.first(),
-                   part.weights[i]);
-        }
+        const float* from = resampler.row(y, bitmap->data(), stride).data();
         std::uint8_t* to = surface.rows +
                            static_cast<std::ptrdiff_t>(down.first + y) * surface.stride +
                            static_cast<std::ptrdiff_t>(across.first * pixelBytes);
-        for (std::size_t x = 0; x < across.count; ++x, to += pixelBytes) {
-            float pixel[pixelBytes];
-            gather(sums, columns.first(), columns.at(x), pixel);
-            drawing.drawPixel(pixel, to);
+        for (std::size_t x = 0; x < across.count; ++x, from += pixelBytes, to += pixelBytes) {
+            drawing.drawPixel(from, to);
         }
     }
     return std::nullopt;
@@ -217,14 +184,14 @@ std::optional<NSError> drawPicture(const PictureSource& picture, const Surface& 
     if (!isPlace({drawing.point, from, drawing.operation, drawing.fraction}) || !isLength(size)) {
         return std::nullopt;
     }
-    const Stretch acrossPart = within(from.origin.x, from.size.width, size.width);
-    const Stretch upPart = within(from.origin.y, from.size.height, size.height);
+    const Range acrossPart = within(from.origin.x, from.size.width, size.width);
+    const Range upPart = within(from.origin.y, from.size.height, size.height);
     if (acrossPart.isEmpty() || upPart.isEmpty()) {
         return std::nullopt;
     }
     const Axis across =
         axisOf(drawing.point.x - from.origin.x, acrossPart, size.width, shape.width, surface.width);
-    // Rows are counted from the top, points from the bottom.
+    // Rows count from the top, points from the bottom.
     const double top =
         static_cast<double>(surface.height) - (drawing.point.y - from.origin.y + size.height);
     const Axis down = axisOf(top, {size.height - upPart.to, size.height - upPart.from}, size.height,

@@ -11,9 +11,9 @@
 
 namespace vistrane {
 
-/// Memory to draw into: `height` rows of `width` pixels, the top row at `rows`, each next one
-/// `stride` bytes on; 4 bytes a pixel: one that means nothing, red, green, blue; sRGB values.
-/// One point is one pixel; the origin is the bottom left corner.
+/// Memory to draw into: `height` rows of `width` pixels, the top row first, rows `stride` bytes
+/// apart; 4 bytes a pixel: one ignored, red, green, blue; sRGB values. One point is one pixel; the
+/// origin is the bottom left corner.
 struct Surface {
     std::uint8_t* rows = nullptr;
     std::size_t width = 0;
@@ -28,22 +28,21 @@ struct Drawing {
     NSRect from;
     NSCompositingOperation operation = NSCompositingOperationCopy;
     double fraction = 1.0;
-    /// How many times as wide and high as its size in points the picture is drawn.
+    /// The drawn size as a multiple of the size in points.
     NSSize scale{1.0, 1.0};
 };
 
-/// Draws a picture; what lies outside the surface or the picture is left out, and numbers that are
-/// no place draw nothing. The meaningless byte of each pixel drawn becomes 255.
+/// Draws a picture, clipped to the surface. Numbers that are not finite or out of range draw
+/// nothing. The ignored byte of each drawn pixel becomes 255.
 ///
-/// A picture that is drawn at its size in pixels is drawn without any change of its values.
-/// Others are scaled: down by the average of the area that falls on a pixel, up by a bicubic
-/// curve (Catmull-Rom), both on sRGB values multiplied by alpha. A pixel is drawn when its middle
-/// lies in the picture.
+/// A picture that is drawn at its size in pixels keeps its values. Others are scaled down by area
+/// averaging and up by the Catmull-Rom cubic (see `resampling.h`), on sRGB values multiplied by
+/// alpha. A pixel is drawn when its middle lies in the picture.
 ///
-/// The surface has no alpha: copying leaves a transparent picture multiplied by its alpha, which
-/// is to say over black; compositing leaves it over what was there.
+/// The surface has no alpha: copying leaves a transparent picture multiplied by its alpha, that is
+/// over black; compositing leaves it over the previous content.
 ///
-/// Returns why the picture could not be decoded; the surface may then hold a part of it.
+/// Returns the reason if the picture could not be decoded. The surface may then hold a part of it.
 std::optional<NSError> drawPicture(const PictureSource& picture, const Surface& surface,
                                    const Drawing& drawing);
 

@@ -12,7 +12,7 @@ struct GraphicsState {
     std::vector<std::shared_ptr<NSGraphicsContext>> saved;
 };
 
-/// A property of the thread, as the kit has it: what draws is not handed its target.
+/// Per thread, as in the kit: drawing calls do not name their target.
 GraphicsState& stateOfThisThread() {
     thread_local GraphicsState state;
     return state;

@@ -6,13 +6,13 @@
 
 namespace vistrane {
 
-/// The calling thread's current graphics context; null when there is none. Each thread has its own
-/// and a stack of saved ones.
+/// The calling thread's current graphics context, or null. Each thread has its own context and its
+/// own stack of saved contexts.
 std::shared_ptr<NSGraphicsContext> currentGraphicsContext();
 void setCurrentGraphicsContext(std::shared_ptr<NSGraphicsContext> context);
 
 void pushGraphicsContext();
-/// Without a saved context nothing changes.
+/// Does nothing without a saved context.
 void popGraphicsContext();
 
 } // namespace vistrane

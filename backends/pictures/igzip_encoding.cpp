@@ -19,18 +19,18 @@ namespace vistrane {
 
 namespace {
 
-/// Filtered rows are handed on when there are about so many bytes, and chunks of pixels are as
-/// long: the caches hold both.
+/// About the length of what is filtered at once, and of the chunks of pixels: both fit into the
+/// caches.
 constexpr std::size_t slab = std::size_t{128} * 1024;
 
-/// The level that finds least, and still files are smaller than zlib's at its own: what it leaves
-/// out of noise was not worth its code.
+/// The level that searches least for matches. Its files are still smaller than those of zlib
+/// at level 1: the matches that it misses in noise are not worth their codes.
 constexpr std::uint32_t level = 1;
 constexpr std::size_t levelMemory = ISAL_DEF_LVL1_LARGE;
 
 constexpr std::array<std::uint8_t, 8> signature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-constexpr std::size_t chunkHead = 8;
-constexpr std::size_t chunkEnd = 4;
+constexpr std::size_t chunkHeader = 8;
+constexpr std::size_t chunkChecksum = 4;
 constexpr std::uint8_t perMetre = 1;
 constexpr std::uint8_t perceptual = 0;
 
@@ -40,22 +40,22 @@ void putNumber(std::uint8_t* bytes, std::size_t number) {
     }
 }
 
-/// Puts the frame around a chunk's data, which lie where they belong.
+/// Adds length, type and checksum to a chunk whose data are in place.
 void frameChunk(std::uint8_t* chunk, const char* type, std::size_t length) {
     putNumber(chunk, length);
     std::memcpy(chunk + 4, type, 4);
-    putNumber(chunk + chunkHead + length, ::libdeflate_crc32(0, chunk + 4, 4 + length));
+    putNumber(chunk + chunkHeader + length, ::libdeflate_crc32(0, chunk + 4, 4 + length));
 }
 
 template <std::size_t Length>
 bool appendChunk(ByteArray& file, const char* type, const std::array<std::uint8_t, Length>& data) {
-    std::array<std::uint8_t, chunkHead + Length + chunkEnd> chunk{};
-    std::copy(data.begin(), data.end(), chunk.begin() + chunkHead);
+    std::array<std::uint8_t, chunkHeader + Length + chunkChecksum> chunk{};
+    std::copy(data.begin(), data.end(), chunk.begin() + chunkHeader);
     frameChunk(chunk.data(), type, Length);
     return file.append(chunk);
 }
 
-bool appendHead(ByteArray& file, const PictureShape& shape) {
+bool appendHeader(ByteArray& file, const PictureShape& shape) {
     constexpr std::uint8_t colour = 2;
     constexpr std::uint8_t colourAndAlpha = 6;
     std::array<std::uint8_t, 13> size{};
@@ -77,7 +77,7 @@ bool appendHead(ByteArray& file, const PictureShape& shape) {
     return appendChunk(file, "pHYs", density);
 }
 
-/// Where many words are zero, the row above was the same: matches say that in a bit.
+/// Where many words are zero the row above was the same, for which matches take less than a bit.
 bool hasManyZeros(std::span<const std::uint8_t> bytes) {
     const std::size_t words = bytes.size() / sizeof(std::uint64_t);
     std::size_t zeros = 0;
@@ -89,7 +89,7 @@ bool hasManyZeros(std::span<const std::uint8_t> bytes) {
     return zeros > words / 16;
 }
 
-/// An igzip stream without a head and a checksum, and what it works with.
+/// An igzip stream without header and checksum, and its memory.
 class Deflation {
 public:
     /// False when there is no memory.
@@ -108,7 +108,7 @@ public:
         return true;
     }
 
-    /// Forgets all that it was given.
+    /// Begins a new stream.
     void reset() { ::isal_deflate_reset(stream_.get()); }
 
     void give(std::span<std::uint8_t> bytes, std::uint16_t flush, bool last) {
@@ -118,7 +118,7 @@ public:
         stream_->end_of_stream = last ? 1 : 0;
     }
 
-    /// Takes what it was given; the bytes it has made, nothing when it cannot.
+    /// Compresses what was given. Returns the number of bytes written, nothing on an error.
     std::optional<std::size_t> make(std::span<std::uint8_t> room) {
         stream_->next_out = room.data();
         stream_->avail_out = static_cast<std::uint32_t>(room.size());
@@ -128,7 +128,7 @@ public:
         return room.size() - stream_->avail_out;
     }
 
-    /// There may be more to make.
+    /// Whether `make` must be called again.
     bool isWaiting() const {
         return stream_->avail_in > 0 || stream_->avail_out == 0 ||
                (stream_->end_of_stream != 0 && stream_->internal_state.state != ZSTATE_END);
@@ -139,25 +139,25 @@ private:
     ByteArray memory_;
 };
 
-/// Compresses bytes into chunks of pixels: each slab by igzip, or as literals alone where matches
+/// Compresses bytes into IDAT chunks: each slab by igzip, or as a block of literals where matches
 /// would hardly make it smaller.
 class PixelChunks {
 public:
     explicit PixelChunks(ByteArray& file) : file_(file) {}
 
-    /// False when there is no memory; so are the others.
+    /// False when there is not enough memory, as of the functions below.
     bool begin() {
-        auto chunk = ByteArray::ofLength(chunkHead + chunkRoom + chunkEnd);
+        auto chunk = ByteArray::ofLength(chunkHeader + chunkRoom + chunkChecksum);
         auto piece = ByteArray::ofLength(2 * pieceLength);
         if (!deflation_.begin() || !trial_.begin() || !chunk || !piece) {
             return false;
         }
         chunk_ = std::move(*chunk);
         piece_ = std::move(*piece);
-        return put(zlibHead);
+        return put(zlibHeader);
     }
 
-    /// A slab at most.
+    /// At most a slab.
     bool add(std::span<std::uint8_t> bytes, bool last) {
         checksum_ = ::libdeflate_adler32(checksum_, bytes.data(), bytes.size());
         const bool added = addSmallest(bytes, last);
@@ -170,11 +170,11 @@ public:
     }
 
 private:
-    static constexpr std::array<std::uint8_t, 2> zlibHead = {0x78, 0x01};
+    static constexpr std::array<std::uint8_t, 2> zlibHeader = {0x78, 0x01};
     static constexpr std::size_t pieceLength = std::size_t{8} * 1024;
-    /// A slab of literals and what else is around it.
+    /// A slab of literals, and what may stand before and after it in its chunk.
     static constexpr std::size_t chunkRoom = slab + std::size_t{2} * 1024;
-    // A slab has one row at least, and its literals take a thousandth more and a head.
+    // A slab has at least one row. Its literals take at most a thousandth more and a header.
     static constexpr std::size_t longestRow =
         1 + bytesPerPixel(PixelForm::RGBA) * PictureLimits().largestSide;
     static_assert(longestRow + longestRow / 1000 + 1024 <= chunkRoom);
@@ -187,7 +187,7 @@ private:
         return matchesHelp(bytes, block) ? addMatches(bytes, last) : addLiterals(block, last);
     }
 
-    /// Tries two pieces of a slab.
+    /// Compares the lengths of two pieces of the slab.
     bool matchesHelp(std::span<std::uint8_t> bytes, const LiteralBlock& block) {
         const std::size_t length = std::min(pieceLength, bytes.size() / 2);
         std::size_t literals = 0;
@@ -198,7 +198,7 @@ private:
             literals += block.bitsOf(piece);
             matches += 8 * lengthOfMatches(piece);
         }
-        // Literals are read in half the time, which is worth some bytes.
+        // Literals are decoded in half the time, which is worth some bytes.
         return matches + matches / 32 < literals;
     }
 
@@ -223,7 +223,7 @@ private:
 
     bool addLiterals(const LiteralBlock& block, bool last) {
         if (hasMatches_) {
-            // What follows cannot refer to what igzip has never seen.
+            // Matches that follow must not refer to bytes that igzip has not seen.
             if (!deflate({}, SYNC_FLUSH, false)) {
                 return false;
             }
@@ -233,9 +233,9 @@ private:
         if (used_ > 0 && used_ + block.room() > chunkRoom && !endChunk()) {
             return false;
         }
-        std::uint8_t* const to = chunk_.data() + chunkHead + used_;
+        std::uint8_t* const to = chunk_.data() + chunkHeader + used_;
         used_ += static_cast<std::size_t>(block.write(to, last) - to);
-        // `Inflation` reads two such chunks at a time.
+        // `Inflation` decodes two such chunks at a time.
         return last || endChunk();
     }
 
@@ -246,7 +246,7 @@ private:
                 return false;
             }
             const auto made =
-                deflation_.make({chunk_.data() + chunkHead + used_, chunkRoom - used_});
+                deflation_.make({chunk_.data() + chunkHeader + used_, chunkRoom - used_});
             if (!made) {
                 return false;
             }
@@ -259,21 +259,22 @@ private:
         if (used_ + bytes.size() > chunkRoom && !endChunk()) {
             return false;
         }
-        std::copy(bytes.begin(), bytes.end(), chunk_.data() + chunkHead + used_);
+        std::copy(bytes.begin(), bytes.end(), chunk_.data() + chunkHeader + used_);
         used_ += bytes.size();
         return true;
     }
 
     bool endChunk() {
         frameChunk(chunk_.data(), "IDAT", used_);
-        return file_.append(chunk_.bytes().first(chunkHead + std::exchange(used_, 0) + chunkEnd));
+        return file_.append(
+            chunk_.bytes().first(chunkHeader + std::exchange(used_, 0) + chunkChecksum));
     }
 
     ByteArray& file_;
     Deflation deflation_;
     Deflation trial_;
     ByteArray chunk_;
-    std::size_t used_ = 0; // of the chunk at hand
+    std::size_t used_ = 0; // of the current chunk
     ByteArray piece_;
     std::uint32_t checksum_ = 1;
     bool hasMatches_ = false;
@@ -309,7 +310,7 @@ bool appendPixels(ByteArray& file, const PictureShape& shape, const std::uint8_t
 std::optional<ByteArray> encodeByIgzip(const PictureShape& shape, const std::uint8_t* rows,
                                        std::size_t stride) {
     ByteArray file;
-    const bool whole = appendHead(file, shape) && appendPixels(file, shape, rows, stride) &&
+    const bool whole = appendHeader(file, shape) && appendPixels(file, shape, rows, stride) &&
                        appendChunk<0>(file, "IEND", {});
     return whole ? std::optional(std::move(file)) : std::nullopt;
 }

@@ -11,8 +11,8 @@
 
 namespace vistrane {
 
-/// What `decodePng` does, by libpng alone. It has the last word: on rare forms, on damaged files,
-/// and in the tests.
+/// `decodePng` by libpng alone: the reference implementation, which also decodes the rarer forms
+/// and decides about files that seem to be damaged.
 std::optional<std::string> decodeByLibpng(std::span<const std::uint8_t> file,
                                           const PngHeader& header, PixelForm form,
                                           std::uint8_t* rows, std::ptrdiff_t stride);

@@ -12,6 +12,11 @@ NSError pictureError(PictureFault fault, const std::string& name, const std::str
                    "The picture " + shownText(name) + " " + what};
 }
 
+NSError outOfMemory(const std::string& name) {
+    return pictureError(PictureFault::NoMemory, name,
+                        "needs more memory than there is; close other programs");
+}
+
 NSError systemError(int number, const std::string& what, const std::string& path,
                     const std::string& advice) {
     return NSError{"NSPOSIXErrorDomain", number,

@@ -6,7 +6,7 @@
 
 namespace vistrane {
 
-/// The domain of this folder's own errors.
+/// The domain of this folder's errors.
 inline constexpr char pictureErrorDomain[] = "VistranePictureErrorDomain";
 
 enum class PictureFault {
@@ -18,10 +18,13 @@ enum class PictureFault {
     CannotEncode = 6,
 };
 
-/// "the picture <name> <what>", one line. `name` is a path or says where the picture comes from.
+/// "The picture <name> <what>", one line. `name` is a path or a description.
 NSError pictureError(PictureFault fault, const std::string& name, const std::string& what);
 
-/// "<what> <path>: <reason of the system>; <advice>" with the system's number as the code.
+/// The picture does not fit into memory.
+NSError outOfMemory(const std::string& name);
+
+/// "<what> <path>: <the system's reason>; <advice>", with the system's error number as the code.
 NSError systemError(int number, const std::string& what, const std::string& path,
                     const std::string& advice);
 

@@ -16,15 +16,15 @@ namespace {
 
 constexpr std::size_t longestRow = std::size_t{1} << 24;
 
-/// libpng minds chunks that are longer than their pixels can be, unless they are short. Pixels that
-/// cannot be compressed are stored in blocks of some 32 KiB, each with a head of 5 bytes.
+/// libpng refuses chunks that are longer than their pixels can be, unless they are short. Pixels
+/// that cannot be compressed are stored in blocks of some 32 KiB, each with a header of 5 bytes.
 std::size_t longestChunk(std::size_t length) {
     constexpr std::size_t shortChunk = 1'000'000;
     constexpr std::size_t block = 32566;
     return std::max(length + 6 + 5 * (length / block + 1), shortChunk);
 }
 
-/// Rows that all lie in memory.
+/// Decodes into rows in memory.
 class RowsInMemory {
 public:
     RowsInMemory(std::uint8_t* rows, std::ptrdiff_t stride) : rows_(rows), stride_(stride) {}
@@ -38,10 +38,10 @@ private:
     std::ptrdiff_t stride_;
 };
 
-/// Rows that are handed on, each as soon as it is there. The one above stays until then.
-class RowsHandedOn {
+/// Passes each row as soon as it is decoded. The row above it is kept until then.
+class PassedRows {
 public:
-    explicit RowsHandedOn(PictureRows& rows) : rows_(rows) {}
+    explicit PassedRows(PictureRows& rows) : rows_(rows) {}
 
     bool begin(std::size_t length) {
         auto lines = ByteArray::ofLength(2 * length);
@@ -67,14 +67,14 @@ private:
     std::uint8_t* other_ = nullptr;
 };
 
-/// Turns the decompressed bytes into the rows asked for.
+/// Turns decompressed bytes into rows of the form asked for.
 template <typename Rows>
 class RowWriting {
 public:
     RowWriting(const PngExpansion& expansion, Rows& rows)
         : expansion_(expansion), length_(expansion.rowBytes()), rows_(rows) {}
 
-    /// `length`: of a row asked for. False when there is no memory.
+    /// `length`: of a resulting row. False when there is not enough memory.
     bool begin(std::size_t length) {
         const std::size_t room = length_ + filterMargin;
         auto lines = ByteArray::ofLength(expansion_.isCopy() ? room : 2 * room);
@@ -88,7 +88,7 @@ public:
         return true;
     }
 
-    /// One row with its filter's number before it. False when there is no such filter.
+    /// One row with its filter's number before it. False when the number is not valid.
     bool write(const std::uint8_t* filtered) {
         if (filtered[0] > lastPngFilter) {
             return false;
@@ -135,11 +135,11 @@ bool decodeUsual(std::span<const std::uint8_t> file, const PngHeader& header, Pi
         return false;
     }
     const ByteRange& chunks = header.imageChunks;
-    Inflation inflation(ImageData(file.subspan(chunks.offset, chunks.length)), length, rowBytes);
+    Inflation inflation(file.subspan(chunks.offset, chunks.length), length, rowBytes);
     Inflation::Outcome outcome = Inflation::Outcome::Going;
     while (outcome == Inflation::Outcome::Going) {
         outcome = inflation.more();
-        while (outcome != Inflation::Outcome::GivenUp && inflation.freshLength() >= rowBytes) {
+        while (outcome != Inflation::Outcome::Refused && inflation.freshLength() >= rowBytes) {
             if (!writing.write(inflation.fresh())) {
                 return false;
             }
@@ -159,8 +159,8 @@ bool decodeUsualPng(std::span<const std::uint8_t> file, const PngHeader& header,
 
 bool passUsualPng(std::span<const std::uint8_t> file, const PngHeader& header, PixelForm form,
                   PictureRows& rows) {
-    RowsHandedOn handedOn(rows);
-    return decodeUsual(file, header, form, handedOn);
+    PassedRows passed(rows);
+    return decodeUsual(file, header, form, passed);
 }
 
 std::optional<std::string> decodePng(std::span<const std::uint8_t> file, const PngHeader& header,

@@ -33,7 +33,7 @@ void addUp(const std::uint8_t* filtered, const std::uint8_t* above, std::uint8_t
     }
 }
 
-// From the byte `first` on, which is 0 or has a pixel to its left.
+// The following begin at the byte `first`, which is 0 or has a pixel to its left.
 
 void addLeft(const std::uint8_t* filtered, std::uint8_t* row, std::size_t first, std::size_t length,
              std::size_t pixelBytes) {
@@ -61,7 +61,7 @@ void addNearest(const std::uint8_t* filtered, const std::uint8_t* above, std::ui
                 std::size_t first, std::size_t length, std::size_t pixelBytes) {
     std::size_t i = first;
     for (; i < std::min(pixelBytes, length); ++i) {
-        // Left of the row everything is 0, so that the nearest is the one above.
+        // Left of the row everything is 0, so the byte above is the nearest.
         row[i] = sum(filtered[i], above[i]);
     }
     for (; i < length; ++i) {
@@ -71,7 +71,7 @@ void addNearest(const std::uint8_t* filtered, const std::uint8_t* above, std::ui
 
 #if defined(__SSE2__)
 
-/// Reads and writes whole words; of three bytes a pixel, one too many.
+/// Reads and writes 4 bytes, also of pixels that have three.
 __m128i loadPixel(const std::uint8_t* bytes) {
     int word = 0;
     std::memcpy(&word, bytes, sizeof word);
@@ -83,7 +83,7 @@ void storePixel(std::uint8_t* bytes, __m128i pixel) {
     std::memcpy(bytes, &word, sizeof word);
 }
 
-/// How much of a row can be done in words without a byte past its end.
+/// How many bytes of a row can be done in words without accessing any past its end.
 std::size_t inWords(std::size_t length, std::size_t pixelBytes) {
     const std::size_t pixels = length / pixelBytes;
     return pixelBytes == 4 ? length : pixels < 2 ? 0 : (pixels - 1) * pixelBytes;
@@ -108,7 +108,7 @@ void addMeanFast(const std::uint8_t* filtered, const std::uint8_t* above, std::u
     __m128i left = _mm_setzero_si128();
     for (std::size_t i = 0; i < end; i += PixelBytes) {
         const __m128i up = loadPixel(above + i);
-        // The processor's mean is rounded up, the file's down.
+        // The instruction rounds up, the filter down.
         const __m128i odd = _mm_and_si128(_mm_xor_si128(left, up), ones);
         left = _mm_add_epi8(loadPixel(filtered + i), _mm_sub_epi8(_mm_avg_epu8(left, up), odd));
         storePixel(row + i, left);
@@ -140,10 +140,10 @@ void addNearestFast(const std::uint8_t* filtered, const std::uint8_t* above, std
         const __m128i toAbove = magnitude(run);
         const __m128i toAboveLeft = magnitude(_mm_add_epi16(rise, run));
         const __m128i least = _mm_min_epi16(toAboveLeft, _mm_min_epi16(toLeft, toAbove));
-        const __m128i foretold = choose(_mm_cmpeq_epi16(least, toLeft), left,
-                                        choose(_mm_cmpeq_epi16(least, toAbove), up, aboveLeft));
-        // Bytewise: the upper halves are 0 and stay so.
-        left = _mm_add_epi8(added, foretold);
+        const __m128i predicted = choose(_mm_cmpeq_epi16(least, toLeft), left,
+                                         choose(_mm_cmpeq_epi16(least, toAbove), up, aboveLeft));
+        // Added bytewise: the upper halves of the words stay 0.
+        left = _mm_add_epi8(added, predicted);
         aboveLeft = up;
         storePixel(row + i, _mm_packus_epi16(left, left));
     }

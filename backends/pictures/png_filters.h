@@ -5,34 +5,40 @@
 
 namespace vistrane {
 
-/// How a PNG file foretells a byte of a row from those before it: not at all, from the pixel to
-/// the left, from the one above, from the mean of both, from the nearest of these two and the one
-/// that is left of above. The numbers stand in the file.
+/// How a PNG filter predicts a byte: as 0, the byte of the pixel to the left, the one above, the
+/// mean of both, or whichever of left, above and above left is nearest to left + above - above
+/// left. The values are those in the file.
 enum class PngFilter : std::uint8_t { None, Sub, Up, Average, Paeth };
 
 constexpr std::uint8_t lastPngFilter = 4;
 
-/// The longest pixel of a PNG file, in bytes.
-constexpr std::size_t longestPngPixel = 8;
-
-/// Where rows lie that filters work on: zeros stand before and after the row, so that whole
-/// words can be read.
+/// How many bytes callers add to a buffer for rows, so that whole words can be read.
 constexpr std::size_t filterMargin = 16;
 
-/// Turns a filtered row back into its bytes.
+/// Reverses the filter of a row.
 ///
-/// `above` is the row above, all zeros for the first one; `row` may be neither of the others.
-/// `pixelBytes` are those of a pixel, 1 if a byte holds several. 16 bytes can be read past the end
-/// of `filtered`; no byte past the end of `row` is written, nor one of `above` read.
+/// `above`: the row above, all zeros for the first one. `row` must not overlap the others.
+/// `pixelBytes`: the length of a pixel, 1 if a byte holds several. Reads up to 16 bytes past the
+/// end of `filtered`; stays within `above` and `row`.
+///
+/// With SSE2, for pixels of 3 and 4 bytes. libpng has such routines but no interface to them. All
+/// rows of 1920 x 1080, in milliseconds, SSE2 and plain C++ (gcc 12, -O3, rows in the caches):
+///
+///   Sub      3 bytes 1.5 and 3.7     4 bytes 1.2 and 5.0
+///   Up               0.2 and 0.3             0.2 and 0.4
+///   Average          2.3 and 5.6             2.3 and 6.6
+///   Paeth            8.5 and 16              8.4 and 29
+///
+/// Superfluous when compilers vectorise across the dependency on the pixel to the left.
 void unfilterRow(PngFilter filter, const std::uint8_t* filtered, const std::uint8_t* above,
                  std::uint8_t* row, std::size_t length, std::size_t pixelBytes);
 
-/// The same in plain C++, for any processor; the tests compare the two.
+/// The reference implementation, also for processors without SSE2.
 void unfilterRowPlainly(PngFilter filter, const std::uint8_t* filtered, const std::uint8_t* above,
                         std::uint8_t* row, std::size_t length, std::size_t pixelBytes);
 
-/// Writes a row as the filter Up has it, with the filter's number before it: `length` + 1 bytes.
-/// `above` is null for the first row.
+/// Applies the filter Up: writes the filter's number and `length` bytes. `above` is null for the
+/// first row.
 void filterRowUp(const std::uint8_t* row, const std::uint8_t* above, std::uint8_t* filtered,
                  std::size_t length);
 

@@ -14,7 +14,7 @@ namespace {
 constexpr std::array<std::uint8_t, 8> signature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 /// Length, type and checksum.
 constexpr std::size_t chunkFrame = 12;
-/// The format's own limit of all four-byte numbers.
+/// The format's limit of four-byte numbers.
 constexpr std::uint32_t largestNumber = 0x7FFFFFFF;
 
 std::uint32_t number(const std::uint8_t* bytes) {
@@ -25,7 +25,7 @@ std::uint32_t number(const std::uint8_t* bytes) {
 struct Chunk {
     std::string_view type;
     std::span<const std::uint8_t> data;
-    /// Of the length field, in the file.
+    /// The place of its length field in the file.
     std::size_t offset = 0;
 
     bool isCritical() const { return (static_cast<unsigned char>(type[0]) & 0x20U) == 0; }
@@ -57,7 +57,7 @@ std::variant<Chunk, PngRefusal> chunkAt(std::span<const std::uint8_t> file, std:
     const std::uint32_t length = number(rest.data());
     const std::string_view type(reinterpret_cast<const char*>(rest.data()) + 4, 4);
     if (length > largestNumber || !isChunkType(type)) {
-        return damaged("a chunk has no valid head");
+        return damaged("a chunk has no valid header");
     }
     if (rest.size() - chunkFrame < length) {
         return cutOff();
@@ -113,15 +113,15 @@ std::uint64_t bitsPerPixel(const PngHeader& header) {
     return components[static_cast<std::size_t>(header.colour)] * header.bitDepth;
 }
 
-/// Deflate makes at most 1032 bytes of one. A file that claims more pixels than its data can give
-/// is refused before memory is taken for them.
+/// Deflate makes at most 1032 bytes of one. A file that claims more pixels than its data can hold
+/// is refused before memory is allocated for them.
 bool canHoldPixels(const PngHeader& header) {
     const std::uint64_t pixelBytes =
         static_cast<std::uint64_t>(header.width) * header.height * bitsPerPixel(header) / 8;
     return pixelBytes / 1032 <= header.imageBytes;
 }
 
-/// Walks the chunks and collects what they say.
+/// Reads the chunks one after the other.
 class HeaderReading {
 public:
     HeaderReading(std::span<const std::uint8_t> file, const PictureLimits& limits)
@@ -149,7 +149,7 @@ public:
             offset += chunkFrame + chunk.data.size();
         }
         if (!canHoldPixels(header_)) {
-            return damaged("it has too few data for its size");
+            return damaged("it has too little data for its size");
         }
         return header_;
     }
@@ -168,7 +168,7 @@ private:
             return takePalette(chunk);
         }
         if (chunk.isCritical()) {
-            return damaged("it has an unknown part " + std::string(chunk.type));
+            return damaged("it has an unknown critical chunk " + std::string(chunk.type));
         }
         if (header_.imageChunks.length == 0) {
             takeAncillary(chunk);

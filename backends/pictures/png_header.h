@@ -12,7 +12,7 @@
 
 namespace vistrane {
 
-/// Bytes of a file.
+/// A part of a file.
 struct ByteRange {
     std::size_t offset = 0;
     std::size_t length = 0;
@@ -21,7 +21,7 @@ struct ByteRange {
 /// Colour types of a PNG file: 1 palette, 2 colour, 4 alpha, added up.
 enum class PngColour : std::uint8_t { Grey = 0, Rgb = 2, Palette = 3, GreyAlpha = 4, RgbAlpha = 6 };
 
-/// What the chunks of a PNG file say, without any pixel.
+/// What the chunks of a PNG file say, except the pixels.
 struct PngHeader {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
@@ -33,17 +33,16 @@ struct PngHeader {
     std::optional<PixelDensity> density;
     /// The data of an iCCP chunk.
     std::optional<ByteRange> profile;
-    /// The data of the PLTE and tRNS chunks that stand before the pixels, if there are any.
+    /// The data of the PLTE and tRNS chunks before the pixels, if there are any.
     ByteRange palette;
     ByteRange transparency;
-    /// Whether these two stand where, and as often as, the format has them. Readers differ in what
-    /// they make of others.
+    /// Whether these two are where the format has them, and not more than once. Decoders disagree
+    /// about others.
     bool hasPlainColours = true;
-    /// From the first IDAT chunk's length field to the last one's checksum: they stand in one
-    /// row. The sum of their data's lengths.
+    /// The IDAT chunks, which follow each other without a gap, and the total length of their data.
     ByteRange imageChunks;
     std::size_t imageBytes = 0;
-    /// Of the longest of them.
+    /// The length of the data of the longest of them.
     std::size_t longestImageChunk = 0;
 
     bool hasAlpha() const {
@@ -59,12 +58,12 @@ struct PngRefusal {
     std::string what;
 };
 
-/// The header step of reading: takes no memory and decodes nothing.
+/// The first step of reading: allocates nothing for pixels and decodes nothing.
 ///
 /// Checks the signature, the IHDR fields, the limits, each chunk's place, length and checksum up
-/// to the end chunk, and that there are enough image data for that many pixels at all. So a file
-/// that is cut off anywhere, or has a wrong bit anywhere but in the pixels' own coding, is refused
-/// here. Bytes after the end chunk do not matter.
+/// to the end chunk, and that the image data can hold that many pixels at all. So a file that is
+/// truncated anywhere, or has a wrong bit anywhere, is refused here unless its checksums are right.
+/// Bytes after the end chunk do not matter.
 std::variant<PngHeader, PngRefusal> readPngHeader(std::span<const std::uint8_t> file,
                                                   const PictureLimits& limits);
 

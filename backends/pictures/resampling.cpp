@@ -2,16 +2,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vistrane {
 
 namespace {
 
+constexpr std::size_t channels = 4;
+
 /// Narrower strips of a pixel are rounding errors.
 constexpr double leastCover = 1e-9;
 
-/// The curve of Catmull and Rom: the cubic convolution with a = -1/2, `distance` in old pixels.
-double curve(double distance) {
+double catmullRom(double distance) {
     const double x = std::abs(distance);
     if (x < 1.0) {
         return (1.5 * x - 2.5) * x * x + 1.0;
@@ -19,27 +21,37 @@ double curve(double distance) {
     return x < 2.0 ? ((-0.5 * x + 2.5) * x - 4.0) * x + 2.0 : 0.0;
 }
 
+/// The old pixel at `position`, or the outermost one beside it.
 std::size_t index(double position, double low, double high) {
     const double last = std::max(std::ceil(high) - 1.0, std::floor(low));
     return static_cast<std::size_t>(std::clamp(std::floor(position), std::floor(low), last));
 }
 
+/// Adds an old row with its weight; `sums` begins with pixel `first`.
+void addRow(std::vector<float>& sums, const std::uint8_t* row, std::size_t first, float weight) {
+    const std::uint8_t* values = row + first * channels;
+    for (std::size_t i = 0; i < sums.size(); ++i) {
+        sums[i] += weight * static_cast<float>(values[i]);
+    }
+}
+
 } // namespace
 
-Resampling::Resampling(double origin, double step, std::size_t count, double low, double high) {
+Resampling::Resampling(double origin, double step, std::size_t count, double low, double high,
+                       Shrinking shrinking) {
     pixels_.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
         const double from = origin + static_cast<double>(i) * step;
-        if (step >= 1.0) {
+        if (step >= 1.0 && shrinking == Shrinking::ByArea) {
             addAverage(from, from + step, low, high);
         } else {
-            addCurve(from + step / 2, low, high);
+            addCubic(from + step / 2, std::max(step, 1.0), low, high);
         }
     }
 }
 
 void Resampling::addAverage(double from, double to, double low, double high) {
-    // What rounding leaves of the pixel before is not the first one.
+    // A sliver of a pixel that only rounding errors leave is skipped.
     const double nearest = std::round(from);
     const double start =
         std::clamp(std::abs(nearest - from) < leastCover ? nearest : from, low, high);
@@ -57,17 +69,17 @@ void Resampling::addAverage(double from, double to, double low, double high) {
     finish(first, offset);
 }
 
-void Resampling::addCurve(double middle, double low, double high) {
-    const double before = std::floor(middle - 0.5) - 1.0;
-    const std::size_t first = index(before, low, high);
-    const std::size_t last = index(before + 3.0, low, high);
+void Resampling::addCubic(double middle, double widening, double low, double high) {
+    const double reach = std::ceil(2.0 * widening);
+    const double begin = std::floor(middle - 0.5) - reach + 1.0;
+    const double end = begin + 2.0 * reach;
+    const std::size_t first = index(begin, low, high);
+    const std::size_t last = index(end - 1.0, low, high);
     const std::size_t offset = weights_.size();
     weights_.resize(offset + last - first + 1, 0.0F);
-    // Beyond the edge the edge's own pixel goes on.
-    for (int tap = 0; tap < 4; ++tap) {
-        const double position = before + tap;
+    for (double position = begin; position < end; position += 1.0) {
         weights_[offset + index(position, low, high) - first] +=
-            static_cast<float>(curve(position + 0.5 - middle));
+            static_cast<float>(catmullRom((position + 0.5 - middle) / widening));
     }
     finish(first, offset);
 }
@@ -89,6 +101,32 @@ void Resampling::finish(std::size_t first, std::size_t offset) {
     first_ = pixels_.empty() ? first : std::min(first_, first);
     end_ = std::max(end_, first + count);
     pixels_.push_back({first, offset, count});
+}
+
+RowResampler::RowResampler(Resampling columns, Resampling rows)
+    : columns_(std::move(columns)), rows_(std::move(rows)),
+      sums_((columns_.end() - columns_.first()) * channels), row_(columns_.count() * channels) {}
+
+std::span<const float> RowResampler::row(std::size_t y, const std::uint8_t* pixels,
+                                         std::size_t stride) {
+    std::fill(sums_.begin(), sums_.end(), 0.0F);
+    const Resampling::Part down = rows_.at(y);
+    for (std::size_t i = 0; i < down.weights.size(); ++i) {
+        addRow(sums_, pixels + (down.first + i) * stride, columns_.first(), down.weights[i]);
+    }
+    for (std::size_t x = 0; x < columns_.count(); ++x) {
+        const Resampling::Part across = columns_.at(x);
+        const float* values = sums_.data() + (across.first - columns_.first()) * channels;
+        float pixel[channels] = {};
+        for (const float weight : across.weights) {
+            for (std::size_t i = 0; i < channels; ++i) {
+                pixel[i] += weight * values[i];
+            }
+            values += channels;
+        }
+        std::copy_n(pixel, channels, row_.data() + x * channels);
+    }
+    return row_;
 }
 
 } // namespace vistrane

@@ -1,38 +1,15 @@
 #include "backends/posix/BackgroundWriter.h"
 
-#include <cerrno>
 #include <condition_variable>
 #include <mutex>
 #include <utility>
 
-#include <poll.h>
-#include <unistd.h>
-
+#include "backends/posix/Descriptor.h"
 #include "backends/posix/threads.h"
 
 namespace vistrane {
 
-namespace {
-
-/// 0, or the error number.
-int writeAll(int descriptor, const std::string& text) {
-    for (std::size_t written = 0; written < text.size();) {
-        const ssize_t count = ::write(descriptor, text.data() + written, text.size() - written);
-        if (count >= 0) {
-            written += static_cast<std::size_t>(count);
-        } else if (errno == EAGAIN) {
-            pollfd output{descriptor, POLLOUT, 0};
-            ::poll(&output, 1, -1);
-        } else if (errno != EINTR) {
-            return errno;
-        }
-    }
-    return 0;
-}
-
-} // namespace
-
-/// Belongs to the writer and to its thread, whichever lasts longer.
+/// Owned by the writer and its thread.
 struct BackgroundWriter::Shared {
     const int descriptor;
     const std::function<void(int)> failed;
@@ -58,7 +35,7 @@ struct BackgroundWriter::Shared {
         const std::string text = std::exchange(waiting, {});
         isWriting = true;
         lock.unlock();
-        const int result = writeAll(descriptor, text);
+        const int result = writeAll(descriptor, text.data(), text.size());
         if (result != 0) {
             failed(result);
         }
@@ -89,9 +66,9 @@ void BackgroundWriter::write(const std::string& text) {
     }
 }
 
-bool BackgroundWriter::flush(std::chrono::milliseconds patience) {
+bool BackgroundWriter::flush(std::chrono::milliseconds timeout) {
     std::unique_lock lock(shared_->mutex);
-    return shared_->changed.wait_for(lock, patience, [this] { return shared_->isDone(); }) &&
+    return shared_->changed.wait_for(lock, timeout, [this] { return shared_->isDone(); }) &&
            shared_->error == 0;
 }
 

@@ -9,24 +9,24 @@
 
 namespace vistrane {
 
-/// Writes text to a descriptor on a thread of its own, in its order: a reader that does not read
-/// holds up nobody else, and no frame is lost for it. Any thread.
+/// Writes text to a descriptor on its own thread, in the order of the calls, so that a slow reader
+/// of the output never blocks the program. Any thread.
 class BackgroundWriter {
 public:
-    /// `descriptor` stays the caller's. `failed` is called once, on the writer's thread, with the
-    /// error number when the descriptor takes no more; what is written after that is dropped.
-    /// A text is dropped when it comes while more than `limit` bytes wait.
+    /// The caller keeps ownership of `descriptor`. `failed` is called once, on the writer's thread,
+    /// with the number of the first error; later texts are dropped. So is a text that arrives while
+    /// more than `limit` bytes wait.
     BackgroundWriter(int descriptor, std::function<void(int error)> failed,
                      std::size_t limit = std::numeric_limits<std::size_t>::max());
 
     void write(const std::string& text);
 
-    /// Waits until all is written. False when that failed or took longer than `patience`.
-    bool flush(std::chrono::milliseconds patience);
-    /// The same, however long it takes.
+    /// Waits until everything is written. False after an error or the timeout.
+    bool flush(std::chrono::milliseconds timeout);
+    /// The same without a timeout.
     bool flush();
 
-    /// The error number, or 0.
+    /// The number of the first error, or 0.
     int failure() const;
 
 private:

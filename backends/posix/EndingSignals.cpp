@@ -13,9 +13,9 @@ namespace vistrane {
 
 namespace {
 
-/// How long the main thread may take to answer, in seconds. It answers at once unless it is held
-/// up by a camera or a reader of its output.
-constexpr std::time_t patience = 1;
+/// How long the main thread may take to respond, in seconds. It responds at once unless a camera or
+/// a reader of its output blocks it.
+constexpr std::time_t timeout = 1;
 
 bool isIgnored(int signal) {
     struct sigaction action {};
@@ -27,15 +27,14 @@ sigset_t endingSignals() {
     ::sigemptyset(&signals);
     ::sigaddset(&signals, SIGINT);
     ::sigaddset(&signals, SIGTERM);
-    // Who is started with hang-ups ignored is to outlive its terminal. Waiting for the signal
-    // would take it nevertheless.
+    // sigwait would receive the signal although it is ignored.
     if (!isIgnored(SIGHUP)) {
         ::sigaddset(&signals, SIGHUP);
     }
     return signals;
 }
 
-/// What is done about a signal. Lasts as long as the process, as the waiting thread does.
+/// The handlers. Never destroyed: the waiting thread lasts as long as the process.
 struct Current {
     std::mutex mutex;
     EndingSignals::Handlers handlers{{}, [](int status) { std::_Exit(status); }};
@@ -59,8 +58,8 @@ void waitForSignals() {
     const EndingSignals::Handlers handlers = currentHandlers();
     if (handlers.ask) {
         handlers.ask(128 + signal);
-        // A second signal cuts the patience short.
-        const std::timespec limit{patience, 0};
+        // A second signal ends the wait.
+        const std::timespec limit{timeout, 0};
         ::sigtimedwait(&signals, nullptr, &limit);
     }
     handlers.force(128 + signal);
@@ -71,11 +70,11 @@ void waitForSignals() {
 void EndingSignals::block() {
     const sigset_t signals = endingSignals();
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    // A closed pipe or a full file is an error of the call that writes.
+    // Writing to a closed pipe or beyond a size limit fails with an error number instead.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     if (!startDetachedThread(waitForSignals)) {
-        // Nobody waits for them: they end the process as they do any other.
+        // Without the thread the signals keep their default action.
         ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
     }
 }

@@ -4,26 +4,26 @@
 
 namespace vistrane {
 
-/// Interrupts, hang-ups and terminations, as the exit status 128 + the signal. Hang-ups that were
-/// ignored when the program started, as nohup has it, stay ignored; interrupts do not, as shells
-/// ignore them for every program that a script puts into the background.
+/// SIGINT, SIGTERM and SIGHUP end the process with the exit status 128 + signal. A SIGHUP that was
+/// ignored when the program started (nohup) stays ignored. An ignored SIGINT does not: shells
+/// ignore it for every background job of a script.
 ///
-/// Made before any other thread: the signals are blocked in this and every later thread, and a
-/// thread of its own waits for them.
+/// `block` is called before any other thread starts: the signals are blocked in this and every
+/// later thread, and one dedicated thread waits for them.
 class EndingSignals {
 public:
     struct Handlers {
-        /// Asks the main thread to end the process with that status. Without it `force` is called
-        /// at once.
+        /// Requests that the main thread end the process with that status. If empty, `force` is
+        /// called at once.
         std::function<void(int status)> ask;
-        /// Ends the process without the main thread, which has not answered.
+        /// Ends the process without the main thread, which has not responded.
         std::function<void(int status)> force;
     };
 
-    /// Blocks the signals and waits for them. Until `handle` is called, each ends the process at
-    /// once, whatever the main thread is held up by.
+    /// Blocks the signals and starts to wait for them. Until `handle` is called, each ends the
+    /// process at once, even while the main thread is blocked.
     static void block();
-    /// Handles signals so from now on. Main thread only.
+    /// Replaces the handlers. Main thread only.
     static void handle(Handlers handlers);
 };
 

@@ -10,7 +10,7 @@
 
 namespace vistrane {
 
-/// Belongs to the queue and to its thread, whichever lasts longer.
+/// Owned by the queue and its thread.
 struct GlobalQueue::Shared {
     void runItems() {
         while (const std::optional<std::function<void()>> work = take()) {
@@ -18,7 +18,7 @@ struct GlobalQueue::Shared {
         }
     }
 
-    /// Nothing once the queue is gone.
+    /// The oldest item; nothing once the queue is destroyed.
     std::optional<std::function<void()>> take() {
         std::unique_lock lock(mutex);
         changed.wait(lock, [this] { return closed || !items.empty(); });
@@ -56,7 +56,7 @@ void GlobalQueue::async(std::function<void()> work) {
     startThread();
 }
 
-/// Tried again with the next item when the system grants no thread now.
+/// When the system grants no thread, the next item tries again.
 void GlobalQueue::startThread() {
     if (!shared_->started) {
         shared_->started = startDetachedThread([shared = shared_] { shared->runItems(); });

@@ -7,14 +7,14 @@
 
 namespace vistrane {
 
-/// One thread that runs one item at a time, in the order in which they were added.
+/// Runs items one at a time, in the order in which they were added, on one thread.
 ///
-/// Nobody waits for that thread. A queue that other threads may still use when the program ends is
-/// made with `new` and never deleted; one that is deleted drops the items that wait and lets the
-/// running one end by itself.
+/// The thread is never joined. A queue that other threads may still use when the program ends is
+/// made with `new` and never deleted. The destructor drops the waiting items and does not wait for
+/// the running one.
 class GlobalQueue final : public DispatchQueue {
 public:
-    /// The thread is there from the beginning: a shortage of threads later on stops nothing.
+    /// Starts the thread, so that a later shortage of threads stops nothing.
     GlobalQueue();
     ~GlobalQueue() override;
 

@@ -2,8 +2,8 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include "backends/posix/Descriptor.h"
 #include "backends/posix/entry_names.h"
 
 namespace vistrane {
@@ -13,26 +13,6 @@ namespace {
 bool namesSomething(const std::string& path) {
     return path.find('\0') == std::string::npos;
 }
-
-/// Closed at the end of its scope.
-class OpenFolder {
-public:
-    explicit OpenFolder(const std::string& path)
-        : number_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC)) {}
-    OpenFolder(const OpenFolder&) = delete;
-    OpenFolder& operator=(const OpenFolder&) = delete;
-    ~OpenFolder() {
-        if (number_ >= 0) {
-            close(number_);
-        }
-    }
-
-    /// Negative when the folder could not be opened.
-    int number() const { return number_; }
-
-private:
-    const int number_;
-};
 
 } // namespace
 
@@ -50,8 +30,8 @@ PosixFileManager::contentsOfDirectoryAtPath(const std::string& path) const {
     if (!namesSomething(path)) {
         return std::nullopt;
     }
-    const OpenFolder folder(path);
-    return folder.number() < 0 ? std::nullopt : entryNames(folder.number());
+    const Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+    return folder.isOpen() ? entryNames(folder.number()) : std::nullopt;
 }
 
 } // namespace vistrane

@@ -13,8 +13,8 @@
 
 namespace vistrane {
 
-/// What of the Foundation kit every front end has in common. Run loop, settings, notices and log
-/// are added by a class of the front end.
+/// The part of the Foundation kit that both front ends share. A derived class adds run loop,
+/// settings, notifications and log.
 class PosixFoundation : public Foundation {
 public:
     explicit PosixFoundation(const std::string& version) : bundle_(version) {}
@@ -27,22 +27,22 @@ public:
     NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds) override;
 
     std::unique_ptr<NSDateFormatter> dateFormatter() override;
-    /// One and the same for the whole run.
+    /// The same object for the whole run.
     std::shared_ptr<const NSLocale> currentLocale() override { return locale_; }
 
-    /// Called, within `start`, when a thread cannot be started.
+    /// `handler` is called within `start` when a thread cannot be started.
     void setThreadFailureHandler(std::function<void()> handler) {
         threadFailed_ = std::move(handler);
     }
 
-    /// A thread that cannot be started says so in the log.
+    /// A thread that cannot be started is logged.
     std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) override;
     std::shared_ptr<NSThread> currentThread() override;
 
     BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) override;
     BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
                                                  std::uint64_t options) override;
-    /// Every address is open to the program already.
+    /// There is no sandbox: every address is accessible already.
     bool startAccessingSecurityScopedResource(const NSURL&) override { return true; }
 
 private:

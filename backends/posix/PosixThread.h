@@ -9,16 +9,16 @@
 
 namespace vistrane {
 
-/// A thread of its own that nobody joins. The entry and its captures are let go of on that thread,
-/// right after the entry has returned.
+/// A detached thread. It destroys the entry and its captures right after the entry has returned.
 class PosixThread final : public NSThread, public std::enable_shared_from_this<PosixThread> {
 public:
-    /// `failed` is told, within `start`, that the system grants no thread; the entry never runs
-    /// then. A second `start` does nothing.
+    /// `failed` is called within `start` when the system grants no thread; the entry then never
+    /// runs. A second `start` does nothing.
     static std::shared_ptr<PosixThread> withEntry(std::function<void()> entry,
                                                   std::function<void(const NSError&)> failed = {});
 
-    /// The running thread's own object; one made for the purpose on a thread of other origin.
+    /// The object of the running thread. A thread that was started in another way gets its own on
+    /// the first call.
     static std::shared_ptr<NSThread> current();
 
     void start() override;

@@ -30,15 +30,15 @@ void RunLoopTimer::invalidate() {
     if (!isValid()) {
         return;
     }
-    // The loop's reference may be the last one, and what the tick had captured may come back here
-    // when it is let go of: everything is in order before that.
+    // The loop's reference may be the last one, and destroying the tick's captures may call this
+    // timer again. Both are kept until its state is consistent.
     const std::shared_ptr<RunLoopTimer> self = shared_from_this();
     const auto tick = std::move(tick_);
     std::exchange(timers_, nullptr)->remove(*this);
 }
 
 void RunLoopTimer::tick(std::int64_t now) {
-    // Before the call: a tick that takes longer than the interval is followed by one late tick.
+    // Before the call, so that a tick longer than the interval is followed by one late tick.
     grid_.passUpTo(now);
     callOut();
 }

@@ -11,11 +11,11 @@ namespace vistrane {
 
 class RunLoopTimers;
 
-/// A timer of a run loop. A tick that runs the loop is not ticked again within: the dates that pass
-/// meanwhile merge into the tick that follows.
+/// A timer of a run loop. It does not tick again within a tick that runs the loop: the dates that
+/// pass meanwhile merge into the next tick.
 class RunLoopTimer final : public NSTimer, public std::enable_shared_from_this<RunLoopTimer> {
 public:
-    /// `now` in nanoseconds of the loop's clock.
+    /// `now` is in nanoseconds of the loop's clock.
     RunLoopTimer(RunLoopTimers& timers, std::int64_t now, double interval,
                  std::function<void(NSTimer&)> tick, bool repeats);
 
@@ -23,7 +23,7 @@ public:
     void invalidate() override;
     bool isValid() const override { return timers_ != nullptr; }
 
-    /// When the loop is to tick it.
+    /// When it is due next.
     std::int64_t nextDate() const { return grid_.next(); }
     bool isTicking() const { return ticking_ > 0; }
     /// Ticks for every date up to `now`.

@@ -34,7 +34,7 @@ std::optional<std::int64_t> RunLoopTimers::nextDate() const {
 
 void RunLoopTimers::runDue() {
     const std::int64_t now = monotonicNow();
-    // A tick moves its timer behind `now`: each timer has one turn at most.
+    // A tick moves its timer's date beyond `now`, so that each timer ticks at most once.
     for (auto timer = next(); timer && timer->nextDate() <= now; timer = next()) {
         timer->tick(monotonicNow());
     }

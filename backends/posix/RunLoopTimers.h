@@ -15,9 +15,9 @@ class RunLoopTimer;
 /// The timers of one run loop, on the monotonic clock. One thread only.
 class RunLoopTimers {
 public:
-    /// `dateChanged`, if any, is told whenever `nextDate` may have changed.
+    /// `dateChanged`, unless empty, is called whenever `nextDate` may have changed.
     explicit RunLoopTimers(std::function<void()> dateChanged = {});
-    /// Timers that are still valid become invalid.
+    /// Invalidates all timers.
     ~RunLoopTimers();
     RunLoopTimers(const RunLoopTimers&) = delete;
     RunLoopTimers& operator=(const RunLoopTimers&) = delete;
@@ -26,14 +26,14 @@ public:
     std::shared_ptr<NSTimer> schedule(double interval, std::function<void(NSTimer&)> tick,
                                       bool repeats);
 
-    /// When a timer is next to tick, in nanoseconds of the monotonic clock. Nothing while no timer
+    /// When the next timer is due, in nanoseconds of the monotonic clock. Nothing while no timer
     /// may tick.
     std::optional<std::int64_t> nextDate() const;
 
-    /// Ticks each timer that is due at the moment of the call, once at most.
+    /// Ticks each timer that is due at the moment of the call, at most once.
     void runDue();
 
-    /// While one lives, timers hold back: a modal alert is up on the main thread.
+    /// No timer ticks while one exists: a modal alert is shown on the main thread.
     class ModalScope {
     public:
         explicit ModalScope(RunLoopTimers& timers) : timers_(timers) { timers_.addModal(1); }

@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// What the shell would make of a value: quotes taken away, escapes resolved.
+/// The value as a shell reads it: without quotes, escapes resolved.
 std::string unquoted(const std::string& value) {
     std::string text;
     char quote = 0;

@@ -4,10 +4,10 @@
 
 namespace vistrane {
 
-/// The distribution's own name for itself, else the kernel's.
+/// The distribution's name and version, else the kernel's.
 class SystemProcessInfo final : public NSProcessInfo {
 public:
-    /// `osRelease` is a file of the form of os-release(5).
+    /// `osRelease` is the path of a file in os-release(5) format.
     explicit SystemProcessInfo(std::string osRelease = "/etc/os-release");
 
     /// For instance "Debian GNU/Linux 12 (bookworm)".

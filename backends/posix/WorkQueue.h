@@ -10,26 +10,26 @@
 
 namespace vistrane {
 
-/// Work for the run loop's thread, in its order.
+/// Work items for the thread of a run loop, run in the order in which they were added.
 class WorkQueue final : public DispatchQueue {
 public:
-    /// `wake` ends the loop's sleep. It is called on any thread, and not again before `awake`.
+    /// `wake` ends the loop's sleep. It is called on any thread, once until the next `awake`.
     explicit WorkQueue(std::function<void()> wake);
 
     /// Any thread.
     void async(std::function<void()> work) override;
 
-    /// Any thread. What the loop is to notice was stored before this call.
+    /// Any thread. Store what the loop must see before this call.
     void wake();
 
     // ---- The loop's thread ---------------------------------------------------------------------
-    /// The loop is awake and will look at everything before it sleeps again.
+    /// The loop is awake and will check everything before it sleeps again.
     void awake() { woken_ = false; }
 
     std::size_t size() const;
 
-    /// Runs the items that wait at the moment of the call, and not what they add: others get their
-    /// turn. Each item is let go of when it has run.
+    /// Runs the items that wait at the moment of the call, but not those that they add, so that
+    /// timers get their turn. Destroys each item after it has run.
     void runWaiting();
 
 private:

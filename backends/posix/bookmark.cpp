@@ -11,8 +11,8 @@ namespace vistrane {
 
 namespace {
 
-/// The mark and, as its last byte, the version of what follows.
-constexpr std::array<std::uint8_t, 5> head = {'V', 't', 'b', 'm', 1};
+/// The signature and, as its last byte, the version of the format.
+constexpr std::array<std::uint8_t, 5> header = {'V', 't', 'b', 'm', 1};
 
 bool isUsable(const std::string& path) {
     return !path.empty() && path.front() == '/' && path.find('\0') == std::string::npos;
@@ -33,17 +33,17 @@ BookmarkDataResult makeBookmark(const NSURL& url) {
                         "folder of the file system")};
     }
     BookmarkDataResult result;
-    result.data.resize(head.size() + path.size());
-    const auto rest = std::copy(head.begin(), head.end(), result.data.begin());
+    result.data.resize(header.size() + path.size());
+    const auto rest = std::copy(header.begin(), header.end(), result.data.begin());
     std::copy(path.begin(), path.end(), rest);
     return result;
 }
 
 BookmarkURLResult resolveBookmark(const std::vector<std::uint8_t>& data) {
     const bool isMarked =
-        data.size() > head.size() && std::equal(head.begin(), head.end(), data.begin());
+        data.size() > header.size() && std::equal(header.begin(), header.end(), data.begin());
     const std::string path =
-        isMarked ? std::string(data.begin() + head.size(), data.end()) : std::string();
+        isMarked ? std::string(data.begin() + header.size(), data.end()) : std::string();
     if (!isUsable(path)) {
         return {std::nullopt,
                 invalid("The remembered folder cannot be read from the settings because its entry "

@@ -8,12 +8,11 @@
 
 namespace vistrane {
 
-/// Bytes from which a file address can be found again: a mark, a version and the path's bytes.
-/// An error for an address that is no file's, or whose path is not absolute or holds a zero byte.
+/// Encodes a file address as a signature, a version and the bytes of its path. An error for an
+/// address that is not a file's, or whose path is not absolute or contains a zero byte.
 BookmarkDataResult makeBookmark(const NSURL& url);
 
-/// The address that such bytes stand for, or an error for any other bytes. Never looks whether
-/// anything is there.
+/// Decodes such bytes; an error for any others. Does not check that the file exists.
 BookmarkURLResult resolveBookmark(const std::vector<std::uint8_t>& data);
 
 } // namespace vistrane

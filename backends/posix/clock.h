@@ -7,20 +7,20 @@
 
 namespace vistrane {
 
-/// A moment of the monotonic clock that no run loop reaches.
+/// A time on the monotonic clock that is never reached.
 inline constexpr std::int64_t neverInNanoseconds = std::numeric_limits<std::int64_t>::max();
 
-/// Nanoseconds of a clock that nobody sets and that stands still while the machine sleeps.
+/// Nanoseconds on a clock that is never set and that stops while the machine is suspended.
 std::int64_t monotonicNow();
 
 /// The wall clock.
 NSDate wallClockNow();
 
-/// The moment of the monotonic clock at which the wall clock, left alone, will show `date`.
+/// The time on the monotonic clock at which the wall clock will show `date`, unless it is set.
 std::int64_t monotonicMomentOf(NSDate date);
 
-/// From now to that moment, in whole milliseconds from 0 to `longest`, rounded up: a sleep that
-/// ends too early would be followed by many that are too short.
+/// Milliseconds from now to `moment`, from 0 to `longest`. Rounded up: a sleep that ends just too
+/// early would be followed by several of no length.
 int millisecondsUntil(std::int64_t moment, int longest);
 
 } // namespace vistrane

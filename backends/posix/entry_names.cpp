@@ -16,7 +16,7 @@ struct DirectoryCloser {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 
-/// Reads through a descriptor of its own, which closing the result closes.
+/// Duplicates the descriptor: closing the result closes only the duplicate.
 std::unique_ptr<DIR, DirectoryCloser> opened(int folder) {
     const int own = fcntl(folder, F_DUPFD_CLOEXEC, 0);
     if (own < 0) {

@@ -6,13 +6,13 @@
 
 namespace vistrane {
 
-/// The names of an open folder's entries without "." and "..", by the quickest way that the system
-/// has; read from where the descriptor stands, which it moves to the end. A folder that was removed
-/// meanwhile has none. Nothing when the descriptor is no folder's, and when an error cuts the
-/// listing short: half a folder would look as if files had been removed.
+/// The names of an open folder's entries, without "." and "..", by the fastest call that the system
+/// has. Reads from the descriptor's position and moves it to the end. A folder that was removed
+/// after it was opened has no entries. Nothing when the descriptor is not a folder's, and when an
+/// error ends the listing early: half a listing would look as if files had been removed.
 std::optional<FileNames> entryNames(int folder);
 
-/// The same by way of the C library, on any system.
+/// The reference implementation, on the C library's readdir. Used where there is no faster call.
 std::optional<FileNames> entryNamesByReaddir(int folder);
 
 } // namespace vistrane

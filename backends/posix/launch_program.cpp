@@ -19,10 +19,10 @@ namespace {
 
 constexpr int cannotBeStarted = 127;
 
-/// How the new process begins.
-class Beginning {
+/// The streams, signals and session of the new process.
+class SpawnSettings {
 public:
-    Beginning() {
+    SpawnSettings() {
         posix_spawn_file_actions_init(&actions_);
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
             posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0);
@@ -39,12 +39,12 @@ public:
         posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF |
                                                    POSIX_SPAWN_SETSID);
     }
-    ~Beginning() {
+    ~SpawnSettings() {
         posix_spawnattr_destroy(&attributes_);
         posix_spawn_file_actions_destroy(&actions_);
     }
-    Beginning(const Beginning&) = delete;
-    Beginning& operator=(const Beginning&) = delete;
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
 
     const posix_spawn_file_actions_t* actions() const { return &actions_; }
     const posix_spawnattr_t* attributes() const { return &attributes_; }
@@ -70,9 +70,9 @@ int run(std::vector<std::string>& command) {
         arguments.push_back(each.data());
     }
     arguments.push_back(nullptr);
-    const Beginning beginning;
+    const SpawnSettings settings;
     pid_t process = 0;
-    if (::posix_spawnp(&process, arguments.front(), beginning.actions(), beginning.attributes(),
+    if (::posix_spawnp(&process, arguments.front(), settings.actions(), settings.attributes(),
                        arguments.data(), environ) != 0) {
         return cannotBeStarted;
     }

@@ -13,7 +13,7 @@ namespace vistrane {
 
 namespace {
 
-/// A thread inherits the mask of the thread that starts it.
+/// Blocks all signals in its scope. A thread inherits the mask of the thread that starts it.
 class SignalsBlocked {
 public:
     SignalsBlocked() {
@@ -49,25 +49,25 @@ bool startDetachedThread(std::function<void()> entry) {
     return true;
 }
 
-bool runWithin(std::chrono::milliseconds patience, std::function<void()> work) {
+bool runWithin(std::chrono::milliseconds timeout, std::function<void()> work) {
     auto ended = std::make_shared<std::promise<void>>();
     auto future = ended->get_future();
     const auto run = [ended, shared = std::make_shared<std::function<void()>>(std::move(work))] {
         (*shared)();
-        // What the work owns goes before anybody hears of its end.
+        // The work's captures are destroyed before its end is reported.
         *shared = nullptr;
         ended->set_value();
     };
     if (!startDetachedThread(run)) {
         run();
     }
-    return future.wait_for(patience) == std::future_status::ready;
+    return future.wait_for(timeout) == std::future_status::ready;
 }
 
 void giveWayToOtherThreads() {
 #ifdef __linux__
     constexpr int nicer = 10;
-    // Priorities are a thread's own here. One that is refused costs nothing but comfort.
+    // On Linux each thread has its own priority. A refused one is no error.
     const auto thread = static_cast<id_t>(::gettid());
     ::setpriority(PRIO_PROCESS, thread, ::getpriority(PRIO_PROCESS, thread) + nicer);
 #endif

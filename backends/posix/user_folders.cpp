@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// The value of a variable that must be an absolute path, else nothing.
+/// The variable's value if it is an absolute path, else an empty string.
 std::string folderOf(const char* variable) {
     const char* const value = std::getenv(variable);
     return value && *value == '/' ? value : "";

@@ -7,8 +7,8 @@ namespace vistrane {
 /// The user's home folder; "/tmp" for a user without one. Absolute.
 std::string homeFolder();
 
-/// Where programs keep the user's settings: `XDG_CONFIG_HOME` if it is an absolute path, else
-/// ".config" in the home folder. Need not exist.
+/// The folder for the user's settings: `XDG_CONFIG_HOME` if it is an absolute path, else ".config"
+/// in the home folder. May not exist.
 std::string configurationFolder();
 
 } // namespace vistrane

@@ -14,117 +14,155 @@
 namespace vistrane {
 
 class SimPictures;
-class SimPhotoOutput;
+
+inline std::string text(AVMediaType type) {
+    return type == AVMediaTypeVideo ? "Video" : type == AVMediaTypeMuxed ? "Muxed" : "Audio";
+}
+inline std::string text(AVCaptureSessionPreset preset) {
+    return preset == AVCaptureSessionPresetPhoto ? "Photo" : "High";
+}
 
 /// A camera, described by the test.
-class SimCamera final : public AVCaptureDevice, public SimObject {
+class SimCamera final : public SimOf<AVCaptureDevice> {
 public:
-    SimCamera(CallLog& log, const std::string& name, std::set<AVMediaType> media,
-              bool supportsPhoto)
-        : SimObject(log, name), media_(std::move(media)), supportsPhoto_(supportsPhoto) {}
+    SimCamera(CallLog& log, const std::string& name, std::set<AVMediaType> types, bool photo)
+        : SimOf(log, name), media(std::move(types)), supportsPhoto(photo) {}
 
-    bool hasMediaType(AVMediaType type) const override;
-    std::string localizedName() const override;
-    bool supportsAVCaptureSessionPreset(AVCaptureSessionPreset preset) const override;
+    bool hasMediaType(AVMediaType type) const override {
+        mainCall("hasMediaType: %", type);
+        return media.contains(type);
+    }
+    std::string localizedName() const override { return name(); }
+    bool supportsAVCaptureSessionPreset(AVCaptureSessionPreset preset) const override {
+        return preset == AVCaptureSessionPresetHigh || supportsPhoto;
+    }
 
-    /// As `hasMediaType`, not recorded.
-    bool offers(AVMediaType type) const { return media_.count(type) != 0; }
-
+    const std::set<AVMediaType> media;
+    const bool supportsPhoto;
     /// Why an input for it cannot be made; nothing when it can.
     std::optional<NSError> refusal;
-
-private:
-    std::set<AVMediaType> media_;
-    bool supportsPhoto_;
 };
 
-class SimCaptureInput final : public AVCaptureDeviceInput, public SimObject {
-public:
-    SimCaptureInput(CallLog& log, std::shared_ptr<AVCaptureDevice> device);
-
-    std::shared_ptr<AVCaptureDevice> device() const override { return device_; }
-    bool offers(AVMediaType type) const;
-
-private:
-    std::shared_ptr<AVCaptureDevice> device_;
-};
-
-class SimCaptureSession final : public AVCaptureSession, public SimObject {
+class SimCaptureSession final : public SimOf<AVCaptureSession> {
 public:
     SimCaptureSession(CallLog& log, const std::string& name, const bool& refusesOutputs)
-        : SimObject(log, name), refusesOutputs_(refusesOutputs) {}
+        : SimOf(log, name), refusesOutputs_(refusesOutputs) {}
 
-    void setSessionPreset(AVCaptureSessionPreset newPreset) override;
-    bool canAddOutput(const AVCapturePhotoOutput& output) const override;
+    void setSessionPreset(AVCaptureSessionPreset value) override {
+        mainSet("setSessionPreset:", preset, value);
+    }
+    bool canAddOutput(const AVCapturePhotoOutput& output) const override {
+        mainCall("canAddOutput: %", nameOf(&output));
+        return !refusesOutputs_;
+    }
     void addOutput(std::shared_ptr<AVCapturePhotoOutput> output) override;
-    std::vector<std::shared_ptr<AVCaptureDeviceInput>> inputs() const override;
-    void addInput(std::shared_ptr<AVCaptureDeviceInput> input) override;
-    void removeInput(const AVCaptureDeviceInput& input) override;
-    void startRunning() override;
-    void stopRunning() override;
-    bool isRunning() const override;
+    std::vector<std::shared_ptr<AVCaptureDeviceInput>> inputs() const override {
+        return read("inputs", currentInputs);
+    }
+    void addInput(std::shared_ptr<AVCaptureDeviceInput> input) override {
+        mainCall("addInput: %", input);
+        currentInputs.push_back(std::move(input));
+    }
+    void removeInput(const AVCaptureDeviceInput& input) override {
+        mainCall("removeInput: %", nameOf(&input));
+        if (std::erase_if(currentInputs, [&](const auto& held) { return held.get() == &input; }) ==
+            0) {
+            log_.misuse(name() + " removeInput: it is not an input of the session");
+        }
+    }
+    void startRunning() override {
+        mainCall("startRunning");
+        runs = !currentInputs.empty();
+    }
+    void stopRunning() override {
+        mainCall("stopRunning");
+        runs = false;
+    }
+    bool isRunning() const override {
+        mainCall("isRunning");
+        return runs;
+    }
     /// Whether an input has that medium.
-    bool offers(AVMediaType type) const;
+    bool offers(AVMediaType type) const {
+        return std::any_of(currentInputs.begin(), currentInputs.end(), [type](const auto& input) {
+            const auto* camera = dynamic_cast<const SimCamera*>(input->device().get());
+            return camera != nullptr && camera->media.contains(type);
+        });
+    }
 
     /// Nothing until it is set.
     std::optional<AVCaptureSessionPreset> preset;
     std::vector<std::shared_ptr<AVCaptureDeviceInput>> currentInputs;
     std::vector<std::shared_ptr<AVCapturePhotoOutput>> outputs;
-    /// A test may set it itself: a session that stopped, or one that needs no camera.
+    /// A test may set it: a session that stopped, or one that needs no camera.
     bool runs = false;
 
 private:
     const bool& refusesOutputs_;
 };
 
-class SimPhotoSettings final : public AVCapturePhotoSettings, public SimObject {
+/// The capture half of AVFoundation: the cameras of the machine, and the sessions and outputs made
+/// for them. Stills arrive when the test delivers them. Main thread only.
+class SimCameras : public virtual AVFoundation {
 public:
-    SimPhotoSettings(CallLog& log, const std::string& name, std::int64_t id)
-        : SimObject(log, name), id_(id) {}
-    std::int64_t uniqueID() const override { return id_; }
+    SimCameras(CallLog& log, SimPictures& pictures) : log_(log), pictures_(pictures) {}
 
-private:
-    std::int64_t id_;
-};
-
-/// The cameras of the machine, and the sessions and outputs made for them. Stills come when the
-/// test delivers them. Main thread only.
-class SimCameras {
-public:
-    SimCameras(CallLog& log, SimPictures& pictures);
-    ~SimCameras();
-    SimCameras(const SimCameras&) = delete;
-    SimCameras& operator=(const SimCameras&) = delete;
+    std::shared_ptr<AVCaptureDeviceDiscoverySession>
+    discoverySessionWithDeviceTypes(const std::vector<std::optional<AVCaptureDeviceType>>& types,
+                                    AVMediaType mediaType,
+                                    AVCaptureDevicePosition position) override;
+    AVCaptureDeviceInputResult
+    deviceInputWithDevice(const std::shared_ptr<AVCaptureDevice>& device) override;
+    std::shared_ptr<AVCaptureSession> captureSession() override {
+        sessions_.push_back(
+            std::make_shared<SimCaptureSession>(log_, log_.nextName("session"), refusesOutputs));
+        log_.record("captureSession -> %", sessions_.back());
+        return sessions_.back();
+    }
+    std::shared_ptr<AVCapturePhotoOutput> photoOutput() override;
+    std::shared_ptr<AVCapturePhotoSettings> photoSettings() override {
+        auto settings = makeSettings();
+        log_.record("photoSettings -> %", settings);
+        return settings;
+    }
+    std::shared_ptr<AVCapturePhotoSettings>
+    photoSettingsFromPhotoSettings(const AVCapturePhotoSettings& settings) override {
+        auto copy = makeSettings();
+        log_.record("photoSettingsFromPhotoSettings: % -> %", nameOf(&settings), copy);
+        return copy;
+    }
+    std::shared_ptr<AVCaptureVideoPreviewLayer>
+    layerWithSession(std::shared_ptr<AVCaptureSession> session) override {
+        auto layer = std::make_shared<SimLayerOf<AVCaptureVideoPreviewLayer>>(
+            log_, log_.nextName("previewLayer"));
+        log_.record("layerWithSession: % -> %", session, layer);
+        return layer;
+    }
 
     std::shared_ptr<SimCamera> add(const std::string& name,
                                    std::set<AVMediaType> media = {AVMediaTypeVideo},
                                    bool supportsPhoto = true);
     void unplugAll() { cameras_.clear(); }
 
-    /// The session or output of that number, counted from 1; null when there is none.
-    std::shared_ptr<SimCaptureSession> session(std::size_t number = 1) const;
+    /// The session of that number, counted from 1.
+    std::shared_ptr<SimCaptureSession> session(std::size_t number = 1) const {
+        return sessions_.at(number - 1);
+    }
 
-    /// The names of the settings of the stills that were asked for and not delivered yet.
-    std::vector<std::string> pendingStills() const;
-    /// Ends the oldest request: with the bytes of a picture, without any bytes, or with an error.
-    /// A request to a session that did not run ends with an error, whatever is delivered.
-    void deliverPhoto(const std::string& contents);
-    void deliverPhotoWithoutData();
-    void deliverError(const NSError& error);
+    /// The names of the settings of the stills that were requested and not delivered yet.
+    std::vector<std::string> pendingStills() const {
+        std::vector<std::string> names;
+        for (const Still& still : stills_) {
+            names.push_back(nameOf(still.settings.get()));
+        }
+        return names;
+    }
+    // Each ends the oldest request: with the bytes of a picture, without any bytes, or with an
+    // error. A request to a session that did not run ends with an error in any case.
+    void deliverPhoto(const std::optional<std::string>& contents);
+    void deliverError(const NSError& error) { finish(nullptr, error); }
 
     bool refusesOutputs = false;
-
-    // What the kit's class messages do.
-    std::shared_ptr<AVCaptureDeviceDiscoverySession>
-    discover(const std::vector<std::optional<AVCaptureDeviceType>>& types, AVMediaType mediaType,
-             AVCaptureDevicePosition position);
-    AVCaptureDeviceInputResult input(const std::shared_ptr<AVCaptureDevice>& device);
-    std::shared_ptr<AVCaptureSession> makeSession();
-    std::shared_ptr<AVCapturePhotoOutput> makeOutput();
-    std::shared_ptr<AVCapturePhotoSettings> makeSettings();
-    std::shared_ptr<AVCapturePhotoSettings> copySettings(const AVCapturePhotoSettings& settings);
-    std::shared_ptr<AVCaptureVideoPreviewLayer>
-    makeLayer(const std::shared_ptr<AVCaptureSession>& session);
 
 private:
     friend class SimPhotoOutput;
@@ -132,16 +170,18 @@ private:
         AVCapturePhotoOutput* output;
         std::shared_ptr<AVCapturePhotoSettings> settings;
         AVCapturePhotoCaptureDelegate* delegate;
-        /// Whether the session ran when the still was asked for.
+        /// Whether the session ran when the still was requested.
         bool ran;
     };
-    void finish(const AVCapturePhoto* photo, const std::optional<NSError>& error);
+    void finish(const AVCapturePhoto* photo, std::optional<NSError> error);
+    std::shared_ptr<AVCapturePhotoSettings> makeSettings();
 
     CallLog& log_;
     SimPictures& pictures_;
     std::vector<std::shared_ptr<SimCamera>> cameras_;
     std::vector<std::shared_ptr<SimCaptureSession>> sessions_;
-    std::vector<std::shared_ptr<SimPhotoOutput>> outputs_;
+    /// Kept: a pending still refers to its output.
+    std::vector<std::shared_ptr<AVCapturePhotoOutput>> outputs_;
     std::deque<Still> stills_;
     std::set<std::int64_t> usedSettings_;
     std::int64_t settingsMade_ = 0;

@@ -1,34 +1,51 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
+#include <initializer_list>
+#include <map>
+#include <memory>
 #include <optional>
+#include <set>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "backends/sim/CallLog.h"
+#include "platform/NibOutlets.h"
 #include "platform/SliderValue.h"
 #include "platform/appkit/CALayer.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSImageView.h"
+#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSProgressIndicator.h"
 #include "platform/appkit/NSSlider.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSWindow.h"
+#include "platform/foundation/NSString.h"
 
-// Controls by name. A method that the interfaces do not have is the user's or the test's own doing:
-// it is not recorded and sends no action. All of it is for the main thread.
+// Controls by name. Members that the interfaces do not have are for the user's or the test's own
+// actions: they are not recorded and send no action. Main thread only.
 
 namespace vistrane {
 
-class SimWindow final : public NSWindow, public SimObject {
-public:
-    SimWindow(CallLog& log, const std::string& name) : SimObject(log, name) {}
-
-    bool makeFirstResponder(NSObject* responder) override;
-    void makeKeyAndOrderFront(NSObject* sender) override;
-    void setTitle(const std::string& newTitle) override;
-    void setTitlebarAppearsTransparent(bool transparent) override;
+struct SimWindow final : SimOf<NSWindow> {
+    using SimOf::SimOf;
+    bool makeFirstResponder(NSObject* responder) override {
+        mainCall("makeFirstResponder: %", nameOf(responder));
+        if (endEditing) {
+            endEditing();
+        }
+        return true;
+    }
+    void makeKeyAndOrderFront(NSObject*) override { mainCall("makeKeyAndOrderFront"); }
+    void setTitle(const std::string& value) override { mainSet("setTitle:", title, value); }
+    /// Any thread: alerts have windows too.
+    void setTitlebarAppearsTransparent(bool value) override {
+        set("setTitlebarAppearsTransparent:", titlebarAppearsTransparent, value);
+    }
 
     std::string title;
     bool titlebarAppearsTransparent = false;
@@ -36,32 +53,47 @@ public:
     std::function<void()> endEditing;
 };
 
-class SimTextField final : public NSTextField, public SimObject {
-public:
-    SimTextField(CallLog& log, const std::string& name) : SimObject(log, name) {}
-
-    void setStringValue(const std::string& text) override;
-    std::int32_t intValue() const override;
-    NSInteger integerValue() const override;
-    void setIntValue(std::int32_t value) override;
-    void setIntegerValue(NSInteger value) override;
-    void setNeedsDisplay(bool needed) override { mainCall("setNeedsDisplay: " + yesNo(needed)); }
+struct SimTextField final : SimOf<NSTextField> {
+    using SimOf::SimOf;
+    void setStringValue(const std::string& value) override {
+        mainSet("setStringValue:", text, value);
+    }
+    std::int32_t intValue() const override { return read("intValue", vistrane::intValue(text)); }
+    NSInteger integerValue() const override {
+        return read("integerValue", vistrane::integerValue(text));
+    }
+    void setIntValue(std::int32_t value) override {
+        mainSet("setIntValue:", text, std::to_string(value));
+    }
+    void setIntegerValue(NSInteger value) override {
+        mainSet("setIntegerValue:", text, std::to_string(value));
+    }
+    void setNeedsDisplay(bool needed) override { mainCall("setNeedsDisplay: %", needed); }
 
     std::string text;
 };
 
-class SimSlider final : public NSSlider, public SimObject {
-public:
-    SimSlider(CallLog& log, const std::string& name) : SimObject(log, name) {}
+struct SimSlider final : SimOf<NSSlider> {
+    using SimOf::SimOf;
+    void setMinValue(double value) override {
+        mainCall("setMinValue: %", value);
+        value_.setMinimum(value);
+    }
+    void setMaxValue(double value) override {
+        mainCall("setMaxValue: %", value);
+        value_.setMaximum(value);
+    }
+    std::int32_t intValue() const override { return read("intValue", value_.intValue()); }
+    NSInteger integerValue() const override { return read("integerValue", value_.integerValue()); }
+    float floatValue() const override { return read("floatValue", value_.floatValue()); }
+    void setIntegerValue(NSInteger value) override {
+        mainCall("setIntegerValue: %", value);
+        value_.set(static_cast<double>(value));
+    }
 
-    void setMinValue(double value) override;
-    void setMaxValue(double value) override;
-    std::int32_t intValue() const override;
-    NSInteger integerValue() const override;
-    float floatValue() const override;
-    void setIntegerValue(NSInteger value) override;
-
-    void setRange(double least, double greatest);
+    void setRange(double least, double greatest) {
+        value_ = SliderValue(least, greatest, value_.doubleValue());
+    }
     void drag(double to) { value_.set(to); }
     double minimum() const { return value_.minimum(); }
     double maximum() const { return value_.maximum(); }
@@ -71,19 +103,21 @@ private:
     SliderValue value_{0.0, 100.0, 0.0};
 };
 
-class SimButton final : public NSButton, public SimObject {
-public:
-    SimButton(CallLog& log, const std::string& name) : SimObject(log, name) {}
-
-    std::string title() const override;
-    void setTitle(const std::string& title) override;
-    NSInteger state() const override;
-    void setState(NSInteger state) override;
-    /// Any thread, and recorded only, so that a race test sees nothing of it: `isEnabled` is for
-    /// when no other thread sets it.
-    void setEnabled(bool enabled) override;
-    void setImage(std::shared_ptr<NSImage> image) override;
-    void setAlternateImage(std::shared_ptr<NSImage> image) override;
+struct SimButton final : SimOf<NSButton> {
+    using SimOf::SimOf;
+    std::string title() const override { return read("title", currentTitle); }
+    void setTitle(const std::string& value) override { mainSet("setTitle:", currentTitle, value); }
+    NSInteger state() const override { return read("state", currentState); }
+    void setState(NSInteger value) override { mainSet("setState:", currentState, value); }
+    /// Any thread. The atomic flag orders no threads, so that race tests see the program's races.
+    void setEnabled(bool enabled) override {
+        call("setEnabled: %", enabled);
+        enabled_.store(enabled, std::memory_order_relaxed);
+    }
+    void setImage(std::shared_ptr<NSImage> value) override { mainSet("setImage:", image, value); }
+    void setAlternateImage(std::shared_ptr<NSImage> value) override {
+        mainSet("setAlternateImage:", alternateImage, value);
+    }
 
     bool isEnabled() const { return enabled_.load(std::memory_order_relaxed); }
 
@@ -96,74 +130,77 @@ private:
     std::atomic<bool> enabled_{true};
 };
 
-/// The layer of a view, or a layer of its own kind.
-template <class Base>
-class SimLayerOf : public Base, public SimObject {
-public:
-    SimLayerOf(CallLog& log, const std::string& name) : SimObject(log, name) {}
+inline std::string text(CGColor color) {
+    return filled("%,%,%,%",
+                  {text(color.red), text(color.green), text(color.blue), text(color.alpha)});
+}
 
-    void setFrame(CGRect newFrame) override {
-        mainCall("setFrame: " + describe(newFrame));
-        frame = newFrame;
-    }
+/// A layer of the kind `Base`.
+template <class Base>
+struct SimLayerOf : SimOf<Base> {
+    using SimOf<Base>::SimOf;
+    void setFrame(CGRect frame) override { this->mainCall("setFrame: %", frame); }
     void setBackgroundColor(CGColor color) override {
-        mainCall("setBackgroundColor: " + decimal(color.red) + "," + decimal(color.green) + "," +
-                 decimal(color.blue) + "," + decimal(color.alpha));
-        backgroundColor = color;
+        this->mainCall("setBackgroundColor: %", color);
     }
     void addSublayer(std::shared_ptr<CALayer> layer) override {
-        mainCall("addSublayer: " + nameOf(layer.get()));
-        sublayers.push_back(std::move(layer));
+        this->mainCall("addSublayer: %", layer);
     }
-
-    CGRect frame;
-    std::optional<CGColor> backgroundColor;
-    std::vector<std::shared_ptr<CALayer>> sublayers;
 };
 using SimLayer = SimLayerOf<CALayer>;
 
 template <class Base>
-class SimViewOf : public Base, public SimObject {
-public:
-    SimViewOf(CallLog& log, const std::string& name)
-        : SimObject(log, name), viewLayer(std::make_shared<SimLayer>(log, name + ".layer")) {}
-
-    NSRect bounds() const override {
-        mainGetter("bounds");
-        return viewBounds;
-    }
-    void setWantsLayer(bool wanted) override {
-        mainCall("setWantsLayer: " + yesNo(wanted));
-        wantsLayer = wanted;
-    }
+struct SimViewOf : SimOf<Base> {
+    using SimOf<Base>::SimOf;
+    NSRect bounds() const override { return this->read("bounds", viewBounds); }
+    void setWantsLayer(bool value) override { this->mainSet("setWantsLayer:", wantsLayer, value); }
     std::shared_ptr<CALayer> layer() override {
-        mainGetter("layer");
-        return wantsLayer ? viewLayer : nullptr;
+        return this->read("layer", wantsLayer ? viewLayer : nullptr);
     }
-    void setNeedsDisplay(bool needed) override { mainCall("setNeedsDisplay: " + yesNo(needed)); }
+    void setNeedsDisplay(bool needed) override { this->mainCall("setNeedsDisplay: %", needed); }
 
     NSRect viewBounds{{0.0, 0.0}, {320.0, 240.0}};
     bool wantsLayer = false;
-    std::shared_ptr<SimLayer> viewLayer;
+    std::shared_ptr<SimLayer> viewLayer =
+        std::make_shared<SimLayer>(this->log_, this->name() + ".layer");
 };
 using SimView = SimViewOf<NSView>;
 
-class SimImageView final : public SimViewOf<NSImageView> {
-public:
+struct SimImageView final : SimViewOf<NSImageView> {
     using SimViewOf::SimViewOf;
-
-    void setImage(std::shared_ptr<NSImage> newImage) override;
+    void setImage(std::shared_ptr<NSImage> value) override { mainSet("setImage:", image, value); }
 
     std::shared_ptr<NSImage> image;
 };
 
-class SimPopUpButton final : public NSPopUpButton, public SimObject {
-public:
-    SimPopUpButton(CallLog& log, const std::string& name) : SimObject(log, name) {}
-
-    void removeAllItems() override;
-    void addItemWithTitle(const std::string& title) override;
-    NSInteger indexOfSelectedItem() const override;
+struct SimPopUpButton final : SimOf<NSPopUpButton> {
+    using SimOf::SimOf;
+    void removeAllItems() override {
+        mainCall("removeAllItems");
+        items_.clear();
+        selected_ = -1;
+    }
+    void addItemWithTitle(const std::string& title) override {
+        mainCall("addItemWithTitle: %", title);
+        const auto same = std::find(items_.begin(), items_.end(), title);
+        if (same != items_.end()) {
+            const NSInteger index = same - items_.begin();
+            items_.erase(same);
+            if (index == selected_) {
+                selected_ = items_.empty() ? -1 : 0;
+            } else if (index < selected_) {
+                --selected_;
+            }
+        }
+        items_.push_back(title);
+        if (items_.size() == 1) {
+            selected_ = 0;
+        }
+    }
+    NSInteger indexOfSelectedItem() const override {
+        mainCall("indexOfSelectedItem");
+        return selected_;
+    }
 
     void select(NSInteger index) { selected_ = index; }
     const std::vector<std::string>& items() const { return items_; }
@@ -173,15 +210,168 @@ private:
     NSInteger selected_ = -1;
 };
 
-class SimProgressIndicator final : public NSProgressIndicator, public SimObject {
-public:
-    SimProgressIndicator(CallLog& log, const std::string& name) : SimObject(log, name) {}
-
-    void setMaxValue(double value) override;
-    void setDoubleValue(double value) override;
+struct SimProgressIndicator final : SimOf<NSProgressIndicator> {
+    using SimOf::SimOf;
+    void setMaxValue(double newMaximum) override { mainSet("setMaxValue:", maximum, newMaximum); }
+    void setDoubleValue(double newValue) override { mainSet("setDoubleValue:", value, newValue); }
 
     double maximum = 100.0;
     double value = 0.0;
+};
+
+/// A menu's entry, named after its menu and its title, as in "menu1.Item".
+struct SimMenuItem final : SimOf<NSMenuItem> {
+    using SimOf::SimOf;
+    std::optional<std::string> representedObject() const override {
+        return read("representedObject", object);
+    }
+    void setRepresentedObject(const std::string& value) override {
+        mainSet("setRepresentedObject:", object, value);
+    }
+    void setTarget(NSObject* newTarget) override {
+        mainCall("setTarget: %", nameOf(newTarget));
+        target = newTarget;
+    }
+    void setImage(std::shared_ptr<NSImage> value) override { mainSet("setImage:", image, value); }
+    void setSubmenu(std::shared_ptr<NSMenu> value) override {
+        mainSet("setSubmenu:", submenu, value);
+    }
+
+    /// The user chooses the item: nothing is sent without a target or an action.
+    void choose() {
+        if (target != nullptr && action) {
+            action(this);
+        }
+    }
+
+    std::string title;
+    NSAction action;
+    std::optional<std::string> object;
+    NSObject* target = nullptr;
+    std::shared_ptr<NSImage> image;
+    /// A SimMenu.
+    std::shared_ptr<NSMenu> submenu;
+};
+
+struct SimMenu final : SimOf<NSMenu> {
+    using SimOf::SimOf;
+    std::shared_ptr<NSMenuItem> addItemWithTitle(const std::string& title, NSAction action,
+                                                 const std::string& keyEquivalent) override {
+        mainCall("addItemWithTitle: % keyEquivalent: \"%\"", title, keyEquivalent);
+        auto item = std::make_shared<SimMenuItem>(log_, name() + "." + title);
+        item->title = title;
+        item->action = std::move(action);
+        items.push_back(item);
+        return item;
+    }
+    void cancelTracking() override { mainCall("cancelTracking"); }
+
+    std::vector<std::shared_ptr<SimMenuItem>> items;
+};
+
+/// An interface file with every outlet of the controller and of the panel, as a control of that
+/// name. The rate slider "fpsS" has the range 1 to 60, the frame slider 0 to 100.
+class SimNib final : public NibOutlets {
+public:
+    explicit SimNib(CallLog& log) : log_(log) {
+        add<SimWindow>({"myWindow", "tipWindow", "panel"});
+        add<SimTextField>({"hInput", "mInput", "sInput", "fpsD", "timeD", "currentS",
+                           "versionLabel", "tipText", "picCount"});
+        add<SimSlider>({"fpsS", "photoSlider"});
+        slider("fpsS").setRange(1.0, 60.0);
+        add<SimButton>({"startB", "oneB", "slowB", "compilingB", "outfolderB", "previewPlayButton",
+                        "dockButton", "tipButton"});
+        add<SimImageView>({"leadingImage", "myDisplay", "tipImage"});
+        add<SimPopUpButton>({"AVDevicePopUp"});
+        add<SimView>({"previewView", "tipView"});
+        add<SimProgressIndicator>({"progressBar"});
+        add<SimMenu>({"sMenu"});
+        add<SimMenuItem>({"mantisSubmenuS", "mantisSubmenuD", "mantisSubmenuM"});
+    }
+
+    /// Gives the panel the window "panel".
+    void window(NSPanel& panel) override { panel.setContents(control<SimWindow>("panel")); }
+    void sliderCell(const std::string& className,
+                    std::function<std::shared_ptr<NSSliderCell>()> make) override {
+        offer(cells_, className, std::move(make));
+    }
+    void action(const std::string& selector, NSAction method) override {
+        offer(actions_, selector, std::move(method));
+    }
+
+    /// Leaves an outlet out; call it before the objects are connected.
+    void leaveOut(const std::string& name) { addOutlet(name, nullptr); }
+
+    // The control of that name. A wrong name or kind is an error of the test and ends it.
+    SimWindow& window(const std::string& name) { return *control<SimWindow>(name); }
+    SimTextField& textField(const std::string& name) { return *control<SimTextField>(name); }
+    SimSlider& slider(const std::string& name) { return *control<SimSlider>(name); }
+    SimButton& button(const std::string& name) { return *control<SimButton>(name); }
+    SimImageView& imageView(const std::string& name) { return *control<SimImageView>(name); }
+    SimPopUpButton& popUp(const std::string& name) { return *control<SimPopUpButton>(name); }
+    SimView& view(const std::string& name) { return *control<SimView>(name); }
+    SimMenu& menu(const std::string& name) { return *control<SimMenu>(name); }
+    SimMenuItem& menuItem(const std::string& name) { return *control<SimMenuItem>(name); }
+    SimProgressIndicator& progress(const std::string& name) {
+        return *control<SimProgressIndicator>(name);
+    }
+
+    /// Makes a cell of that class and wakes it; null for an unknown class.
+    std::shared_ptr<NSSliderCell> makeSliderCell(const std::string& className) const {
+        const auto found = cells_.find(className);
+        if (found == cells_.end()) {
+            return nullptr;
+        }
+        auto cell = found->second();
+        cell->awakeFromNib();
+        return cell;
+    }
+
+    /// Sends the action of that selector; a misuse when no object offers it.
+    void send(const std::string& selector, NSObject* sender = nullptr) {
+        const auto found = actions_.find(selector);
+        if (found == actions_.end()) {
+            log_.misuse("send: no object offers " + selector);
+            return;
+        }
+        found->second(sender);
+    }
+    /// The selectors of all actions that were offered.
+    std::set<std::string> actions() const {
+        std::set<std::string> names;
+        for (const auto& [selector, method] : actions_) {
+            names.insert(selector);
+        }
+        return names;
+    }
+
+private:
+    template <class Control>
+    void add(std::initializer_list<const char*> names) {
+        for (const char* name : names) {
+            controls_[name] = std::make_shared<Control>(log_, name);
+            addOutlet(name, controls_[name]);
+        }
+    }
+    template <class Control>
+    std::shared_ptr<Control> control(const std::string& name) {
+        auto control = std::dynamic_pointer_cast<Control>(controls_.at(name));
+        if (!control) {
+            throw std::logic_error("the control " + name + " is of another kind");
+        }
+        return control;
+    }
+    template <class Table, class Offer>
+    void offer(Table& table, const std::string& name, Offer given) {
+        if (!table.emplace(name, std::move(given)).second) {
+            log_.misuse(name + " is offered twice");
+        }
+    }
+
+    CallLog& log_;
+    std::map<std::string, std::shared_ptr<NSObject>> controls_;
+    std::map<std::string, std::function<std::shared_ptr<NSSliderCell>()>> cells_;
+    std::map<std::string, NSAction> actions_;
 };
 
 } // namespace vistrane

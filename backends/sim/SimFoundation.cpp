@@ -1,101 +1,92 @@
 #include "backends/sim/SimFoundation.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <string_view>
 #include <utility>
 
 namespace vistrane {
 
 namespace {
 
-const std::string bookmarkStart = "bookmark of ";
+std::string folded(std::string_view text, std::uint32_t options) {
+    std::string folded(text);
+    for (char& letter : folded) {
+        const bool isCapital = letter >= 'A' && letter <= 'Z';
+        if (isCapital && (options & NSCaseInsensitiveSearch) != 0) {
+            letter = static_cast<char>(letter + ('a' - 'A'));
+        }
+    }
+    return folded;
+}
+
+/// Takes a digit run off the text and returns it without leading zeros.
+std::string_view takeNumber(std::string_view& text) {
+    const std::size_t end = std::min(text.find_first_not_of("0123456789"), text.size());
+    std::string_view number = text.substr(0, end);
+    text.remove_prefix(end);
+    number.remove_prefix(std::min(number.find_first_not_of('0'), number.size()));
+    return number;
+}
+
+template <class Value>
+NSComparisonResult order(const Value& first, const Value& second) {
+    return first < second   ? NSOrderedAscending
+           : second < first ? NSOrderedDescending
+                            : NSOrderedSame;
+}
+
+NSComparisonResult orderTexts(std::string_view first, std::string_view second, bool isNumeric) {
+    const auto isDigit = [](char byte) { return byte >= '0' && byte <= '9'; };
+    auto result = NSOrderedSame;
+    while (result == NSOrderedSame && !first.empty() && !second.empty()) {
+        if (isNumeric && isDigit(first.front()) && isDigit(second.front())) {
+            const std::string_view number = takeNumber(first);
+            const std::string_view other = takeNumber(second);
+            result = order(std::pair(number.size(), number), std::pair(other.size(), other));
+        } else {
+            result = order(first.substr(0, 1), second.substr(0, 1));
+            first.remove_prefix(1);
+            second.remove_prefix(1);
+        }
+    }
+    return result == NSOrderedSame ? order(first.size(), second.size()) : result;
+}
 
 } // namespace
 
-std::vector<std::uint8_t> SimBookmarks::of(const std::string& path) {
-    const std::string text = bookmarkStart + path;
-    return {text.begin(), text.end()};
-}
-
-void SimNotificationCenter::addObserver(std::function<void()> observer, const std::string& name) {
-    mainCall("addObserver: " + name);
-    observers_.emplace(name, std::move(observer));
-}
-
-void SimNotificationCenter::post(const std::string& name) {
-    loop_.at(0.0, [this, name] {
-        const auto [first, last] = observers_.equal_range(name);
-        for (auto observer = first; observer != last; ++observer) {
-            observer->second();
-        }
-    });
-    loop_.advance(0.0);
-}
-
-SimFoundation::SimFoundation(CallLog& log, SimLoop& loop, SimThreads& threads, SimFiles& files)
-    : defaults(log), notifications(log, loop), log_(log), loop_(loop), threads_(threads),
-      files_(files), locale_(std::make_shared<SimLocale>(log)) {}
-
-std::shared_ptr<NSTimer>
-SimFoundation::scheduledTimerWithTimeInterval(NSTimeInterval interval,
-                                              std::function<void(NSTimer&)> tick, bool repeats) {
-    return loop_.schedule(interval, std::move(tick), repeats);
-}
-
-NSDate SimFoundation::date() {
-    log_.record("date");
-    return loop_.date();
-}
-
-NSDate SimFoundation::dateWithTimeIntervalSinceNow(NSTimeInterval seconds) {
-    log_.record("dateWithTimeIntervalSinceNow: " + decimal(seconds));
-    return {loop_.date().timeIntervalSince1970 + seconds};
-}
-
-std::unique_ptr<NSDateFormatter> SimFoundation::dateFormatter() {
-    return std::make_unique<SimDateFormatter>(log_, dateRules);
-}
-
-std::shared_ptr<const NSLocale> SimFoundation::currentLocale() {
-    log_.recordGetter("currentLocale");
-    return locale_;
-}
-
-std::shared_ptr<NSThread> SimFoundation::threadWithEntry(std::function<void()> entry) {
-    return threads_.make(std::move(entry));
-}
-
-BookmarkDataResult SimFoundation::bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) {
-    const std::string call =
-        "bookmarkDataWithOptions: " + std::to_string(options) + " of: " + url.absoluteString();
-    log_.requireMain(call);
-    log_.record(call);
-    if (bookmarks.creationError) {
-        return {{}, bookmarks.creationError};
+std::string SimDateFormatter::stringFromDate(NSDate date) const {
+    call("stringFromDate: %", date.timeIntervalSince1970);
+    if (answer_) {
+        return *answer_;
     }
-    return {SimBookmarks::of(url.path()), std::nullopt};
+    const auto utc = [](double seconds) {
+        const auto time = static_cast<std::time_t>(seconds);
+        return *std::gmtime(&time); // NOLINT(concurrency-mt-unsafe): the main thread's only
+    };
+    const std::tm at = utc(date.timeIntervalSince1970);
+    // In the United States a week is of the year of its Saturday.
+    const int year = utc(date.timeIntervalSince1970 + (6 - at.tm_wday) * 86400.0).tm_year + 1900;
+    const bool isFrame = pattern_ == "YY-MM-dd-HH-mm-ss";
+    std::array<char, 80> stamp{};
+    std::snprintf(stamp.data(), stamp.size(),
+                  isFrame ? "%02d-%02d-%02d-%02d-%02d-%02d" : "%04d%02d%02d-%02d%02d%02d",
+                  isFrame ? year % 100 : year, at.tm_mon + 1, isFrame ? at.tm_mday : at.tm_yday + 1,
+                  at.tm_hour, at.tm_min, at.tm_sec);
+    return isFrame || pattern_ == "YYYYMMDD-HHmmss" ? stamp.data() : pattern_;
 }
 
-BookmarkURLResult SimFoundation::URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
-                                                            std::uint64_t options) {
-    const std::string text(data.begin(), data.end());
-    const std::string call =
-        "URLByResolvingBookmarkData: " + text + " options: " + std::to_string(options);
-    log_.requireMain(call);
-    log_.record(call);
-    if (text.compare(0, bookmarkStart.size(), bookmarkStart) != 0) {
-        return {std::nullopt, NSError{"SimBookmarks", 1, "The bytes are no bookmark."}};
-    }
-    return {NSURL::fileURLWithPath(text.substr(bookmarkStart.size())), bookmarks.resolutionError};
-}
-
-bool SimFoundation::startAccessingSecurityScopedResource(const NSURL& url) {
-    const std::string call = "startAccessingSecurityScopedResource: " + url.absoluteString();
-    log_.requireMain(call);
-    log_.record(call);
-    return bookmarks.grantsAccess;
-}
-
-void SimFoundation::NSLog(const std::string& message) {
-    log_.record("NSLog: " + message);
+NSComparisonResult SimLocale::compare(const std::string& first, const std::string& second,
+                                      std::uint32_t options, NSRange range) const {
+    // The part of the range that lies in the string.
+    const std::string_view part =
+        std::string_view(first).substr(std::min(range.location, first.size()), range.length);
+    const NSComparisonResult result = orderTexts(folded(part, options), folded(second, options),
+                                                 (options & NSNumericSearch) != 0);
+    const bool breaksTies = (options & NSForcedOrderingSearch) != 0;
+    return result == NSOrderedSame && breaksTies ? order(part, std::string_view(second)) : result;
 }
 
 } // namespace vistrane

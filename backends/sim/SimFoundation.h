@@ -1,67 +1,164 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "backends/sim/CallLog.h"
-#include "backends/sim/SimDateFormatter.h"
 #include "backends/sim/SimFiles.h"
-#include "backends/sim/SimLocale.h"
 #include "backends/sim/SimLoop.h"
 #include "backends/sim/SimThreads.h"
-#include "backends/sim/SimUserDefaults.h"
 #include "platform/foundation/Foundation.h"
+#include "platform/foundation/NSDateFormatter.h"
+#include "platform/foundation/NSLocale.h"
+#include "platform/foundation/NSString.h"
 
 namespace vistrane {
 
-/// Notices that the test posts.
-class SimNotificationCenter final : public NSDistributedNotificationCenter, public SimObject {
+/// Formats the program's two patterns in UTC and with the weeks of the United States; the result
+/// for any other pattern is the pattern. Main thread only.
+class SimDateFormatter final : public SimOf<NSDateFormatter> {
 public:
-    SimNotificationCenter(CallLog& log, SimLoop& loop)
-        : SimObject(log, "defaultCenter"), loop_(loop) {}
+    /// `answer`, if any, is the result for every date.
+    SimDateFormatter(CallLog& log, std::optional<std::string> answer)
+        : SimOf(log, "dateFormatter"), answer_(std::move(answer)) {}
 
-    void addObserver(std::function<void()> observer, const std::string& name) override;
+    void setDateFormat(const std::string& pattern) override {
+        call("setDateFormat: %", pattern);
+        pattern_ = pattern;
+    }
+    std::string stringFromDate(NSDate date) const override;
+
+private:
+    std::optional<std::string> answer_;
+    std::string pattern_;
+};
+
+/// A comparison that is the same on every machine: digit runs by value and ASCII letters without
+/// case, each as the options ask, all else by byte. It does not fold width.
+class SimLocale final : public NSLocale {
+public:
+    NSComparisonResult compare(const std::string& first, const std::string& second,
+                               std::uint32_t options, NSRange range) const override;
+    void sort(std::vector<std::string>& texts, std::uint32_t options) const override {
+        std::stable_sort(
+            texts.begin(), texts.end(), [&](const std::string& first, const std::string& second) {
+                return compare(first, second, options, {0, first.size()}) == NSOrderedAscending;
+            });
+    }
+};
+
+/// The settings in memory. What a test reads and writes itself, in `values`, is not recorded.
+class SimUserDefaults final : public SimOf<NSUserDefaults> {
+public:
+    using Bytes = std::vector<std::uint8_t>;
+    using Value = std::variant<NSInteger, std::string, Bytes>;
+    using Values = std::map<std::string, Value>;
+
+    explicit SimUserDefaults(CallLog& log) : SimOf(log, "standardUserDefaults") {}
+
+    NSInteger integerForKey(const std::string& key) const override {
+        mainCall("integerForKey: %", key);
+        return find<NSInteger>(key).value_or(integerValue(find<std::string>(key).value_or("")));
+    }
+    void setInteger(NSInteger value, const std::string& key) override {
+        mainCall("setInteger: % forKey: %", value, key);
+        values[key] = value;
+    }
+    std::optional<std::string> stringForKey(const std::string& key) const override {
+        mainCall("stringForKey: %", key);
+        return find<std::string>(key);
+    }
+    std::optional<Bytes> objectForKey(const std::string& key) const override {
+        mainCall("objectForKey: %", key);
+        return find<Bytes>(key);
+    }
+    void setObject(const Bytes& value, const std::string& key) override {
+        mainCall("setObject: % forKey: %", std::string(value.begin(), value.end()), key);
+        values[key] = value;
+    }
+    void synchronize() override {
+        mainCall("synchronize");
+        durableValues = values;
+    }
+
+    Values values;
+    /// The values as they were synchronised last: what survives a crash.
+    Values durableValues;
+
+private:
+    template <class Kind>
+    std::optional<Kind> find(const std::string& key) const {
+        const auto found = values.find(key);
+        const auto* held = found == values.end() ? nullptr : std::get_if<Kind>(&found->second);
+        return held ? std::optional(*held) : std::nullopt;
+    }
+};
+
+/// Notices that the test posts.
+class SimNotificationCenter final : public SimOf<NSDistributedNotificationCenter> {
+public:
+    SimNotificationCenter(CallLog& log, SimLoop& loop) : SimOf(log, "defaultCenter"), loop_(loop) {}
+
+    void addObserver(std::function<void()> observer, const std::string& name) override {
+        mainCall("addObserver: %", name);
+        observers_.emplace(name, std::move(observer));
+    }
     /// Calls the observers from the run loop, before this returns.
-    void post(const std::string& name);
+    void post(const std::string& name) {
+        loop_.at(0.0, [this, name] {
+            const auto [first, last] = observers_.equal_range(name);
+            for (auto observer = first; observer != last; ++observer) {
+                observer->second();
+            }
+        });
+        loop_.advance(0.0);
+    }
 
 private:
     SimLoop& loop_;
     std::multimap<std::string, std::function<void()>> observers_;
 };
 
-/// How bookmarks turn out. A bookmark spells "bookmark of " and the path; other bytes are none.
+/// How bookmarks turn out. A bookmark is "bookmark of " and the path; other bytes are none.
 struct SimBookmarks {
-    static std::vector<std::uint8_t> of(const std::string& path);
+    static constexpr std::string_view start = "bookmark of ";
+    static SimUserDefaults::Bytes of(const std::string& path) {
+        const std::string bookmark = std::string(start) + path;
+        return {bookmark.begin(), bookmark.end()};
+    }
 
     std::optional<NSError> creationError;
-    /// Given beside the address, so that it shows whether the error is heeded.
+    /// Given beside the address, so that a test shows whether the error is heeded.
     std::optional<NSError> resolutionError;
     bool grantsAccess = true;
 };
 
-class SimBundle final : public NSBundle {
-public:
+struct SimBundle final : NSBundle {
     std::optional<std::string> objectForInfoDictionaryKey(const std::string& key) const override {
         const auto found = information.find(key);
         return found == information.end() ? std::nullopt : std::optional(found->second);
     }
-
     std::map<std::string, std::string> information{{"CFBundleShortVersionString", "2.1"},
                                                    {"CFBundleVersion", "5"}};
 };
 
-class SimProcessInfo final : public NSProcessInfo {
-public:
+struct SimProcessInfo final : NSProcessInfo {
     std::string operatingSystemVersionString() const override { return version; }
-
     std::string version = "Version 13.1 (Build 22C65)";
 };
 
 class SimFoundation final : public Foundation {
 public:
-    SimFoundation(CallLog& log, SimLoop& loop, SimThreads& threads, SimFiles& files);
+    SimFoundation(CallLog& log, SimLoop& loop, SimThreads& threads, SimFiles& files)
+        : defaults(log), notifications(log, loop), log_(log), loop_(loop), threads_(threads),
+          files_(files) {}
 
     NSUserDefaults& standardUserDefaults() override { return defaults; }
     NSFileManager& defaultManager() override { return files_; }
@@ -71,23 +168,53 @@ public:
     const NSProcessInfo& processInfo() const override { return process; }
     std::shared_ptr<NSTimer> scheduledTimerWithTimeInterval(NSTimeInterval interval,
                                                             std::function<void(NSTimer&)> tick,
-                                                            bool repeats) override;
-    NSDate date() override;
-    NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds) override;
-    std::unique_ptr<NSDateFormatter> dateFormatter() override;
-    std::shared_ptr<const NSLocale> currentLocale() override;
-    std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) override;
+                                                            bool repeats) override {
+        return loop_.schedule(interval, std::move(tick), repeats);
+    }
+    NSDate date() override {
+        log_.record("date");
+        return loop_.date();
+    }
+    NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds) override {
+        log_.record("dateWithTimeIntervalSinceNow: %", seconds);
+        return {loop_.date().timeIntervalSince1970 + seconds};
+    }
+    std::unique_ptr<NSDateFormatter> dateFormatter() override {
+        return std::make_unique<SimDateFormatter>(log_, dateAnswer);
+    }
+    std::shared_ptr<const NSLocale> currentLocale() override { return locale_; }
+    std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) override {
+        return threads_.make(std::move(entry));
+    }
     std::shared_ptr<NSThread> currentThread() override { return threads_.current(); }
-    BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) override;
-    BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
-                                                 std::uint64_t options) override;
-    bool startAccessingSecurityScopedResource(const NSURL& url) override;
-    void NSLog(const std::string& message) override;
+    BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) override {
+        log_.recordOnMain("bookmarkDataWithOptions: % of: %", options, url.absoluteString());
+        if (bookmarks.creationError) {
+            return {{}, bookmarks.creationError};
+        }
+        return {SimBookmarks::of(url.path()), std::nullopt};
+    }
+    BookmarkURLResult URLByResolvingBookmarkData(const SimUserDefaults::Bytes& data,
+                                                 std::uint64_t options) override {
+        const std::string bookmark(data.begin(), data.end());
+        log_.recordOnMain("URLByResolvingBookmarkData: % options: %", bookmark, options);
+        if (!bookmark.starts_with(SimBookmarks::start)) {
+            return {std::nullopt, NSError{"SimBookmarks", 1, "The bytes are no bookmark."}};
+        }
+        return {NSURL::fileURLWithPath(bookmark.substr(SimBookmarks::start.size())),
+                bookmarks.resolutionError};
+    }
+    bool startAccessingSecurityScopedResource(const NSURL& url) override {
+        log_.recordOnMain("startAccessingSecurityScopedResource: %", url.absoluteString());
+        return bookmarks.grantsAccess;
+    }
+    void NSLog(const std::string& message) override { log_.record("NSLog: %", message); }
 
     SimUserDefaults defaults;
     SimNotificationCenter notifications;
     SimBookmarks bookmarks;
-    SimDateRules dateRules;
+    /// What date formatters answer in place of a formatted date.
+    std::optional<std::string> dateAnswer;
     SimBundle bundle;
     SimProcessInfo process;
 
@@ -96,7 +223,7 @@ private:
     SimLoop& loop_;
     SimThreads& threads_;
     SimFiles& files_;
-    std::shared_ptr<SimLocale> locale_;
+    std::shared_ptr<SimLocale> locale_ = std::make_shared<SimLocale>();
 };
 
 } // namespace vistrane

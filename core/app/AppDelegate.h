@@ -58,7 +58,7 @@ struct PictureSize;
 /// touches. The controller outlives its timers, threads and queued work: it lives as long as the
 /// process. Actions take the sender and ignore it.
 ///
-/// Several names are irregular; they are part of the interface and stay as they are.
+/// Several names are misspelled on purpose: they are part of the interface.
 class AppDelegate : public NSObject,
                     public NSApplicationDelegate,
                     public AVCaptureFileOutputDelegate,
@@ -83,7 +83,7 @@ public:
     std::shared_ptr<NSButton> compilingB;
     /// The title is the folder's path or the placeholder; written by the project folder only.
     std::shared_ptr<NSButton> outfolderB;
-    /// Neither read nor written; may be missing.
+    /// Unused; may be missing.
     std::shared_ptr<NSImageView> leadingImage;
     std::shared_ptr<NSPopUpButton> AVDevicePopUp;
     /// May be missing.
@@ -133,7 +133,7 @@ public:
     Published<NSThread> myThread;
 
     // ---- Written by the project folder ---------------------------------------------------------
-    /// Nothing until the folder dialog was first used; nothing reads it.
+    /// Empty until the folder dialog was first used; nothing reads it.
     std::optional<std::string> gotFolder;
     std::optional<NSURL> bookmarkFileURL;
 
@@ -144,10 +144,10 @@ public:
     std::int32_t realInterval = 0;
 
     // ---- Life cycle ----------------------------------------------------------------------------
-    /// Takes the outlets and offers the actions. Returns the names of the outlets that the
-    /// interface file lacks although the program cannot do without them.
+    /// Fills the outlets and offers the actions. Returns the names of the required outlets that
+    /// the interface file lacks.
     std::vector<std::string> connectInterface(NSNib& nib);
-    /// Once, when the outlets are filled and before the launch.
+    /// Call once, after `connectInterface` and before the launch.
     void awakeFromNib();
     void applicationDidFinishLaunching() override;
     void applicationWillTerminate() override;
@@ -225,7 +225,7 @@ private:
     void postJobEnd();
 
     Platform platform_;
-    /// The frame list's own: what the last listing gave.
+    /// State of the frame list: the result of the last listing.
     SortedFrames sortedFrames_;
 };
 

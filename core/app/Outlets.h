@@ -8,8 +8,7 @@
 
 namespace vistrane {
 
-/// Takes an object's outlets by name and notes the ones that the interface file lacks although the
-/// program cannot do without them.
+/// Fills an object's outlets by name and lists the required ones that the interface file lacks.
 class Outlets {
 public:
     explicit Outlets(NSNib& nib) : nib_(nib) {}

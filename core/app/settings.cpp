@@ -34,7 +34,7 @@ void AppDelegate::userDefaultsLoad() {
 }
 
 void AppDelegate::userDefaultsSave() {
-    // What the controls hold is stored, clamped or not.
+    // The values are stored as the controls hold them, unclamped.
     NSUserDefaults& defaults = platform_.foundation.standardUserDefaults();
     defaults.setInteger(slowB->state(), "iSlow");
     defaults.setInteger(fpsS->integerValue(), "iFPS");

@@ -62,8 +62,8 @@ void AppDelegate::selectAVDevice(NSObject*) {
     // video connection.
     con = stillPhotoOutput ? stillPhotoOutput->connectionWithMediaType(AVMediaTypeVideo) : nullptr;
 
-    // Two devices of one name share an item, so the index may name another device: nothing is done
-    // about it here. Without an item it names none.
+    // Two devices of one name share an item, so the index may refer to another device. On purpose
+    // nothing corrects that. The index is -1 when there is no item.
     const NSInteger index = AVDevicePopUp->indexOfSelectedItem();
     const auto count = static_cast<NSInteger>(allAVdevices.size());
     const auto device =
@@ -74,8 +74,8 @@ void AppDelegate::selectAVDevice(NSObject*) {
         reportDeviceError(platform_, result.error);
         return;
     }
-    // On purpose there is no way back to the photo preset: a device without it leaves the session
-    // at the high preset for the rest of the run.
+    // On purpose nothing restores the photo preset: after a device without it the session keeps
+    // the high preset for the rest of the run.
     if (!device->supportsAVCaptureSessionPreset(AVCaptureSessionPresetPhoto)) {
         aSession->setSessionPreset(AVCaptureSessionPresetHigh);
     }

@@ -8,7 +8,7 @@ namespace vistrane {
 
 namespace {
 
-/// Leaves the number that the field's text begins with, from 0 to `highest`.
+/// Replaces the field's text by its leading integer, clamped to 0 to `highest`.
 void clampField(NSTextField& field, std::int32_t highest) {
     field.setIntValue(field.intValue());
     if (field.intValue() < 0) {

@@ -11,8 +11,8 @@ namespace vistrane {
 
 namespace {
 
-/// From any thread to the main thread: one hop over the global queue, one to the main queue. Both
-/// keep the order.
+/// Runs `work` on the main thread, through the global queue and then the main queue. Both keep the
+/// order of posting. Any thread.
 void postToMain(Dispatch& dispatch, std::function<void()> work) {
     dispatch_async(dispatch.dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0),
                    [&dispatch, work = std::move(work)] {
@@ -59,8 +59,8 @@ void AppDelegate::genneratingMovie(NSObject*) {
 
 void AppDelegate::threadMain() {
     // The running thread is asked, never myThread, which another job may have replaced. A pass
-    // that could not create its movie does not cancel the thread and is repeated for ever, its
-    // alert included: that is on purpose.
+    // that could not create its movie does not cancel the thread and is repeated without end,
+    // with its alert. That is on purpose.
     Foundation& foundation = platform_.foundation;
     while (!foundation.currentThread()->isCancelled()) {
         crateMovieFile();

@@ -34,7 +34,7 @@ std::shared_ptr<NSImage> loadFrame(AppKit& appKit, const std::optional<std::stri
     return path ? appKit.imageWithContentsOfFile(*path) : nullptr;
 }
 
-/// A side as a signed 32-bit number, in the form that settings have.
+/// A side, clamped to a signed 32-bit number, in the type of the settings.
 std::int64_t signedSide(std::uint64_t side) {
     return static_cast<std::int64_t>(std::min<std::uint64_t>(side, INT32_MAX));
 }
@@ -125,7 +125,7 @@ void AppDelegate::appendOtherFrames(AVAssetWriter& writer,
             const CMTime time = framePresentationTime(i, compileFrameRate());
             const auto path = frameAt(pictureArray, i);
             if (!path) {
-                return; // The list became shorter while the writer made room.
+                return; // The list became shorter while the input waited for room.
             }
             postFrameProgress(*path, i);
             const auto image = platform_.appKit.imageWithContentsOfFile(*path);
@@ -137,7 +137,7 @@ void AppDelegate::appendOtherFrames(AVAssetWriter& writer,
             release(platform_.coreVideo, buffer);
             ++i;
         } else {
-            // Asked again at once, without a limit; the input itself waits a little for room.
+            // Asks again at once, without a limit. The input itself waits a moment for room.
             platform_.foundation.NSLog(stringWithFormat("error:adaptor not ready when i=%d", {i}));
             platform_.foundation.NSLog(stringWithFormat(
                 "treating frame again at: %@", {frameAt(pictureArray, i).value_or("(null)")}));

@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// A side in points as whole pixels; what no number of pixels can be gives the nearest one.
+/// A side in points, truncated to whole pixels and clamped to the type's range; 0 for NaN.
 std::uint64_t truncated(double side) {
     constexpr double limit = 18446744073709551616.0; // 2 to the 64th
     if (!(side >= 1.0)) {
@@ -49,7 +49,7 @@ CVPixelBufferRef AppDelegate::fastImageFromNSImage(const std::shared_ptr<NSImage
     if (!context) {
         platform_.foundation.NSLog("CVPixelBufferRef could not create context");
         graphics.CGColorSpaceRelease(space);
-        // On purpose a buffer that was made is neither unlocked nor released here.
+        // On purpose the buffer, if there is one, is neither unlocked nor released here.
         return nullptr;
     }
 

@@ -16,8 +16,8 @@ namespace {
 using Paths = SortedFrames::Paths;
 using Names = std::vector<std::string_view>;
 
-/// A listing of which more than one in so many names has changed is sorted anew: that takes no
-/// longer than to search the place of each.
+/// When more than one in so many names has changed, the whole listing is sorted: that takes no
+/// longer than a binary search for each changed name.
 constexpr std::size_t searchedShare = 16;
 
 /// Only the extension counts: hidden names and folders are frames too, other cases of the
@@ -46,8 +46,8 @@ struct Difference {
     Names added;
 };
 
-/// A file system gives names that stay in their order, so that only what lies between the first
-/// and the last change is searched.
+/// A file system lists unchanged names in an unchanged order, so only the names between the first
+/// and the last change are compared.
 Difference difference(const FileNames& before, const FileNames& after) {
     const auto [oldStart, newStart] =
         std::mismatch(before.begin(), before.end(), after.begin(), after.end());
@@ -74,7 +74,7 @@ auto frameOrder(const NSLocale& locale) {
     };
 }
 
-/// A sorted list without some of its paths, sorted too. Nothing when one of them is not found.
+/// The sorted `paths` without the sorted `removed`; nothing when one of these is not found.
 std::optional<Paths> without(const Paths& removed, const Paths& paths, const NSLocale& locale) {
     Paths rest;
     rest.reserve(paths.size());
@@ -91,7 +91,7 @@ std::optional<Paths> without(const Paths& removed, const Paths& paths, const NSL
     return rest;
 }
 
-/// A sorted list with other paths, sorted too, put in their places.
+/// Merges the sorted `added` into the sorted `paths`.
 Paths with(Paths added, Paths paths, const NSLocale& locale) {
     Paths all;
     all.reserve(paths.size() + added.size());

@@ -12,21 +12,20 @@ namespace vistrane {
 
 /// The frames of a folder as full paths in the order of frames, kept from one listing to the next.
 ///
-/// They are always what filtering and sorting the listing gives. But a listing that is the same as
-/// the last one costs no more than their comparison, and a few other names no more than finding
-/// their places. One thread at a time.
+/// The result always equals that of filtering and sorting the whole listing. An unchanged listing
+/// costs one comparison, and a few changed names a binary search each. One thread at a time.
 class SortedFrames {
 public:
     using Paths = std::vector<std::string>;
 
-    /// The frames among `names`, a listing of `folder`: the same object as the last time when they
-    /// are the same. `locale` has the order.
+    /// The frames among `names`, a listing of `folder`, in the order of `locale`. Returns the same
+    /// object as the last time when the frames are the same.
     std::shared_ptr<const Paths> update(const std::string& folder, FileNames names,
                                         const std::shared_ptr<const NSLocale>& locale);
 
 private:
-    /// The list for other names of the same folder, from that for the last ones; nothing when too
-    /// much has changed.
+    /// The list for changed names of the same folder, made from the last one; nothing when too many
+    /// names have changed.
     std::optional<Paths> changed(const FileNames& names) const;
 
     // What `paths_` was made from.

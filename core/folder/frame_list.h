@@ -7,12 +7,12 @@
 
 namespace vistrane {
 
-/// The order of frames: digit runs by value, case and width ignored, and no two different names
-/// the same.
+/// The order of frames: digit runs by value, case and width ignored; two different names never
+/// compare equal.
 NSComparisonResult frameNameCompare(const std::string& first, const std::string& second,
                                     const NSLocale& locale);
 
-/// Brings paths into the order of `frameNameCompare`.
+/// Sorts paths by `frameNameCompare`.
 void sortFrames(std::vector<std::string>& paths, const NSLocale& locale);
 
 } // namespace vistrane

@@ -10,8 +10,8 @@ namespace vistrane {
 
 namespace {
 
-/// The only tests that a choice must pass; on purpose neither the volume nor the access rights are
-/// looked at, whatever the alert says.
+/// The only tests that a choice must pass. On purpose neither the volume nor the access rights are
+/// checked, whatever the alert says.
 bool isWorkingFolder(const std::optional<std::string>& path) {
     return path && !path->empty() && *path != "/";
 }
@@ -119,8 +119,8 @@ void AppDelegate::checkUserFolder(NSObject*) {
 
     platform_.foundation.startAccessingSecurityScopedResource(*bookmarkFileURL);
     outfolderB->setTitle(bookmarkFileURL->path());
-    // Preset to true, and not written for a missing path: a folder that has vanished is given up,
-    // so that frames do not go silently nowhere. What exists is accepted, whatever it is.
+    // Preset to true and not written for a missing path: a folder that has vanished is dropped, so
+    // that frames are not lost silently. Any existing path is accepted, a file too.
     bool isDirectory = true;
     const bool exists =
         platform_.foundation.defaultManager().fileExistsAtPath(outfolderB->title(), isDirectory);

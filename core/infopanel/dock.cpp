@@ -22,7 +22,7 @@ void mantisQRXpanel::dockIconSwitching(NSObject*) {
     } else {
         application.setActivationPolicy(NSApplicationActivationPolicyRegular);
     }
-    // The change puts the program behind others; it comes back once the click is over.
+    // The change puts the program behind others. It is activated once the click has been handled.
     dispatch_async(platform_.dispatch.dispatch_get_main_queue(),
                    [&application] { application.activateIgnoringOtherApps(true); });
 }

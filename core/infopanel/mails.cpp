@@ -26,7 +26,7 @@ void mantisQRXpanel::featureRequest(NSObject*) {
     const NSModalResponse answer = alert->runModal();
     if (answer == NSAlertFirstButtonReturn) {
         open(ownStorePage);
-        // The store gets going first.
+        // The store application starts first.
         platform_.foundation.currentRunLoop().runUntilDate(
             platform_.foundation.dateWithTimeIntervalSinceNow(0.1));
         openMail("%@ %@ - frature request", "\nmy request:\n\n\n\n\nmyname:\nmycountry:");

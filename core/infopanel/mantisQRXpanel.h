@@ -35,7 +35,7 @@ class NSUserDefaults;
 /// Main thread only. The panel outlives its menus and queued work: it lives as long as the process.
 /// Actions take the sender and, but for `excuteMyPromo`, ignore it.
 ///
-/// Several names are irregular; they are part of the interface and stay as they are.
+/// Several names are misspelled on purpose: they are part of the interface.
 class mantisQRXpanel : public NSPanel {
 public:
     explicit mantisQRXpanel(const Platform& platform);
@@ -75,8 +75,8 @@ public:
     std::int32_t demoCount = 0;
 
     // ---- Set-up --------------------------------------------------------------------------------
-    /// Takes the window and the outlets and offers the actions. Returns the names of the outlets
-    /// that the interface file lacks although the panel cannot do without them.
+    /// Takes the window, fills the outlets and offers the actions. Returns the names of the
+    /// required outlets that the interface file lacks.
     std::vector<std::string> connectInterface(NSNib& nib);
     /// Once, when the outlets are filled. Opens the tips unless the user did not want them again.
     void awakeFromNib();
@@ -100,12 +100,11 @@ public:
 
     // ---- Dock icon -----------------------------------------------------------------------------
     /// Shows the saved setting in the check box and applies it, without bringing the program to
-    /// the front. Once, when the outlets are filled and, at the first start, the panel is awake:
-    /// that stores the setting.
+    /// the front. Call once, after `awakeFromNib`, which stores the setting at the first start.
     void restoreDockSetting();
     void dockIconSwitching(NSObject* sender);
-    /// Saves the Dock setting and answers yes. Nothing else saves it: whoever ends the program asks
-    /// this first.
+    /// Saves the Dock setting and returns true. Nothing else saves it, so a front end calls this
+    /// before it ends the program.
     bool applicationShouldTerminateAfterLastWindowClosed();
 
     // ---- Auto-start hint -----------------------------------------------------------------------

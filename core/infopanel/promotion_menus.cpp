@@ -9,8 +9,8 @@ namespace vistrane {
 
 namespace {
 
-/// Where a title leads. A title that is none of the promotions, or none at all, leads to the list
-/// of all applications.
+/// The address that a title opens: the store page of its promotion, else the list of all
+/// applications.
 std::string addressOf(const std::optional<std::string>& title) {
     const std::vector<Promotion>& rows = promotions();
     const auto row = std::find_if(rows.begin(), rows.end(), [&title](const Promotion& promotion) {

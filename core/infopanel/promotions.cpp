@@ -2,8 +2,7 @@
 
 namespace vistrane {
 
-// All of these are placeholders on domains reserved for examples: whoever publishes the program
-// puts the real ones here.
+// These are placeholders on domains reserved for examples. Replace them to publish the program.
 
 const char developerSearchLink[] = "https://store.example.com/search?developer=mantisQRX";
 const char ownStorePage[] = "https://store.example.com/app/vistrane";

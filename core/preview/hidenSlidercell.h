@@ -9,8 +9,8 @@ namespace vistrane {
 
 class AppKit;
 
-/// The cell of a slider with a picture for a knob and no tick marks. All else is the standard
-/// slider's. The name is irregular and stays as it is.
+/// The cell of a slider with a picture as its knob and no tick marks. All else is the standard
+/// slider's. The name is misspelled on purpose: it is part of the interface.
 class hidenSlidercell final : public NSSliderCell {
 public:
     explicit hidenSlidercell(AppKit& appKit) : appKit_(appKit) {}

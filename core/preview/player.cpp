@@ -16,7 +16,7 @@ bool isWithin(const std::vector<std::string>& frames, std::int64_t index) {
     return static_cast<std::uint64_t>(index) < frames.size();
 }
 
-/// What the read-out says of the slider's frame.
+/// The read-out's text for the slider's frame.
 std::string frameReadOut(const NSSlider& slider, std::size_t count) {
     return stringWithFormat(
         "Displaying frame %d of %d",

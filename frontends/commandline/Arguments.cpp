@@ -3,11 +3,17 @@
 #include <algorithm>
 #include <charconv>
 #include <functional>
+#include <stdexcept>
 
-#include <getopt.h>
+#include <CLI/CLI.hpp>
 
 #include "core/capture/interval.h"
 #include "platform/foundation/NSString.h"
+
+// CLI11 parses the options. This is the only file that includes it, because it is slow to compile.
+// It does not parse the commands, because "vistrane --demo-camera frames" opens the window with the
+// folder "frames". It does not convert numbers, because it reads "010" as 8. It does not take the
+// operands, because it would take "-5" for one.
 
 namespace vistrane {
 
@@ -16,221 +22,219 @@ namespace {
 constexpr std::array presets = {"ultrafast", "superfast", "veryfast", "faster",   "fast",
                                 "medium",    "slow",      "slower",   "veryslow", "placebo"};
 
-std::optional<int> parseNumber(const std::string& text, int lowest, int highest) {
-    int number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [at, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || at != end || number < lowest || number > highest) {
-        return std::nullopt;
-    }
-    return number;
-}
-
-/// One option of a command. `take` gets the value (empty for an option without one) and returns
-/// what is wrong with it, or nothing.
-struct Option {
-    std::string name;
-    bool hasValue;
-    std::function<std::string(const std::string& value)> take;
+/// Says what is wrong with the arguments. No error of CLI11, which would change its text.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
 };
 
-Option flag(const std::string& name, bool& target) {
-    return {name, false, [&target](const std::string&) {
-                target = true;
-                return std::string();
-            }};
+/// Adds an option with a value. `take` gets the value of each occurrence, in order, and throws a
+/// `UsageError` if it is wrong.
+CLI::Option* addOption(CLI::App& app, const std::string& name,
+                       const std::function<void(const std::string& value)>& take) {
+    return app.add_option(name)->take_last()->each(take);
 }
 
-Option number(const std::string& name, int lowest, int highest,
-              const std::function<void(int)>& set) {
-    return {name, true, [=](const std::string& value) {
-                const auto parsed = parseNumber(value, lowest, highest);
-                if (!parsed) {
-                    return "--" + name + " takes a whole number from " + std::to_string(lowest) +
-                           " to " + std::to_string(highest) + ", not '" + value + "'.";
-                }
-                set(*parsed);
-                return std::string();
-            }};
+void addNumber(CLI::App& app, const std::string& name, int lowest, int highest,
+               const std::function<void(int)>& set) {
+    addOption(app, name, [=](const std::string& value) {
+        int number = 0;
+        const char* const end = value.data() + value.size();
+        const auto [at, error] = std::from_chars(value.data(), end, number);
+        if (error != std::errc() || at != end || number < lowest || number > highest) {
+            throw UsageError(name + " takes a whole number from " + std::to_string(lowest) +
+                             " to " + std::to_string(highest) + ", not '" + value + "'.");
+        }
+        set(number);
+    });
 }
 
-std::vector<Option> movieOptions(MovieArguments& movie) {
-    return {number("fps", 1, 60, [&movie](int rate) { movie.framesPerSecond = rate; }),
-            number("crf", 0, 51, [&movie](int factor) { movie.rateFactor = factor; }),
-            {"x264-preset", true, [&movie](const std::string& value) {
-                 if (std::find(presets.begin(), presets.end(), value) == presets.end()) {
-                     return "--x264-preset takes a preset from ultrafast to placebo, not '" +
-                            value + "'.";
-                 }
-                 movie.preset = value;
-                 return std::string();
-             }}};
+void addMovieOptions(CLI::App& app, MovieArguments& movie) {
+    addNumber(app, "--fps", 1, 60, [&movie](int rate) { movie.framesPerSecond = rate; });
+    addNumber(app, "--crf", 0, 51, [&movie](int factor) { movie.rateFactor = factor; });
+    addOption(app, "--x264-preset", [&movie](const std::string& value) {
+        if (std::find(presets.begin(), presets.end(), value) == presets.end()) {
+            throw UsageError("--x264-preset takes a preset from ultrafast to placebo, not '" +
+                             value + "'.");
+        }
+        movie.preset = value;
+    });
 }
 
-/// Hands each option to its taker and the operands to `operands`; returns what is wrong.
-std::string readOptions(const std::vector<std::string>& arguments,
-                        const std::vector<Option>& options, std::vector<std::string>& operands) {
-    std::vector<::option> table;
-    for (const Option& each : options) {
-        table.push_back(
-            {each.name.c_str(), each.hasValue ? required_argument : no_argument, nullptr, 0});
-    }
-    table.push_back({nullptr, 0, nullptr, 0});
-
-    // The first argument is the command, in the place of a program's name.
-    std::vector<std::string> copies = arguments;
-    std::vector<char*> pointers;
-    for (std::string& copy : copies) {
-        pointers.push_back(copy.data());
-    }
-    pointers.push_back(nullptr);
-    const int count = static_cast<int>(copies.size());
-
-    ::optind = 0; // starts over, whatever was read before
-    // The leading "-" gives operands in their place, whatever the environment says of the order.
-    int index = 0;
-    for (;;) {
-        const int result = ::getopt_long(count, pointers.data(), "-:", table.data(), &index);
-        if (result == -1) {
+/// Replaces "--name=value" by "--name", "value" and refuses it for a flag. CLI11 by itself reads
+/// "--fps= 5" as "--fps 5" and "--null=true" as "--null".
+std::vector<std::string> splitAtEquals(const CLI::App& app,
+                                       const std::vector<std::string>& arguments) {
+    std::vector<std::string> result;
+    for (auto at = arguments.begin(); at != arguments.end(); ++at) {
+        if (*at == "--") {
+            result.insert(result.end(), at, arguments.end());
             break;
         }
-        if (result == 1) {
-            operands.emplace_back(::optarg);
-            continue;
-        }
-        const std::string written = pointers[static_cast<std::size_t>(std::max(::optind - 1, 0))];
-        if (result == ':') {
-            return written + " needs a value.";
-        }
-        if (result != 0) {
-            return "There is no option '" + written + "' here, or it takes no value.";
-        }
-        const Option& option = options[static_cast<std::size_t>(index)];
-        const bool valueStandsAlone =
-            option.hasValue && ::optarg == pointers[static_cast<std::size_t>(::optind - 1)];
-        const std::string given =
-            pointers[static_cast<std::size_t>(::optind - (valueStandsAlone ? 2 : 1))];
-        // The C library takes the beginning of a name for the whole; another version may have
-        // another option that begins so.
-        if (given.substr(0, given.find('=')) != "--" + option.name) {
-            return "There is no option '" + given + "' here.";
-        }
-        std::string error = option.take(option.hasValue ? ::optarg : "");
-        if (!error.empty()) {
-            return error;
+        const std::size_t equals = at->find('=');
+        const CLI::Option* const option =
+            equals == std::string::npos ? nullptr : app.get_option_no_throw(at->substr(0, equals));
+        if (option == nullptr) {
+            result.push_back(*at);
+        } else if (option->get_items_expected_max() == 0) {
+            throw UsageError(option->get_name() + " takes no value.");
+        } else {
+            result.push_back(option->get_name());
+            result.push_back(at->substr(equals + 1));
         }
     }
-    for (int at = ::optind; at < count; ++at) {
-        operands.emplace_back(pointers[static_cast<std::size_t>(at)]);
-    }
-    return {};
+    return result;
 }
 
-/// Takes the one operand of a command, its folder; returns what is wrong.
-std::string takeFolder(const std::vector<std::string>& operands, std::string& folder) {
-    if (operands.empty() || operands.front().empty()) {
-        return "A folder is missing.";
+/// Parses the options, calls their functions, and returns the operands. `arguments` come without
+/// the command.
+std::vector<std::string> parseOptions(CLI::App& app, const std::vector<std::string>& arguments) {
+    app.set_help_flag();
+    app.allow_extras();
+    std::vector<std::string> reversed = splitAtEquals(app, arguments);
+    std::reverse(reversed.begin(), reversed.end());
+    try {
+        app.parse(std::move(reversed));
+    } catch (const CLI::ArgumentMismatch&) {
+        // Every option but the last argument is followed by its value.
+        throw UsageError(arguments.back() + " needs a value.");
+    }
+
+    std::vector<std::string> operands;
+    bool optionsHaveEnded = false;
+    for (const std::string& each : app.remaining()) {
+        if (!optionsHaveEnded && each == "--") {
+            optionsHaveEnded = true;
+        } else if (!optionsHaveEnded && each.size() > 1 && each.front() == '-') {
+            throw UsageError("There is no option '" + each + "' here.");
+        } else {
+            operands.push_back(each);
+        }
+    }
+    return operands;
+}
+
+/// The one operand of a command, or nothing.
+std::optional<std::string> optionalFolder(const std::vector<std::string>& operands) {
+    if (operands.empty()) {
+        return std::nullopt;
+    }
+    if (operands.front().empty()) {
+        throw UsageError("A folder is missing.");
     }
     if (operands.size() > 1) {
-        return "'" + operands[1] + "' is one argument too many.";
+        throw UsageError("'" + operands[1] + "' is one argument too many.");
     }
-    folder = operands.front();
-    return {};
+    return operands.front();
 }
 
-ParsedArguments result(Command command, const std::string& error) {
-    if (!error.empty()) {
-        return {std::nullopt, error};
-    }
-    return {std::move(command), {}};
+std::string requiredFolder(const std::vector<std::string>& operands) {
+    return optionalFolder(operands.empty() ? std::vector<std::string>{""} : operands).value();
 }
 
-/// A command with a folder: its options, then the folder.
-std::string readFolderCommand(const std::vector<std::string>& arguments,
-                              const std::vector<Option>& options, std::string& folder) {
-    std::vector<std::string> operands;
-    const std::string error = readOptions(arguments, options, operands);
-    return error.empty() ? takeFolder(operands, folder) : error;
-}
-
-ParsedArguments parseDevices(const std::vector<std::string>& arguments) {
-    DevicesCommand command;
-    std::vector<std::string> operands;
-    std::string error = readOptions(arguments, {flag("demo-camera", command.demoCamera)}, operands);
-    if (error.empty() && !operands.empty()) {
-        error = "'" + operands.front() + "' is one argument too many.";
-    }
-    return result(command, error);
-}
-
-ParsedArguments parseFrames(const std::vector<std::string>& arguments) {
-    FramesCommand command;
-    const std::string error =
-        readFolderCommand(arguments, {flag("null", command.endsWithNul)}, command.folder);
-    return result(command, error);
-}
-
-ParsedArguments parseCompile(const std::vector<std::string>& arguments) {
-    CompileCommand command;
-    const std::string error =
-        readFolderCommand(arguments, movieOptions(command.movie), command.folder);
-    return result(command, error);
-}
-
-ParsedArguments parseCapture(const std::vector<std::string>& arguments) {
-    CaptureCommand command;
-    std::vector<Option> options = movieOptions(command.movie);
-    bool movieOptionGiven = false;
-    for (Option& option : options) {
-        option.take = [take = option.take, &movieOptionGiven](const std::string& value) {
-            movieOptionGiven = true;
-            return take(value);
-        };
-    }
-    options.push_back(flag("compile", command.compiles));
-    options.push_back(flag("demo-camera", command.demoCamera));
-    options.push_back(number("count", 1, 1'000'000'000, [&](int n) { command.count = n; }));
-    options.push_back({"device", true, [&](const std::string& value) {
-                           command.device = value;
-                           return std::string();
-                       }});
-    options.push_back({"interval", true, [&](const std::string& value) {
-                           command.interval = parseInterval(value);
-                           return command.interval
-                                      ? std::string()
-                                      : "--interval takes H:M:S or seconds, not '" + value + "'.";
-                       }});
-    std::string error = readFolderCommand(arguments, options, command.folder);
-    if (error.empty() && command.device.empty()) {
-        error = "--device is missing; 'vistrane devices' lists the names.";
-    }
-    if (error.empty() && movieOptionGiven && !command.compiles) {
-        error = "--fps, --x264-preset and --crf go with --compile.";
-    }
-    return result(command, error);
-}
-
-/// The window: no command's name stands before its options and its folder.
-ParsedArguments parseWindow(const std::vector<std::string>& arguments) {
-    std::vector<std::string> named = {"vistrane"};
-    named.insert(named.end(), arguments.begin(), arguments.end());
+WindowCommand parseWindow(const std::vector<std::string>& arguments) {
     WindowCommand command;
-    std::vector<std::string> operands;
-    std::string error = readOptions(named, {flag("demo-camera", command.demoCamera)}, operands);
-    if (error.empty() && !operands.empty()) {
-        error = takeFolder(operands, command.folder.emplace());
-    }
-    return result(command, error);
+    CLI::App app;
+    app.add_flag("--demo-camera", command.demoCamera);
+    command.folder = optionalFolder(parseOptions(app, arguments));
+    return command;
 }
 
-ParsedArguments parseDemo(const std::vector<std::string>& arguments) {
-    std::vector<std::string> operands;
-    std::string error = readOptions(arguments, {}, operands);
-    DemoCommand command;
-    if (error.empty() && !operands.empty()) {
-        error = takeFolder(operands, command.folder.emplace());
+DevicesCommand parseDevices(const std::vector<std::string>& arguments) {
+    DevicesCommand command;
+    CLI::App app;
+    app.add_flag("--demo-camera", command.demoCamera);
+    const std::vector<std::string> operands = parseOptions(app, arguments);
+    if (!operands.empty()) {
+        throw UsageError("'" + operands.front() + "' is one argument too many.");
     }
-    return result(command, error);
+    return command;
+}
+
+FramesCommand parseFrames(const std::vector<std::string>& arguments) {
+    FramesCommand command;
+    CLI::App app;
+    app.add_flag("--null", command.endsWithNul);
+    command.folder = requiredFolder(parseOptions(app, arguments));
+    return command;
+}
+
+CompileCommand parseCompile(const std::vector<std::string>& arguments) {
+    CompileCommand command;
+    CLI::App app;
+    addMovieOptions(app, command.movie);
+    command.folder = requiredFolder(parseOptions(app, arguments));
+    return command;
+}
+
+CaptureCommand parseCapture(const std::vector<std::string>& arguments) {
+    CaptureCommand command;
+    CLI::App app;
+    addMovieOptions(app, command.movie);
+    app.add_flag("--compile", command.compiles);
+    app.add_flag("--demo-camera", command.demoCamera);
+    addNumber(app, "--count", 1, 1'000'000'000, [&](int number) { command.count = number; });
+    addOption(app, "--device", [&](const std::string& value) { command.device = value; });
+    addOption(app, "--interval", [&](const std::string& value) {
+        command.interval = parseInterval(value);
+        if (!command.interval) {
+            throw UsageError("--interval takes H:M:S or seconds, not '" + value + "'.");
+        }
+    });
+    command.folder = requiredFolder(parseOptions(app, arguments));
+    if (command.device.empty()) {
+        throw UsageError("--device is missing; 'vistrane devices' lists the names.");
+    }
+    const bool hasMovieOption =
+        app.count("--fps") + app.count("--x264-preset") + app.count("--crf") > 0;
+    if (hasMovieOption && !command.compiles) {
+        throw UsageError("--fps, --x264-preset and --crf go with --compile.");
+    }
+    return command;
+}
+
+DemoCommand parseDemo(const std::vector<std::string>& arguments) {
+    CLI::App app;
+    return {optionalFolder(parseOptions(app, arguments))};
+}
+
+bool asksForHelp(const std::vector<std::string>& arguments) {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    return std::any_of(arguments.begin(), end, [](const std::string& argument) {
+        return argument == "--help" || argument == "-h";
+    });
+}
+
+Command parseCommand(const std::vector<std::string>& arguments) {
+    if (asksForHelp(arguments)) {
+        return HelpCommand{};
+    }
+    if (arguments.empty()) {
+        return WindowCommand{};
+    }
+    const std::string& name = arguments.front();
+    const std::vector<std::string> others(arguments.begin() + 1, arguments.end());
+    if (name == "--version") {
+        if (!others.empty()) {
+            throw UsageError("--version stands alone.");
+        }
+        return VersionCommand{};
+    }
+    if (name == "devices") {
+        return parseDevices(others);
+    }
+    if (name == "frames") {
+        return parseFrames(others);
+    }
+    if (name == "compile") {
+        return parseCompile(others);
+    }
+    if (name == "capture") {
+        return parseCapture(others);
+    }
+    if (name == "demo") {
+        return parseDemo(others);
+    }
+    return parseWindow(arguments);
 }
 
 } // namespace
@@ -241,8 +245,7 @@ std::optional<IntervalTexts> parseInterval(const std::string& text) {
         if (integerValue(text) <= 0) {
             return IntervalTexts{"0", "0", text};
         }
-        // Before it is split: each field has a limit of its own, and the parts of a longer time
-        // within their limits would be another time.
+        // Limited before it is split: limiting each field would give another time.
         constexpr std::int64_t longest =
             totalSeconds(highestHours, highestSixtieths, highestSixtieths);
         const std::int64_t seconds = std::min(integerValue(text), longest);
@@ -258,35 +261,11 @@ std::optional<IntervalTexts> parseInterval(const std::string& text) {
 }
 
 ParsedArguments parseArguments(const std::vector<std::string>& arguments) {
-    for (const std::string& argument : arguments) {
-        if (argument == "--") {
-            break;
-        }
-        if (argument == "--help" || argument == "-h") {
-            return {HelpCommand{}, {}};
-        }
+    try {
+        return {parseCommand(arguments), {}};
+    } catch (const UsageError& error) {
+        return {std::nullopt, error.what()};
     }
-    const std::string name = arguments.empty() ? std::string() : arguments.front();
-    if (name == "--version") {
-        return arguments.size() == 1 ? ParsedArguments{VersionCommand{}, {}}
-                                     : ParsedArguments{std::nullopt, "--version stands alone."};
-    }
-    if (name == "devices") {
-        return parseDevices(arguments);
-    }
-    if (name == "frames") {
-        return parseFrames(arguments);
-    }
-    if (name == "compile") {
-        return parseCompile(arguments);
-    }
-    if (name == "capture") {
-        return parseCapture(arguments);
-    }
-    if (name == "demo") {
-        return parseDemo(arguments);
-    }
-    return parseWindow(arguments);
 }
 
 std::string helpText() {
@@ -294,30 +273,30 @@ std::string helpText() {
 
 Usage:
   vistrane [FOLDER] [--demo-camera]
-      Open the window; with a folder, as if it had just been chosen there. A folder that has the
-      name of a command is written with its path: ./demo.
+      Open the window. A folder is used as if you had just chosen it in the window. If it has the
+      name of a command, write it as a path: ./demo.
   vistrane devices [--demo-camera]
-      Print the names of the cameras, one a line.
+      Print the names of the cameras, one per line.
   vistrane frames FOLDER [--null]
-      Print the full paths of the folder's frames in movie order, one a line (--null: each ended
-      by a NUL byte instead).
+      Print the full paths of the folder's frames in movie order, one per line. With --null, a
+      NUL byte ends each path instead.
   vistrane compile FOLDER [--fps N] [--x264-preset NAME] [--crf N]
-      Make a movie of the folder's frames, in the folder, and print its path. N frames a second,
-      1 to 60, 30 unless given.
+      Make a movie of the folder's frames, in the folder, and print its path. --fps sets the
+      frames per second, 1 to 60; the default is 30.
   vistrane capture FOLDER --device NAME [--interval H:M:S] [--count N]
                    [--compile [--fps N] [--x264-preset NAME] [--crf N]] [--demo-camera]
-      Save a still into the folder at once and one every interval, and print each path. The
-      interval is given as H:M:S or in seconds, 5 seconds unless given, at most 999:59:59.
-      Without --count capturing goes on until it is interrupted, and no movie is made.
+      Save a still into the folder now and after every interval, and print each path. The
+      interval is H:M:S or a number of seconds, at most 999:59:59; the default is 5 seconds.
+      Without --count, capturing continues until it is interrupted, and no movie is made.
   vistrane demo [FOLDER]
-      Capture ten stills from the demo camera, one a second, and make a movie of them at 10 frames
-      a second; in a new folder in your Videos folder unless one is given. Print the movie's path.
+      Capture ten stills from the demo camera, one per second, make a movie of them at 10 frames
+      per second, and print its path. The default folder is a new one in your Videos folder.
   vistrane --help | --version
 
 --demo-camera offers a built-in test picture under the name "Demo Camera".
 
-Results go to standard output, messages to standard error. Exit status: 0 done, 1 refused or
-failed, 2 wrong usage, 130 after an interrupt (129, 143 after a hang-up, a termination).
+Results go to standard output, messages to standard error. The exit status is 0 for success, 1
+for a failure, 2 for wrong usage, and 129, 130 or 143 after SIGHUP, SIGINT or SIGTERM.
 )";
 }
 

@@ -8,15 +8,16 @@
 
 namespace vistrane {
 
-/// The texts of the interval's three fields, as a user would type them.
+/// The texts of the interval's three fields (hours, minutes, seconds) as a user would type them.
 using IntervalTexts = std::array<std::string, 3>;
 
-/// How a movie is made. Rate: 1 to 60 frames a second, the slider's range.
+/// How to encode a movie.
 struct MovieArguments {
+    /// 1 to 60, the slider's range.
     int framesPerSecond = 30;
-    /// An x264 preset; empty for the program's own choice.
+    /// An x264 preset. Empty: the program's default.
     std::string preset;
-    /// Constant rate factor, 0 to 51; nothing for the program's own choice.
+    /// Constant rate factor, 0 to 51. Nothing: the program's default.
     std::optional<int> rateFactor;
 };
 
@@ -24,7 +25,7 @@ struct HelpCommand {};
 struct VersionCommand {};
 
 struct WindowCommand {
-    /// Nothing: the folder of the last time.
+    /// Nothing: the remembered folder.
     std::optional<std::string> folder;
     bool demoCamera = false;
 };
@@ -46,9 +47,9 @@ struct CompileCommand {
 struct CaptureCommand {
     std::string folder;
     std::string device;
-    /// Nothing: the interface's own interval.
+    /// Nothing: the program's default interval.
     std::optional<IntervalTexts> interval;
-    /// Frames to save; nothing: until a signal.
+    /// How many frames to save. Nothing: until a signal.
     std::optional<int> count;
     bool compiles = false;
     MovieArguments movie;
@@ -63,21 +64,22 @@ struct DemoCommand {
 using Command = std::variant<HelpCommand, VersionCommand, WindowCommand, DevicesCommand,
                              FramesCommand, CompileCommand, CaptureCommand, DemoCommand>;
 
-/// What the arguments ask for, or what is wrong with them.
+/// The command, or what is wrong with the arguments.
 struct ParsedArguments {
     std::optional<Command> command;
     std::string error;
 };
 
-/// Reads the arguments after the program's name. The first one is a command if there is one of that
-/// name, else a folder for the window, or an option of the window. Options may stand anywhere after
-/// the command, as "--name value" or "--name=value"; "--" ends them.
+/// Parses the arguments that follow the program's name. If the first one is not the name of a
+/// command, all of them are options and the folder of the window. Options may come in any order and
+/// between operands, as "--name value" or "--name=value". "--" ends the options. Of an option that
+/// is given twice, the last value counts.
 ParsedArguments parseArguments(const std::vector<std::string>& arguments);
 
-/// "H:M:S" gives the three fields' texts as they stand. A text without a colon is read as a field
-/// reads it, by its leading integer: seconds, which are split into hours, minutes and seconds, at
-/// most the longest interval. One that is not above 0 goes into the seconds field as it stands.
-/// Nothing for a text with one colon or more than two.
+/// "H:M:S" is split at the colons, unchanged. A text without a colon is a number of seconds, read
+/// by its leading integer as a field reads it; it is limited to the longest interval and split into
+/// hours, minutes and seconds. If it is not greater than 0, it becomes the text of the seconds
+/// field unchanged. Nothing for a text with one colon or more than two.
 std::optional<IntervalTexts> parseInterval(const std::string& text);
 
 /// The help text, ending in a newline.

@@ -9,21 +9,21 @@
 
 namespace vistrane {
 
-/// Which frames went into a movie. Written by the compile thread, which loads one frame and then
-/// appends it; read by any thread.
+/// Which frames were added to a movie. The compile thread loads one frame, then appends it, and
+/// reports both here. Any thread may read.
 class CompileReport {
 public:
-    /// The next append belongs to this frame.
+    /// The next append is this frame's.
     void frameIsLoaded(const std::string& path);
     void frameCouldNotBeRead(const NSError& reason);
 
     void frameWasAppended();
     void frameWasRefused(const NSError& reason);
 
-    /// One line for each frame that was left out, then one that counts.
+    /// One line for each frame that was left out, then a line with the counts.
     std::vector<std::string> lines() const;
-    /// The same without a movie: the frames that were refused for the reason why there is none are
-    /// not to blame and not named.
+    /// The lines for a movie that failed. They leave out the frames that were refused for the same
+    /// reason: those frames are not the cause.
     std::vector<std::string> linesWithoutMovie(const NSError& reason) const;
 
 private:

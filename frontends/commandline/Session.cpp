@@ -7,23 +7,19 @@
 #include <cstdlib>
 #include <cstring>
 #include <set>
-#include <thread>
 
 #include <unistd.h>
 
-#include "backends/console/ConsoleDispatch.h"
-#include "backends/console/ConsoleFoundation.h"
 #include "backends/console/ConsoleInterface.h"
+#include "backends/console/ConsoleOutput.h"
 #include "backends/console/ConsoleWorkspace.h"
 #include "backends/console/MemoryUserDefaults.h"
-#include "backends/pictures/MediaCoreGraphics.h"
-#include "backends/pictures/MediaCoreVideo.h"
 #include "backends/posix/BackgroundWriter.h"
-#include "backends/posix/EndingSignals.h"
+#include "backends/qt/loop/core_application.h"
 #include "core/app/AppDelegate.h"
-#include "frontends/MediaAVFoundation.h"
+#include "frontends/SessionBackend.h"
+#include "frontends/commandline/CommandObserver.h"
 #include "frontends/commandline/SessionAppKit.h"
-#include "frontends/commandline/SessionObserver.h"
 #include "frontends/commandline/version.h"
 #include "platform/shown_text.h"
 
@@ -55,74 +51,50 @@ std::string outputError(int number) {
     return std::string("vistrane: Cannot write to standard output: ") + std::strerror(number) + ".";
 }
 
-/// The backend and the controller, in the order in which they need each other.
+/// The back end and the controller, in the order in which they need each other.
 struct Session::Parts {
     explicit Parts(const SessionOptions& options)
-        : cameras(dispatch, observer, cameraOptions(options)),
-          movies(observer, movieOptions(options.movie)), cleanUp(options.cleanUp) {
+        : backend(loop, defaults, log, observer,
+                  {programVersion, cameraOptions(options), movieOptions(options.movie)}),
+          cleanUp(options.cleanUp) {
         interface.addTo(nib);
-        foundation.setThreadFailureHandler([this] { threadIsMissing = true; });
+        backend.foundation.setThreadFailureHandler([this] { threadIsMissing = true; });
         interface.progressBar->setObserver(
             [this](double value, double maximum) { output.showProgress(value, maximum); });
     }
 
-    NSModalResponse answer(const ConsoleAlert& alert) {
-        if (alert.isOnMainThread()) {
+    NSModalResponse answer() {
+        if (loop.isMainThread()) {
             alertWasShown = true;
             return NSAlertFirstButtonReturn;
         }
-        // The movie cannot be created. Nobody is there to answer: the command ends, and until then
-        // the compile thread waits.
+        // The movie cannot be created. The main thread ends the process; until then the compile
+        // thread waits here.
         loop.mainQueue().async([this] { movieWasRefused = true; });
         for (;;) {
             ::pause();
         }
     }
 
-    /// The main thread is held up. A frame that it is just writing is waited for, and movies that
-    /// are not whole are taken away, neither of them for ever: the folder's disk may not answer.
-    [[noreturn]] void endWithoutMainThread(int status) {
-        std::thread([status] {
-            std::this_thread::sleep_for(std::chrono::seconds(5));
-            std::_Exit(status);
-        }).detach();
-        while (observer.isWritingFile()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        movies.abandonAll();
-        cleanUp();
-        std::_Exit(status);
-    }
-
-    /// Nobody reads the results any more.
-    void resultsFailed() {
-        loop.mainQueue().async([this] { outputIsClosed = true; });
-    }
-
     ConsoleOutput output{STDERR_FILENO};
-    ConsoleRunLoop loop;
-    BackgroundWriter results{STDOUT_FILENO, [this](int) { resultsFailed(); }};
-    ConsoleDispatch dispatch{loop};
+    const std::function<void(const std::string&)> log = [this](const std::string& line) {
+        output.writeLine(line);
+    };
+    QtRunLoop loop;
+    BackgroundWriter results{
+        STDOUT_FILENO, [this](int) { loop.mainQueue().async([this] { outputIsClosed = true; }); }};
     MemoryUserDefaults defaults;
-    ConsoleFoundation foundation{loop, defaults, output, programVersion};
     CompileReport report;
-    SessionObserver observer{output, loop, report};
-    Pictures pictures{observer};
-    MediaCoreVideo coreVideo;
-    MediaCoreGraphics coreGraphics{coreVideo};
-    Cameras cameras;
-    Movies movies;
-    MediaAVFoundation avFoundation{cameras, movies};
-    /// A finished movie is this program's output; no other program is opened for it.
+    CommandObserver observer{log, loop, report};
+    SessionBackend backend;
+    /// The command prints the movie's path. It opens no other program.
     ConsoleWorkspace workspace{[](const NSURL&) { return true; }};
-    SessionAppKit appKit{std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{
-                             loop, [this](const std::string& text) { output.writeLine(text); },
-                             [this](const ConsoleAlert& alert) { return answer(alert); }}),
-                         workspace, loop, pictures, report};
+    SessionAppKit appKit{std::make_shared<const ConsoleAlertRules>(
+                             ConsoleAlertRules{loop, log, [this] { return answer(); }}),
+                         workspace, loop, backend.pictures, report};
     ConsoleInterface interface;
     ConsoleNib nib;
-    AppDelegate controller{
-        Platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch}};
+    AppDelegate controller{backend.platform(appKit)};
     const std::function<void()> cleanUp;
     std::string folder;
     bool isLaunched = false;
@@ -133,25 +105,20 @@ struct Session::Parts {
     bool isInterrupted = false;
 };
 
-Session::Session(const SessionOptions& options) : parts_(*new Parts(options)) {
-    EndingSignals::handle({[this](int status) {
-                               parts_.loop.mainQueue().async([this, status] {
-                                   parts_.isInterrupted = true;
-                                   end(status);
-                               });
-                           },
-                           [this](int status) { parts_.endWithoutMainThread(status); }});
-
-    // The settings of a first run, so that the controller stores its own values, with a folder that
-    // the user has confirmed.
+Session::Session(const SessionOptions& options)
+    : parts_((makeCoreApplication(), *new Parts(options))) {
+    SessionBackend::Endings endings;
+    endings.end = [this](int status) {
+        parts_.isInterrupted = true;
+        end(status);
+    };
+    endings.cleanUp = options.cleanUp;
+    parts_.backend.handleSignals(endings);
     if (options.folder) {
         parts_.folder = *options.folder;
-        const BookmarkDataResult bookmark = parts_.foundation.bookmarkDataWithOptions(
-            NSURL::fileURLWithPath(*options.folder), NSURLBookmarkCreationWithSecurityScope);
-        if (bookmark.error) {
-            fail(bookmark.error->localizedDescription);
+        if (const auto error = parts_.backend.rememberFolder(*options.folder)) {
+            fail(error->localizedDescription);
         }
-        parts_.defaults.setObject(bookmark.data, "iData");
     }
 }
 
@@ -161,8 +128,8 @@ void Session::launch() {
         fail("The interface has no control '" + missing.front() + "'.");
     }
     {
-        // There is no interface that sets itself up meanwhile.
-        const ConsoleRunLoop::HurryScope hurry(parts_.loop);
+        // The controller gives the interface time to settle, which there is no need for.
+        const QtRunLoop::HurryScope hurry(parts_.loop);
         parts_.controller.awakeFromNib();
     }
     parts_.controller.applicationDidFinishLaunching();
@@ -174,7 +141,7 @@ std::vector<std::string> Session::deviceNames() const {
 }
 
 std::vector<std::string> Session::frames() {
-    // Ten listings: one that fails may work again, but not for ever.
+    // Enough for ten listings: a later one may succeed.
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
     AppDelegate& controller = parts_.controller;
     waitUntil(
@@ -198,8 +165,8 @@ void Session::pickDevice(const std::string& name) {
         }
         fail(message);
     }
-    // Two cameras of one name share an item, and the items after it belong to other cameras than
-    // they say.
+    // Two cameras of the same name share an item. All items after it then have the index of another
+    // camera.
     const auto index = static_cast<std::size_t>(found - names.begin());
     if (parts_.controller.allAVdevices.at(index)->localizedName() != name) {
         fail("Two cameras have the same name, so that the camera '" + name +
@@ -253,15 +220,15 @@ bool Session::capture(std::optional<int> count,
     startButton.performClick();
     waitUntil([&] { return isOver; });
 
-    // Stills that were asked for before the end may still come.
+    // Stills that were requested before the end may still arrive.
     parts_.observer.frameWasSaved = saved;
     parts_.observer.frameCouldNotBeSaved = nullptr;
     waitForListing(lastPath);
     return failures == 0;
 }
 
-/// The frame list follows the folder within a tenth of a second; a frame that was taken away
-/// meanwhile is not waited for.
+/// Waits until the frame list, which is updated ten times a second, has this frame. Gives up after
+/// a second: the frame may have been deleted.
 void Session::waitForListing(const std::string& path) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
     waitUntil([&] {
@@ -313,7 +280,7 @@ void Session::end(int status) {
     if (parts_.isLaunched) {
         parts_.controller.applicationWillTerminate();
     }
-    parts_.movies.abandonAll();
+    parts_.backend.movies.abandonAll();
     if (parts_.isInterrupted) {
         parts_.results.flush(std::chrono::milliseconds(200));
     } else if (!parts_.results.flush()) {
@@ -323,7 +290,7 @@ void Session::end(int status) {
     if (status != 0) {
         parts_.cleanUp();
     }
-    // Threads may still be at work, so nothing is taken apart.
+    // Other threads may still be running, so nothing is destroyed.
     std::_Exit(status);
 }
 
@@ -337,17 +304,17 @@ void Session::waitUntil(const std::function<bool()>& condition) {
         if (parts_.outputIsClosed) {
             end(1);
         }
-        parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(0.02));
+        parts_.loop.runUntilDate(parts_.backend.foundation.dateWithTimeIntervalSinceNow(0.02));
     }
 }
 
 void Session::waitForStampBoundary() {
-    // Frames are named by the second. With an interval of whole seconds every still falls into
-    // the same part of its second; started early in one, none slips into a neighbour's.
-    const double now = parts_.foundation.date().timeIntervalSince1970;
+    // Frame names have a resolution of one second, and each still comes a little late. Starting
+    // early in a second keeps every still in its own second.
+    const double now = parts_.backend.foundation.date().timeIntervalSince1970;
     const double fraction = now - std::floor(now);
     const double delay = fraction < 0.1 ? 0.1 - fraction : fraction > 0.4 ? 1.1 - fraction : 0.0;
-    parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(delay));
+    parts_.loop.runUntilDate(parts_.backend.foundation.dateWithTimeIntervalSinceNow(delay));
 }
 
 } // namespace vistrane

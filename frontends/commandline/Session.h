@@ -10,33 +10,32 @@
 
 namespace vistrane {
 
-/// What is said when standard output fails with that error number.
+/// The message for a failure of standard output. `number` is an errno value.
 std::string outputError(int number);
 
-/// What a command needs of the machine.
+/// What a command needs.
 struct SessionOptions {
-    /// The project folder, checked; nothing for a command without one.
+    /// The project folder, already checked. Nothing for a command without one.
     std::optional<std::string> folder = std::nullopt;
-    /// Whether the machine's cameras are looked for.
+    /// Whether to look for the machine's cameras.
     bool findsCameras = false;
     bool demoCamera = false;
     MovieArguments movie = {};
-    /// Called last when the process ends with another exit status than 0. Any thread.
+    /// Called last when the process ends with an exit status other than 0. Any thread.
     std::function<void()> cleanUp = [] {};
 };
 
-/// The program without a window: the controller with plain controls, real media and its own run
-/// loop, driven as a user would drive it. One for the process; main thread only.
+/// The program without a window: the controller with plain controls and real media. The session
+/// operates the controls as a user would, and looks at the controls and the disk to see what
+/// happened. One for the process; main thread only.
 ///
-/// A session starts from settings of its own, in memory: those of a first run, in which the folder
-/// counts as confirmed.
-/// An interrupt, a hang-up or a termination ends the process at any moment, with 128 + the signal
-/// as its exit status and nothing half-written. What a command does next is decided by looking at
-/// what the controls show and what has reached the disk.
+/// The settings are those of a first run in which the user has confirmed the folder. They are kept
+/// in memory only. SIGINT, SIGHUP and SIGTERM end the process at any time, with exit status 128 +
+/// the signal, and leave no unfinished file.
 class Session {
 public:
     explicit Session(const SessionOptions& options);
-    /// Sessions end with the process: see `end`.
+    /// A session ends with the process: see `end`.
     ~Session() = delete;
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -46,31 +45,31 @@ public:
 
     // ---- What a user sees --------------------------------------------------------------------
     std::vector<std::string> deviceNames() const;
-    /// Waits for the folder's first listing. Ends the process when it cannot be listed.
+    /// Waits for the first listing of the folder. Ends the process if there is none.
     std::vector<std::string> frames();
 
     // ---- What a user does --------------------------------------------------------------------
-    /// Picks the device; ends the process when it cannot be opened or there is none of that name.
+    /// Selects the device. Ends the process if it does not exist or cannot be opened.
     void pickDevice(const std::string& name);
     void enterInterval(const IntervalTexts& texts);
-    /// Captures until `count` frames are saved, without a count for ever; calls `saved` with each
-    /// frame's path. Returns false when a still could not be saved.
+    /// Captures `count` stills, or without a count until the process ends. Calls `saved` with the
+    /// path of each frame. Returns false if a still could not be saved.
     bool capture(std::optional<int> count, const std::function<void(const std::string&)>& saved);
-    /// Compiles the folder and returns the movie's path when it is whole; ends the process when it
-    /// fails or is refused.
+    /// Compiles the folder and returns the path of the finished movie. Ends the process if that
+    /// fails.
     std::string compile(int framesPerSecond);
 
     // ---- Output ------------------------------------------------------------------------------
-    /// One result to standard output, ended by `end`. Returns at once, read or not; the process
-    /// ends with status 1 when nobody can read it.
+    /// Writes a result and `end` to standard output. Does not block. If standard output fails, the
+    /// process ends with status 1.
     void print(const std::string& result, char end = '\n');
-    /// One message to standard error.
+    /// Writes a message and a newline to standard error.
     void say(const std::string& message);
 
-    /// Ends the process with that exit status, as a user quits: session stopped, movies that are
-    /// not whole taken away. Nothing is waited for.
+    /// Ends the process with that exit status, as if the user had quit: stops the camera session
+    /// and removes unfinished movies. Does not wait for other threads.
     [[noreturn]] void end(int status);
-    /// Says why, then ends with status 1.
+    /// Writes the message to standard error, then ends the process with status 1.
     [[noreturn]] void fail(const std::string& message);
 
 private:

@@ -6,20 +6,19 @@
 
 #include "backends/console/ConsoleAlert.h"
 #include "backends/console/ConsoleApplication.h"
-#include "backends/console/ConsoleMenu.h"
 #include "backends/console/ConsoleOpenPanel.h"
-#include "backends/console/ConsoleRunLoop.h"
 #include "backends/pictures/PictureAppKit.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "frontends/commandline/CompileReport.h"
 
 namespace vistrane {
 
-/// The AppKit kit of the command line: plain controls and alerts as text, real pictures. Tells the
-/// report which frame the compile thread loads. What is given here outlives it.
+/// The AppKit kit of the command line: alerts as text, real pictures, no panels or menus. Reports
+/// which frame the compile thread loads. The constructor's arguments outlive it.
 class SessionAppKit final : public PictureAppKit {
 public:
     SessionAppKit(std::shared_ptr<const ConsoleAlertRules> alertRules, NSWorkspace& workspace,
-                  const ConsoleRunLoop& loop, const Pictures& pictures, CompileReport& report)
+                  const QtRunLoop& loop, const Pictures& pictures, CompileReport& report)
         : PictureAppKit(pictures), alertRules_(std::move(alertRules)), workspace_(workspace),
           loop_(loop), report_(report) {}
 
@@ -34,12 +33,13 @@ public:
     std::unique_ptr<NSOpenPanel> openPanel() override {
         return std::make_unique<ConsoleOpenPanel>();
     }
-    std::shared_ptr<NSMenu> menu() override { return std::make_shared<ConsoleMenu>(); }
+    /// Only the info panel creates menus, and the command line has none.
+    std::shared_ptr<NSMenu> menu() override { return nullptr; }
 
-    /// Every command is a first run, which is nothing to be told of.
+    /// Every command is a first run, so the beep of a first run says nothing.
     void NSBeep() override {}
 
-    /// There is nothing to draw resources on.
+    /// Pictures of the interface are not drawn.
     std::shared_ptr<NSImage> imageNamed(const std::string&) override { return nullptr; }
 
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {
@@ -52,7 +52,7 @@ public:
 private:
     const std::shared_ptr<const ConsoleAlertRules> alertRules_;
     NSWorkspace& workspace_;
-    const ConsoleRunLoop& loop_;
+    const QtRunLoop& loop_;
     CompileReport& report_;
     ConsoleApplication application_;
 };

@@ -14,9 +14,9 @@ namespace vistrane {
 
 namespace {
 
-/// A file that is opened later must not get the number of a closed standard stream: what is
-/// written to that stream would end up in the file. Writing to the stand-in fails as it would to
-/// the closed stream.
+/// Opens /dev/null for each standard stream that is closed. A file that is opened later would get
+/// the stream's number, and output would go into that file. /dev/null is opened for reading, so
+/// that writing fails as it does for a closed stream.
 void occupyStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(stream, F_GETFD) == -1) {

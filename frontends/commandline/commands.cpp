@@ -27,7 +27,7 @@ int refuse(const std::string& reason) {
     return 1;
 }
 
-/// For a word that cannot be told from a misspelled command.
+/// A hint for an argument that may be a misspelled command.
 std::string hintOnCommands(const std::string& folder) {
     const bool isOneWord = folder.find('/') == std::string::npos;
     return isOneWord ? " There is no command '" + shownText(folder) +
@@ -35,7 +35,7 @@ std::string hintOnCommands(const std::string& folder) {
                      : "";
 }
 
-/// Prints without a session; the exit status.
+/// Writes to standard output without a session. Returns the exit status.
 int print(const std::string& text) {
     BackgroundWriter output(STDOUT_FILENO, [](int) {});
     output.write(text);
@@ -46,7 +46,7 @@ int print(const std::string& text) {
     return 1;
 }
 
-/// A launched session; it ends with the process.
+/// Creates and launches a session. It ends with the process.
 Session& startSession(const SessionOptions& options) {
     Session& session = *new Session(options);
     session.launch();

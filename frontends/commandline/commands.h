@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// Carries a command out and returns the exit status; may end the process itself.
+/// Runs a command. Returns the exit status, or ends the process itself.
 int runCommand(const Command& command);
 
 } // namespace vistrane

@@ -14,7 +14,7 @@ namespace vistrane {
 
 namespace {
 
-/// The value of a line of the form `XDG_VIDEOS_DIR="$HOME/Videos"` or `..."/absolute"`; empty for
+/// The path in a line `XDG_VIDEOS_DIR="$HOME/Videos"` or `XDG_VIDEOS_DIR="/absolute"`. Empty for
 /// any other line.
 std::string videosOfLine(const std::string& line, const std::string& home) {
     const std::string before = "XDG_VIDEOS_DIR=\"";

@@ -4,20 +4,20 @@
 
 namespace vistrane {
 
-/// The user's Videos folder as the desktop's list of user folders (`user-dirs.dirs` in the
-/// configuration folder) names it, else "Videos" in the home folder. Absolute; not created.
+/// The absolute path of the user's Videos folder: from `user-dirs.dirs` in the configuration
+/// folder, else "Videos" in the home folder. It may not exist.
 std::string videosFolder();
 
-/// A new folder, or why there is none.
+/// The path of a new folder, or the reason why there is none.
 struct NewFolder {
     std::string path;
     std::string error;
 };
 
-/// Creates a folder in `parent` (and that too where it is missing), named after the local time.
+/// Creates a folder named after the local time in `parent`, and `parent` if it does not exist.
 NewFolder createDemoFolder(const std::string& parent);
 
-/// Takes such a folder away again, unless something is in it. Any thread.
+/// Removes such a folder if it is empty. Any thread.
 void removeIfEmpty(const std::string& folder);
 
 } // namespace vistrane

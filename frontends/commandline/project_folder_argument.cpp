@@ -14,7 +14,7 @@ namespace vistrane {
 
 namespace {
 
-/// Leaves links alone where the path can be shortened without asking the file system.
+/// Removes components that change nothing. Resolves symbolic links only if ".." makes it necessary.
 std::string shortened(const std::filesystem::path& path) {
     bool goesUp = false;
     std::string text;

@@ -4,16 +4,16 @@
 
 namespace vistrane {
 
-/// A project folder that was named on the command line, or why it cannot be one.
+/// A project folder that was given on the command line, or why it cannot be used.
 struct ProjectFolderArgument {
-    /// Absolute, without a trailing slash, "." and empty components; links kept.
+    /// Absolute, without ".", empty components and a trailing slash. Symbolic links are kept.
     std::string path;
-    /// One line for people; empty when the folder can be used.
+    /// A message of one line. Empty if the folder can be used.
     std::string error;
 };
 
-/// Looks whether `argument`, relative to the working directory or absolute, is a folder that can
-/// be listed and is not the root. Creates nothing.
+/// Checks that `argument`, a relative or absolute path, is a folder that can be listed and is not
+/// the root. Creates nothing.
 ProjectFolderArgument projectFolderArgument(const std::string& argument);
 
 } // namespace vistrane

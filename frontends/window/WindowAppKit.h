@@ -15,7 +15,7 @@
 
 namespace vistrane {
 
-/// The AppKit kit of the window. What is given here outlives it.
+/// The AppKit kit of the window. The constructor's arguments outlive it.
 class WindowAppKit final : public PictureAppKit {
 public:
     WindowAppKit(NSApplication& application, NSWorkspace& workspace,

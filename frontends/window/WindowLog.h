@@ -6,26 +6,26 @@
 
 namespace vistrane {
 
-/// The program's messages on its standard error output. Any thread. Writing holds
-/// nobody up; what comes while a reader leaves a megabyte unread is lost.
+/// Writes the program's messages to standard error. Any thread. Writing does not block; messages
+/// are discarded while more than a megabyte is unread.
 class WindowLog {
 public:
-    /// `descriptor` stays the caller's. One for the process, for all its life.
+    /// The caller keeps `descriptor` open. One for the process; it is never destroyed.
     explicit WindowLog(int descriptor);
 
-    /// The message as it is, and a line end.
+    /// Writes the message unchanged, then a newline.
     void write(const std::string& message);
 
-    /// Waits a moment for what was written, for a process that is about to end.
+    /// Waits up to 200 ms for pending messages. For a process that is about to end.
     void flush();
 
-    /// Says why and ends the process with status 1.
+    /// Writes the message, then ends the process with status 1.
     [[noreturn]] void fail(const std::string& message);
 
-    /// From now on Qt's messages go into this log. One that ends the process, which Qt would do
-    /// with a core dump, ends it with status 1.
+    /// From now on Qt's messages go into this log. After a fatal message the process ends with
+    /// status 1 and not, as Qt would end it, with a core dump.
     void takeMessagesOfQt();
-    /// What ends the process from now on is no longer the fault of a missing display.
+    /// A fatal message from now on is not due to a missing display.
     void windowCanBeOpened();
 
 private:

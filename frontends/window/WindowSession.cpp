@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
-#include <thread>
 #include <utility>
 
 #include <QApplication>
@@ -13,44 +11,37 @@
 #include <QMenu>
 #include <QWindow>
 
-#include "backends/pictures/MediaCoreGraphics.h"
-#include "backends/pictures/MediaCoreVideo.h"
-#include "backends/posix/EndingSignals.h"
-#include "backends/posix/FileUserDefaults.h"
 #include "backends/posix/clock.h"
-#include "backends/posix/threads.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/qt/controls/QtInterface.h"
+#include "backends/qt/menus/CloseRequests.h"
 #include "backends/qt/menus/QtApplication.h"
 #include "backends/qt/menus/StatusIcon.h"
 #include "backends/qt/system/Appearance.h"
-#include "backends/qt/system/CloseRequests.h"
-#include "backends/qt/system/QtDispatch.h"
-#include "backends/qt/system/QtFoundation.h"
+#include "backends/qt/system/QtUserDefaults.h"
 #include "backends/qt/system/QtWorkspace.h"
 #include "backends/qt/system/SleepInhibitor.h"
 #include "core/app/AppDelegate.h"
 #include "core/infopanel/mantisQRXpanel.h"
-#include "frontends/MediaAVFoundation.h"
+#include "frontends/SessionBackend.h"
 #include "frontends/window/WindowAppKit.h"
-#include "frontends/window/WindowObserver.h"
 
 namespace vistrane {
 
 namespace {
 
-/// Whatever is compiled, the window answers.
-MovieOptions optionsOfMovies() {
+/// Encoding has low priority, so that the window stays responsive.
+MovieOptions movieOptions() {
     MovieOptions options;
-    options.givesWay = true;
+    options.isLowPriority = true;
     return options;
 }
 
-/// How often capturing is looked at, in seconds: how long the machine may stay awake too long.
-constexpr double captureLook = 1.0;
+/// How often to check whether the program captures, in seconds.
+constexpr double captureCheckInterval = 1.0;
 
-/// How long the start waits for the main window to be seen before it looks for cameras.
-constexpr double patienceForDisplay = 0.5;
+/// How long to wait for the windows to be exposed, in seconds.
+constexpr double exposeTimeout = 0.5;
 
 CameraOptions cameraOptions(const WindowOptions& options) {
     CameraOptions result;
@@ -60,16 +51,16 @@ CameraOptions cameraOptions(const WindowOptions& options) {
 
 } // namespace
 
-/// The backend and the two objects, in the order in which they need each other.
+/// The back end and the two objects, in the order in which they need each other.
 struct WindowSession::Parts {
     Parts(const WindowOptions& options, WindowLog& theLog)
-        : log(theLog), cameras(dispatch, observer, cameraOptions(options)),
-          foundation(loop, defaults, notificationCenter, logLine, options.version) {
+        : log(theLog), backend(loop, defaults, logLine, observer,
+                               {options.version, cameraOptions(options), movieOptions()}) {
         defaults.setSystemString("AppleInterfaceStyle",
                                  [this] { return appearance.interfaceStyle(); });
     }
 
-    /// The window that dialogs belong to: the one in use, to which the keyboard then returns.
+    /// The parent of dialogs: the active window, which then gets the keyboard back.
     QWidget* dialogParent() {
         QWidget& main = interface.mainWindow();
         QWidget* const active = QApplication::activeWindow();
@@ -79,45 +70,18 @@ struct WindowSession::Parts {
         return window.isVisible() && !window.isMinimized() ? &window : nullptr;
     }
 
-    /// The main thread is held up. If it is about to end the process, only its camera or disk is
-    /// slow, and the settings are still to be saved: it has its time. A frame that it is just
-    /// writing is waited for, and movies that are not whole are taken away, neither of them for
-    /// ever: the folder's disk may not answer.
-    [[noreturn]] void endWithoutMainThread(int status) {
-        startDetachedThread([status] {
-            std::this_thread::sleep_for(std::chrono::seconds(5));
-            std::_Exit(status);
-        });
-        while (isEnding) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        while (observer.isWritingFile()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        movies.abandonAll();
-        std::_Exit(status);
-    }
-
     WindowLog& log;
     const std::function<void(const std::string&)> logLine = [this](const std::string& line) {
         log.write(line);
     };
     QtRunLoop loop;
-    QtDispatch dispatch{loop};
-    FileUserDefaults defaults{settingsPath(), logLine};
-    NotificationCenter notificationCenter;
+    QtUserDefaults defaults{settingsPath(), logLine};
     Appearance appearance;
     SleepInhibitor sleepInhibitor{logLine};
-    WindowObserver observer{log};
-    Pictures pictures{observer};
-    MediaCoreVideo coreVideo;
-    MediaCoreGraphics coreGraphics{coreVideo};
-    Cameras cameras;
-    Movies movies{observer, optionsOfMovies()};
-    MediaAVFoundation avFoundation{cameras, movies};
-    QtFoundation foundation;
+    SessionObserver observer{logLine};
+    SessionBackend backend;
     QtWorkspace workspace{[this](const std::string& path, Movies::Finished callback) {
-                              return movies.whenFinished(path, std::move(callback));
+                              return backend.movies.whenFinished(path, std::move(callback));
                           },
                           logLine};
     QtResources resources;
@@ -127,21 +91,21 @@ struct WindowSession::Parts {
     WindowAppKit appKit{application, workspace,
                         std::make_shared<const QtDialogRules>(
                             QtDialogRules{loop, [this] { return dialogParent(); }, widgetOf}),
-                        resources, pictures};
+                        resources, backend.pictures};
     std::unique_ptr<CloseRequests> closeRequests;
-    const Platform platform{foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch};
+    const Platform platform = backend.platform(appKit);
     AppDelegate controller{platform};
     mantisQRXpanel panel{platform};
-    /// What waited for the main window to be drawn is done.
+    /// `mainWindowIsDrawn` has run.
     bool isDrawn = false;
-    /// Shared with who ends the process: the settings are restored and may be saved.
+    /// The settings are restored. Before that, ending saves nothing.
     bool isLaunched = false;
     std::atomic<bool> isEnding{false};
 };
 
 namespace {
 
-/// The session for an end that Qt brings about by itself, for instance when its display is gone.
+/// The session to end if Qt calls `exit` itself, for instance when the display is gone.
 WindowSession* running = nullptr;
 
 } // namespace
@@ -149,18 +113,10 @@ WindowSession* running = nullptr;
 WindowSession::WindowSession(const WindowOptions& options, WindowLog& log)
     : parts_(*new Parts(options, log)) {
     if (options.folder) {
-        rememberFolder(*options.folder);
+        if (const auto error = parts_.backend.rememberFolder(*options.folder)) {
+            log.fail(error->localizedDescription);
+        }
     }
-}
-
-void WindowSession::rememberFolder(const std::string& path) {
-    const BookmarkDataResult bookmark = parts_.foundation.bookmarkDataWithOptions(
-        NSURL::fileURLWithPath(path), NSURLBookmarkCreationWithSecurityScope);
-    if (bookmark.error) {
-        parts_.log.fail(bookmark.error->localizedDescription);
-    }
-    parts_.defaults.setObject(bookmark.data, "iData");
-    parts_.defaults.synchronize();
 }
 
 void WindowSession::launch() {
@@ -168,19 +124,18 @@ void WindowSession::launch() {
     followAppearance();
     connectInterface();
     parts_.interface.holdSmallWindows();
-    // A window without a task-bar entry never has one.
+    // Before the window is shown: a window manager may not remove a task-bar entry later.
     const bool isDockSettingStored = parts_.defaults.integerForKey("firstTime") == 1;
     if (isDockSettingStored) {
         parts_.panel.restoreDockSetting();
     }
     showMainWindow();
-    // The controller lets the loop run before it sets the controls: the window is drawn meanwhile.
+    // The controller runs the loop before it sets the controls, which draws the window.
     parts_.controller.awakeFromNib();
     parts_.panel.awakeFromNib();
     if (!isDockSettingStored) {
         parts_.panel.restoreDockSetting();
     }
-    // The settings are in the controls now.
     parts_.isLaunched = true;
     showOtherWindows();
     parts_.controller.applicationDidFinishLaunching();
@@ -189,7 +144,7 @@ void WindowSession::launch() {
 }
 
 void WindowSession::run(const std::function<void()>& launched) {
-    // Within the loop: to be told to quit counts from now on.
+    // In the loop, so that a request to quit takes effect from now on.
     parts_.loop.mainQueue().async([this, &launched] {
         launch();
         if (launched) {
@@ -241,20 +196,20 @@ void WindowSession::mainWindowIsDrawn() {
     if (const std::shared_ptr<NSImage> icon = parts_.resources.imageNamed("vistrane")) {
         QApplication::setWindowIcon(iconOf(*icon));
     }
-    parts_.cameras.prepare();
+    parts_.backend.cameras.prepare();
 }
 
 void WindowSession::showOtherWindows() {
-    mainWindowIsDrawn(); // At the latest: it may be on a desktop that is not seen.
+    mainWindowIsDrawn(); // Even if it was not: the window may be on another desktop.
     parts_.statusIcon = std::make_unique<StatusIcon>(
         parts_.interface.statusMenu(), QApplication::windowIcon(), "Vistrane",
         [this] { parts_.controller.realUnhide(&parts_.controller); });
     awaitDisplay();
-    // Only now: what appears last is in front, and the main window's place is known.
+    // Last, so that they are in front of the main window and can be placed beside it.
     parts_.interface.releaseSmallWindows();
     awaitDisplay();
     if (QApplication::activeWindow() == nullptr) {
-        // Some window managers do not give the keyboard to a new window that has no task-bar entry.
+        // Some window managers do not activate a new window that has no task-bar entry.
         takeKeyboard();
     }
 }
@@ -274,24 +229,24 @@ void WindowSession::awaitDisplay() {
             return !window->isVisible() || window->windowHandle()->isExposed();
         });
     };
-    const double limit = wallClockNow().timeIntervalSince1970 + patienceForDisplay;
+    const double limit = wallClockNow().timeIntervalSince1970 + exposeTimeout;
     while (!isExposed() && wallClockNow().timeIntervalSince1970 < limit) {
-        parts_.loop.runUntilDate(parts_.foundation.dateWithTimeIntervalSinceNow(0.01));
+        parts_.loop.runUntilDate(parts_.backend.foundation.dateWithTimeIntervalSinceNow(0.01));
     }
-    parts_.loop.runUntilDate(parts_.foundation.date());
+    parts_.loop.runUntilDate(parts_.backend.foundation.date());
 }
 
 void WindowSession::followAppearance() {
     applyPalette(parts_.appearance.isDark());
     parts_.appearance.setChangeHandler([this] {
         applyPalette(parts_.appearance.isDark());
-        parts_.notificationCenter.post("AppleInterfaceThemeChangedNotification");
+        parts_.backend.notificationCenter.post("AppleInterfaceThemeChangedNotification");
     });
 }
 
 void WindowSession::keepAwakeWhileCapturing() {
     parts_.loop.scheduleTimer(
-        captureLook,
+        captureCheckInterval,
         [this](NSTimer&) {
             const std::shared_ptr<NSTimer>& timer = parts_.controller.myTimer;
             parts_.sleepInhibitor.setActive(timer && timer->isValid());
@@ -303,9 +258,8 @@ void WindowSession::handleEndings() {
     running = this;
     std::atexit([] { running->end(1); });
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { end(0); });
-    EndingSignals::handle(
-        {[this](int status) { parts_.loop.mainQueue().async([this, status] { end(status); }); },
-         [this](int status) { parts_.endWithoutMainThread(status); }});
+    parts_.backend.handleSignals({.end = [this](int status) { end(status); },
+                                  .isEnding = [this] { return parts_.isEnding.load(); }});
 }
 
 bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
@@ -313,7 +267,7 @@ bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
         end(0);
     }
     if (event->type() == QEvent::Expose) {
-        // Its drawing comes first.
+        // Queued, so that the window is drawn first.
         watched->removeEventFilter(this);
         parts_.loop.mainQueue().async([this] { mainWindowIsDrawn(); });
     }
@@ -321,16 +275,16 @@ bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void WindowSession::end(int status) {
-    // What is done here may run events that end the program once more.
+    // These calls may process events that end the program again.
     if (!parts_.isEnding.exchange(true) && parts_.isLaunched) {
-        // Either may have something to save; neither has ever said no.
+        // Both save their settings here. Their result is always yes.
         parts_.panel.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationWillTerminate();
     }
-    parts_.movies.abandonAll();
+    parts_.backend.movies.abandonAll();
     parts_.log.flush();
-    // Threads may still be at work, so nothing is taken apart.
+    // Other threads may still be running, so nothing is destroyed.
     std::_Exit(status);
 }
 

@@ -9,41 +9,39 @@
 
 namespace vistrane {
 
-/// The program in its window: the controller and the info panel with the interface files, real
-/// media and Qt's event loop. One for the process; main thread only, and the QApplication is there.
+/// The program in its window: the controller and the info panel with the interface files and real
+/// media. One for the process. Main thread only, after `makeApplication`.
 ///
-/// The process ends at once, with status 0, when the main window is closed or the program is quit,
-/// whatever else is open: settings are saved, movies that are not whole are taken away, nothing is
-/// waited for. An interrupt, a hang-up or a termination ends it the same way, with 128 + the
-/// signal as its status.
+/// Closing the main window or quitting ends the process at once with status 0, whatever else is
+/// open: settings are saved, unfinished movies are removed, other threads are not waited for.
+/// SIGINT, SIGHUP and SIGTERM do the same with status 128 + the signal.
 class WindowSession final : public QObject {
 public:
     WindowSession(const WindowOptions& options, WindowLog& log);
-    /// Never called: sessions end with the process.
+    /// Never called: a session ends with the process.
     ~WindowSession() override = default;
 
-    /// Shows the main window, wakes the interface's objects and runs the program to its end.
-    /// `launched` is called when all that is to be seen at first is there.
+    /// Shows the main window, sends `awakeFromNib` and runs the program to its end. `launched` is
+    /// called when all initial windows are shown.
     [[noreturn]] void run(const std::function<void()>& launched = {});
 
 protected:
-    /// Sees the main window close.
+    /// Watches the main window for close and expose events.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     struct Parts;
 
     void launch();
-    void rememberFolder(const std::string& path);
     void connectInterface();
     void tellThatNoCameraIsThere();
     void showMainWindow();
-    /// What can wait until the user sees something. Once, however often it is called.
+    /// Does what can wait until the main window is drawn. The second call does nothing.
     void mainWindowIsDrawn();
     void showOtherWindows();
-    /// Looking for cameras takes a moment in which nothing is drawn.
+    /// Waits a short time until all shown windows are exposed: looking for cameras blocks drawing.
     void awaitDisplay();
-    /// The last window in the interface that shows gets it.
+    /// Gives the keyboard to the last visible window of the interface.
     void takeKeyboard();
     void followAppearance();
     void keepAwakeWhileCapturing();

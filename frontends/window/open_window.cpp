@@ -29,13 +29,13 @@ void makeApplication() {
     static char* arguments[] = {name, nullptr};
     QCoreApplication::setApplicationName("vistrane");
     QGuiApplication::setDesktopFileName("vistrane");
-    // The session ends the program itself, with what is to be saved.
+    // The session ends the program itself, after saving.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     new QApplication(count, arguments);
 }
 
 void openWindow(const WindowOptions& options) {
-    // Nothing here is ever taken apart: threads may still be at work when the process ends.
+    // Nothing here is destroyed: threads may still be running when the process ends.
     WindowLog& log = *new WindowLog(STDERR_FILENO);
     if (!hasDisplay()) {
         log.fail("There is no display to open a window on. 'vistrane --help' tells what can be "

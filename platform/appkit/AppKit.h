@@ -16,8 +16,8 @@
 
 namespace vistrane {
 
-/// Class messages and functions of the AppKit kit. Main thread only, except where a line says
-/// more.
+/// Class messages and functions of AppKit. Main thread only, unless a comment says otherwise.
+/// Returned objects are owned by the caller; references are valid as long as the kit.
 class AppKit {
 public:
     virtual ~AppKit() = default;
@@ -39,16 +39,16 @@ public:
 
     /// A picture of the program's resources; null when there is none of that name.
     virtual std::shared_ptr<NSImage> imageNamed(const std::string& name) = 0;
-    /// A picture file; null when it cannot be read. Never blocks on what is no regular file. Any
-    /// thread.
+    /// A picture file; null when it cannot be read. Does not block on a file that is not regular.
+    /// Any thread.
     virtual std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) = 0;
-    /// A picture from the bytes of a file; null without data or when they are no picture.
+    /// A picture from the bytes of a file; null without data or when they are not a picture.
     virtual std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) = 0;
-    /// Null without data or when they are no picture.
+    /// Null without data or when they are not a picture.
     virtual std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) = 0;
 
-    /// The graphics context of the calling thread. Any thread. The context wraps `context` and
-    /// must be out of use before that is released.
+    // The graphics state of the calling thread. Any thread. The graphics context wraps `context`
+    // and must not be current any more when that is released.
     virtual std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
                                                                             bool flipped) = 0;
     virtual void saveGraphicsState() = 0;

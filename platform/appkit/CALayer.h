@@ -8,14 +8,14 @@
 
 namespace vistrane {
 
-/// What a view shows behind and between its contents. Main thread only.
+/// A drawing surface of a view, behind its contents. Main thread only.
 class CALayer : public NSObject {
 public:
-    /// In the coordinates of the layer above.
+    /// In points, in the coordinates of the layer that contains it.
     virtual void setFrame(CGRect frame) = 0;
     virtual void setBackgroundColor(CGColor color) = 0;
 
-    /// Puts `layer` on top of the layers already there and keeps it.
+    /// Adds `layer` above the existing sublayers. This layer shares the ownership.
     virtual void addSublayer(std::shared_ptr<CALayer> layer) = 0;
 };
 

@@ -16,10 +16,10 @@ inline constexpr NSModalResponse NSModalResponseOK = 1;
 /// The first added button; the second returns one more, and so on.
 inline constexpr NSModalResponse NSAlertFirstButtonReturn = 1000;
 
-/// A message that waits for an answer. Made, set up and run by one thread.
+/// A message that waits for an answer. Created, set up and run on one thread, which may be any.
 ///
-/// On the main thread `runModal` blocks the caller, and timers hold back meanwhile: each has at
-/// most one late tick afterwards. The main queue's work goes on. On another thread it blocks that
+/// On the main thread `runModal` blocks the caller. Timers do not fire meanwhile; each fires at
+/// most once late afterwards. Work of the main queue still runs. On another thread it blocks that
 /// thread only, without using processor time.
 class NSAlert : public NSObject {
 public:
@@ -30,7 +30,7 @@ public:
     /// without buttons has one that confirms.
     virtual void addButtonWithTitle(const std::string& title) = 0;
 
-    /// Shown below the texts. The view belongs to the interface file and goes back to it.
+    /// Shown below the texts. The view stays the interface file's; the alert borrows it.
     virtual void setAccessoryView(std::shared_ptr<NSView> view) = 0;
 
     virtual NSWindow& window() = 0;

@@ -7,9 +7,9 @@ namespace vistrane {
 /// What the application tells its delegate, on the main thread.
 class NSApplicationDelegate {
 public:
-    /// Once, after the interface file was loaded and before the run loop starts.
+    /// Called once, after the interface file was loaded and before the run loop starts.
     virtual void applicationDidFinishLaunching() = 0;
-    /// Once, right before the process ends normally.
+    /// Called once, right before the process ends normally.
     virtual void applicationWillTerminate() = 0;
     /// Whether the program ends when its last window was closed.
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
@@ -29,7 +29,7 @@ enum NSApplicationActivationPolicy : NSInteger {
 class NSApplication : public NSObject {
 public:
     virtual void miniaturizeAll(NSObject* sender) = 0;
-    /// Takes effect at once. Returns whether it did.
+    /// Takes effect at once. Returns whether the policy changed.
     virtual bool setActivationPolicy(NSApplicationActivationPolicy policy) = 0;
     virtual void activateIgnoringOtherApps(bool ignoring) = 0;
 };

@@ -13,7 +13,7 @@ enum NSControlStateValue : NSInteger { NSControlStateValueOff = 0, NSControlStat
 /// A push button, toggle or check box. Main thread only, except `setEnabled`.
 class NSButton : public NSObject {
 public:
-    /// Byte-exact: what was set is what is read.
+    /// Returns the bytes that were set, valid UTF-8 or not.
     virtual std::string title() const = 0;
     virtual void setTitle(const std::string& title) = 0;
 
@@ -24,7 +24,7 @@ public:
     /// Any thread. A disabled button does not send its action.
     virtual void setEnabled(bool enabled) = 0;
 
-    /// Null takes the picture away.
+    /// Null removes the picture.
     virtual void setImage(std::shared_ptr<NSImage> image) = 0;
     virtual void setAlternateImage(std::shared_ptr<NSImage> image) = 0;
 };

@@ -19,8 +19,9 @@ public:
     /// In points: pixels x 72 / dpi where the file has a physical density, else pixels.
     virtual NSSize size() const = 0;
 
-    /// The picture at its own pixel size as an uncompressed TIFF file; null when it cannot be
-    /// decoded.
+    /// The picture at its own pixel size, decoded, for `AppKit::imageRepWithData`; null when it
+    /// cannot be decoded. The program reads no bytes of the result, so a back end may return data
+    /// that carries the pixels and whose bytes are of another lossless file format than TIFF.
     virtual std::shared_ptr<NSData> TIFFRepresentation() const = 0;
 
     /// Draws into the thread's current graphics context with the picture's bottom left corner at

@@ -19,24 +19,25 @@ using NSAction = std::function<void(NSObject* sender)>;
 /// an item without a target sends nothing. Main thread only.
 class NSMenuItem : public NSObject {
 public:
-    /// What the item stands for; nothing until it is set.
+    /// The text that identifies what the item stands for; nothing until it is set.
     virtual std::optional<std::string> representedObject() const = 0;
     virtual void setRepresentedObject(const std::string& object) = 0;
 
     /// The object that the action belongs to; it outlives the item. Null for none.
     virtual void setTarget(NSObject* target) = 0;
 
-    /// Null takes the picture away.
+    /// Null removes the picture.
     virtual void setImage(std::shared_ptr<NSImage> image) = 0;
 
-    /// Replaces an earlier submenu; the item keeps it.
+    /// Replaces an earlier submenu. The item shares the ownership.
     virtual void setSubmenu(std::shared_ptr<NSMenu> submenu) = 0;
 };
 
 /// A menu. Main thread only.
 class NSMenu : public NSObject {
 public:
-    /// Appends an item and returns it; the menu keeps it. An empty key equivalent means none.
+    /// Appends an item and returns it. The menu shares the ownership. An empty key equivalent means
+    /// none.
     virtual std::shared_ptr<NSMenuItem> addItemWithTitle(const std::string& title, NSAction action,
                                                          const std::string& keyEquivalent) = 0;
 

@@ -18,7 +18,7 @@
 
 namespace vistrane {
 
-/// A loaded interface file as one of its objects sees it while that is connected. Main thread only.
+/// A loaded interface file, while one of its objects is connected to it. Main thread only.
 ///
 /// An object asks for its outlets and offers its actions, each by name. The file decides which
 /// control an outlet means and which control sends which action. Each object has names of its own:
@@ -41,11 +41,11 @@ public:
     virtual void outlet(const std::string& name, std::shared_ptr<NSMenu>& field) = 0;
     virtual void outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) = 0;
 
-    /// Gives an object that is a panel itself the window that the file describes for it.
+    /// Gives an object that is itself a panel the window that the file describes for it.
     virtual void window(NSPanel& panel) = 0;
 
-    /// Offers a class of slider cells under its name. The file makes one for each slider that is
-    /// to have it, and wakes it.
+    /// Offers a class of slider cells under its name. The file creates and wakes one for each
+    /// slider that names the class.
     virtual void sliderCell(const std::string& className,
                             std::function<std::shared_ptr<NSSliderCell>()> make) = 0;
 

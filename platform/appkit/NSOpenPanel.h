@@ -20,10 +20,10 @@ public:
     /// The title of the button that confirms.
     virtual void setPrompt(const std::string& prompt) = 0;
 
-    /// `NSModalResponseOK` when the user confirmed. Timers hold back meanwhile.
+    /// `NSModalResponseOK` when the user confirmed. Timers do not fire meanwhile.
     virtual NSModalResponse runModal() = 0;
 
-    /// The choice; nothing when there is none.
+    /// The choice; nothing before the user has confirmed.
     virtual std::optional<NSURL> URL() const = 0;
 };
 

@@ -8,9 +8,8 @@
 
 namespace vistrane {
 
-/// A window of a class of the program's own, a small one beside the main window. The interface
-/// file says what is in it: `NSNib::window` gives it the window that the backend made, and all
-/// that is asked of the panel goes there. Main thread only.
+/// A window that is an object of the program. `NSNib::window` gives it the window that the backend
+/// made from the interface file, and the panel forwards all messages to that. Main thread only.
 class NSPanel : public NSWindow {
 public:
     void setContents(std::shared_ptr<NSWindow> contents) { contents_ = std::move(contents); }

@@ -5,14 +5,14 @@
 
 namespace vistrane {
 
-/// What a slider asks while it draws itself. A slider of the standard look has none; the interface
-/// file gives a class of cells to those that differ. Main thread only.
+/// Draws parts of a slider. A slider of the standard look has no cell; the interface file names a
+/// class of cells for the others. Main thread only.
 class NSSliderCell : public NSObject {
 public:
-    /// Once, when the interface file has made the cell and before it draws.
+    /// Called once, after the interface file has created the cell and before it draws.
     virtual void awakeFromNib() = 0;
 
-    /// Where a tick mark is drawn, in the slider's coordinates; an empty rectangle for nowhere.
+    /// Where a tick mark is drawn, in the slider's coordinates; empty for no tick mark.
     virtual NSRect rectOfTickMarkAtIndex(NSInteger index) = 0;
 
     /// Draws the knob into the current graphics context, which is the slider's.

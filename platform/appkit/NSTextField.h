@@ -12,7 +12,7 @@ class NSTextField : public NSObject {
 public:
     virtual void setStringValue(const std::string& text) = 0;
 
-    /// The leading integer of the text, else 0; a number out of range gives the nearest in range.
+    /// The leading integer of the text, else 0; clamped to the type's range.
     virtual std::int32_t intValue() const = 0;
     virtual NSInteger integerValue() const = 0;
 

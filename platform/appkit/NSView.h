@@ -11,10 +11,11 @@ namespace vistrane {
 /// A rectangle of a window. Main thread only.
 class NSView : public NSObject {
 public:
+    /// In points, in the view's own coordinates.
     virtual NSRect bounds() const = 0;
 
     virtual void setWantsLayer(bool wanted) = 0;
-    /// Null unless a layer is wanted.
+    /// Null unless a layer is wanted. The view owns it.
     virtual std::shared_ptr<CALayer> layer() = 0;
 
     virtual void setNeedsDisplay(bool needed) = 0;

@@ -6,10 +6,11 @@
 
 namespace vistrane {
 
-/// A window. Main thread only, except the window of an alert, which its alert's thread uses.
+/// A window. Main thread only; an alert's window belongs to the thread of its alert.
 class NSWindow : public NSObject {
 public:
-    /// Null ends any edit: the edited field takes over its text and sends its action.
+    /// Null ends any edit: the edited field commits its text and sends its action. Returns whether
+    /// the first responder changed.
     virtual bool makeFirstResponder(NSObject* responder) = 0;
     virtual void makeKeyAndOrderFront(NSObject* sender) = 0;
     virtual void setTitle(const std::string& title) = 0;

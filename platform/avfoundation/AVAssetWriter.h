@@ -18,11 +18,11 @@ class AVAssetWriterInput : public NSObject {
 public:
     virtual void setExpectsMediaDataInRealTime(bool realTime) = 0;
 
-    /// May wait a bounded moment (a tenth of a second at most) for room, so that asking again and
-    /// again costs no processor time.
+    /// May wait for room, for a tenth of a second at most, so that a loop over it costs no
+    /// processor time.
     virtual bool isReadyForMoreMediaData() = 0;
 
-    /// Nothing will be appended any more.
+    /// No picture follows.
     virtual void markAsFinished() = 0;
 };
 
@@ -31,35 +31,36 @@ class AVAssetWriterInputPixelBufferAdaptor : public NSObject {
 public:
     virtual AVAssetWriterInput& assetWriterInput() = 0;
 
-    /// Adds a picture that is shown from `time` on. Times rise. A picture of another size than the
-    /// track's is fitted in, aspect kept, centred on black. The buffer is only read, and may be
-    /// released after the return. False when refused: without a buffer, with one that a damaged
-    /// picture was drawn into, out of order, or after a failure; the writer's `error` says why.
+    /// Adds a picture with the presentation time `time`. Times must rise. A picture of another size
+    /// than the track's is fitted in with its aspect kept, centred on black. The buffer is only
+    /// read, and may be released after the return. False when the picture is refused: no buffer, a
+    /// buffer into which a damaged picture was drawn, a time out of order, or an earlier failure.
+    /// The writer's `error` is the reason.
     virtual bool appendPixelBuffer(CVPixelBufferRef buffer, CMTime time) = 0;
 
     /// Null before writing has started.
     virtual CVPixelBufferPoolRef pixelBufferPool() = 0;
 };
 
-/// Writes one movie file. One thread, except where a line says more.
+/// Writes one movie file. One thread.
 ///
-/// Under the movie's name there is a whole movie or nothing: it appears when it is finished, and
-/// never replaces a file. A writer that goes away unfinished leaves nothing behind.
+/// Under the movie's name there is a complete movie or nothing: it appears when it is finished, and
+/// never replaces a file. A writer that is destroyed unfinished leaves nothing behind.
 class AVAssetWriter : public NSObject {
 public:
     virtual void addInput(std::shared_ptr<AVAssetWriterInput> input) = 0;
     virtual bool startWriting() = 0;
     virtual void startSessionAtSourceTime(CMTime time) = 0;
 
-    /// The reason of the last refusal or failure; nothing when all went well.
+    /// The reason of the failure, else of the last refusal; nothing when there was none.
     virtual std::optional<NSError> error() const = 0;
 
-    /// Returns at once. `handler` is called once, on any thread, when the file is whole or has
-    /// failed. The work goes on when the caller lets the writer go.
+    /// Returns at once. `handler` is called once, on any thread, when the file is complete or has
+    /// failed. The writer may be destroyed meanwhile.
     virtual void finishWritingWithCompletionHandler(std::function<void()> handler) = 0;
 };
 
-/// A writer, or why there is none. Only the error tells.
+/// A writer, or why there is none. Creation has failed if and only if there is an error.
 struct AVAssetWriterResult {
     std::shared_ptr<AVAssetWriter> writer;
     std::optional<NSError> error;

@@ -26,24 +26,25 @@ public:
     virtual bool hasMediaType(AVMediaType type) const = 0;
     /// Valid UTF-8.
     virtual std::string localizedName() const = 0;
-    /// Photo: the device offers raw or JPEG pictures, not only an encoded stream.
+    /// The photo preset needs a device that offers raw or JPEG pictures, not only an encoded
+    /// stream.
     virtual bool supportsAVCaptureSessionPreset(AVCaptureSessionPreset preset) const = 0;
 };
 
-/// A query for devices and its answer.
+/// A query for devices and its result. Main thread only.
 class AVCaptureDeviceDiscoverySession : public NSObject {
 public:
     /// In the platform's order.
     virtual std::vector<std::shared_ptr<AVCaptureDevice>> devices() const = 0;
 };
 
-/// One device as a source of a session.
+/// One device as a source of a session. Main thread only.
 class AVCaptureDeviceInput : public NSObject {
 public:
     virtual std::shared_ptr<AVCaptureDevice> device() const = 0;
 };
 
-/// An input, or why there is none.
+/// An input, or the reason why there is none.
 struct AVCaptureDeviceInputResult {
     std::shared_ptr<AVCaptureDeviceInput> input;
     std::optional<NSError> error;

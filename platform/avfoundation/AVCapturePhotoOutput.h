@@ -13,25 +13,25 @@ namespace vistrane {
 
 class AVCapturePhotoOutput;
 
-/// The wishes for one still. A settings object serves one capture only.
+/// The settings of one still. An object serves one capture only.
 class AVCapturePhotoSettings : public NSObject {
 public:
     /// Differs for every settings object of the process.
     virtual std::int64_t uniqueID() const = 0;
 };
 
-/// A still that has arrived.
+/// A still.
 class AVCapturePhoto : public NSObject {
 public:
-    /// The bytes of a picture file that `AppKit::imageWithData` reads; null when there are none.
+    /// File data for `AppKit::imageWithData`; null when there are none.
     virtual std::shared_ptr<NSData> fileDataRepresentation() const = 0;
 };
 
-/// Gets the outcome of each requested still.
+/// Receives the outcome of each requested still.
 class AVCapturePhotoCaptureDelegate {
 public:
-    /// On the main thread, once for each request, in the order of the requests. Either `photo` or
-    /// `error` is there.
+    /// Called on the main thread, once for each request, in the order of the requests. Exactly one
+    /// of `photo` and `error` is set. `photo` is valid during the call.
     virtual void captureOutputDidFinishProcessingPhoto(AVCapturePhotoOutput& output,
                                                        const AVCapturePhoto* photo,
                                                        const std::optional<NSError>& error) = 0;
@@ -46,12 +46,12 @@ class AVCaptureConnection : public NSObject {};
 /// Takes stills from a running session. Main thread only.
 class AVCapturePhotoOutput : public NSObject {
 public:
-    /// The connection for that medium; null while the session has no such input.
+    /// The connection for that media type; null while the session has no such input.
     virtual std::shared_ptr<AVCaptureConnection> connectionWithMediaType(AVMediaType type) = 0;
 
-    /// Requests one still: the next new picture after this call, at full size. Never blocks. The
-    /// outcome comes later, an error too, and for a session that does not run as well. The
-    /// delegate outlives the output.
+    /// Requests one still: the first picture taken after this call, at full size. Never blocks.
+    /// The delegate is called later, never from within this call, also with errors and when the
+    /// session is not running. The delegate outlives the output.
     virtual void capturePhotoWithSettings(std::shared_ptr<AVCapturePhotoSettings> settings,
                                           AVCapturePhotoCaptureDelegate& delegate) = 0;
 };

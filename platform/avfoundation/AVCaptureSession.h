@@ -18,16 +18,16 @@ public:
     virtual bool canAddOutput(const AVCapturePhotoOutput& output) const = 0;
     virtual void addOutput(std::shared_ptr<AVCapturePhotoOutput> output) = 0;
 
-    /// A snapshot.
+    /// A copy of the list of inputs.
     virtual std::vector<std::shared_ptr<AVCaptureDeviceInput>> inputs() const = 0;
     virtual void addInput(std::shared_ptr<AVCaptureDeviceInput> input) = 0;
     virtual void removeInput(const AVCaptureDeviceInput& input) = 0;
 
-    /// Synchronous: after the return the session runs (or does not, without an input).
+    /// Synchronous: on return the session runs, unless it has no input.
     virtual void startRunning() = 0;
     virtual void stopRunning() = 0;
 
-    /// Stays true while a camera that vanished is waited for.
+    /// Stays true while the session waits for a camera that vanished.
     virtual bool isRunning() const = 0;
 };
 

@@ -20,11 +20,11 @@ public:
     AVFoundation(const AVFoundation&) = delete;
     AVFoundation& operator=(const AVFoundation&) = delete;
 
-    /// A null entry among the types is passed over.
+    /// A null entry among the types is ignored.
     virtual std::shared_ptr<AVCaptureDeviceDiscoverySession>
     discoverySessionWithDeviceTypes(const std::vector<std::optional<AVCaptureDeviceType>>& types,
                                     AVMediaType mediaType, AVCaptureDevicePosition position) = 0;
-    /// No device, one that is gone, busy or refused gives an error.
+    /// Without a device, and for one that is gone, busy or refused, the result is an error.
     virtual AVCaptureDeviceInputResult
     deviceInputWithDevice(const std::shared_ptr<AVCaptureDevice>& device) = 0;
     virtual std::shared_ptr<AVCaptureSession> captureSession() = 0;

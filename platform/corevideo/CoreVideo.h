@@ -7,7 +7,8 @@
 
 namespace vistrane {
 
-/// A picture in memory; made by `CVPixelBufferCreate`, counted, given back by `CVBufferRelease`.
+/// A picture in memory: reference-counted, created by `CVPixelBufferCreate` and released by
+/// `CVBufferRelease`.
 class CVPixelBuffer {
 public:
     CVPixelBuffer(const CVPixelBuffer&) = delete;
@@ -19,7 +20,7 @@ protected:
 };
 using CVPixelBufferRef = CVPixelBuffer*;
 
-/// The buffers that a pixel buffer adaptor keeps for its caller's use.
+/// The reusable buffers of a pixel buffer adaptor.
 class CVPixelBufferPool {
 public:
     CVPixelBufferPool(const CVPixelBufferPool&) = delete;
@@ -37,7 +38,7 @@ inline constexpr CVReturn kCVReturnInvalidArgument = -6661;
 inline constexpr CVReturn kCVReturnAllocationFailed = -6662;
 inline constexpr CVReturn kCVReturnInvalidSize = -6681;
 
-/// 8 bits a component; in memory order: one byte of alpha or padding, red, green, blue.
+/// 8 bits a component. In memory order: one byte of alpha or padding, red, green, blue.
 inline constexpr std::uint32_t kCVPixelFormatType_32ARGB = 32;
 
 inline constexpr char kCVPixelBufferPixelFormatTypeKey[] = "PixelFormatType";
@@ -47,35 +48,35 @@ inline constexpr char kCVPixelBufferCGImageCompatibilityKey[] = "CGImageCompatib
 inline constexpr char kCVPixelBufferCGBitmapContextCompatibilityKey[] =
     "CGBitmapContextCompatibility";
 
-/// Functions of the CoreVideo kit. Any thread; one buffer by one thread at a time. Null buffers
-/// are legal everywhere and answer with nothing.
+/// Functions of the CoreVideo kit. Any thread; each buffer by one thread at a time. Null buffers
+/// are legal everywhere and do nothing.
 class CoreVideo {
 public:
     virtual ~CoreVideo() = default;
     CoreVideo(const CoreVideo&) = delete;
     CoreVideo& operator=(const CoreVideo&) = delete;
 
-    /// Makes a buffer of `width` x `height` pixels with a count of one, owned by the caller. On
-    /// failure `*buffer` is left as it is.
+    /// Creates a buffer of `width` x `height` pixels with one reference, the caller's. On failure
+    /// `*buffer` is not changed.
     virtual CVReturn CVPixelBufferCreate(std::size_t width, std::size_t height,
                                          std::uint32_t pixelFormat, const NSDictionary& attributes,
                                          CVPixelBufferRef* buffer) = 0;
 
-    /// The pixels may be touched between lock and unlock only.
+    /// The pixels may be accessed between lock and unlock only.
     virtual CVReturn CVPixelBufferLockBaseAddress(CVPixelBufferRef buffer, std::uint64_t flags) = 0;
     virtual CVReturn CVPixelBufferUnlockBaseAddress(CVPixelBufferRef buffer,
                                                     std::uint64_t flags) = 0;
 
-    /// The first byte of the top row; null when not locked.
+    /// The first byte of the top row; null when the buffer is not locked.
     virtual void* CVPixelBufferGetBaseAddress(CVPixelBufferRef buffer) = 0;
-    /// Bytes from one row to the next; may exceed four times the width.
+    /// The row stride in bytes; may exceed four times the width.
     virtual std::size_t CVPixelBufferGetBytesPerRow(CVPixelBufferRef buffer) = 0;
 
-    /// Counts one down; the last count frees the buffer.
+    /// Releases one reference; the last one frees the buffer.
     virtual void CVBufferRelease(CVPixelBufferRef buffer) = 0;
 
-    /// Lets the pool's idle buffers go. The pool object itself stays its adaptor's: releasing it
-    /// without having retained it is harmless.
+    /// Frees the pool's idle buffers. The adaptor keeps the pool itself, so that a release without
+    /// a retain is harmless.
     virtual void CVPixelBufferPoolRelease(CVPixelBufferPoolRef pool) = 0;
 
 protected:

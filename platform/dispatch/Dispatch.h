@@ -13,8 +13,7 @@ public:
     DispatchQueue(const DispatchQueue&) = delete;
     DispatchQueue& operator=(const DispatchQueue&) = delete;
 
-    /// Puts `work` at the end of the queue and returns. Items that are still waiting when the
-    /// process ends are dropped.
+    /// Appends `work` and returns. Items that are still queued when the process ends are dropped.
     virtual void async(std::function<void()> work) = 0;
 
 protected:
@@ -30,8 +29,8 @@ public:
     Dispatch(const Dispatch&) = delete;
     Dispatch& operator=(const Dispatch&) = delete;
 
-    /// Runs on a thread that is not the main one. Items start in the order in which they were
-    /// added, and one ends before the next starts: what they post elsewhere keeps that order.
+    /// Runs on a thread other than the main one. Items run one after another in the order in which
+    /// they were added, so the work that they post keeps that order.
     virtual DispatchQueue& dispatch_get_global_queue(std::intptr_t priority,
                                                      std::uintptr_t flags) = 0;
 

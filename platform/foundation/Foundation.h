@@ -28,19 +28,20 @@ enum NSURLBookmarkResolutionOptions : std::uint64_t {
 };
 enum NSURLBookmarkCreationOptions : std::uint64_t { NSURLBookmarkCreationWithSecurityScope = 2048 };
 
-/// Bookmark bytes, or why there are none.
+/// The bytes of a bookmark, or the reason why there are none.
 struct BookmarkDataResult {
     std::vector<std::uint8_t> data;
     std::optional<NSError> error;
 };
 
-/// A resolved bookmark, or why there is none.
+/// A resolved bookmark, or the reason why there is none.
 struct BookmarkURLResult {
     std::optional<NSURL> url;
     std::optional<NSError> error;
 };
 
-/// Class messages of the Foundation kit. Main thread only, except where a line says more.
+/// Class messages of Foundation. Main thread only, unless a comment says otherwise. Returned
+/// objects are owned by the caller; references are valid as long as the kit.
 class Foundation {
 public:
     virtual ~Foundation() = default;
@@ -57,8 +58,8 @@ public:
     /// Any thread.
     virtual const NSProcessInfo& processInfo() const = 0;
 
-    /// Schedules `tick` every `interval` seconds from one interval after this call on. An interval
-    /// of 0 or less counts as 0.0001 s. `tick` gets the timer itself.
+    /// Calls `tick` every `interval` seconds, first one interval after this call. An interval of 0
+    /// or less counts as 0.0001 s. `tick` gets the timer.
     virtual std::shared_ptr<NSTimer>
     scheduledTimerWithTimeInterval(NSTimeInterval interval, std::function<void(NSTimer&)> tick,
                                    bool repeats) = 0;
@@ -67,18 +68,18 @@ public:
     virtual NSDate date() = 0;
     virtual NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds) = 0;
 
-    /// A formatter of its own with the user's locale, calendar and time zone of this moment.
+    /// A new formatter with the user's current locale, calendar and time zone.
     virtual std::unique_ptr<NSDateFormatter> dateFormatter() = 0;
     virtual std::shared_ptr<const NSLocale> currentLocale() = 0;
 
-    /// A thread that will run `entry`; not started.
+    /// A thread for `entry`, not started yet.
     virtual std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) = 0;
-    /// The running thread's own object. Any thread made by `threadWithEntry`.
+    /// The calling thread's object. Only on a thread made by `threadWithEntry`.
     virtual std::shared_ptr<NSThread> currentThread() = 0;
 
     /// Opaque bytes from which `url` can be found again after a restart.
     virtual BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) = 0;
-    /// The address that a bookmark stands for. Never looks whether anything is there.
+    /// The address of a bookmark. Does not check that it exists.
     virtual BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
                                                          std::uint64_t options) = 0;
     /// Opens access to the address for the rest of the process's life.

@@ -7,11 +7,11 @@
 
 namespace vistrane {
 
-/// What the program was built as. Any thread.
+/// The program's build information. Any thread.
 class NSBundle : public NSObject {
 public:
-    /// A text of the program's information: "CFBundleShortVersionString", the version without its
-    /// last number, or "CFBundleVersion", that number. Nothing for a key that it does not have.
+    /// "CFBundleShortVersionString" is the version without its last number, "CFBundleVersion" that
+    /// number. Nothing for another key.
     virtual std::optional<std::string> objectForInfoDictionaryKey(const std::string& key) const = 0;
 };
 

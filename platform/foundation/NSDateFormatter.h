@@ -7,7 +7,7 @@
 
 namespace vistrane {
 
-/// Formats dates with the user's current locale, calendar and time zone. Any one thread at a time.
+/// Formats dates with the user's current locale, calendar and time zone. One thread at a time.
 class NSDateFormatter : public NSObject {
 public:
     /// Takes a Unicode (ICU) date pattern, unchanged: "Y" is the year of the week-based calendar,

@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// Settings and attributes: keys with their values, in the order in which they were put in.
+/// Settings and attributes: keys with their values, in the order of insertion.
 using NSDictionaryValue = std::variant<bool, std::int64_t, std::uint64_t, std::string>;
 using NSDictionary = std::vector<std::pair<std::string, NSDictionaryValue>>;
 

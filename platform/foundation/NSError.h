@@ -11,7 +11,7 @@ struct NSError {
     /// The family of codes, for instance "NSPOSIXErrorDomain".
     std::string domain;
     std::int64_t code = 0;
-    /// For people: what failed, where, and what to do about it. One line, no full stop needed.
+    /// For users: what failed, where, and what to do about it. One line.
     std::string localizedDescription;
 
     /// For the log: domain, code and text.
@@ -23,7 +23,7 @@ struct NSError {
     bool operator==(const NSError&) const = default;
 };
 
-/// What "%@" prints for an error that may be missing.
+/// The text of "%@" for an error that may be missing.
 inline std::string describe(const std::optional<NSError>& error) {
     return error ? error->description() : "(null)";
 }

@@ -14,8 +14,8 @@ public:
     /// Follows links. `isDirectory` is written only for a path that exists.
     virtual bool fileExistsAtPath(const std::string& path, bool& isDirectory) const = 0;
 
-    /// The names of a folder's entries, hidden ones included, "." and ".." left out, in no
-    /// promised order, every byte of a name kept. Nothing when the folder cannot be listed.
+    /// The names of a folder's entries as bytes, with hidden ones and without "." and "..", in any
+    /// order. Nothing when the folder cannot be listed.
     virtual std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const = 0;
 };
 

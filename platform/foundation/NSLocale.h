@@ -15,7 +15,8 @@ enum NSComparisonResult : int {
     NSOrderedDescending = 1
 };
 
-/// Options of a string comparison, added up.
+/// Options of a string comparison; combine them with "|". The program always passes all four, so a
+/// backend need not implement any other combination.
 enum NSStringCompareOptions : std::uint32_t {
     NSCaseInsensitiveSearch = 1,
     NSNumericSearch = 64,
@@ -39,8 +40,7 @@ public:
     virtual NSComparisonResult compare(const std::string& first, const std::string& second,
                                        std::uint32_t options, NSRange range) const = 0;
 
-    /// Brings the texts, compared whole, into the order of `compare`; those that it calls the same
-    /// stay in the order in which they were.
+    /// Sorts the texts, compared whole, by `compare`. The sort is stable.
     virtual void sort(std::vector<std::string>& texts, std::uint32_t options) const = 0;
 };
 

@@ -9,7 +9,7 @@ namespace vistrane {
 /// What the program runs on. Any thread.
 class NSProcessInfo : public NSObject {
 public:
-    /// The system's name and version for a reader; may hold any characters.
+    /// The system's name and version for users; may hold any characters.
     virtual std::string operatingSystemVersionString() const = 0;
 };
 

@@ -17,7 +17,7 @@ std::int64_t integerValue(std::string_view text);
 /// The part after the last dot of the last path component; empty without a dot.
 std::string_view pathExtension(std::string_view path);
 
-/// What a format's placeholder is filled with: a text for "%@", a number for "%d".
+/// The value for a placeholder of a format: a text for "%@", a number for "%d".
 using FormatArgument = std::variant<std::string_view, std::int32_t>;
 
 /// Fills the placeholders of `format`, "%@" and "%d", with the arguments in their order. The

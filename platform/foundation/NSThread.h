@@ -6,14 +6,14 @@ namespace vistrane {
 
 /// A thread with one entry function, run once. Every method may be called from any thread.
 ///
-/// The running thread keeps itself alive; nobody joins it, and it ends with the process at the
+/// A running thread keeps its own object alive. It is never joined and ends with the process at the
 /// latest.
 class NSThread : public NSObject {
 public:
     /// Call once.
     virtual void start() = 0;
 
-    /// Only sets the flag that `isCancelled` reads; the entry function looks at it when it likes.
+    /// Only sets the flag that `isCancelled` returns; the entry function has to check it.
     virtual void cancel() = 0;
     virtual bool isCancelled() const = 0;
 };

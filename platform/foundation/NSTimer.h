@@ -8,7 +8,7 @@ namespace vistrane {
 ///
 /// Fire dates lie on the grid first + n * interval: a late tick never shifts the later ones. Dates
 /// that pass while the loop is busy or a modal alert is up merge into one late tick. Main thread
-/// only. The run loop keeps a valid timer alive; `invalidate` ends that.
+/// only. The run loop keeps a reference to a valid timer and drops it after `invalidate`.
 class NSTimer : public NSObject {
 public:
     /// Ticks at once, without moving the grid. Does nothing once invalid.

@@ -23,8 +23,8 @@ namespace vistrane {
 ///     std::unique_ptr<NSAlert> alertWithError(const NSError&);
 ///     std::shared_ptr<NSView> view();                  of an interface file
 ///     void answerNextAlert(NSInteger button, double seconds);
-///                                 the user presses that button, counted from 0, so long after the
-///                                 next alert has come up; called on the main thread
+///                                 the user presses that button, counted from 0, that long after
+///                                 the next alert appears; called on the main thread
 ///     void confirmNextAlert(double seconds);     the same with the key for the default button
 template <typename Backend>
 class AlertContract : public ::testing::Test {
@@ -41,7 +41,7 @@ protected:
         return alert;
     }
 
-    /// Runs an alert on a thread of its own, and the main loop until that has ended.
+    /// Runs an alert on another thread, and the main loop until that thread has ended.
     void runOnAnotherThread(const std::function<void(NSAlert&)>& run) {
         std::atomic<bool> ended{false};
         const auto thread = foundation().threadWithEntry([&] {
@@ -86,7 +86,7 @@ TYPED_TEST_P(AlertContract, AnErrorsAlertNeedsNothingMore) {
     EXPECT_EQ(alert->runModal(), NSAlertFirstButtonReturn);
 }
 
-TYPED_TEST_P(AlertContract, AnyTextIsTaken) {
+TYPED_TEST_P(AlertContract, AnyTextIsAccepted) {
     for (const std::string text : {"", "two\nlines\n", "<b>&File</b>", "/tmp/\xff\xfe\x1b"}) {
         const auto alert = this->alertWithButtons({"Got it"});
         alert->setMessageText(text);
@@ -97,7 +97,7 @@ TYPED_TEST_P(AlertContract, AnyTextIsTaken) {
     }
 }
 
-TYPED_TEST_P(AlertContract, AnAccessoryViewServesOneAlertAfterTheOther) {
+TYPED_TEST_P(AlertContract, AnAccessoryViewCanBeUsedAgain) {
     const std::shared_ptr<NSView> view = this->backend_.view();
     for (int times = 0; times < 2; ++times) {
         auto alert = this->alertWithButtons({"Got it"});
@@ -107,7 +107,7 @@ TYPED_TEST_P(AlertContract, AnAccessoryViewServesOneAlertAfterTheOther) {
     }
 }
 
-TYPED_TEST_P(AlertContract, OnTheMainThreadTimersHoldBackAndTickLateOnce) {
+TYPED_TEST_P(AlertContract, OnTheMainThreadTimersWaitAndTickOnceAfterwards) {
     constexpr double interval = 0.01;
     int ticks = 0;
     const auto timer = this->foundation().scheduledTimerWithTimeInterval(
@@ -119,13 +119,13 @@ TYPED_TEST_P(AlertContract, OnTheMainThreadTimersHoldBackAndTickLateOnce) {
     const double answered = this->foundation().date().timeIntervalSince1970;
     contract::runOnePass(this->foundation());
     EXPECT_GE(ticks, 1);
-    // On a real clock further dates may have come since the answer.
+    // On a real clock more dates may have passed since the answer.
     const double since = this->foundation().date().timeIntervalSince1970 - answered;
     EXPECT_LE(ticks, 2 + since / interval);
     timer->invalidate();
 }
 
-TYPED_TEST_P(AlertContract, AnAlertInATickHoldsBackItsOwnTimer) {
+TYPED_TEST_P(AlertContract, AnAlertInATickStopsItsOwnTimerMeanwhile) {
     int ticks = 0;
     int ticksWhileUp = 0;
     const auto timer = this->foundation().scheduledTimerWithTimeInterval(
@@ -145,7 +145,7 @@ TYPED_TEST_P(AlertContract, AnAlertInATickHoldsBackItsOwnTimer) {
     EXPECT_EQ(ticksWhileUp, 0);
 }
 
-TYPED_TEST_P(AlertContract, OnTheMainThreadTheMainQueueGoesOn) {
+TYPED_TEST_P(AlertContract, OnTheMainThreadTheMainQueueKeepsRunning) {
     bool worked = false;
     dispatch_async(this->backend_.dispatch().dispatch_get_main_queue(), [&] { worked = true; });
     const auto alert = this->alertWithButtons({"Got it"});
@@ -154,19 +154,19 @@ TYPED_TEST_P(AlertContract, OnTheMainThreadTheMainQueueGoesOn) {
     EXPECT_TRUE(worked);
 }
 
-TYPED_TEST_P(AlertContract, OnAnotherThreadTheAnswerComesBackToIt) {
+TYPED_TEST_P(AlertContract, OnAnotherThreadTheAnswerIsReturned) {
     std::atomic<NSModalResponse> answer{0};
     this->backend_.answerNextAlert(0, 0.0);
     this->runOnAnotherThread([&](NSAlert& alert) { answer = alert.runModal(); });
     EXPECT_EQ(answer, NSAlertFirstButtonReturn);
 }
 
-TYPED_TEST_P(AlertContract, OnAnotherThreadTheMainLoopGoesOn) {
+TYPED_TEST_P(AlertContract, OnAnotherThreadTheMainLoopKeepsRunning) {
     std::atomic<int> ticks{0};
     std::atomic<int> ticksWhileUp{0};
     const auto timer = this->foundation().scheduledTimerWithTimeInterval(
         0.002, [&](NSTimer&) { ++ticks; }, true);
-    // A busy machine may leave the main thread without its turn, but not each time.
+    // On a busy machine the main thread may not get the processor, but not every time.
     for (int times = 0; times < 50 && ticksWhileUp < 3; ++times) {
         this->backend_.confirmNextAlert(0.1);
         this->runOnAnotherThread([&](NSAlert& alert) {
@@ -179,7 +179,7 @@ TYPED_TEST_P(AlertContract, OnAnotherThreadTheMainLoopGoesOn) {
     timer->invalidate();
 }
 
-TYPED_TEST_P(AlertContract, OnAnotherThreadWaitingTakesNoProcessorTime) {
+TYPED_TEST_P(AlertContract, OnAnotherThreadWaitingUsesNoProcessorTime) {
     constexpr double seconds = 0.5;
     const auto processorTime = [] {
         std::timespec time{};
@@ -196,13 +196,12 @@ TYPED_TEST_P(AlertContract, OnAnotherThreadWaitingTakesNoProcessorTime) {
     EXPECT_LT(used, seconds / 4);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(AlertContract, ButtonsAnswerInTheOrderInWhichTheyWereAdded,
-                            TheFirstButtonIsTheDefault, WithoutButtonsThereIsOneThatConfirms,
-                            AnErrorsAlertNeedsNothingMore, AnyTextIsTaken,
-                            AnAccessoryViewServesOneAlertAfterTheOther,
-                            OnTheMainThreadTimersHoldBackAndTickLateOnce,
-                            AnAlertInATickHoldsBackItsOwnTimer, OnTheMainThreadTheMainQueueGoesOn,
-                            OnAnotherThreadTheAnswerComesBackToIt, OnAnotherThreadTheMainLoopGoesOn,
-                            OnAnotherThreadWaitingTakesNoProcessorTime);
+REGISTER_TYPED_TEST_SUITE_P(
+    AlertContract, ButtonsAnswerInTheOrderInWhichTheyWereAdded, TheFirstButtonIsTheDefault,
+    WithoutButtonsThereIsOneThatConfirms, AnErrorsAlertNeedsNothingMore, AnyTextIsAccepted,
+    AnAccessoryViewCanBeUsedAgain, OnTheMainThreadTimersWaitAndTickOnceAfterwards,
+    AnAlertInATickStopsItsOwnTimerMeanwhile, OnTheMainThreadTheMainQueueKeepsRunning,
+    OnAnotherThreadTheAnswerIsReturned, OnAnotherThreadTheMainLoopKeepsRunning,
+    OnAnotherThreadWaitingUsesNoProcessorTime);
 
 } // namespace vistrane

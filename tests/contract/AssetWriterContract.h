@@ -20,8 +20,8 @@ namespace vistrane {
 ///     std::string emptyFolder();                   a fresh folder's path
 ///     void addFile(const std::string& path);
 ///     bool exists(const std::string& path);
-///     void awaitEnd(const std::string& path);      the movie was told to finish: until it has
-///                                                  ended and its handler has been called
+///     void awaitEnd(const std::string& path);      for a movie that was asked to finish: waits
+///                                                  until its handler has returned
 template <typename Backend>
 class AssetWriterContract : public ::testing::Test {
 protected:
@@ -59,7 +59,7 @@ protected:
         writer_->startSessionAtSourceTime(kCMTimeZero);
     }
 
-    /// Appends a grey picture and lets it go at once.
+    /// Appends a grey picture, and releases it at once.
     bool append(CMTime time) {
         CoreVideo& video = backend_.coreVideo();
         CVPixelBufferRef buffer = nullptr;
@@ -83,7 +83,7 @@ protected:
         backend_.awaitEnd(path_);
     }
 
-    /// Outlives the backend, which may call the handler until it has gone.
+    /// Outlives the backend, which may call the handler until it is destroyed.
     std::atomic<int> handlerCalls_{0};
     Backend backend_;
     std::string path_ = backend_.emptyFolder() + "/movie.mov";
@@ -163,7 +163,7 @@ TYPED_TEST_P(AssetWriterContract, ATimeThatDoesNotRiseIsRefusedAndTheWriterGoesO
     EXPECT_TRUE(this->backend_.exists(this->path_));
 }
 
-TYPED_TEST_P(AssetWriterContract, ATimeThatIsNoneIsRefused) {
+TYPED_TEST_P(AssetWriterContract, AnInvalidTimeIsRefused) {
     ASSERT_NO_FATAL_FAILURE(this->start());
     EXPECT_FALSE(this->append(CMTimeMake(1, 0)));
     EXPECT_TRUE(this->writer_->error());
@@ -203,7 +203,7 @@ TYPED_TEST_P(AssetWriterContract, TheHandlerIsCalledOnceWithoutTheWriter) {
     EXPECT_TRUE(this->backend_.exists(this->path_));
 }
 
-TYPED_TEST_P(AssetWriterContract, ANameThatIsTakenMeanwhileGivesAnErrorInTheEnd) {
+TYPED_TEST_P(AssetWriterContract, ANameTakenDuringTheWritingGivesAnErrorAtTheEnd) {
     ASSERT_NO_FATAL_FAILURE(this->start());
     EXPECT_TRUE(this->append(this->frame(0)));
     this->backend_.addFile(this->path_);
@@ -212,7 +212,7 @@ TYPED_TEST_P(AssetWriterContract, ANameThatIsTakenMeanwhileGivesAnErrorInTheEnd)
     EXPECT_EQ(this->handlerCalls_, 1);
 }
 
-TYPED_TEST_P(AssetWriterContract, AWriterThatGoesAwayUnfinishedLeavesTheNameFree) {
+TYPED_TEST_P(AssetWriterContract, AWriterDestroyedUnfinishedLeavesTheNameFree) {
     ASSERT_NO_FATAL_FAILURE(this->start());
     EXPECT_TRUE(this->append(this->frame(0)));
     this->adaptor_.reset();
@@ -226,11 +226,10 @@ REGISTER_TYPED_TEST_SUITE_P(AssetWriterContract, ATakenNameGivesAnError,
                             AFreeNameGivesAWriterAndNoError, ACleanRunLeavesAMovieAndNoError,
                             WithoutATrackNothingStarts, ThePoolComesWithTheStart,
                             TheAdaptorKnowsItsTrack, ANullBufferIsRefusedAndTheWriterGoesOn,
-                            ATimeThatDoesNotRiseIsRefusedAndTheWriterGoesOn,
-                            ATimeThatIsNoneIsRefused, NothingIsTakenBeforeTheStart,
-                            NothingIsTakenAfterTheTrackHasEnded, TheHandlerIsCalledOnce,
-                            TheHandlerIsCalledOnceWithoutTheWriter,
-                            ANameThatIsTakenMeanwhileGivesAnErrorInTheEnd,
-                            AWriterThatGoesAwayUnfinishedLeavesTheNameFree);
+                            ATimeThatDoesNotRiseIsRefusedAndTheWriterGoesOn, AnInvalidTimeIsRefused,
+                            NothingIsTakenBeforeTheStart, NothingIsTakenAfterTheTrackHasEnded,
+                            TheHandlerIsCalledOnce, TheHandlerIsCalledOnceWithoutTheWriter,
+                            ANameTakenDuringTheWritingGivesAnErrorAtTheEnd,
+                            AWriterDestroyedUnfinishedLeavesTheNameFree);
 
 } // namespace vistrane

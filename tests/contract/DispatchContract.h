@@ -111,7 +111,7 @@ TYPED_TEST_P(DispatchContract, TwoHopsKeepTheOrder) {
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }
 
-TYPED_TEST_P(DispatchContract, AnItemIsLetGoOfWhenItHasRun) {
+TYPED_TEST_P(DispatchContract, AnItemIsDestroyedAfterItHasRun) {
     const auto captured = std::make_shared<int>(0);
     bool worked = false;
     dispatch_async(this->mainQueue(), [captured, &worked] { worked = true; });
@@ -123,6 +123,6 @@ REGISTER_TYPED_TEST_SUITE_P(DispatchContract, TheMainQueueWaitsForTheRunLoop,
                             TheMainQueueKeepsTheOrder, TheMainQueueRunsOnTheMainThread,
                             AnItemMayAddItems, TheGlobalQueueStartsItsItemsInOrder,
                             OneGlobalItemEndsBeforeTheNextStarts, TwoHopsKeepTheOrder,
-                            AnItemIsLetGoOfWhenItHasRun);
+                            AnItemIsDestroyedAfterItHasRun);
 
 } // namespace vistrane

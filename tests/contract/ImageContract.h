@@ -9,13 +9,13 @@
 
 namespace vistrane {
 
-/// Pictures. A backend has
+/// Tests pictures. A backend has
 ///
 ///     auto& pictures();                              an AppKit, or its picture half
 ///     std::string emptyFolder();                     a fresh folder's path
 ///     std::string addPicture(NSSize points);         a picture file's path; without a density
 ///     std::string addDensePicture(NSSize points);    at 144 dots per inch
-///     std::string addDamagedPicture();               the path of a file that is none
+///     std::string addDamagedPicture();               the path of a file that is no picture
 ///     std::shared_ptr<NSData> data(const std::string& bytes);
 template <typename Backend>
 class ImageContract : public ::testing::Test {
@@ -26,7 +26,7 @@ protected:
         return pictures().imageWithContentsOfFile(path);
     }
 
-    /// As stills are saved: to TIFF, to a bitmap, to PNG. Null when a step fails.
+    /// Encodes as stills are saved: to TIFF, to a bitmap, to PNG. Null when a step fails.
     std::shared_ptr<NSData> encode(const NSImage& image) {
         const std::shared_ptr<NSData> tiff = image.TIFFRepresentation();
         const std::shared_ptr<NSBitmapImageRep> bitmap =
@@ -62,7 +62,7 @@ TYPED_TEST_P(ImageContract, TheSizeIsInPoints) {
     EXPECT_EQ(image->size(), (NSSize{20.5, 13}));
 }
 
-TYPED_TEST_P(ImageContract, APictureKeepsItsSizeOnTheWayToPng) {
+TYPED_TEST_P(ImageContract, APictureKeepsItsSizeWhenEncodedAsPng) {
     const std::shared_ptr<NSImage> image = this->load(this->backend_.addPicture({21, 13}));
     ASSERT_TRUE(image);
     const std::shared_ptr<NSData> png = this->encode(*image);
@@ -87,7 +87,7 @@ TYPED_TEST_P(ImageContract, OtherBytesAreNoPicture) {
 
 REGISTER_TYPED_TEST_SUITE_P(ImageContract, AMissingFileIsNoPicture, AFileOfOtherBytesIsNoPicture,
                             WithoutADensityAPixelIsAPoint, TheSizeIsInPoints,
-                            APictureKeepsItsSizeOnTheWayToPng, NoDataIsNoPicture,
+                            APictureKeepsItsSizeWhenEncodedAsPng, NoDataIsNoPicture,
                             OtherBytesAreNoPicture);
 
 } // namespace vistrane

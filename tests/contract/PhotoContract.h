@@ -17,16 +17,15 @@
 
 namespace vistrane {
 
-/// Sessions and stills. A backend has
+/// Tests sessions and stills. A backend has
 ///
 ///     auto& cameras();                                      an AVFoundation, or its capture half
 ///     std::shared_ptr<AVCaptureDevice> camera();            one that works, for video only
-///     bool runUntil(const std::function<bool()>& done);     runs the main queue; whether it is
-///     done
+///     bool runUntil(const std::function<bool()>& done);     runs the main queue; returns done()
 template <typename Backend>
 class PhotoContract : public ::testing::Test {
 protected:
-    /// The outcomes of its requests.
+    /// Records the outcomes of its requests.
     class Delegate final : public AVCapturePhotoCaptureDelegate {
     public:
         explicit Delegate(std::vector<const Delegate*>& order) : order_(order) {}
@@ -84,7 +83,7 @@ protected:
         return backend_.runUntil([this, count] { return order_.size() >= count; });
     }
 
-    /// The delegates as they were told. These outlive the backend.
+    /// The delegates in the order of their calls. They outlive the backend.
     std::vector<const Delegate*> order_;
     Delegate first_{order_};
     Delegate second_{order_};
@@ -193,7 +192,7 @@ TYPED_TEST_P(PhotoContract, EachRequestHasOneOutcomeInItsTurn) {
     }
     EXPECT_TRUE(this->order_.empty());
     ASSERT_TRUE(this->awaitOutcomes(4));
-    // Whatever came a second time for one of them would come before this.
+    // A second outcome of an earlier request would come before this one.
     this->request(*this->output_, this->third_);
     ASSERT_TRUE(this->awaitOutcomes(5));
     EXPECT_THAT(this->order_, ::testing::ElementsAre(&this->third_, &this->first_, &this->second_,

@@ -14,14 +14,14 @@
 
 namespace vistrane {
 
-/// Pixel buffers and drawing into them. A backend has
+/// Tests pixel buffers and drawing into them. A backend has
 ///
 ///     CoreVideo& coreVideo();
 ///     CoreGraphics& coreGraphics();
 ///     auto& pictures();                        an AppKit, or its picture half
-///     std::string addPicture(NSSize points);   a picture file's path; the pixels are as large as a
-///                                              point and tell their place: red is the column,
-///                                              green the row from the top, blue is 90
+///     std::string addPicture(NSSize points);   a picture file's path; a pixel is a point, and its
+///                                              colour is its place: red is the column, green the
+///                                              row from the top, blue is 90
 template <typename Backend>
 class PixelBufferContract : public ::testing::Test {
 protected:
@@ -36,7 +36,7 @@ protected:
         return video().CVPixelBufferCreate(width, height, kCVPixelFormatType_32ARGB, {}, buffer);
     }
 
-    /// A buffer, locked, whose pixels are `untouched`.
+    /// A locked buffer whose pixels are `untouched`.
     CVPixelBufferRef createLocked(std::size_t width, std::size_t height) {
         CVPixelBufferRef buffer = nullptr;
         EXPECT_EQ(create(width, height, &buffer), kCVReturnSuccess);
@@ -56,6 +56,18 @@ protected:
         const std::uint8_t* at =
             rows(buffer) + y * video().CVPixelBufferGetBytesPerRow(buffer) + 4 * x;
         return {at[1], at[2], at[3]};
+    }
+
+    /// Expects the pixel at (x, y) to be `expected(x, y)`.
+    template <typename Expected>
+    void expectPixels(CVPixelBufferRef buffer, int width, int height, const Expected& expected) {
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                EXPECT_EQ(pixel(buffer, static_cast<std::size_t>(x), static_cast<std::size_t>(y)),
+                          expected(x, y))
+                    << x << ", " << y;
+            }
+        }
     }
 
     /// Draws a new picture of that size into a locked buffer.
@@ -93,7 +105,7 @@ TYPED_TEST_P(PixelBufferContract, RowsHoldTheirPixels) {
     }
 }
 
-TYPED_TEST_P(PixelBufferContract, TheAddressIsThereWhileLocked) {
+TYPED_TEST_P(PixelBufferContract, TheAddressIsValidWhileLocked) {
     CVPixelBufferRef buffer = nullptr;
     ASSERT_EQ(this->create(4, 4, &buffer), kCVReturnSuccess);
     EXPECT_EQ(this->video().CVPixelBufferGetBaseAddress(buffer), nullptr);
@@ -104,7 +116,7 @@ TYPED_TEST_P(PixelBufferContract, TheAddressIsThereWhileLocked) {
     this->video().CVBufferRelease(buffer);
 }
 
-TYPED_TEST_P(PixelBufferContract, PixelsStayFromLockToLock) {
+TYPED_TEST_P(PixelBufferContract, PixelsAreKeptBetweenLocks) {
     CVPixelBufferRef buffer = this->createLocked(4, 4);
     this->video().CVPixelBufferUnlockBaseAddress(buffer, 0);
     this->video().CVPixelBufferLockBaseAddress(buffer, 0);
@@ -112,7 +124,7 @@ TYPED_TEST_P(PixelBufferContract, PixelsStayFromLockToLock) {
     this->unlockAndRelease(buffer);
 }
 
-TYPED_TEST_P(PixelBufferContract, SizesThatCannotBeAreRefusedAndTheResultIsLeftAlone) {
+TYPED_TEST_P(PixelBufferContract, ImpossibleSizesAreRefusedAndLeaveTheResultUnchanged) {
     CVPixelBufferRef before = nullptr;
     ASSERT_EQ(this->create(1, 1, &before), kCVReturnSuccess);
     CVPixelBufferRef buffer = before;
@@ -125,14 +137,14 @@ TYPED_TEST_P(PixelBufferContract, SizesThatCannotBeAreRefusedAndTheResultIsLeftA
     this->video().CVBufferRelease(before);
 }
 
-TYPED_TEST_P(PixelBufferContract, OtherFormatsAndNoPlaceForTheResultAreRefused) {
+TYPED_TEST_P(PixelBufferContract, OtherFormatsAndANullResultAreRefused) {
     CVPixelBufferRef buffer = nullptr;
     EXPECT_NE(this->video().CVPixelBufferCreate(4, 4, 24, {}, &buffer), kCVReturnSuccess);
     EXPECT_EQ(buffer, nullptr);
     EXPECT_NE(this->create(4, 4, nullptr), kCVReturnSuccess);
 }
 
-TYPED_TEST_P(PixelBufferContract, NullBuffersAnswerWithNothing) {
+TYPED_TEST_P(PixelBufferContract, NullBuffersAreAccepted) {
     EXPECT_NE(this->video().CVPixelBufferLockBaseAddress(nullptr, 0), kCVReturnSuccess);
     EXPECT_NE(this->video().CVPixelBufferUnlockBaseAddress(nullptr, 0), kCVReturnSuccess);
     EXPECT_EQ(this->video().CVPixelBufferGetBaseAddress(nullptr), nullptr);
@@ -183,27 +195,21 @@ TYPED_TEST_P(PixelBufferContract, FormsThatCannotBeDrawnIntoGiveNoContext) {
 TYPED_TEST_P(PixelBufferContract, APictureOfTheBuffersSizeFillsEveryPixel) {
     CVPixelBufferRef buffer = this->createLocked(21, 13);
     ASSERT_NO_FATAL_FAILURE(this->draw({21, 13}, {0, 0}, buffer, 21, 13));
-    for (int y = 0; y < 13; ++y) {
-        for (int x = 0; x < 21; ++x) {
-            EXPECT_EQ(this->pixel(buffer, static_cast<std::size_t>(x), static_cast<std::size_t>(y)),
-                      (typename TestFixture::Pixel{x, y, 90}));
-        }
-    }
+    this->expectPixels(buffer, 21, 13, [](int x, int y) {
+        return typename TestFixture::Pixel{x, y, 90};
+    });
     this->unlockAndRelease(buffer);
 }
 
 TYPED_TEST_P(PixelBufferContract, ASmallerPictureLiesWithItsBottomLeftAtThePoint) {
     CVPixelBufferRef buffer = this->createLocked(8, 6);
     ASSERT_NO_FATAL_FAILURE(this->draw({3, 2}, {2, 1}, buffer, 8, 6));
-    for (int y = 0; y < 6; ++y) {
-        for (int x = 0; x < 8; ++x) {
-            // Rows 3 and 4 from the top are rows 2 and 1 from the bottom.
-            const bool isDrawn = x >= 2 && x < 5 && y >= 3 && y < 5;
-            EXPECT_EQ(this->pixel(buffer, static_cast<std::size_t>(x), static_cast<std::size_t>(y)),
-                      isDrawn ? (typename TestFixture::Pixel{x - 2, y - 3, 90})
-                              : (typename TestFixture::Pixel{200, 200, 200}));
-        }
-    }
+    this->expectPixels(buffer, 8, 6, [](int x, int y) {
+        // Rows 3 and 4 from the top are rows 2 and 1 from the bottom.
+        const bool isDrawn = x >= 2 && x < 5 && y >= 3 && y < 5;
+        return isDrawn ? typename TestFixture::Pixel{x - 2, y - 3, 90}
+                       : typename TestFixture::Pixel{200, 200, 200};
+    });
     this->unlockAndRelease(buffer);
 }
 
@@ -215,12 +221,12 @@ TYPED_TEST_P(PixelBufferContract, ALargerPictureIsCutOff) {
     this->unlockAndRelease(buffer);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(PixelBufferContract, RowsHoldTheirPixels, TheAddressIsThereWhileLocked,
-                            PixelsStayFromLockToLock,
-                            SizesThatCannotBeAreRefusedAndTheResultIsLeftAlone,
-                            OtherFormatsAndNoPlaceForTheResultAreRefused,
-                            NullBuffersAnswerWithNothing, NullColorSpacesAndContextsMayBeReleased,
-                            AContextNeedsMemoryAndPixels, FormsThatCannotBeDrawnIntoGiveNoContext,
+REGISTER_TYPED_TEST_SUITE_P(PixelBufferContract, RowsHoldTheirPixels, TheAddressIsValidWhileLocked,
+                            PixelsAreKeptBetweenLocks,
+                            ImpossibleSizesAreRefusedAndLeaveTheResultUnchanged,
+                            OtherFormatsAndANullResultAreRefused, NullBuffersAreAccepted,
+                            NullColorSpacesAndContextsMayBeReleased, AContextNeedsMemoryAndPixels,
+                            FormsThatCannotBeDrawnIntoGiveNoContext,
                             APictureOfTheBuffersSizeFillsEveryPixel,
                             ASmallerPictureLiesWithItsBottomLeftAtThePoint, ALargerPictureIsCutOff);
 

@@ -1,58 +1,57 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QRect>
 #include <sys/types.h>
-
-#include "tests/desktop/Picture.h"
 
 namespace vistrane {
 
-/// States of a control, by the numbers of the assistive technologies' protocol.
+/// States of a control, by the numbers of the AT-SPI protocol.
 enum class ControlState {
     active = 1,
     checked = 4,
-    editable = 7,
     enabled = 8,
     focusable = 11,
     focused = 12,
-    modal = 16,
-    pressed = 20,
-    showing = 25,
-    visible = 30
+    showing = 25
 };
 
 class AccessibilityBus;
 
-/// What an assistive technology sees of one control. Every question is asked afresh; it throws
-/// `Unanswered` when the control is gone or its program is busy for very long.
+/// What an assistive technology sees of one control. Each call queries the program, and throws
+/// `Unanswered` when the control is gone or the program does not answer.
 class Control {
 public:
-    Control(std::shared_ptr<AccessibilityBus> bus, std::string program, std::string path);
+    Control(std::shared_ptr<AccessibilityBus> bus, QString program, QString path);
 
     std::string name() const;
     std::string description() const;
-    /// The protocol's name of it, "push button" for instance.
+    /// The protocol's name for it, "push button" for instance.
     std::string role() const;
     std::vector<Control> children() const;
     std::optional<Control> parent() const;
 
     bool is(ControlState state) const;
-    /// On the screen.
-    Rectangle extents() const;
+    /// In pixels of the screen.
+    QRect extents() const;
 
-    /// Of labels and fields.
+    /// Of fields.
     std::string text() const;
     /// Of sliders and progress bars.
     double value() const;
+    double minimum() const;
     double maximum() const;
 
-    /// How often its value has changed since the bus was told to count.
+    /// How often its value has changed so far.
     int valueChanges() const;
 
     bool operator==(const Control& other) const {
@@ -60,43 +59,48 @@ public:
     }
 
 private:
+    QDBusMessage call(const char* interface, const char* method,
+                      const QVariantList& arguments = {}) const;
+    QVariant property(const char* interface, const char* name) const;
+
     std::shared_ptr<AccessibilityBus> bus_;
-    std::string program_;
-    std::string path_;
+    QString program_;
+    QString path_;
 };
 
 using ControlTest = std::function<bool(const Control&)>;
 
-/// The first control below this one, itself included, that passes; in the tree's order.
-std::optional<Control> firstBelow(const Control& control, const ControlTest& passes);
-/// All that pass.
+/// All controls from this one on that pass, in the tree's order.
 std::vector<Control> allBelow(const Control& control, const ControlTest& passes);
+/// The first of these.
+std::optional<Control> firstBelow(const Control& control, const ControlTest& passes);
 
 /// The tree as text, for the report of a failed test.
 std::string outline(const Control& control);
 
-/// The bus on which programs tell assistive technologies about their controls.
-class AccessibilityBus : public std::enable_shared_from_this<AccessibilityBus> {
+/// The bus on which programs describe their controls to assistive technologies. Main thread, with
+/// a QCoreApplication.
+class AccessibilityBus final : public QObject,
+                               public std::enable_shared_from_this<AccessibilityBus> {
+    Q_OBJECT
+
 public:
-    /// Asks the session's bus for it, which starts it.
-    static std::shared_ptr<AccessibilityBus> onSession(const std::string& sessionAddress);
-    ~AccessibilityBus();
-    AccessibilityBus(const AccessibilityBus&) = delete;
-    AccessibilityBus& operator=(const AccessibilityBus&) = delete;
+    /// Asks the session bus for it, which starts it. Counts changes of values from now on.
+    explicit AccessibilityBus(const std::string& sessionAddress);
+    ~AccessibilityBus() override;
 
-    /// From now on programs tell of every change of a value, and none is missed.
-    void countValueChanges();
-
-    /// The root of that process's controls; nothing while it has none.
+    /// The root of that process' controls; nothing while it has none.
     std::optional<Control> programOf(pid_t process);
+
+private slots:
+    void countChange(const QDBusMessage& signal);
 
 private:
     friend class Control;
-    class Bus;
 
-    AccessibilityBus();
-
-    std::unique_ptr<Bus> bus_;
+    QDBusConnection bus_;
+    /// By the program's name on the bus and the control's path.
+    std::map<QString, int> changes_;
 };
 
 } // namespace vistrane

@@ -1,14 +1,12 @@
 #include "tests/desktop/Desktop.h"
 
-#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 
-#include <fcntl.h>
-#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -30,47 +28,26 @@ constexpr char windowManagerSettings[] = R"(<?xml version="1.0" encoding="UTF-8"
   <placement><policy>Smart</policy></placement>
   <theme><name>Clearlooks</name></theme>
   <desktops><number>1</number></desktops>
-  <keyboard>
-    <keybind key="A-F4"><action name="Close"/></keybind>
-  </keyboard>
   <mouse>
     <context name="Client">
       <mousebind button="Left" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
-    </context>
-    <context name="Titlebar">
-      <mousebind button="Left" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
-    </context>
-    <context name="Close">
-      <mousebind button="Left" action="Click"><action name="Close"/></mousebind>
     </context>
   </mouse>
 </openbox_config>
 )";
 
-/// Notes the address; of a file it keeps a copy, since what matters is what it is right now.
-constexpr char openingScript[] = R"(#!/bin/bash
-case $1 in
-    file://*) path=${1#file://}; path=$(printf '%b' "${path//%/\\x}") ;;
-    *) path=$1 ;;
-esac
-number=$(($(cat "@RECORDS@/addresses" 2>/dev/null | wc -l)))
-if [ -f "$path" ]; then
-    cp -- "$path" "@RECORDS@/copy-$number"
+/// Records the address, and of a file a copy of what it is at this moment.
+constexpr char openingScript[] = R"sh(#!/bin/bash
+cd "$VISTRANE_TEST_RECORDS" || exit
+if [ -f "$1" ]; then
+    cp -- "$1" "copy-$(cat addresses 2>/dev/null | wc -l)"
 fi
-printf '%s\n' "$1" >>"@RECORDS@/addresses"
-)";
+printf '%s\n' "$1" >>addresses
+)sh";
 
 std::string variable(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? "" : value;
-}
-
-std::string replaced(std::string text, const std::string& part, const std::string& by) {
-    for (std::size_t at = text.find(part); at != std::string::npos;
-         at = text.find(part, at + by.size())) {
-        text.replace(at, part.size(), by);
-    }
-    return text;
 }
 
 bool isInPath(const std::string& tool) {
@@ -83,24 +60,23 @@ bool isInPath(const std::string& tool) {
     return false;
 }
 
-/// What the other end writes up to a line's end.
-std::string readLine(int descriptor, Process& writer) {
-    std::string line;
-    await("the display's number", [&] {
-        pollfd watched{descriptor, POLLIN, 0};
-        char character = 0;
-        while (::poll(&watched, 1, 0) == 1 && ::read(descriptor, &character, 1) == 1) {
-            if (character == '\n') {
-                return true;
+/// Ends every process with this entry, "NAME=value", in its environment: also children of children.
+void endAllWith(const std::string& entry) {
+    // A process may just be starting another one: look until there is none.
+    for (bool found = true; found;) {
+        found = false;
+        std::error_code error;
+        for (const auto& folder : fs::directory_iterator("/proc", error)) {
+            const std::string name = folder.path().filename();
+            const std::string environment = '\0' + contentsOf(folder.path() / "environ");
+            if (name.find_first_not_of("0123456789") == std::string::npos &&
+                environment.find('\0' + entry + '\0') != std::string::npos) {
+                const auto process = static_cast<pid_t>(std::stol(name));
+                found = ::kill(process, SIGKILL) == 0 || found;
+                ::waitpid(process, nullptr, 0);
             }
-            line += character;
         }
-        if (writer.status()) {
-            throw std::runtime_error("there is no display: " + writer.written());
-        }
-        return false;
-    });
-    return line;
+    }
 }
 
 } // namespace
@@ -118,13 +94,14 @@ std::optional<std::string> Desktop::missingTool() {
 }
 
 Desktop::Desktop() {
-    // What a child forgets becomes a child of the test, to be ended and waited for.
+    // Orphans of the desktop's programs become children of the test, which reaps them.
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
     ::chmod(runtime_.c_str(), 0700);
     fs::create_directories(configuration());
     const std::string cameras = variable("XDG_RUNTIME_DIR");
     environment_ = {
         {marker, work_.path()},
+        {"VISTRANE_TEST_RECORDS", records_},
         {"HOME", home_},
         {"XDG_RUNTIME_DIR", runtime_},
         {"PIPEWIRE_RUNTIME_DIR", cameras.empty() ? runtime_ : cameras},
@@ -139,11 +116,11 @@ Desktop::Desktop() {
         {"TZ", "UTC"},
         {"QT_QPA_PLATFORM", "xcb"},
         {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"},
-        // No camera of the machine's own, and one list of GStreamer's plugins for all tests.
+        // None of the machine's own cameras, and one registry of GStreamer plugins for all tests.
         {"GST_PLUGIN_FEATURE_RANK", "v4l2deviceprovider:NONE,libcameraprovider:NONE"},
         {"GST_REGISTRY", VISTRANE_TEST_REGISTRY},
     };
-    // Whatever the desktop of the tests' user says.
+    // Settings of the desktop on which the tests were started.
     for (const char* name :
          {"XAUTHORITY", "WAYLAND_DISPLAY", "SESSION_MANAGER", "XDG_CURRENT_DESKTOP",
           "DESKTOP_SESSION", "KDE_FULL_SESSION", "GNOME_DESKTOP_SESSION_ID", "BROWSER",
@@ -155,79 +132,74 @@ Desktop::Desktop() {
     startDisplay();
     startBus();
     startWindowManager();
-    portal_ = std::make_unique<AppearancePortal>(bus_, ColourScheme::light);
+    services_ = std::make_unique<FakeServices>(bus_);
+    services_->offerScheme(static_cast<unsigned>(ColourScheme::light));
     accessibility_ = await("the assistive technologies' bus",
-                           [this] { return AccessibilityBus::onSession(bus_); });
-    accessibility_->countValueChanges();
+                           [this] { return std::make_shared<AccessibilityBus>(bus_); });
 }
 
 Desktop::~Desktop() {
     accessibility_.reset();
-    portal_.reset();
+    services_.reset();
     screen_.reset();
-    while (!processes_.empty()) {
-        processes_.pop_back();
-    }
+    programs_.clear();
     endAllWith(std::string(marker) + "=" + work_.path());
     while (::waitpid(-1, nullptr, WNOHANG) > 0) {
     }
 }
 
-std::unique_ptr<Process> Desktop::start(const std::string& name,
+std::unique_ptr<Program> Desktop::start(const std::string& name,
                                         const std::vector<std::string>& command,
-                                        const Environment& more) {
-    Environment environment = environment_;
+                                        const EnvironmentChanges& more) {
+    ProgramOptions options{environment_};
     for (const auto& [key, value] : more) {
-        environment[key] = value;
+        options.environment[key] = value;
     }
-    return std::make_unique<Process>(command, environment, work_ / (name + ".log"));
+    options.log = work_ / (name + ".log");
+    return std::make_unique<Program>(command, options);
 }
 
 void Desktop::startDisplay() {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe");
+    // It takes the first free number and writes that to its standard output.
+    programs_.push_back(std::make_unique<Program>(
+        std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1000x24",
+                                 "-nolisten", "tcp", "-noreset", "-dpi", "96"},
+        ProgramOptions{environment_}));
+    const auto number = programs_.back()->nextLine();
+    if (!number) {
+        throw std::runtime_error("there is no display: " + programs_.back()->errors());
     }
-    // It takes the first number that nobody else has.
-    processes_.push_back(std::make_unique<Process>(
-        std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0",
-                                 "1600x1000x24", "-nolisten", "tcp", "-noreset", "-dpi", "96"},
-        environment_, work_ / "display.log", ends[1]));
-    ::close(ends[1]);
-    const std::string number = readLine(ends[0], *processes_.back());
-    ::close(ends[0]);
-    display_ = ":" + number;
-    environment_["DISPLAY"] = display_;
-    screen_ = std::make_unique<Screen>(display_);
+    environment_["DISPLAY"] = ":" + *number;
+    screen_ = std::make_unique<Screen>(":" + *number);
 }
 
 void Desktop::startBus() {
-    processes_.push_back(
+    programs_.push_back(
         start("bus", {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + bus_}));
-    await("the session's bus", [this] { return fs::exists(runtime_ + "/bus"); });
+    await("the session bus", [this] { return fs::exists(runtime_ + "/bus"); });
 }
 
 void Desktop::startWindowManager() {
     const std::string settings = work_ / "openbox.xml";
     writeFile(settings, windowManagerSettings);
-    processes_.push_back(start("openbox", {"openbox", "--sm-disable", "--config-file", settings}));
-    // The second window is one that it has not found when it came.
+    programs_.push_back(start("openbox", {"openbox", "--sm-disable", "--config-file", settings}));
+    // It may have found the first window by itself when it started.
     await("the window manager", [this] { return screen_->isManaged() && screen_->isManaged(); });
 }
 
 void Desktop::recordOpening() const {
     const std::string script = tools_ + "/xdg-open";
-    writeFile(script, replaced(openingScript, "@RECORDS@", records_));
+    writeFile(script, openingScript);
     ::chmod(script.c_str(), 0755);
 }
 
-Control Desktop::controlsOf(Process& process) {
+Control Desktop::controlsOf(Program& program) {
     return *await("the program's controls", [&] {
-        if (const auto status = process.status()) {
+        if (const auto status = program.status()) {
             throw std::runtime_error("the program has ended with " + std::to_string(*status) +
-                                     ": " + process.written());
+                                     ": " + program.log());
         }
-        return accessibility_->programOf(process.number());
+        return accessibility_->programOf(program.process());
     });
 }
 

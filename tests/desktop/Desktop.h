@@ -6,16 +6,16 @@
 #include <vector>
 
 #include "tests/desktop/Accessibility.h"
-#include "tests/desktop/AppearancePortal.h"
-#include "tests/desktop/Process.h"
 #include "tests/desktop/Screen.h"
 #include "tests/frontends/commandline/CommandLineTest.h"
+#include "tests/support/FakeServices.h"
+#include "tests/support/Program.h"
 
 namespace vistrane {
 
-/// A whole desktop of the test's own: a display, a window manager, a session bus, assistive
-/// technologies, a portal, a home folder and a default application that only takes notes. It sees
-/// the cameras of the PipeWire that the test itself was started in.
+/// A desktop of the test's own: a display, a window manager, a session bus, assistive technologies,
+/// a portal, a home folder, and a default application that only records what it is asked to open.
+/// Cameras are those of the PipeWire in which the test itself runs.
 class Desktop {
 public:
     Desktop();
@@ -23,25 +23,26 @@ public:
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
 
-    /// What is not installed; nothing when there is all that a desktop needs.
+    /// A tool that a desktop needs and that is not installed, if any.
     static std::optional<std::string> missingTool();
 
     Screen& screen() { return *screen_; }
-    AppearancePortal& portal() { return *portal_; }
+    /// The desktop's appearance; light at first.
+    void switchTo(ColourScheme scheme) { services_->switchTo(scheme); }
 
-    /// Starts a program on this desktop. What it writes goes to "NAME.log".
-    std::unique_ptr<Process> start(const std::string& name, const std::vector<std::string>& command,
-                                   const Environment& more = {});
+    /// Starts a program on this desktop. Its output goes to "NAME.log".
+    std::unique_ptr<Program> start(const std::string& name, const std::vector<std::string>& command,
+                                   const EnvironmentChanges& more = {});
 
     /// Its controls; waits until it has some.
-    Control controlsOf(Process& process);
+    Control controlsOf(Program& program);
 
     /// The addresses that programs asked to open, in order.
     std::vector<std::string> opened() const;
-    /// A copy that was made of a file in the moment in which it was asked to be opened.
+    /// A copy of a file, made at the moment at which it was asked to be opened.
     std::string copyOfOpened(std::size_t index) const;
 
-    /// What the desktop's own programs wrote, for the report of a failed test.
+    /// The output of the desktop's programs, for the report of a failed test.
     std::string logs() const;
 
     std::string home() const { return home_; }
@@ -60,11 +61,10 @@ private:
     std::string tools_ = work_.makeFolder("bin");
     std::string records_ = work_.makeFolder("opened");
     std::string bus_ = "unix:path=" + runtime_ + "/bus";
-    std::string display_;
-    Environment environment_;
-    std::vector<std::unique_ptr<Process>> processes_;
+    EnvironmentChanges environment_;
+    std::vector<std::unique_ptr<Program>> programs_;
     std::unique_ptr<Screen> screen_;
-    std::unique_ptr<AppearancePortal> portal_;
+    std::unique_ptr<FakeServices> services_;
     std::shared_ptr<AccessibilityBus> accessibility_;
 };
 

@@ -1,7 +1,6 @@
 #include "tests/desktop/DesktopTest.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -21,13 +20,20 @@ std::string trimmed(const std::string& text) {
     return first == std::string::npos ? "" : text.substr(first, last - first + 1);
 }
 
-bool beginsWith(const std::string& text, const std::string& beginning) {
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
-
 bool isDialog(const Control& control) {
     const std::string role = control.role();
     return role == "dialog" || role == "alert" || role == "alert message";
+}
+
+ControlTest hasRole(const std::string& role) {
+    return [role](const Control& control) { return control.role() == role; };
+}
+
+/// By its name, which for some views is that of a slider as well.
+ControlTest isView(const std::string& name) {
+    return [name](const Control& control) {
+        return control.name() == name && control.role() != "slider";
+    };
 }
 
 } // namespace
@@ -39,11 +45,11 @@ void PrintTo(const ShownAlert& alert, std::ostream* out) {
     }
 }
 
-DesktopTest::DesktopTest() = default;
-
-DesktopTest::~DesktopTest() = default;
-
 void DesktopTest::TearDown() {
+    const bool isRunning = root_ && program_ && !program_->status();
+    if (isRunning && !HasFailure()) {
+        EXPECT_EQ(quit(), 0);
+    }
     if (HasFailure()) {
         keepScreen("failure");
         if (root_ && program_ && !program_->status()) {
@@ -66,29 +72,37 @@ void DesktopTest::keepScreen(const std::string& name) {
     char number[16];
     std::snprintf(number, sizeof number, "%02d", ++pictures_);
     fs::create_directories(VISTRANE_SCREENSHOTS);
-    writePng(screen().picture(), std::string(VISTRANE_SCREENSHOTS) + "/" + testName() + "-" +
-                                     number + "-" + name + ".png");
+    const fs::path path =
+        fs::path(VISTRANE_SCREENSHOTS) / (testName() + "-" + number + "-" + name + ".png");
+    EXPECT_TRUE(screen().picture().save(QString::fromStdString(path.string()))) << path;
 }
 
-void DesktopTest::launch(const std::vector<std::string>& arguments, const Environment& more) {
+void DesktopTest::launch(const std::vector<std::string>& arguments) {
     std::vector<std::string> command{VISTRANE_PROGRAM};
     command.insert(command.end(), arguments.begin(), arguments.end());
     root_.reset();
-    program_ = desktop.start("vistrane", command, more);
+    program_ = desktop.start("vistrane", command);
 }
 
-void DesktopTest::start(const std::vector<std::string>& arguments, const Environment& more) {
-    launch(arguments, more);
-    // The window is there before its launch is over, but what is asked of it once it has its title
-    // is answered afterwards.
-    window();
+void DesktopTest::start(const std::vector<std::string>& arguments) {
+    launch(arguments);
+    // The window is shown before the launch is over, but queries that are sent once it has its
+    // title are answered afterwards.
+    mainWindow();
     root_ = desktop.controlsOf(*program_);
     find("check box", "Lower Quality");
 }
 
+void DesktopTest::startWithFrames(int count, std::int64_t rate, const FrameForm& form) {
+    makeFrames(count, form);
+    storeUsual(rate);
+    start({folder});
+    awaitFrame(count, count);
+}
+
 void DesktopTest::giveKeysToMainWindow() {
-    screen().activate(window());
-    const std::string title = window().title;
+    screen().activate(mainWindow());
+    const std::string title = mainWindow().title;
     await("the main window to take the keys", [&] {
         const auto tops = root_->children();
         return std::any_of(tops.begin(), tops.end(), [&](const Control& top) {
@@ -98,24 +112,18 @@ void DesktopTest::giveKeysToMainWindow() {
 }
 
 int DesktopTest::quit() {
-    const Window main = window();
-    const auto asked = std::chrono::steady_clock::now();
-    screen().close(main);
-    const int status = awaitEnd();
-    const auto passed = std::chrono::steady_clock::now() - asked;
-    std::cout << "ended after "
-              << std::chrono::duration_cast<std::chrono::milliseconds>(passed).count() << " ms\n";
-    return status;
+    screen().close(mainWindow());
+    return awaitEnd();
 }
 
 int DesktopTest::awaitEnd() {
     return *await("the program's end", [this] { return program_->status(); });
 }
 
-Window DesktopTest::window() {
+Window DesktopTest::mainWindow() {
     return *await("the main window", [this]() -> std::optional<Window> {
         for (const Window& each : screen().windows()) {
-            if (each.process == program_->number() && beginsWith(each.title, "Vistrane v")) {
+            if (each.process == program_->process() && each.title.starts_with("Vistrane v")) {
                 return each;
             }
         }
@@ -125,11 +133,23 @@ Window DesktopTest::window() {
 
 std::optional<Window> DesktopTest::windowTitled(const std::string& title) {
     for (const Window& each : screen().windows()) {
-        if (each.process == program_->number() && each.title == title) {
+        if (each.process == program_->process() && each.title == title) {
             return each;
         }
     }
     return std::nullopt;
+}
+
+Window DesktopTest::tips() {
+    return *await("the tips", [this] { return windowTitled("Quick Start Tips"); });
+}
+
+Control DesktopTest::findFirst(const std::string& what, const ControlTest& passes) {
+    return *await(what, [&] {
+        return firstBelow(*root_, [&](const Control& control) {
+            return passes(control) && control.is(ControlState::showing);
+        });
+    });
 }
 
 std::optional<Control> DesktopTest::seek(const std::string& role, const std::string& name) {
@@ -144,27 +164,40 @@ Control DesktopTest::find(const std::string& role, const std::string& name) {
 }
 
 Control DesktopTest::labelFrom(const std::string& beginning) {
-    return *await("the label \"" + beginning + "...\"", [&] {
-        return firstBelow(*root_, [&](const Control& control) {
-            return control.role() == "label" && beginsWith(control.name(), beginning) &&
-                   control.is(ControlState::showing);
-        });
+    return findFirst("the label \"" + beginning + "...\"", [&](const Control& control) {
+        return control.role() == "label" && control.name().starts_with(beginning);
     });
 }
 
-Rectangle DesktopTest::settledPlace(const Control& control) {
-    return *await("the control's place", [&]() -> std::optional<Rectangle> {
+Control DesktopTest::frameView() {
+    return findFirst("the frame's view", isView("Frame"));
+}
+
+Control DesktopTest::cameraView() {
+    return findFirst("the camera's view", isView("Live camera"));
+}
+
+Control DesktopTest::cameraList() {
+    return findFirst("the camera list", hasRole("combo box"));
+}
+
+Control DesktopTest::progressBar() {
+    return findFirst("the progress bar", hasRole("progress bar"));
+}
+
+QRect DesktopTest::settledPlace(const Control& control) {
+    return *await("the control's place", [&]() -> std::optional<QRect> {
         Control top = control;
         for (auto above = top.parent(); above && !(*above == *root_); above = top.parent()) {
             top = *above;
         }
-        // The window manager may just be moving the window, and the program not know it yet.
+        // The window manager may have moved the window without the program knowing it yet.
         const auto windows = screen().windows();
         const bool isSettled = std::any_of(
             windows.begin(), windows.end(), [&, place = top.extents()](const Window& each) {
-                return each.process == program_->number() && screen().placeOf(each) == place;
+                return each.process == program_->process() && screen().placeOf(each) == place;
             });
-        const Rectangle place = control.extents();
+        const QRect place = control.extents();
         return isSettled && !place.isEmpty() ? std::optional(place) : std::nullopt;
     });
 }
@@ -173,20 +206,19 @@ void DesktopTest::click(const Control& control) {
     screen().click(settledPlace(control));
 }
 
-void DesktopTest::fill(const std::string& field, const std::string& text) {
-    const Control control = find("text", field);
+void DesktopTest::focus(const Control& control) {
     click(control);
     await("the field to take the keys", [&] { return control.is(ControlState::focused); });
+}
+
+void DesktopTest::fill(const std::string& field, const std::string& text) {
+    focus(find("text", field));
     screen().press({"Control_L", "a"});
     screen().type(text + "\t");
 }
 
 void DesktopTest::pickCamera(const std::string& name) {
-    const Control box = *await("the camera list", [this] {
-        return firstBelow(*root_, [](const Control& control) {
-            return control.role() == "combo box" && control.is(ControlState::showing);
-        });
-    });
+    const Control box = cameraList();
     click(box);
     const Control item = *await("the camera " + name, [&]() -> std::optional<Control> {
         const auto list = firstBelow(box, [](const Control& control) {
@@ -201,40 +233,42 @@ void DesktopTest::pickCamera(const std::string& name) {
 
 void DesktopTest::setSlider(const std::string& name, int value) {
     const Control slider = find("slider", name);
-    const Rectangle place = settledPlace(slider);
-    screen().drag(place.x + place.width / 2, place.y + place.height / 2, place.x + 1,
-                  place.y + place.height / 2);
-    await("the slider to take the keys", [&] { return slider.is(ControlState::focused); });
+    focus(slider);
     screen().press({"Home"});
-    const double first =
-        await("the slider's beginning", [&] { return std::optional(slider.value()); }).value();
-    for (int step = static_cast<int>(first); step < value; ++step) {
+    const int first = static_cast<int>(slider.minimum());
+    await("the slider's beginning", [&] { return static_cast<int>(slider.value()) == first; });
+    for (int step = first; step < value; ++step) {
         screen().press({"Right"});
     }
     await("the slider's value", [&] { return static_cast<int>(slider.value()) == value; });
 }
 
-ShownAlert DesktopTest::alert(const std::string& message) {
-    const Control dialog = *await("the alert \"" + message + "\"", [&] {
-        return firstBelow(*root_, [&](const Control& control) {
-            return isDialog(control) && control.name() == message &&
-                   control.is(ControlState::showing);
-        });
+void DesktopTest::dragFrameSliderTo(double part) {
+    const QRect place = settledPlace(find("slider", "Frame"));
+    const int x = place.x() + 3 + static_cast<int>(part * (place.width() - 6));
+    screen().drag({place.right() - 14, place.center().y()}, {x, place.center().y()});
+}
+
+Control DesktopTest::dialog(const std::string& message) {
+    return findFirst("the alert \"" + message + "\"", [&](const Control& control) {
+        return isDialog(control) && control.name() == message;
     });
+}
+
+ShownAlert DesktopTest::alert(const std::string& message) {
+    const Control dialog = this->dialog(message);
     ShownAlert shown{message, "", {}};
-    for (const Control& text :
-         allBelow(dialog, [](const Control& each) { return each.role() == "label"; })) {
+    for (const Control& text : allBelow(dialog, hasRole("label"))) {
         const std::string name = trimmed(text.name());
         if (!name.empty() && name != message) {
             shown.informative += name;
         }
     }
-    auto buttons =
-        allBelow(dialog, [](const Control& each) { return each.role() == "push button"; });
-    // The order of the tree is the order in which they are read out: it has to be that of the eye.
+    const auto buttons = allBelow(dialog, hasRole("push button"));
+    // The tree's order is the order of reading aloud: it has to be that on the screen.
     EXPECT_TRUE(std::is_sorted(buttons.begin(), buttons.end(),
                                [](const Control& first, const Control& second) {
-                                   return first.extents().x < second.extents().x;
+                                   return first.extents().x() < second.extents().x();
                                }));
     for (const Control& button : buttons) {
         shown.buttons.push_back(button.name());
@@ -243,12 +277,7 @@ ShownAlert DesktopTest::alert(const std::string& message) {
 }
 
 void DesktopTest::answer(const std::string& message, const std::string& title) {
-    const Control dialog = *await("the alert \"" + message + "\"", [&] {
-        return firstBelow(*root_, [&](const Control& control) {
-            return isDialog(control) && control.name() == message &&
-                   control.is(ControlState::showing);
-        });
-    });
+    const Control dialog = this->dialog(message);
     click(*await("the button " + title, [&] {
         return firstBelow(dialog, [&](const Control& each) {
             return each.role() == "push button" && each.name() == title;
@@ -264,17 +293,16 @@ void DesktopTest::answer(const std::string& message, const std::string& title) {
 void DesktopTest::typeFolder(const std::string& path) {
     find("dialog", "Select Output Folder to Save the Capture");
     const Control field = find("text", "Directory:");
-    click(field);
-    await("the field to take the keys", [&] { return field.is(ControlState::focused); });
+    focus(field);
     screen().press({"Control_L", "a"});
     screen().type(path);
     await("the path", [&] { return field.text() == path; });
-    screen().type("\n");
+    screen().press({"Return"});
 }
 
 std::optional<std::pair<int, int>> DesktopTest::frameShown() {
     const auto readOut = firstBelow(*root_, [](const Control& control) {
-        return control.role() == "label" && beginsWith(control.name(), "Displaying frame ");
+        return control.role() == "label" && control.name().starts_with("Displaying frame ");
     });
     return readOut ? frameNumbers(readOut->name()) : std::nullopt;
 }
@@ -283,13 +311,17 @@ void DesktopTest::awaitFrame(int number, int count) {
     awaitLabel("Displaying frame " + std::to_string(number) + " of " + std::to_string(count));
 }
 
+std::string DesktopTest::openedMovie() {
+    await("the movie in its application", [this] { return !desktop.opened().empty(); });
+    return desktop.copyOfOpened(0);
+}
+
 void DesktopTest::store(const std::map<std::string, std::int64_t>& settings) const {
     std::ostringstream text;
-    text << "Vistrane settings 1\n";
+    text << "[General]\n";
     for (const auto& [key, value] : settings) {
-        text << '"' << key << "\" = " << value << '\n';
+        text << key << '=' << value << '\n';
     }
-    text << "end\n";
     fs::create_directories(fs::path(settingsFile()).parent_path());
     writeFile(settingsFile(), text.str());
 }
@@ -298,10 +330,10 @@ std::map<std::string, std::int64_t> DesktopTest::stored() const {
     std::map<std::string, std::int64_t> settings;
     std::istringstream text(contentsOf(settingsFile()));
     for (std::string line; std::getline(text, line);) {
-        const std::size_t end = line.find("\" = ");
+        const std::size_t end = line.find('=');
         if (end != std::string::npos &&
-            line.find_first_not_of("-0123456789", end + 4) == std::string::npos) {
-            settings[line.substr(1, end - 1)] = std::stoll(line.substr(end + 4));
+            line.find_first_not_of("-0123456789", end + 1) == std::string::npos) {
+            settings[line.substr(0, end)] = std::stoll(line.substr(end + 1));
         }
     }
     return settings;
@@ -325,7 +357,7 @@ void DesktopTest::makeFrames(int count, const FrameForm& form) const {
         char name[24];
         std::snprintf(name, sizeof name, "%03d.png", number);
         const std::string path = folder + "/" + name;
-        // Noise takes long to make, and none is like another for long enough.
+        // Noise takes long to make: two frames of it alternate.
         if (form.isNoise && number > 2) {
             fs::copy_file(folder + "/00" + std::to_string(number % 2 + 1) + ".png", path);
             continue;
@@ -335,6 +367,12 @@ void DesktopTest::makeFrames(int count, const FrameForm& form) const {
         frame.colour = {grey, 255 - grey, 128};
         writeFrame(path, frame);
     }
+}
+
+bool DesktopTest::isLit(const Control& control) {
+    const QImage mean =
+        pictureOf(control).scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return qGray(mean.pixel(0, 0)) > 20;
 }
 
 bool CameraDesktopTest::camera(const std::string& verb) {

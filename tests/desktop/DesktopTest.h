@@ -29,77 +29,87 @@ struct ShownAlert {
 
 void PrintTo(const ShownAlert& alert, std::ostream* out);
 
-/// Tests of the program's window by the means of the person at the screen: mouse, keys, and what is
-/// to be seen and read. Each has a desktop of its own, on which the program was never run.
-/// Pictures of the screen are kept in VISTRANE_SCREENSHOTS.
+/// Tests of the program's window by mouse, keys and what is on the screen. Each has a desktop of
+/// its own, on which the program never ran before, and ends by closing the main window, unless the
+/// program has ended already. Pictures of the screen are kept in VISTRANE_SCREENSHOTS.
 class DesktopTest : public testing::Test {
 protected:
-    DesktopTest();
-    ~DesktopTest() override;
-
     void TearDown() override;
 
-    /// Starts the program and waits for nothing.
-    void launch(const std::vector<std::string>& arguments = {}, const Environment& more = {});
-    /// Starts the program and waits for its window.
-    void start(const std::vector<std::string>& arguments = {}, const Environment& more = {});
-    /// Closes the main window and waits for the end: its status. How long it took is printed.
+    /// Starts the program without waiting for anything.
+    void launch(const std::vector<std::string>& arguments = {});
+    /// Starts the program and waits until its launch is over.
+    void start(const std::vector<std::string>& arguments = {});
+    /// Starts it as a user who has `count` frames and has seen the tips, and waits for the frames.
+    void startWithFrames(int count, std::int64_t rate = 30, const FrameForm& form = {});
+    /// Closes the main window and waits for the end: the exit status.
     int quit();
     int awaitEnd();
-    Process& program() { return *program_; }
+    Program& program() { return *program_; }
     Screen& screen() { return desktop.screen(); }
 
-    /// The main window.
-    Window window();
+    Window mainWindow();
     void giveKeysToMainWindow();
     std::optional<Window> windowTitled(const std::string& title);
+    /// The window of the tips; waits for it.
+    Window tips();
 
-    /// A control that is to be seen, by its role and its name; waits for it.
+    /// The first control on the screen that passes; waits for it.
+    Control findFirst(const std::string& what, const ControlTest& passes);
     Control find(const std::string& role, const std::string& name);
     std::optional<Control> seek(const std::string& role, const std::string& name);
     Control button(const std::string& name) { return find("push button", name); }
-    /// A label whose text is or begins like that.
     Control label(const std::string& text) { return find("label", text); }
     Control labelFrom(const std::string& beginning);
     void awaitLabel(const std::string& text) { label(text); }
+    /// The view that shows the selected frame.
+    Control frameView();
+    Control cameraView();
+    Control cameraList();
+    Control progressBar();
     Control root() { return *root_; }
 
     void click(const Control& control);
     void clickButton(const std::string& name) { click(button(name)); }
 
-    /// In the way of someone who clicks into a field and writes over what it holds.
+    /// Clicks into a field and replaces its text.
     void fill(const std::string& field, const std::string& text);
-    /// Through the list that a click opens.
+    /// From the list that a click opens.
     void pickCamera(const std::string& name);
-    /// In the frame slider's and the rate slider's own way, by keys.
+    /// By keys.
     void setSlider(const std::string& name, int value);
+    /// Drags the knob of the frame slider from its right end to this part of its length.
+    void dragFrameSliderTo(double part);
 
-    /// The alert that stands on the screen; waits for it.
+    /// The alert with that message; waits for it.
     ShownAlert alert(const std::string& message);
-    /// Clicks a button of an alert and waits until it is gone.
+    /// Clicks a button of an alert and waits until the alert is gone.
     void answer(const std::string& message, const std::string& button);
 
-    /// Opens the panel, types the path and confirms.
+    /// Types the path into the folder panel, which is open, and confirms.
     void typeFolder(const std::string& path);
 
-    /// The number of the frame in the read-out and that of all frames; nothing for no read-out.
+    /// The read-out's number of the frame and of all frames; nothing without a read-out.
     std::optional<std::pair<int, int>> frameShown();
     void awaitFrame(int number, int count);
+    /// Waits until the default application has been asked to open a movie, and returns its copy.
+    std::string openedMovie();
 
-    /// Puts settings into the store, as an earlier run left them.
+    /// Writes settings as an earlier run left them.
     void store(const std::map<std::string, std::int64_t>& settings) const;
-    /// The numbers of the store.
+    /// The settings that are numbers.
     std::map<std::string, std::int64_t> stored() const;
     std::string settingsFile() const { return desktop.configuration() + "/vistrane/settings"; }
-    /// What someone has who ran the program before: no tips.
+    /// The settings of a user who has seen the tips.
     void storeUsual(std::int64_t rate = 30) const;
 
-    /// Grey frames named 01.png and so on.
+    /// Frames of different colours named 001.png and so on.
     void makeFrames(int count, const FrameForm& form = {}) const;
 
-    /// What is to be seen of a control.
-    Picture pictureOf(const Control& control) { return screen().picture(control.extents()); }
-    /// Keeps the screen for the people who look at the tests' output.
+    QImage pictureOf(const Control& control) { return screen().picture(control.extents()); }
+    /// Whether a control shows more than black.
+    bool isLit(const Control& control);
+    /// Keeps a picture of the screen, for people to look at.
     void keepScreen(const std::string& name);
 
     Desktop desktop;
@@ -107,15 +117,18 @@ protected:
 
 private:
     std::string testName() const;
-    /// Where a control is to be seen, once its window has its place.
-    Rectangle settledPlace(const Control& control);
+    Control dialog(const std::string& message);
+    /// The extents of a control, once its window has been placed.
+    QRect settledPlace(const Control& control);
+    /// Clicks a control and waits until it has the keyboard focus.
+    void focus(const Control& control);
 
-    std::unique_ptr<Process> program_;
+    std::unique_ptr<Program> program_;
     std::optional<Control> root_;
     int pictures_ = 0;
 };
 
-/// A camera of the PipeWire that the tests run in.
+/// With a camera of the PipeWire in which the tests run.
 class CameraDesktopTest : public DesktopTest {
 protected:
     void SetUp() override { ASSERT_TRUE(camera("start")); }

@@ -2,10 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cctype>
-#include <chrono>
-#include <cstring>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -23,24 +19,12 @@ namespace vistrane {
 
 namespace {
 
-/// A window may go away while it is asked about.
+/// A window may be destroyed while it is asked about.
 int ignoreErrors(Display* /*display*/, XErrorEvent* /*event*/) {
     return 0;
 }
 
-KeySym keySymOf(char character) {
-    switch (character) {
-    case '\n':
-        return XK_Return;
-    case '\t':
-        return XK_Tab;
-    default:
-        // Latin-1's keysyms are its characters.
-        return static_cast<KeySym>(static_cast<unsigned char>(character));
-    }
-}
-
-/// What a person's hand takes at least; some programs take two events at one time for one.
+/// A hand is never faster, and some programs merge two events of the same time.
 void pauseOfTheHand() {
     std::this_thread::sleep_for(std::chrono::milliseconds(15));
 }
@@ -61,7 +45,7 @@ public:
             throw std::runtime_error("the display has no XKB extension");
         }
         XkbSelectEvents(display, XkbUseCoreKbd, XkbBellNotifyMask, XkbBellNotifyMask);
-        // Toolkits differ in the mask with which they answer a window manager.
+        // Toolkits differ in the event mask with which they answer a window manager.
         XSelectInput(display, root, StructureNotifyMask | SubstructureNotifyMask);
         XSync(display, False);
     }
@@ -90,18 +74,24 @@ public:
         }
         return items;
     }
+    std::vector<unsigned long> managedWindows() const {
+        return property<unsigned long>(root, "_NET_CLIENT_LIST_STACKING", XA_WINDOW);
+    }
 
-    /// To the window manager, about a window.
-    void request(::Window window, const char* name, const std::array<long, 5>& data) const {
-        XEvent event;
-        std::memset(&event, 0, sizeof event);
+    void send(::Window receiver, long mask, ::Window window, const char* name,
+              const std::array<long, 5>& data) const {
+        XEvent event{};
         event.xclient.type = ClientMessage;
         event.xclient.window = window;
         event.xclient.message_type = atom(name);
         event.xclient.format = 32;
         std::copy(data.begin(), data.end(), event.xclient.data.l);
-        XSendEvent(display, root, False, SubstructureNotifyMask | SubstructureRedirectMask, &event);
-        XSync(display, False);
+        XSendEvent(display, receiver, False, mask, &event);
+        XFlush(display);
+    }
+    /// Asks the window manager something about a window.
+    void request(::Window window, const char* name, const std::array<long, 5>& data) const {
+        send(root, SubstructureNotifyMask | SubstructureRedirectMask, window, name, data);
     }
 
     void key(KeySym symbol, bool isDown) const {
@@ -113,12 +103,12 @@ public:
         XSync(display, False);
     }
 
-    void button(unsigned button, bool isDown) const {
-        XTestFakeButtonEvent(display, button, isDown ? True : False, CurrentTime);
+    void button(bool isDown) const {
+        XTestFakeButtonEvent(display, 1, isDown ? True : False, CurrentTime);
         XSync(display, False);
     }
 
-    /// Takes what has arrived; pongs are kept.
+    /// Counts bells and keeps the last pong.
     void takeEvents() {
         while (XPending(display) > 0) {
             XEvent event;
@@ -146,58 +136,54 @@ Screen::Screen(const std::string& display) : x_(std::make_unique<X>(display)) {}
 
 Screen::~Screen() = default;
 
-void Screen::moveTo(int x, int y) {
-    XTestFakeMotionEvent(x_->display, DefaultScreen(x_->display), x, y, CurrentTime);
+void Screen::moveTo(QPoint place) {
+    XTestFakeMotionEvent(x_->display, DefaultScreen(x_->display), place.x(), place.y(),
+                         CurrentTime);
     XSync(x_->display, False);
 }
 
 void Screen::press() {
-    x_->button(1, true);
+    x_->button(true);
 }
 
 void Screen::release() {
-    x_->button(1, false);
+    x_->button(false);
 }
 
-void Screen::click(const Rectangle& rectangle, unsigned button) {
-    moveTo(rectangle.x + rectangle.width / 2, rectangle.y + rectangle.height / 2);
+void Screen::click(const QRect& rectangle) {
+    moveTo(rectangle.center());
     pauseOfTheHand();
-    x_->button(button, true);
+    press();
     pauseOfTheHand();
-    x_->button(button, false);
+    release();
 }
 
-void Screen::drag(int fromX, int fromY, int toX, int toY) {
-    moveTo(fromX, fromY);
+void Screen::drag(QPoint from, QPoint to) {
+    moveTo(from);
     pauseOfTheHand();
     press();
     constexpr int steps = 10;
     for (int step = 1; step <= steps; ++step) {
         pauseOfTheHand();
-        moveTo(fromX + (toX - fromX) * step / steps, fromY + (toY - fromY) * step / steps);
+        moveTo(from + (to - from) * step / steps);
     }
     pauseOfTheHand();
     release();
 }
 
 void Screen::press(const std::vector<std::string>& keys) {
-    std::vector<KeySym> symbols;
     for (const std::string& name : keys) {
-        symbols.push_back(XStringToKeysym(name.c_str()));
+        x_->key(XStringToKeysym(name.c_str()), true);
     }
-    for (const KeySym symbol : symbols) {
-        x_->key(symbol, true);
-    }
-    std::reverse(symbols.begin(), symbols.end());
-    for (const KeySym symbol : symbols) {
-        x_->key(symbol, false);
+    for (auto name = keys.rbegin(); name != keys.rend(); ++name) {
+        x_->key(XStringToKeysym(name->c_str()), false);
     }
 }
 
 void Screen::type(const std::string& text) {
     for (const char character : text) {
-        const KeySym symbol = keySymOf(character);
-        // The key's second symbol takes the shift key.
+        // The keysyms of Latin-1 are its characters.
+        const KeySym symbol = character == '\t' ? XK_Tab : static_cast<unsigned char>(character);
         const KeyCode code = XKeysymToKeycode(x_->display, symbol);
         const bool isShifted = XkbKeycodeToKeysym(x_->display, code, 0, 0) != symbol;
         if (isShifted) {
@@ -211,44 +197,26 @@ void Screen::type(const std::string& text) {
     }
 }
 
-Picture Screen::picture() const {
-    return picture({0, 0, DisplayWidth(x_->display, DefaultScreen(x_->display)),
-                    DisplayHeight(x_->display, DefaultScreen(x_->display))});
+QImage Screen::picture() const {
+    return picture({0, 0, 1 << 15, 1 << 15});
 }
 
-Picture Screen::picture(const Rectangle& rectangle) const {
-    const Rectangle whole{0, 0, DisplayWidth(x_->display, DefaultScreen(x_->display)),
-                          DisplayHeight(x_->display, DefaultScreen(x_->display))};
-    const Rectangle place = rectangle.within(whole);
+QImage Screen::picture(const QRect& rectangle) const {
+    const QRect whole(0, 0, DisplayWidth(x_->display, DefaultScreen(x_->display)),
+                      DisplayHeight(x_->display, DefaultScreen(x_->display)));
+    const QRect place = rectangle.intersected(whole);
     if (place.isEmpty()) {
         return {};
     }
     XImage* image =
-        XGetImage(x_->display, x_->root, place.x, place.y, static_cast<unsigned>(place.width),
-                  static_cast<unsigned>(place.height), AllPlanes, ZPixmap);
+        XGetImage(x_->display, x_->root, place.x(), place.y(), static_cast<unsigned>(place.width()),
+                  static_cast<unsigned>(place.height()), AllPlanes, ZPixmap);
     if (image == nullptr || image->bits_per_pixel != 32) {
-        throw std::runtime_error("the screen has no picture of 32 bits a pixel");
+        throw std::runtime_error("the screen has no picture of 32 bits per pixel");
     }
-    Picture picture{image->width, image->height, {}};
-    picture.rgb.reserve(3 * static_cast<std::size_t>(image->width) *
-                        static_cast<std::size_t>(image->height));
-    const bool isSwapped =
-        (image->byte_order == MSBFirst) == (std::endian::native == std::endian::little);
-    for (int y = 0; y < image->height; ++y) {
-        for (int x = 0; x < image->width; ++x) {
-            std::uint32_t pixel = 0;
-            std::memcpy(&pixel,
-                        image->data + std::ptrdiff_t{y} * image->bytes_per_line +
-                            std::ptrdiff_t{4} * x,
-                        sizeof pixel);
-            if (isSwapped) {
-                pixel = __builtin_bswap32(pixel);
-            }
-            picture.rgb.push_back(static_cast<std::uint8_t>(pixel >> 16U));
-            picture.rgb.push_back(static_cast<std::uint8_t>(pixel >> 8U));
-            picture.rgb.push_back(static_cast<std::uint8_t>(pixel));
-        }
-    }
+    QImage picture = QImage(reinterpret_cast<const uchar*>(image->data), image->width,
+                            image->height, image->bytes_per_line, QImage::Format_RGB32)
+                         .copy();
     XDestroyImage(image);
     return picture;
 }
@@ -261,27 +229,25 @@ int Screen::bells() {
 
 std::vector<Window> Screen::windows() const {
     std::vector<Window> windows;
-    for (const unsigned long number :
-         x_->property<unsigned long>(x_->root, "_NET_CLIENT_LIST_STACKING", XA_WINDOW)) {
-        const auto title = x_->property<char>(number, "_NET_WM_NAME", x_->atom("UTF8_STRING"));
-        const auto process = x_->property<unsigned long>(number, "_NET_WM_PID", XA_CARDINAL);
-        windows.push_back({number, std::string(title.begin(), title.end()),
+    for (const unsigned long id : x_->managedWindows()) {
+        const auto title = x_->property<char>(id, "_NET_WM_NAME", x_->atom("UTF8_STRING"));
+        const auto process = x_->property<unsigned long>(id, "_NET_WM_PID", XA_CARDINAL);
+        windows.push_back({id, std::string(title.begin(), title.end()),
                            process.empty() ? 0 : static_cast<pid_t>(process.front())});
     }
     return windows;
 }
 
-Rectangle Screen::placeOf(const Window& window) const {
+QRect Screen::placeOf(const Window& window) const {
     XWindowAttributes attributes;
     ::Window child = 0;
-    Rectangle place;
-    if (XGetWindowAttributes(x_->display, window.number, &attributes) != 0 &&
-        XTranslateCoordinates(x_->display, window.number, x_->root, 0, 0, &place.x, &place.y,
-                              &child) != 0) {
-        place.width = attributes.width;
-        place.height = attributes.height;
+    int x = 0;
+    int y = 0;
+    if (XGetWindowAttributes(x_->display, window.id, &attributes) == 0 ||
+        XTranslateCoordinates(x_->display, window.id, x_->root, 0, 0, &x, &y, &child) == 0) {
+        return {};
     }
-    return place;
+    return {x, y, attributes.width, attributes.height};
 }
 
 bool Screen::isManaged() const {
@@ -292,8 +258,7 @@ bool Screen::isManaged() const {
     XMapWindow(x_->display, probe);
     XSync(x_->display, False);
     const auto isListed = [this, probe] {
-        const auto all =
-            x_->property<unsigned long>(x_->root, "_NET_CLIENT_LIST_STACKING", XA_WINDOW);
+        const auto all = x_->managedWindows();
         return std::find(all.begin(), all.end(), probe) != all.end();
     };
     bool wasListed = false;
@@ -303,7 +268,7 @@ bool Screen::isManaged() const {
     }
     XDestroyWindow(x_->display, probe);
     XSync(x_->display, False);
-    await("the small window's end", [&] { return !isListed(); });
+    await("the end of the small window", [&] { return !isListed(); });
     return wasListed;
 }
 
@@ -313,44 +278,28 @@ std::optional<unsigned long> Screen::activeWindow() const {
 }
 
 void Screen::close(const Window& window) {
-    x_->request(window.number, "_NET_CLOSE_WINDOW", {CurrentTime, 2});
+    x_->request(window.id, "_NET_CLOSE_WINDOW", {CurrentTime, 2});
 }
 
 void Screen::activate(const Window& window) {
-    x_->request(window.number, "_NET_ACTIVE_WINDOW", {2, CurrentTime, 0});
-    await("the window to become active",
-          [&] { return activeWindow() == std::optional(window.number); });
-}
-
-void Screen::resize(const Window& window, int width, int height) {
-    XResizeWindow(x_->display, window.number, static_cast<unsigned>(width),
-                  static_cast<unsigned>(height));
-    XSync(x_->display, False);
+    x_->request(window.id, "_NET_ACTIVE_WINDOW", {2, CurrentTime, 0});
+    await("the window to become active", [&] { return activeWindow() == window.id; });
 }
 
 std::chrono::microseconds Screen::roundTrip(const Window& window) {
-    XEvent event;
-    std::memset(&event, 0, sizeof event);
-    event.xclient.type = ClientMessage;
-    event.xclient.window = window.number;
-    event.xclient.message_type = x_->atom("WM_PROTOCOLS");
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = static_cast<long>(x_->atom("_NET_WM_PING"));
-    event.xclient.data.l[1] = ++x_->lastPing;
-    event.xclient.data.l[2] = static_cast<long>(window.number);
     const auto start = std::chrono::steady_clock::now();
-    XSendEvent(x_->display, window.number, False, NoEventMask, &event);
-    XFlush(x_->display);
+    const auto passed = [start] { return std::chrono::steady_clock::now() - start; };
+    x_->send(window.id, NoEventMask, window.id, "WM_PROTOCOLS",
+             {static_cast<long>(x_->atom("_NET_WM_PING")), ++x_->lastPing,
+              static_cast<long>(window.id)});
     while (x_->lastPong != x_->lastPing) {
         x_->takeEvents();
-        const auto passed = std::chrono::steady_clock::now() - start;
-        if (passed > patience) {
-            throw Overdue("The window does not answer");
+        if (passed() > timeout) {
+            throw TimedOut("The window does not answer");
         }
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
-    return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() -
-                                                                 start);
+    return std::chrono::duration_cast<std::chrono::microseconds>(passed());
 }
 
 } // namespace vistrane

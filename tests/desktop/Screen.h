@@ -6,20 +6,20 @@
 #include <string>
 #include <vector>
 
+#include <QImage>
+#include <QRect>
 #include <sys/types.h>
-
-#include "tests/desktop/Picture.h"
 
 namespace vistrane {
 
-/// A top-level window, as the window manager knows it.
+/// A top-level window, as the window manager lists it.
 struct Window {
-    unsigned long number = 0;
+    unsigned long id = 0;
     std::string title;
     pid_t process = 0;
 };
 
-/// The X display as a person at it has it: a mouse, a keyboard, and eyes and ears.
+/// An X display: mouse, keyboard, screen, bell and windows.
 class Screen {
 public:
     explicit Screen(const std::string& display);
@@ -27,41 +27,38 @@ public:
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 
-    void moveTo(int x, int y);
+    void moveTo(QPoint place);
     void press();
     void release();
-    /// Moves to the middle of the rectangle and clicks there.
-    void click(const Rectangle& rectangle, unsigned button = 1);
-    /// Presses the button in one place, moves over to the other, and releases it there.
-    void drag(int fromX, int fromY, int toX, int toY);
+    /// Clicks the middle of the rectangle.
+    void click(const QRect& rectangle);
+    void drag(QPoint from, QPoint to);
 
-    /// One key with those that are held meanwhile, by the X names: {"Control_L", "o"}.
+    /// The last key, while the others are held, by the X names: {"Control_L", "o"}.
     void press(const std::vector<std::string>& keys);
-    /// Printable ASCII, a newline for Return.
+    /// Printable ASCII, and a tabulator.
     void type(const std::string& text);
 
-    Picture picture() const;
+    QImage picture() const;
     /// The part of the rectangle that lies on the screen.
-    Picture picture(const Rectangle& rectangle) const;
+    QImage picture(const QRect& rectangle) const;
 
     /// How often the bell rang since the last call.
     int bells();
 
-    /// The windows that the window manager manages, lower ones first.
+    /// The managed windows, lower ones first.
     std::vector<Window> windows() const;
     /// Without the window manager's frame.
-    Rectangle placeOf(const Window& window) const;
-    /// Shows a small window for a moment. True when a window manager has taken it into its list:
-    /// one that is starting says that it is there before it sees every new window.
+    QRect placeOf(const Window& window) const;
+    /// Shows a small window for a moment. True when the window manager has listed it: a starting
+    /// one announces itself before it notices every new window.
     bool isManaged() const;
     std::optional<unsigned long> activeWindow() const;
-    /// As the close button of a task bar does.
+    /// Asks the window manager to close it, as the close button of a task bar does.
     void close(const Window& window);
     void activate(const Window& window);
-    void resize(const Window& window, int width, int height);
 
-    /// How long the window takes to answer that it is alive. The window manager's question is
-    /// asked, which the application's main loop answers.
+    /// The time until the application's main loop answers the window manager's ping.
     std::chrono::microseconds roundTrip(const Window& window);
 
 private:

@@ -12,13 +12,10 @@ TEST_F(CameraAlerts, ACameraThatIsGoneGivesTwoAlertsInTheirOrder) {
     start({folder});
     ASSERT_TRUE(camera("stop"));
     pickCamera("Testcam");
-    // The system's own words first: whatever they are, they stand alone.
-    const Control first = *await("the first alert", [this] {
-        return firstBelow(root(), [](const Control& control) {
-            return control.role() == "dialog" && control.is(ControlState::showing);
-        });
-    });
-    const std::string reason = first.name();
+    // The system's error comes first, in its own words, and without the other alert.
+    const std::string reason = findFirst("the first alert", [](const Control& control) {
+                                   return control.role() == "dialog";
+                               }).name();
     EXPECT_THAT(reason, HasSubstr("Testcam"));
     EXPECT_EQ(alert(reason).buttons.size(), 1U);
     EXPECT_EQ(seek("dialog", "Video Device Error"), std::nullopt);
@@ -37,11 +34,9 @@ TEST_F(CameraAlerts, ACameraThatIsGoneGivesTwoAlertsInTheirOrder) {
                           {"Got it"}}));
     keepScreen("second");
     answer(message, "Got it");
-    EXPECT_THAT(program().written(), HasSubstr("deviceInputWithDevice: failed ("));
-    // Nothing runs: the button does nothing.
+    EXPECT_THAT(program().log(), HasSubstr("deviceInputWithDevice: failed ("));
     clickButton("Start Auto Capture");
     button("Start Auto Capture");
-    EXPECT_EQ(quit(), 0);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <iostream>
 
+#include <QCoreApplication>
 #include <gtest/gtest.h>
 
 #include "tests/desktop/Desktop.h"
@@ -13,5 +14,7 @@ int main(int argc, char** argv) {
             return skipped;
         }
     }
+    // For the message bus; the tests have no window of their own.
+    const QCoreApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -1,8 +1,10 @@
 #include "tests/desktop/play_button.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
-#include <sstream>
+
+#include <QRect>
 
 namespace vistrane {
 
@@ -10,34 +12,23 @@ namespace {
 
 enum class Tone { light, dark, other };
 
-Tone toneOf(const Colour& colour) {
-    const auto [lowest, highest] = std::minmax_element(colour.begin(), colour.end());
-    if (*lowest > 200) {
+Tone toneOf(QRgb colour) {
+    const auto [lowest, highest] = std::minmax({qRed(colour), qGreen(colour), qBlue(colour)});
+    if (lowest > 200) {
         return Tone::light;
     }
-    return *highest < 90 ? Tone::dark : Tone::other;
+    return highest < 90 ? Tone::dark : Tone::other;
 }
 
-/// What stands out from the button's own colour.
-Rectangle placeOfDisc(const Picture& button) {
-    Rectangle place;
-    for (int y = 0; y < button.height; ++y) {
-        for (int x = 0; x < button.width; ++x) {
-            constexpr int clearly = 60;
-            const Colour colour = button.at(x, y);
-            const Colour ground = button.at(0, 0);
-            if (std::abs(colour[0] - ground[0]) < clearly) {
-                continue;
+/// The pixels that differ clearly from the button's own colour.
+QRect placeOfDisc(const QImage& button) {
+    constexpr int clearly = 60;
+    QRect place;
+    for (int y = 0; y < button.height(); ++y) {
+        for (int x = 0; x < button.width(); ++x) {
+            if (std::abs(qRed(button.pixel(x, y)) - qRed(button.pixel(0, 0))) >= clearly) {
+                place |= QRect(x, y, 1, 1);
             }
-            if (place.isEmpty()) {
-                place = {x, y, 1, 1};
-            }
-            const int right = std::max(place.right(), x + 1);
-            const int bottom = std::max(place.bottom(), y + 1);
-            place.x = std::min(place.x, x);
-            place.y = std::min(place.y, y);
-            place.width = right - place.x;
-            place.height = bottom - place.y;
         }
     }
     return place;
@@ -45,19 +36,18 @@ Rectangle placeOfDisc(const Picture& button) {
 
 } // namespace
 
-std::optional<PlayFace> faceOf(const Picture& button) {
-    const Rectangle disc = placeOfDisc(button);
-    if (disc.width < 12 || std::abs(disc.width - disc.height) > 2) {
+std::optional<PlayFace> faceOf(const QImage& button) {
+    const QRect disc = placeOfDisc(button);
+    if (disc.width() < 12 || std::abs(disc.width() - disc.height()) > 2) {
         return std::nullopt;
     }
-    // In parts of the disc's width: its left edge has never a mark, its middle always, and up and
-    // to the right of the middle only the square of "stop" has one.
-    const int centreX = disc.x + disc.width / 2;
-    const int centreY = disc.y + disc.height / 2;
-    const int aside = disc.width * 9 / 50;
-    const Tone plain = toneOf(button.at(disc.x + aside, centreY));
-    const Tone mark = toneOf(button.at(centreX, centreY));
-    const Tone corner = toneOf(button.at(centreX + aside, centreY - aside));
+    // The disc's left part never has a mark and its middle always does. To the upper right of the
+    // middle only the square of "stop" has one.
+    const QPoint centre = disc.topLeft() + QPoint(disc.width() / 2, disc.height() / 2);
+    const int aside = disc.width() * 9 / 50;
+    const Tone plain = toneOf(button.pixel(disc.x() + aside, centre.y()));
+    const Tone mark = toneOf(button.pixel(centre));
+    const Tone corner = toneOf(button.pixel(centre + QPoint(aside, -aside)));
     if (plain == Tone::other || mark == Tone::other || plain == mark || corner == Tone::other) {
         return std::nullopt;
     }
@@ -65,27 +55,22 @@ std::optional<PlayFace> faceOf(const Picture& button) {
 }
 
 std::optional<std::pair<int, int>> frameNumbers(const std::string& readOut) {
-    std::istringstream words(readOut);
-    std::string displaying;
-    std::string frame;
-    std::string of;
     std::pair<int, int> numbers;
-    if (!(words >> displaying >> frame >> numbers.first >> of >> numbers.second) ||
-        displaying + " " + frame != "Displaying frame" || of != "of" || !words.eof()) {
+    int length = 0;
+    // "%n" is not counted, and reached only when all else has matched.
+    if (std::sscanf(readOut.c_str(), "Displaying frame %d of %d%n", &numbers.first, &numbers.second,
+                    &length) != 2 ||
+        static_cast<std::size_t>(length) != readOut.size()) {
         return std::nullopt;
     }
     return numbers;
 }
 
-int FrameWatch::look() {
+void FrameWatch::look() {
     const auto numbers = frameNumbers(readOut_.name());
-    if (!numbers) {
-        return 0;
-    }
-    if (seen_.empty() || seen_.back() != numbers->first) {
+    if (numbers && (seen_.empty() || seen_.back() != numbers->first)) {
         seen_.push_back(numbers->first);
     }
-    return numbers->first;
 }
 
 } // namespace vistrane

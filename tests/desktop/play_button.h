@@ -5,8 +5,9 @@
 #include <utility>
 #include <vector>
 
+#include <QImage>
+
 #include "tests/desktop/Accessibility.h"
-#include "tests/desktop/Picture.h"
 
 namespace vistrane {
 
@@ -18,25 +19,24 @@ struct PlayFace {
     bool operator==(const PlayFace&) const = default;
 };
 
-/// The faces by appearance and state: "play1" and "play1-s", "play2" and "play2-s".
+/// The faces by the desktop's appearance and the player's state.
 inline constexpr PlayFace darkStopped{true, false};
 inline constexpr PlayFace darkPlaying{true, true};
 inline constexpr PlayFace lightStopped{false, false};
 inline constexpr PlayFace lightPlaying{false, true};
 
 /// Nothing for a picture that is none of the faces.
-std::optional<PlayFace> faceOf(const Picture& button);
+std::optional<PlayFace> faceOf(const QImage& button);
 
 /// The numbers in "Displaying frame 3 of 20"; nothing for another text.
 std::optional<std::pair<int, int>> frameNumbers(const std::string& readOut);
 
-/// Notes which frames the read-out names.
+/// Records which frames the read-out names.
 class FrameWatch {
 public:
     explicit FrameWatch(Control readOut) : readOut_(std::move(readOut)) {}
 
-    /// The number at the moment; 0 for none.
-    int look();
+    void look();
 
     /// Each number that followed another one.
     const std::vector<int>& seen() const { return seen_; }

@@ -6,8 +6,7 @@
 namespace vistrane {
 namespace {
 
-/// How long the window takes to answer while it is busy, for the test's output. How fast a machine
-/// is decides no test.
+/// The window answers while it is busy. The times are printed and fail no test.
 class Responsiveness : public CameraDesktopTest {
 protected:
     void measure(const std::string& what) { times_[what].push_back(screen().roundTrip(window_)); }
@@ -36,30 +35,25 @@ protected:
     std::map<std::string, std::vector<std::chrono::microseconds>> times_;
 };
 
-TEST_F(Responsiveness, IsMeasuredWhileEverythingGoesOn) {
-    makeFrames(40, {.width = 1280, .height = 720, .isNoise = true});
-    storeUsual(10);
-    start({folder});
-    window_ = window();
-    awaitFrame(40, 40);
+TEST_F(Responsiveness, TheWindowAnswersWhateverGoesOn) {
+    startWithFrames(40, 10, {.width = 1280, .height = 720, .isNoise = true});
+    window_ = mainWindow();
     for (int times = 0; times < 200; ++times) {
         measure("idle");
     }
 
-    const Control slider = find("slider", "Frame");
-    const Rectangle place = slider.extents();
-    const int middle = place.y + place.height / 2;
-    screen().moveTo(place.right() - 14, middle);
+    const QRect place = find("slider", "Frame").extents();
+    const int middle = place.center().y();
+    screen().moveTo({place.right() - 14, middle});
     screen().press();
-    for (int x = place.right() - 14; x > place.x; x -= 4) {
-        screen().moveTo(x, middle);
+    for (int x = place.right() - 14; x > place.x(); x -= 4) {
+        screen().moveTo({x, middle});
         measure("browsing");
     }
     screen().release();
     awaitFrame(1, 40);
 
-    const Control play = button("Play");
-    click(play);
+    clickButton("Play");
     await("playing to begin", [this] { return frameShown()->first > 1; });
     measureUntil("playing", [this] { return frameShown()->first == 40; });
 
@@ -74,10 +68,8 @@ TEST_F(Responsiveness, IsMeasuredWhileEverythingGoesOn) {
     click(compile);
     await("the compile to begin", [&] { return !compile.is(ControlState::enabled); });
     measureUntil("compiling", [&] { return compile.is(ControlState::enabled); });
-    await("the movie in its application", [this] { return !desktop.opened().empty(); });
-    EXPECT_EQ(quit(), 0);
+    openedMovie();
     report();
-    EXPECT_EQ(times_.size(), 5U);
 }
 
 } // namespace

@@ -7,9 +7,8 @@
 
 namespace vistrane {
 
-/// Longer than any machine needs, with a sanitizer too. Nothing is tested by it: it only ends a
-/// test that would never end.
-inline constexpr std::chrono::seconds patience{60};
+/// Ends a test that would never end. No test depends on it otherwise.
+inline constexpr std::chrono::seconds timeout{60};
 
 /// The other side cannot answer at the moment, because it is being built or taken down.
 class Unanswered : public std::runtime_error {
@@ -17,16 +16,16 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Something that was waited for did not come.
-class Overdue : public std::runtime_error {
+/// Something did not happen within the timeout.
+class TimedOut : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Asks `condition` again and again until its answer holds, and returns that answer.
+/// Polls `condition` until its answer converts to true, and returns that answer.
 template <typename Condition>
 auto await(const std::string& what, Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + timeout;
     std::string reason;
     while (true) {
         try {
@@ -38,7 +37,7 @@ auto await(const std::string& what, Condition condition) {
             reason = std::string(" (") + unanswered.what() + ")";
         }
         if (std::chrono::steady_clock::now() > end) {
-            throw Overdue("Waited in vain for " + what + reason);
+            throw TimedOut("Timed out waiting for " + what + reason);
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# packaging_test.sh CHECK ARGUMENT...: one check of what is installed beside the program. 77 says
-# that the tool for it is not there.
+# packaging_test.sh CHECK ARGUMENT...: runs one check of what is installed beside the program. Exit
+# status 77: the tool for it is not installed.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 
@@ -35,7 +35,7 @@ manualIsWellFormed() {
     [ -z "$found" ] || fail "$found"
 }
 
-# Long options and commands, one a line, each once.
+# Long options and commands, one per line, each once.
 optionsIn() {
     grep -oE -- '--[a-z][a-z0-9-]+' | sort -u
 }
@@ -56,7 +56,7 @@ manualAndHelpAgree() {
         <(sed -n '/^Usage/,$p' <<<"$help" | commandsIn) || fail "the commands differ"
 }
 
-# Mnemonics, with Alt, are seen in the window itself.
+# Mnemonics, with Alt, are visible in the window itself.
 manualNamesEveryKey() {
     local keys key
     keys=$(sed -n '/name="shortcut"/,/<\/property>/s/.*<string>\(.*\)<\/string>.*/\1/p' "$2" | grep -v '^Alt')
@@ -67,18 +67,27 @@ manualNamesEveryKey() {
     [ "$(grep -c $'^[^.]*\t' "$1")" = "$(wc -l <<<"$keys")" ] || fail "the manual names more keys"
 }
 
+# install CMAKE BUILD: installs into the folder $prefix. $module is the encoder module in it, and
+# $work a folder for the check.
+install() {
+    work=$(mktemp -d)
+    trap 'rm -rf "$work"' EXIT
+    prefix=$work/prefix
+    "$1" --install "$2" --prefix "$prefix" >"$work/log" || fail "$(cat "$work/log")"
+    module=$(find "$prefix" -path '*/vistrane/vistrane-encoder-*.so')
+    [ -s "$module" ] || fail "the encoder module is not installed"
+}
+
 installIsComplete() {
-    local cmake=$1 build=$2 file
-    prefix=$(mktemp -d) # not local: for the trap
-    trap 'rm -rf "$prefix"' EXIT
-    "$cmake" --install "$build" --prefix "$prefix" >"$prefix/log" || fail "$(cat "$prefix/log")"
+    local file
+    install "$@"
     for file in bin/vistrane share/applications/vistrane.desktop \
         share/metainfo/com.example.vistrane.metainfo.xml \
         share/icons/hicolor/scalable/apps/vistrane.svg share/man/man1/vistrane.1; do
         [ -s "$prefix/$file" ] || fail "$file is not installed"
     done
     "$prefix/bin/vistrane" --version >/dev/null || fail "the installed program does not run"
-    # What the entries name must be among what was installed.
+    # The entries must name what was installed.
     grep -qx 'Exec=vistrane %f' "$prefix/share/applications/vistrane.desktop" ||
         fail "the desktop entry starts something else"
     grep -qx 'Icon=vistrane' "$prefix/share/applications/vistrane.desktop" ||
@@ -87,8 +96,53 @@ installIsComplete() {
         "$prefix/share/metainfo/com.example.vistrane.metainfo.xml" ||
         fail "the metainfo names another desktop entry"
     if grep -rIl '@[A-Z_]*@' "$prefix/share"; then
-        fail "something was left to be filled in"
+        fail "a placeholder was not replaced"
     fi
+}
+
+# The installed program makes a movie of two frames.
+compiles() {
+    HOME=$work "$prefix/bin/vistrane" compile "$work/frames" >"$work/log" 2>&1
+}
+
+refusesModuleThatIs() {
+    ! compiles || fail "a movie is made although the module is $1"
+    grep -qF "The movie cannot be made: the H.264 encoder cannot be loaded ($module: " "$work/log" ||
+        fail "a module that is $1 is not named: $(cat "$work/log")"
+    [ "$(ls -A "$work/frames")" = $'a.png\nb.png' ] || fail "something was left behind"
+}
+
+# installedProgramMakesMovies CMAKE BUILD FRAME
+installedProgramMakesMovies() {
+    install "$1" "$2"
+    mkdir "$work/frames"
+    cp "$3" "$work/frames/a.png"
+    cp "$3" "$work/frames/b.png"
+    mv "$prefix" "$work/moved"
+    module=$work/moved${module#"$prefix"}
+    prefix=$work/moved
+    compiles || fail "the moved program makes no movie: $(cat "$work/log")"
+    rm "$work"/frames/*.mov
+    echo 'not a library' >"$module"
+    refusesModuleThatIs broken
+    rm "$module"
+    refusesModuleThatIs missing
+}
+
+everyLibraryIsSeen() {
+    needs dpkg-shlibdeps
+    local found name
+    install "$@"
+    mkdir -p "$work/debian/vistrane/DEBIAN"
+    printf 'Source: vistrane\n\nPackage: vistrane\nArchitecture: any\n' >"$work/debian/control"
+    mv "$prefix" "$work/debian/vistrane/usr"
+    cd "$work"
+    module=debian/vistrane/usr${module#"$prefix"}
+    found=$(dpkg-shlibdeps -O debian/vistrane/usr/bin/vistrane "$module" 2>&1) || fail "$found"
+    [[ $found != *warning* ]] || fail "$found"
+    for name in libavcodec libavutil libgstreamer libicu libisal libpng libqt6widgets; do
+        [[ $found == *$name* ]] || fail "$name is not among the dependencies: $found"
+    done
 }
 
 "$@"

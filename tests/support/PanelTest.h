@@ -12,8 +12,8 @@
 
 namespace vistrane {
 
-/// An info panel whose outlets are connected to a sim's controls. Every test of it also proves that
-/// nothing was done against an interface's contract.
+/// An info panel whose outlets are connected to a sim's controls. Every test also proves that no
+/// interface's contract was breached.
 class PanelTest : public ::testing::Test {
 protected:
     PanelTest() {

@@ -8,12 +8,12 @@
 
 namespace vistrane {
 
-/// A controller with a folder of frames "/f/1.png", "/f/2.png", ... that the frame list has read.
+/// A controller whose folder "/f" holds frames "1.png", "2.png", ...
 class PreviewTest : public ControllerTest {
 protected:
     PreviewTest() {
         sim.files().addFolder("/f");
-        button("outfolderB").currentTitle = "/f";
+        folderTitle() = "/f";
         slider("photoSlider").setRange(0.0, 0.0);
         slider("fpsS").drag(25.0);
     }
@@ -32,10 +32,6 @@ protected:
         sim.takeCalls();
     }
 
-    std::string shown() { return nameOf(display().image.get()); }
-    std::string readOut() { return textField("currentS").text; }
-    std::string face() { return nameOf(button("previewPlayButton").image.get()); }
-    std::string alternateFace() { return nameOf(button("previewPlayButton").alternateImage.get()); }
     bool isPlaying() { return delegate.playTimer && delegate.playTimer->isValid(); }
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -8,14 +9,18 @@
 
 namespace vistrane {
 
-/// The calls so far without the setting up of alerts, which may come in any order: what an alert
-/// said in the end is in `sim.alerts().shown()`.
-inline std::vector<std::string> takeProcedure(Sim& sim) {
+/// Takes the calls so far, without the setting up of alerts, whose order does not matter (what an
+/// alert said is in `sim.alerts().shown()`), and without those that begin with one of `others`.
+inline std::vector<std::string> takeProcedure(Sim& sim,
+                                              const std::vector<std::string>& others = {}) {
     std::vector<std::string> procedure;
     for (std::string& call : sim.takeCalls()) {
-        const bool isAlerts = call.compare(0, 5, "alert") == 0;
-        if (!isAlerts || call.find("runModal") != std::string::npos ||
-            call.compare(0, 15, "alertWithError:") == 0) {
+        const bool isSetUp = call.starts_with("alert") && !call.starts_with("alertWithError:") &&
+                             !call.ends_with(" runModal");
+        const bool isOther = std::any_of(others.begin(), others.end(), [&](const auto& start) {
+            return call.starts_with(start);
+        });
+        if (!isSetUp && !isOther) {
             procedure.push_back(std::move(call));
         }
     }

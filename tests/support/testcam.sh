@@ -1,13 +1,13 @@
 #!/bin/bash
-# testcam.sh start|stop|wait [NAME]: a camera of PipeWire, called NAME (one word; "Testcam" if none
-# is given); to be used inside with_pipewire.sh. "start" returns when the camera is listed, "stop"
-# when it is gone as if it had been unplugged. TESTCAM_SOURCE and TESTCAM_CAPS change the picture:
+# testcam.sh start|stop|wait [NAME]: a PipeWire camera called NAME (one word, "Testcam" by default),
+# for use inside with_pipewire.sh. "start" returns when the camera is listed, "stop" when it is gone,
+# as if it were unplugged. TESTCAM_SOURCE and TESTCAM_CAPS change the picture:
 #
 #     TESTCAM_SOURCE='videotestsrc is-live=true pattern=red' testcam.sh start Redcam
 #
-# GStreamer's provider stands still for good when its last reader leaves. A real camera does not,
-# so the provider is started afresh then; for some tenths of a second the camera is not listed.
-# "wait" returns when it is listed again: to be used between two programs that read the camera.
+# GStreamer's provider stops for good when its last reader leaves. A real camera does not, so the
+# provider is restarted then; for some tenths of a second the camera is not listed. "wait" returns
+# when it is listed again. Use it between two programs that read the camera.
 set -u
 
 verb=${1:-}
@@ -45,7 +45,7 @@ isNotListed() {
     ! isListed
 }
 
-# Reads PipeWire's events until the provider's node is gone, or the link of one of its readers is.
+# Reads PipeWire's events until the provider's node or the link of a reader is removed.
 awaitDeparture() {
     local line id="" kind="" ours="" removed=no
     declare -A links=()

@@ -1,8 +1,8 @@
 #!/bin/bash
 # with_pipewire.sh COMMAND [ARGUMENT...]: runs COMMAND with a PipeWire of its own: a fresh
 # XDG_RUNTIME_DIR, a session bus, pipewire and wireplumber, none of which sees this machine's
-# devices. Cameras are then started with testcam.sh. Returns what COMMAND returns; 77 when
-# something is not installed. Leaves no process and no file behind.
+# devices. Cameras are started with testcam.sh. Exits with COMMAND's status, or with 77 when a tool
+# is not installed. Leaves no process and no file behind.
 set -u
 
 for tool in dbus-run-session pipewire wireplumber pw-cli pw-mon gst-launch-1.0 setpriv setsid \
@@ -21,7 +21,7 @@ if [ "${WITH_PIPEWIRE_STAGE:-}" != inside ]; then
     directory=$(mktemp -d "${TMPDIR:-/tmp}/pipewire.XXXXXX") || exit 1
     chmod 700 "$directory"
     trap 'rm -rf "$directory"' EXIT
-    # Only the session bus's own complaints (a limit that a container may not raise) are left out.
+    # Filters the session bus' own warnings, about a limit that a container may not raise.
     XDG_RUNTIME_DIR=$directory WITH_PIPEWIRE_STAGE=inside \
         dbus-run-session -- "$0" "$@" \
         2> >(grep -v --line-buffered '^dbus-daemon\[' >&2)
@@ -30,7 +30,7 @@ if [ "${WITH_PIPEWIRE_STAGE:-}" != inside ]; then
 fi
 unset WITH_PIPEWIRE_STAGE PIPEWIRE_REMOTE PIPEWIRE_RUNTIME_DIR
 
-# A test is to find the cameras it starts and to leave the sound cards to their user.
+# Tests find only the cameras that they start, and leave sound cards alone.
 configuration=$XDG_RUNTIME_DIR/configuration
 mkdir -p "$configuration/wireplumber/main.lua.d" "$configuration/wireplumber/bluetooth.lua.d" \
          "$configuration/wireplumber/wireplumber.conf.d"
@@ -66,7 +66,7 @@ trap stopEverything EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 
-# waitUntilReady PROCESS COMMAND...: until COMMAND succeeds; at most ten seconds.
+# waitUntilReady PROCESS COMMAND...: waits until COMMAND succeeds, at most ten seconds.
 waitUntilReady() {
     local process=$1 attempt
     shift
@@ -86,12 +86,12 @@ answers() {
     pw-cli info 0 >/dev/null 2>&1
 }
 
-# The session manager puts up its metadata last, before its scripts run.
+# The session manager creates its metadata last, before its scripts run.
 isManaged() {
     pw-cli ls Metadata 2>/dev/null | grep -q '"default"'
 }
 
-# The death signal keeps them from outliving this script when it is killed.
+# The death signal ends them when this script is killed.
 setpriv --pdeathsig KILL pipewire >"$XDG_RUNTIME_DIR/pipewire.log" 2>&1 &
 daemon=$!
 waitUntilReady $daemon answers

@@ -6,13 +6,13 @@
 
 namespace vistrane {
 
-/// The action that a control sends to whom the interface file connected it with, if anybody.
+/// The action that a control sends, if the interface file connects it with an object.
 class Action {
 public:
     void set(NSAction action) { action_ = std::move(action); }
 
     void send(NSObject* sender) const {
-        // A copy: the action may run a loop of its own, in which anything may happen.
+        // A copy: the action may run a nested loop that replaces it.
         if (const NSAction action = action_) {
             action(sender);
         }

@@ -5,8 +5,8 @@
 
 namespace vistrane {
 
-/// Lets a key that is held down press a button of the window once only: held a little too long, it
-/// must not stop what it has just started.
+/// Keeps a held key from pressing a button of the window more than once: auto-repeat must not stop
+/// what the first press started.
 class HeldKeys final : public QObject {
 public:
     /// For the window and the buttons that it has now; owned by the window.
@@ -16,7 +16,7 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     QWidget& window_;
-    /// What a button learns of its shortcut does not tell.
+    /// The event that a button gets for its shortcut does not tell.
     bool isRepeatedShortcut_ = false;
 };
 

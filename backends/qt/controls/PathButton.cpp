@@ -28,8 +28,8 @@ bool isRightToLeft(char32_t character) {
     }
 }
 
-/// A path reads from left to right in every language. One that does so by itself stays as it is:
-/// most fonts lack the marks, and all others would be searched for them.
+/// A path reads from left to right in every language. One that does so anyway is not marked: most
+/// fonts lack the marks, so that all other fonts would be searched for them.
 QString isolated(const QString& path, Qt::LayoutDirection around) {
     const auto characters = path.toUcs4();
     const bool readsByItself = around == Qt::LeftToRight &&
@@ -37,7 +37,7 @@ QString isolated(const QString& path, Qt::LayoutDirection around) {
     return readsByItself ? path : QChar(0x2066) + path + QChar(0x2069);
 }
 
-/// A tool tip takes a text that looks like marked-up text for that.
+/// A tool tip interprets text that looks like markup.
 QString tipOf(const QString& path) {
     return Qt::mightBeRichText(path)
                ? QStringLiteral("<p style='white-space:pre'>%1</p>").arg(path.toHtmlEscaped())
@@ -47,7 +47,7 @@ QString tipOf(const QString& path) {
 } // namespace
 
 QSize PathButton::sizeHint() const {
-    // Of the button's own accord no wider than the shortest path; its layout gives it more.
+    // A long path must not widen the window; the layout gives the button what room there is.
     constexpr int width = 240;
     return QPushButton::sizeHint().boundedTo(QSize(width, QWIDGETSIZE_MAX));
 }

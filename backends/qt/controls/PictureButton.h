@@ -4,8 +4,8 @@
 
 namespace vistrane {
 
-/// A button that shows a picture and no frame. A ring around it tells who uses the keyboard that
-/// it has that: what a style draws there is hardly seen on dark colours.
+/// A button that shows a picture and no frame. It draws its own ring for the keyboard focus,
+/// because that of the style is barely visible on dark colours.
 class PictureButton : public QToolButton {
 public:
     using QToolButton::QToolButton;

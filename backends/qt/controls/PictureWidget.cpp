@@ -16,7 +16,7 @@ namespace {
 
 constexpr double cornerRadius = 6.0;
 
-/// The pixels of a picture file; null when they are damaged.
+/// Null when the file is damaged.
 QImage decoded(const PictureSource& source) {
     const PictureShape& shape = source.shape();
     constexpr auto most = static_cast<std::uint32_t>(std::numeric_limits<int>::max());
@@ -43,7 +43,7 @@ std::size_t number(int side) {
     return static_cast<std::size_t>(side);
 }
 
-/// Of `size`, which is that of a place, at least 1 x 1.
+/// Whether it can be scaled down to `size`, which is at least 1 x 1, while it is decoded.
 bool canBeMadeSmaller(const PictureShape& shape, QSize size) {
     return !shape.mayBeTransparent && number(size.width()) <= shape.width &&
            number(size.height()) <= shape.height;
@@ -83,7 +83,7 @@ QImage scaled(const QImage& image, QSize size) {
     if (isSmaller && image.format() == QImage::Format_RGBX8888) {
         return madeSmaller(image, size);
     }
-    // A form that is painted as it is.
+    // A format that is painted without conversion.
     return image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
         .convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
                                                  : QImage::Format_RGB32);
@@ -183,7 +183,7 @@ void PictureWidget::decode() {
     } else if (const auto* const resource = dynamic_cast<const QtImage*>(picture_.get())) {
         pixels_ = std::get<QImage>(resource->picture());
     }
-    // Damaged or not: it is not read another time.
+    // A damaged file is not read again either.
     picture_.reset();
 }
 

@@ -12,25 +12,26 @@
 
 namespace vistrane {
 
-/// A place for one picture: as large as it fits with its shape kept, centred. Main thread only.
+/// A place for one picture, fitted into it with its aspect ratio kept, and centred. Main thread
+/// only.
 ///
 /// A picture file is decoded once, when it is first painted, and scaled once for each size and
-/// scale of the screen. A large one is made smaller while it is decoded, so that it is never in
-/// memory whole, and is decoded once more, whole, should another size be wanted. One that turns
-/// out to be damaged shows as none.
+/// scale of the screen. A large one is scaled down while it is decoded, so that memory never holds
+/// all its pixels. It is decoded again, in full, when another size is needed. A damaged one shows
+/// as none.
 class PictureWidget : public QWidget {
 public:
     explicit PictureWidget(QWidget* parent = nullptr);
 
-    /// Nothing lets shine through what is behind.
+    /// Without a color the place is transparent.
     void setBackground(std::optional<QColor> color);
 
     /// Null empties the place.
     void setPicture(std::shared_ptr<NSImage> picture);
-    /// Moving pictures: each takes the place of the last one, painted or not.
+    /// Moving pictures: each replaces the last one, painted or not.
     void setFrame(QImage frame);
 
-    /// Called when the place comes to be seen, with true, and when it is seen no longer.
+    /// Called with true when the place becomes visible, with false when it is hidden.
     void setVisibilityHandler(std::function<void(bool)> handler);
 
     QSize sizeHint() const override { return preferredSize_; }
@@ -50,11 +51,10 @@ private:
     void paintHint(QPainter& painter) const;
 
     std::optional<QColor> background_;
-    /// Until it is decoded whole, or as long as it is made of vectors.
+    /// Reset once it is decoded in full. Vector pictures are kept.
     std::shared_ptr<NSImage> picture_;
     bool isMovingPicture_ = false;
-    /// A hint makes room for the first picture, also for one that cannot be read, and does not come
-    /// back.
+    /// There has been a picture, even an unreadable one: the hint is not shown again.
     bool isInUse_ = false;
     QSizeF shape_;
     QImage pixels_;

@@ -22,7 +22,7 @@ void PopUpWidget::keyPressEvent(QKeyEvent* event) {
         }
         break;
     default:
-        // Leaves out the letters that search the closed list, too.
+        // Letters would search the closed list.
         event->ignore();
     }
 }

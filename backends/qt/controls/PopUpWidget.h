@@ -4,8 +4,8 @@
 
 namespace vistrane {
 
-/// A list that opens before anything is picked: neither the wheel nor a key changes the selection
-/// of the closed list, as picking has effects that nobody wants in passing.
+/// A list that has to be opened to pick an item: neither the wheel nor a key changes the selection
+/// of the closed list, because each change takes effect at once.
 class PopUpWidget : public QComboBox {
 public:
     using QComboBox::QComboBox;

@@ -22,7 +22,7 @@ void QtButton::setTitle(const std::string& title) {
         return;
     }
     widget_->setText(withMnemonic(shownText(title), mnemonic_));
-    // The text may just have taken the shortcut away.
+    // Setting the text resets the shortcut.
     widget_->setShortcut(shortcut_);
 }
 

@@ -16,11 +16,11 @@ namespace vistrane {
 
 /// A button on a widget. The title is kept byte for byte beside the text that is shown.
 ///
-/// The state of a button that can be checked is what the user sees. That of any other is only
-/// kept: the program sets it on at each click, and the button must not look pressed for ever.
+/// The state of a checkable button is what the user sees. That of any other button is only kept:
+/// the program sets it on at each click, and the button must not keep looking pressed.
 ///
-/// The shortcut that the widget has at first works whatever the title. When it comes from a
-/// mnemonic in the widget's text, the same letter is underlined in each title that has it.
+/// The widget's initial shortcut works with every title. When it comes from a mnemonic in the
+/// widget's text, the same letter is underlined in each title that has it.
 class QtButton final : public NSButton {
 public:
     /// Takes the title and state that the widget has.
@@ -30,8 +30,8 @@ public:
     void setTitle(const std::string& title) override;
     NSInteger state() const override;
     void setState(NSInteger state) override;
-    /// Any thread. From another one than the main thread the widget follows when that has time,
-    /// but from now on the button sends nothing.
+    /// Any thread. When called on another thread than the main one, the widget follows later, but a
+    /// disabled button stops sending its action at once.
     void setEnabled(bool enabled) override;
     void setImage(std::shared_ptr<NSImage> image) override;
     /// Shown while the button is pressed.
@@ -53,7 +53,7 @@ private:
     std::shared_ptr<NSImage> image_;
     std::shared_ptr<NSImage> alternateImage_;
     Action action_;
-    /// Lives in the main thread; receives what other threads have to say.
+    /// Lives in the main thread; receives calls from other threads.
     QObject mainThread_;
 };
 

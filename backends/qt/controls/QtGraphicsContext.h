@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// The graphics context of a widget that paints itself; in use no longer than the painter.
+/// The graphics context of a widget while it is painted. Must not outlive the painter.
 class QtGraphicsContext final : public NSGraphicsContext {
 public:
     /// The context's origin is the bottom left corner of `height` points.
@@ -16,7 +16,8 @@ public:
 
     QPainter& painter() const { return painter_; }
 
-    /// The painter's coordinates, from the top, of a rectangle of the context, and back.
+    /// Conversions from the context's coordinates to the painter's, which begin at the top, and
+    /// back.
     QRectF fromBottomLeft(const NSRect& rect) const {
         return {rect.origin.x, height_ - rect.origin.y - rect.size.height, rect.size.width,
                 rect.size.height};

@@ -13,7 +13,7 @@ namespace vistrane {
 
 namespace {
 
-/// How strong the icon of something disabled is.
+/// Of the icon of a disabled control.
 constexpr double disabledOpacity = 0.35;
 
 class PictureIconEngine final : public QIconEngine {

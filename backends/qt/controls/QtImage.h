@@ -14,8 +14,8 @@ class QPainter;
 
 namespace vistrane {
 
-/// A picture of the program's resources: drawn from its vectors at whatever size is asked for, or
-/// made of pixels. Main thread only.
+/// A picture of the program's resources, made of vectors, which are drawn at any size, or of
+/// pixels. Main thread only.
 class QtImage final : public NSImage {
 public:
     /// Valid vectors, or pixels.
@@ -24,7 +24,7 @@ public:
     explicit QtImage(Picture picture) : picture_(std::move(picture)) {}
 
     NSSize size() const override;
-    /// Null: these pictures are only ever drawn.
+    /// Null: these pictures are only drawn.
     std::shared_ptr<NSData> TIFFRepresentation() const override { return nullptr; }
 
     // Both draw into a current context that is a `QtGraphicsContext`, and nowhere else.
@@ -42,8 +42,8 @@ private:
     Picture picture_;
 };
 
-/// An icon that keeps the picture's shape and is crisp at every size and scale. Empty for pictures
-/// that are none of the program's resources.
+/// An icon that keeps the aspect ratio and is sharp at every size and scale. Empty for a picture
+/// that is no `QtImage`.
 QIcon iconOf(const NSImage& image);
 
 } // namespace vistrane

@@ -6,7 +6,7 @@ namespace vistrane {
 
 namespace {
 
-/// A copy: the camera wants its memory back.
+/// A copy: the camera reuses its memory.
 QImage copyOf(const PreviewPicture& picture) {
     if (!picture.pixels) {
         return {};
@@ -49,7 +49,7 @@ void QtLayer::addSublayer(std::shared_ptr<CALayer> layer) {
 void QtLayer::showPreview(bool isSeen) {
     if (!isSeen) {
         preview_->setPictureHandler(nullptr);
-        // What is shown may be long past when the place is seen again.
+        // The last picture would be outdated when the place is shown again.
         place_->setFrame({});
         return;
     }
@@ -85,7 +85,6 @@ void QtImageView::setImage(std::shared_ptr<NSImage> image) {
 }
 
 QWidget* widgetOf(NSView& view) {
-    // The interface files have no other views.
     const auto* const own = dynamic_cast<QtImageView*>(&view);
     return own != nullptr ? &own->widget() : nullptr;
 }

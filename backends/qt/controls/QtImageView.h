@@ -16,7 +16,7 @@ namespace vistrane {
 class MediaPreviewLayer;
 
 /// The layer of a view. Its background is the place's own; of the layers in it only a camera's
-/// live preview is shown, and it fills the place. It asks for pictures only while it is seen.
+/// live preview is shown; it fills the place. It requests pictures only while it is visible.
 class QtLayer final : public CALayer {
 public:
     explicit QtLayer(PictureWidget& place);
@@ -45,7 +45,7 @@ public:
     void setNeedsDisplay(bool needed) override;
     void setImage(std::shared_ptr<NSImage> image) override;
 
-    /// For an alert that shows the view for a while.
+    /// For an alert that borrows the view.
     PictureWidget& widget() const { return place_; }
 
 private:
@@ -53,7 +53,7 @@ private:
     std::shared_ptr<QtLayer> layer_;
 };
 
-/// The widget of a view; null for a view that is none of an interface file.
+/// The widget of a view of an interface file; null for any other view.
 QWidget* widgetOf(NSView& view);
 
 } // namespace vistrane

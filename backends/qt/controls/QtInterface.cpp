@@ -54,19 +54,18 @@ private:
     QAction& item_;
 };
 
-/// Does what an item of a menu stands for when it is chosen, but not while a dialog is up: a
-/// desktop that draws the menu itself does not know of it.
-template <typename Deed>
-void whenChosen(QAction& item, QObject& receiver, Deed deed) {
-    QObject::connect(&item, &QAction::triggered, &receiver, [deed = std::move(deed)] {
+/// Calls `function` when a menu item is chosen, but not while a dialog is open: a desktop that
+/// draws the menu itself does not know that the dialog blocks it.
+template <typename Function>
+void whenChosen(QAction& item, QObject& receiver, Function function) {
+    QObject::connect(&item, &QAction::triggered, &receiver, [function = std::move(function)] {
         if (QApplication::activeModalWidget() == nullptr) {
-            deed();
+            function();
         }
     });
 }
 
-/// Puts a window into the middle of the main one when it is first shown, as far as the screen
-/// reaches.
+/// Centres a window on the main one when it is first shown, within the screen.
 class FirstPlace final : public QObject {
 public:
     FirstPlace(QWidget& window, const QWidget& mainWindow)
@@ -104,7 +103,7 @@ public:
     Windows();
 
     QMainWindow mainWindow;
-    // No children of the main one: a window manager would hide and show them together with it.
+    // Not children of the main window: a window manager would hide and show them together with it.
     QWidget infoPanel;
     QWidget tipsWindow;
     QWidget autostartForm;
@@ -154,7 +153,7 @@ void QtInterface::Windows::fillMenus() {
     contextMenu.addSeparator();
     contextSubmenuItem = contextMenu.addAction(submenuTitle);
 
-    // A program that is quit while it runs a loop of its own ends in that loop first.
+    // Queued: quitting from a nested loop ends that loop first.
     QObject::connect(mainFile_.quitItem, &QAction::triggered, qApp, &QCoreApplication::quit,
                      Qt::QueuedConnection);
     QWidget* const central = mainFile_.centralWidget;
@@ -197,7 +196,7 @@ QtInterface::Connector::Connector(Windows& windows, const QtResources& resources
     addForm(panel, windows.infoPanel);
     addForm(panel, windows.tipsWindow);
     addForm(panel, windows.autostartForm);
-    // The panel puts the version into the title of the window that everybody sees.
+    // The panel shows the version in the main window's title.
     panel.addOutlet("myWindow", controlWindows_.at("myWindow"));
     panel.setPanelWindow(controlWindows_.at("infoPanel"));
     addMenus();
@@ -274,7 +273,7 @@ void QtInterface::Connector::addSender(const QObject& widget, const QtNib::Conne
     if (selector.isEmpty()) {
         return;
     }
-    // A control sends to whichever object has such an action.
+    // Whichever object has such an action receives it.
     for (auto& [name, nib] : nibs_) {
         nib.addSender(selector.toStdString(), connect);
     }
@@ -306,7 +305,7 @@ void QtInterface::Connector::addMenuAction(QAction& item) {
         whenChosen(item, window->widget(), [window] { window->makeKeyAndOrderFront(nullptr); });
     }
     addSender(item, [&item](const NSAction& action) {
-        // No action of the program's asks which item of a menu has sent it.
+        // No action of the program uses the sender of a menu item.
         whenChosen(item, item, [action] { action(nullptr); });
     });
 }

@@ -13,7 +13,7 @@
 namespace vistrane {
 
 /// The interface files, loaded: the windows with their controls and menus, none of them shown yet.
-/// Main thread only; needs the QApplication, and outlives what it was connected with.
+/// Main thread only. Needs the QApplication, and outlives the objects that it connects.
 ///
 /// An outlet is the control of that object name. What a control or a menu item sends is its
 /// property "action", a selector. Further properties:
@@ -22,12 +22,12 @@ namespace vistrane {
 ///     opens         menu item: shows the window of that name
 ///     inStatusMenu  menu item: also in the status icon's menu
 ///     inContextMenu menu item: also in the main window's context menu
-///     cellClass     slider: is drawn by a cell of that class
-///     numberOfTickMarks  such a slider: how many its cell is asked about
+///     cellClass     slider: a cell of that class draws it
+///     numberOfTickMarks  such a slider: how many ticks its cell has
 ///     delegate      window: the object that is told "windowWillClose:"
-///     image         view: the name of the picture that it shows at first
-///     hint          view: what it says until there is a first picture
-///     hintWithoutCameras   the same, when there is no camera to get one from
+///     image         view: the name of its initial picture
+///     hint          view: its text until the first picture
+///     hintWithoutCameras   the same, when there is no camera
 class QtInterface {
 public:
     explicit QtInterface(const QtResources& resources);
@@ -39,13 +39,13 @@ public:
     NSNib& nib(const std::string& objectName);
 
     QWidget& mainWindow();
-    /// The main window, the info panel and the tips. Each stands for itself: the latter two can be
-    /// on the screen while the main window is minimised, and first appear in its middle.
+    /// The main window, the info panel and the tips. They are independent: the latter two stay on
+    /// the screen while the main window is minimised. They first appear centred on it.
     std::vector<QWidget*> windows();
 
-    /// Keeps the small windows off the screen that the objects show while they awake.
+    /// Delays showing the small windows, which the objects may request while they awake.
     void holdSmallWindows();
-    /// Shows those, in front of the main window.
+    /// Shows those that were requested, in front of the main window.
     void releaseSmallWindows();
 
     /// Of the icon in the desktop's status area.

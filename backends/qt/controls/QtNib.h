@@ -18,7 +18,7 @@ class QtNib final : public NibOutlets {
 public:
     using Connection = std::function<void(const NSAction&)>;
 
-    /// `connect` is given the action of that selector as soon as the object offers it.
+    /// Calls `connect` with the action of that selector when the object offers it.
     void addSender(const std::string& selector, Connection connect);
 
     /// A slider that draws itself through a cell of that class.

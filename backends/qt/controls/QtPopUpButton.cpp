@@ -8,7 +8,7 @@ namespace vistrane {
 
 QtPopUpButton::QtPopUpButton(PopUpWidget& widget) : widget_(widget) {
     widget.clear();
-    // Sent for each pick, unlike the signal of a changed selection.
+    // Emitted for every pick, also of the item that is selected already.
     QObject::connect(&widget, &QComboBox::activated, &connections_,
                      [this](int) { action_.send(this); });
 }

@@ -32,7 +32,7 @@ private:
     void show() {
         // The bar is full at the maximum and not before, however near the value is.
         const double part = std::floor(std::min(value_, maximum_) * steps / maximum_);
-        // The comparison is false for what is no number.
+        // The comparison is false for NaN.
         widget_.setValue(maximum_ > 0.0 && part > 0.0
                              ? static_cast<int>(std::min(part, static_cast<double>(steps)))
                              : 0);

@@ -11,8 +11,8 @@
 
 #include "backends/qt/controls/QtImage.h"
 
-// Outside of every namespace, as the macro needs it. Without this call nothing would pull the
-// pictures out of the library.
+// The macro must be used outside of every namespace. Without it the linker would drop the pictures
+// from the static library.
 static void registerPictures() {
     Q_INIT_RESOURCE(interface);
 }

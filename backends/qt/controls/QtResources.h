@@ -10,8 +10,8 @@ namespace vistrane {
 /// The pictures of the folder frontends/window/interface/pictures, which are part of the program.
 /// Main thread only.
 ///
-/// A picture goes by its file's name, whole or without its ending: "play1" and "tip1.png" may both
-/// be vector files.
+/// A name may have an extension, which need not be that of the file: "play1" and "tip1.png" may
+/// both be vector files.
 class QtResources {
 public:
     QtResources();

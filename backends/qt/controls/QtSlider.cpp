@@ -10,7 +10,7 @@ namespace vistrane {
 
 namespace {
 
-/// A number that the widget can count to, with room for a page beyond it.
+/// Within what the widget can count, a page step beyond it included.
 int position(double value) {
     constexpr double most = std::numeric_limits<int>::max() >> 2;
     return static_cast<int>(std::clamp(value, -most, most));
@@ -45,7 +45,7 @@ void QtSlider::setIntegerValue(NSInteger value) {
 }
 
 void QtSlider::show() {
-    // Only what the user does counts as a move.
+    // Only the user's moves send the action.
     const QSignalBlocker blocker(widget_);
     const int first = position(std::round(value_.minimum()));
     const int last =

@@ -5,6 +5,12 @@
 
 namespace vistrane {
 
+void QtText::setNeedsDisplay(bool needed) {
+    if (needed) {
+        any_.update();
+    }
+}
+
 void QtText::setStringValue(const std::string& text) {
     keep(text);
     show(text);
@@ -26,24 +32,16 @@ void QtText::setIntegerValue(NSInteger value) {
     setStringValue(std::to_string(value));
 }
 
-QtLabel::QtLabel(QLabel& widget) : widget_(widget) {
-    keep(widget.text().toStdString());
-    // What the program shows is text, whatever it looks like.
+QtLabel::QtLabel(QLabel& widget) : QtText(widget, widget.text()), widget_(widget) {
+    // The program's texts are never markup.
     widget.setTextFormat(Qt::PlainText);
-}
-
-void QtLabel::setNeedsDisplay(bool needed) {
-    if (needed) {
-        widget_.update();
-    }
 }
 
 void QtLabel::show(const std::string& text) {
     widget_.setText(shownText(text, true));
 }
 
-QtTextField::QtTextField(QLineEdit& widget) : widget_(widget) {
-    keep(widget.text().toStdString());
+QtTextField::QtTextField(QLineEdit& widget) : QtText(widget, widget.text()), widget_(widget) {
     QObject::connect(&widget, &QLineEdit::textEdited, &connections_, [this](const QString& text) {
         keep(text.toStdString());
         isEdited_ = true;
@@ -56,14 +54,8 @@ QtTextField::QtTextField(QLineEdit& widget) : widget_(widget) {
     QObject::connect(&widget, &QLineEdit::editingFinished, &connections_, [this] { endEditing(); });
 }
 
-void QtTextField::setNeedsDisplay(bool needed) {
-    if (needed) {
-        widget_.update();
-    }
-}
-
 void QtTextField::endEditing() {
-    // First: the action may well end the edit of every field.
+    // Reset first: the action may end the edit of every field.
     if (std::exchange(isEdited_, false)) {
         action_.send(this);
     }

@@ -15,6 +15,7 @@ namespace vistrane {
 /// A text on a widget that outlives it, kept byte for byte beside what is shown.
 class QtText : public NSTextField {
 public:
+    void setNeedsDisplay(bool needed) override;
     void setStringValue(const std::string& text) override;
     std::int32_t intValue() const override;
     NSInteger integerValue() const override;
@@ -24,10 +25,13 @@ public:
     const std::string& stringValue() const { return text_; }
 
 protected:
+    QtText(QWidget& widget, const QString& text) : any_(widget), text_(text.toStdString()) {}
+
     void keep(std::string text) { text_ = std::move(text); }
     virtual void show(const std::string& text) = 0;
 
 private:
+    QWidget& any_;
     std::string text_;
 };
 
@@ -35,7 +39,6 @@ private:
 class QtLabel final : public QtText {
 public:
     explicit QtLabel(QLabel& widget);
-    void setNeedsDisplay(bool needed) override;
 
 protected:
     void show(const std::string& text) override;
@@ -44,12 +47,11 @@ private:
     QLabel& widget_;
 };
 
-/// A line that the user edits. What is typed counts at once as the field's value; the action is
-/// sent by Enter, and when the focus leaves after an edit. Setting a value gives an edit up.
+/// A line that the user edits. Typing changes the field's value at once. Enter sends the action,
+/// and so does losing the focus after an edit. Setting a value discards the edit.
 class QtTextField final : public QtText {
 public:
     explicit QtTextField(QLineEdit& widget);
-    void setNeedsDisplay(bool needed) override;
 
     void setAction(NSAction action) { action_.set(std::move(action)); }
 

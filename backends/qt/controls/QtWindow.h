@@ -27,20 +27,19 @@ public:
     void addField(std::shared_ptr<QtTextField> field) { fields_.push_back(std::move(field)); }
 
     /// Ends the edit of every other field and gives the focus to the control; false when the
-    /// window has no such control. With null no control has the focus, so that nothing more is
-    /// typed into a field; the tabulator then goes on from the control that had it: who works
-    /// without a mouse is not sent back to the first one.
+    /// window has no such control. With null no control has the focus, so that typing changes no
+    /// field. The tab key then continues from the control that had it.
     bool makeFirstResponder(NSObject* responder) override;
-    /// Shows the window, also when it is minimised. One that is held back waits.
+    /// Shows the window, also when it is minimised. While it is held back, it is shown later.
     void makeKeyAndOrderFront(NSObject* sender) override;
     void setTitle(const std::string& title) override;
     /// Title bars belong to the window manager.
     void setTitlebarAppearsTransparent(bool) override {}
 
-    /// Sent to the window's delegate each time that the window closes.
+    /// Sent to the window's delegate whenever the window closes.
     void setWillCloseAction(NSAction action) { willClose_.set(std::move(action)); }
 
-    /// Let go, it shows if it was to be shown meanwhile.
+    /// When it is released, it is shown if that was requested meanwhile.
     void setHeldBack(bool isHeldBack);
 
     QWidget& widget() const { return widget_; }
@@ -50,7 +49,7 @@ private:
     void takeFocus();
 
     QWidget& widget_;
-    /// Has the focus when no control has; not reached by the tabulator.
+    /// Has the focus when no control has. The tab key skips it.
     QPointer<QWidget> noControl_;
     std::map<const NSObject*, QPointer<QWidget>> controls_;
     std::vector<std::shared_ptr<QtTextField>> fields_;

@@ -15,7 +15,7 @@ namespace vistrane {
 
 namespace {
 
-/// Points; the picture of a knob needs more room than the style's own.
+/// In points; larger than the style's knob.
 constexpr int knobSize = 20;
 
 } // namespace
@@ -111,7 +111,7 @@ void SliderWidget::paintEvent(QPaintEvent* event) {
 
 void SliderWidget::paintWithCell() {
     QStylePainter painter(this);
-    // The style draws the bar as in any other slider; its knob and its ticks are the cell's.
+    // The style draws the bar; the cell draws the knob and places the ticks.
     QStyleOptionSlider option;
     initStyleOption(&option);
     option.subControls = QStyle::SC_SliderGroove;

@@ -11,17 +11,17 @@ namespace vistrane {
 
 class QtGraphicsContext;
 
-/// A slider whose knob jumps to where it is clicked and follows the mouse from there.
+/// A slider whose knob jumps to the click and follows the mouse from there.
 ///
-/// With a cell it is the cell that draws the knob and says where the tick marks are; the property
-/// "numberOfTickMarks" says how many there are. All else looks as without one.
+/// A cell, if any, draws the knob and places the tick marks, whose number is the property
+/// "numberOfTickMarks". The style draws everything else.
 class SliderWidget : public QSlider {
 public:
     explicit SliderWidget(QWidget* parent = nullptr);
 
     void setCell(std::shared_ptr<NSSliderCell> cell);
 
-    /// Called when the mouse is pressed where it changes no value, in place of valueChanged().
+    /// Called, instead of valueChanged(), when a mouse press does not change the value.
     void setUnmovedPressHandler(std::function<void()> handler);
 
     QSize sizeHint() const override;

@@ -7,10 +7,10 @@ class QWidget;
 
 namespace vistrane {
 
-/// How wide the ring is, in points.
+/// In points.
 constexpr int focusRingWidth = 2;
 
-/// Whether the widget has the keyboard and its user uses that.
+/// Whether the widget has the focus and the user navigates by keyboard.
 bool showsFocusRing(const QWidget& widget);
 
 /// Draws just within `outline`, with round corners.

@@ -1,9 +1,11 @@
 #include "backends/qt/controls/shown_text.h"
 
+#include <QKeySequence>
+
 namespace vistrane {
 
-QString shownText(std::string_view bytes, bool keepsLines) {
-    QString text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+QString shownText(const std::string& bytes, bool keepsLines) {
+    QString text = QString::fromStdString(bytes);
     for (QChar& character : text) {
         const bool isLineBreak = character == u'\n';
         if (character.category() == QChar::Other_Control && !(keepsLines && isLineBreak)) {
@@ -29,12 +31,8 @@ QString withoutMarks(const QString& marked) {
 }
 
 QChar mnemonicOf(const QString& marked) {
-    for (qsizetype place = 0; place + 1 < marked.size(); ++place) {
-        if (marked.at(place) == u'&' && marked.at(++place) != u'&') {
-            return marked.at(place);
-        }
-    }
-    return {};
+    const QKeySequence keys = QKeySequence::mnemonic(marked);
+    return keys.isEmpty() ? QChar() : QChar(keys[0].key());
 }
 
 QString withMnemonic(const QString& text, QChar letter) {

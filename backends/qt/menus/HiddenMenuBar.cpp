@@ -18,7 +18,7 @@ void addActionsWithin(const QList<QAction*>& actions, QWidget& holder) {
     }
 }
 
-/// In a window that was never shown, everything counts as hidden that was not shown by itself.
+/// In a window that was never shown, isHidden() is true for every child that was not shown itself.
 bool wasHidden(const QMenuBar& menuBar) {
     return menuBar.isHidden() && menuBar.testAttribute(Qt::WA_WState_ExplicitShowHide);
 }
@@ -32,7 +32,7 @@ HiddenMenuBar::HiddenMenuBar(QMenuBar& menuBar)
     shortcuts_->setAttribute(Qt::WA_TransparentForMouseEvents);
     addActionsWithin(menuBar.actions(), *shortcuts_);
     shortcuts_->show();
-    // One that the desktop shows in a bar of its own has to come back into the window first.
+    // A menu bar that the desktop shows elsewhere has to return to the window first.
     menuBar.setNativeMenuBar(false);
     menuBar.hide();
 }

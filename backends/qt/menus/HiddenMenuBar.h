@@ -8,8 +8,8 @@
 
 namespace vistrane {
 
-/// A window's menu bar, out of sight until this is destroyed. The shortcuts of its menus go on
-/// working meanwhile. Does not outlive the QApplication.
+/// Hides a window's menu bar while it lives; the shortcuts of the menus keep working. Must not
+/// outlive the QApplication.
 class HiddenMenuBar {
 public:
     explicit HiddenMenuBar(QMenuBar& menuBar);
@@ -24,8 +24,8 @@ private:
     QPointer<QMenuBar> menuBar_;
     bool native_;
     bool hidden_;
-    /// An empty visible widget of the window that holds the actions: those of a hidden menu bar
-    /// answer no keys.
+    /// An empty visible widget of the window that holds the actions: the shortcuts of a hidden menu
+    /// bar do not work.
     QPointer<QWidget> shortcuts_;
 };
 

@@ -16,11 +16,11 @@ namespace vistrane {
 
 namespace {
 
-/// Marks the native windows that were taken out of the task bar: others have their own reasons
-/// for not being there and must not be put into it.
+/// Marks the native windows that this class took out of the task bar. Others, which are not in it
+/// for other reasons, must not be put into it.
 constexpr const char* outOfTaskBar = "vistraneOutOfTaskBar";
 
-/// No menu, tool tip or drop-down list, nor the embedded window of a status icon.
+/// Excludes menus, tool tips, drop-down lists and the embedded window of a status icon.
 bool isDesktopWindow(const QWidget& widget) {
     return widget.isWindow() &&
            (widget.windowType() == Qt::Window || widget.windowType() == Qt::Dialog) &&
@@ -37,7 +37,7 @@ QList<QWidget*> desktopWindows() {
     return windows;
 }
 
-/// Sent to a window that is asked to become the active one.
+/// Sent to a window whose activation is requested.
 QEvent::Type activationAsked() {
     static const int type = QEvent::registerEventType();
     return static_cast<QEvent::Type>(type);
@@ -116,8 +116,7 @@ bool QtApplication::eventFilter(QObject* watched, QEvent* event) {
     } else if (event->type() == QEvent::WindowActivate && watched->isWidgetType()) {
         nextActive_.clear();
     }
-    // A window manager forgets the states of a window that is hidden, so each showing counts; it
-    // is told of before the window appears.
+    // A window manager forgets the states of a hidden window: they are set before each show.
     if ((event->type() == QEvent::Show || event->type() == QEvent::WindowStateChange) &&
         watched->isWidgetType()) {
         auto& widget = static_cast<QWidget&>(*watched);

@@ -16,10 +16,9 @@ class HiddenMenuBar;
 
 /// The program as its desktop sees it, over the QApplication, which outlives it.
 ///
-/// As an accessory the program has no task-bar entry, on X11, and no menu bar; no window moves,
-/// changes its size or its place in the stack for that. Wayland has no way to ask for the former.
-/// A window that is minimised keeps its task-bar entry where no status icon could bring it back:
-/// nothing else would.
+/// As an accessory the program has no menu bar and, on X11, no task-bar entry; Wayland has no
+/// request for the latter. Switching moves, resizes and restacks no window. A minimised window
+/// keeps its task-bar entry where no status icon can restore it.
 class QtApplication final : public QObject, public NSApplication {
 public:
     /// `hasStatusIcon` tells whether the desktop shows the program's status icon.
@@ -30,20 +29,19 @@ public:
     /// is active. Null for none.
     void setMainWindow(QWidget* window);
 
-    /// Shows a window in front of the others and asks for the keyboard, also when it is minimised.
-    /// The window system answers later; until then that window counts as the active one.
+    /// Shows a window in front of the others, also when it is minimised, and requests the keyboard
+    /// for it. The window system answers later; until then the window counts as the active one.
     static void orderFront(QWidget& window);
 
     /// Minimises each window that is shown and has a minimise button.
     void miniaturizeAll(NSObject* sender) override;
 
-    /// Holds for windows that are shown later as well. False where the window system cannot take
-    /// windows out of the task bar; the menu bar goes all the same.
+    /// Applies to windows that are shown later as well. False where the window system cannot take
+    /// windows out of the task bar; the menu bar is hidden there too.
     bool setActivationPolicy(NSApplicationActivationPolicy policy) override;
 
-    /// Brings the main window and then the active one to the front, as far as the window system
-    /// lets a program do that. Minimised and hidden windows stay so. With `ignoring` off, only
-    /// asks for the user's attention.
+    /// Brings the main window and then the active one to the front, if the window system allows it.
+    /// Minimised and hidden windows stay so. With `ignoring` off, only alerts the user.
     void activateIgnoringOtherApps(bool ignoring) override;
 
 protected:
@@ -57,7 +55,7 @@ private:
 
     std::function<bool()> hasStatusIcon_;
     QPointer<QWidget> mainWindow_;
-    /// What was asked to become active since a window last became so.
+    /// The window whose activation was requested last; null once a window has become active.
     QPointer<QWidget> nextActive_;
     NSApplicationActivationPolicy policy_ = NSApplicationActivationPolicyRegular;
     std::vector<std::unique_ptr<HiddenMenuBar>> hiddenMenuBars_;

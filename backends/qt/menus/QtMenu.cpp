@@ -41,7 +41,7 @@ std::shared_ptr<NSMenuItem> QtMenu::addItemWithTitle(const std::string& title, N
     }
     QAction* const entry = menu_->addAction(shownAsItIs(title));
     entry->setShortcut(shortcutFor(keyEquivalent));
-    // Left alone, a title such as "About" would move the entry to another menu on some systems.
+    // By default a title such as "About" moves the entry to another menu on some systems.
     entry->setMenuRole(QAction::NoRole);
     items_.push_back(std::make_shared<QtMenuItem>(*entry, iconMaker_, std::move(action)));
     return items_.back();
@@ -51,7 +51,7 @@ void QtMenu::cancelTracking() {
     if (menu_ == nullptr || !menu_->isVisible()) {
         return;
     }
-    // Popups are open one above the other, submenus last; all of them belong to one tracking.
+    // Open popups form a stack with the submenus on top.
     while (QWidget* const top = QApplication::activePopupWidget()) {
         top->hide();
         if (top == QApplication::activePopupWidget()) {

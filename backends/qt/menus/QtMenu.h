@@ -21,13 +21,13 @@ public:
     QtMenu(QMenu& menu, MenuIconMaker iconMaker);
     ~QtMenu() override;
 
-    /// The title is shown as it is: no character in it becomes a mnemonic. A key equivalent is
-    /// one character, pressed with the platform's command key; a capital one with shift as well.
+    /// No character of the title becomes a mnemonic. A key equivalent is one character, pressed
+    /// with the platform's command key; a capital letter is pressed with shift as well.
     std::shared_ptr<NSMenuItem> addItemWithTitle(const std::string& title, NSAction action,
                                                  const std::string& keyEquivalent) override;
 
-    /// Closes the whole chain of open menus that this one is part of, from the submenus up. A
-    /// menu that the desktop itself draws, as some status areas do, is not in our hands.
+    /// Closes all open menus of which this one is part, submenus first. A menu that the desktop
+    /// draws, as some status areas do, cannot be closed.
     void cancelTracking() override;
 
     /// Null when the interface file's menu is gone.

@@ -16,11 +16,11 @@ namespace vistrane {
 
 class QtMenu;
 
-/// Makes a picture of the program into one that a menu shows.
+/// Converts a picture of the program for a menu.
 using MenuIconMaker = std::function<QIcon(const NSImage&)>;
 
 /// An entry of a menu over a QAction: one that a QtMenu made, or one of the interface file. The
-/// action belongs to its menu; the entry goes quiet when that is destroyed.
+/// action belongs to its menu; the entry does nothing once that is destroyed.
 class QtMenuItem final : public NSMenuItem {
 public:
     /// `sends` is called when the user chooses the entry, once it has a target; it may be empty.
@@ -30,7 +30,7 @@ public:
     std::optional<std::string> representedObject() const override;
     void setRepresentedObject(const std::string& object) override;
     void setTarget(NSObject* target) override;
-    /// Shown whatever the desktop's rule on pictures in menus is.
+    /// Shown even where the desktop shows no icons in menus.
     void setImage(std::shared_ptr<NSImage> image) override;
     void setSubmenu(std::shared_ptr<NSMenu> submenu) override;
 

@@ -9,12 +9,12 @@
 
 namespace vistrane {
 
-/// The program's icon in the desktop's status area, with a menu. Where the desktop has no such
-/// area nothing is shown and nothing fails; the icon appears when the area does.
+/// The program's icon in the desktop's status area, with a menu. Without a status area nothing is
+/// shown; the icon appears when the area does.
 class StatusIcon {
 public:
-    /// `menu` outlives the icon. A plain click on the icon calls `bringBack`; the desktop decides
-    /// whether it has one or opens the menu.
+    /// `menu` outlives the icon. A plain click on the icon calls `bringBack`, unless the desktop
+    /// opens the menu instead.
     StatusIcon(QMenu& menu, const QIcon& icon, const QString& toolTip,
                std::function<void()> bringBack);
     ~StatusIcon();

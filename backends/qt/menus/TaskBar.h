@@ -4,11 +4,11 @@ class QWindow;
 
 namespace vistrane {
 
-/// Whether windows can be taken out of the task bar here. True where there is no desktop at all.
+/// Whether windows can be taken out of the task bar. True without a desktop.
 bool canLeaveTaskBar();
 
-/// Takes a window out of the desktop's task bar and pager or puts it back, shown or not. A window
-/// that is hidden must be told again when it is next shown. Does nothing where that cannot be.
+/// Takes a window, shown or not, out of the desktop's task bar and pager, or puts it back. Must be
+/// repeated when a hidden window is shown. Does nothing where that is impossible.
 void setInTaskBar(QWindow& window, bool shown);
 
 } // namespace vistrane

@@ -1,55 +1,33 @@
+#include "backends/qt/menus/TaskBar.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
-#include <string_view>
 #include <vector>
 
 #include <QGuiApplication>
 #include <QString>
 #include <QWindow>
-#include <xcb/xcb.h>
 
-#include "backends/qt/menus/TaskBar.h"
+#include "backends/qt/menus/x11.h"
 
 namespace vistrane {
 
 namespace {
 
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, decltype(&std::free)>;
-
-template <typename Reply>
-Owned<Reply> owned(Reply* reply) {
-    return {reply, &std::free};
-}
-
-/// Null when the windows are not on an X server.
-xcb_connection_t* connection() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 != nullptr ? x11->connection() : nullptr;
-}
-
-xcb_atom_t atom(xcb_connection_t* server, std::string_view name) {
-    const auto reply = owned(xcb_intern_atom_reply(
-        server, xcb_intern_atom(server, 0, static_cast<std::uint16_t>(name.size()), name.data()),
-        nullptr));
-    return reply != nullptr ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 struct Atoms {
     explicit Atoms(xcb_connection_t* server)
-        : state(atom(server, "_NET_WM_STATE")), skips({atom(server, "_NET_WM_STATE_SKIP_TASKBAR"),
-                                                       atom(server, "_NET_WM_STATE_SKIP_PAGER")}),
-          managed(atom(server, "WM_STATE")) {}
+        : state(x11Atom(server, "_NET_WM_STATE")),
+          skips({x11Atom(server, "_NET_WM_STATE_SKIP_TASKBAR"),
+                 x11Atom(server, "_NET_WM_STATE_SKIP_PAGER")}),
+          managed(x11Atom(server, "WM_STATE")) {}
 
     xcb_atom_t state;
     std::array<xcb_atom_t, 2> skips;
     xcb_atom_t managed;
 };
 
-/// A window manager has taken the window over: shown or minimised, not hidden.
+/// Whether a window manager manages the window: it is shown or minimised, not hidden.
 bool isManaged(xcb_connection_t* server, xcb_window_t window, const Atoms& atoms) {
     const auto reply = owned(xcb_get_property_reply(
         server, xcb_get_property(server, 0, window, atoms.managed, XCB_GET_PROPERTY_TYPE_ANY, 0, 1),
@@ -67,7 +45,7 @@ xcb_window_t rootOf(xcb_connection_t* server, xcb_window_t window) {
     return reply != nullptr ? reply->root : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-/// A managed window's states are its window manager's, which is asked.
+/// Only the window manager changes the states of a window that it manages.
 void askWindowManager(xcb_connection_t* server, xcb_window_t window, const Atoms& atoms,
                       bool skip) {
     constexpr std::uint32_t remove = 0;
@@ -99,7 +77,7 @@ std::vector<xcb_atom_t> states(xcb_connection_t* server, xcb_window_t window, co
     return {first, first + reply->value_len};
 }
 
-/// The states that a window has when it is next shown are the application's to write. The
+/// The application itself writes the states that a hidden window will have when it is shown. The
 /// toolkit keeps those that it does not know.
 void writeStates(xcb_connection_t* server, xcb_window_t window, const Atoms& atoms, bool skip) {
     std::vector<xcb_atom_t> kept = states(server, window, atoms);
@@ -117,12 +95,12 @@ void writeStates(xcb_connection_t* server, xcb_window_t window, const Atoms& ato
 
 bool canLeaveTaskBar() {
     const QString windowSystem = QGuiApplication::platformName();
-    return connection() != nullptr || windowSystem == QLatin1String("offscreen") ||
+    return x11Connection() != nullptr || windowSystem == QLatin1String("offscreen") ||
            windowSystem == QLatin1String("minimal");
 }
 
 void setInTaskBar(QWindow& window, bool shown) {
-    xcb_connection_t* const server = connection();
+    xcb_connection_t* const server = x11Connection();
     if (server == nullptr || window.handle() == nullptr) {
         return;
     }

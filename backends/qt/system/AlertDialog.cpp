@@ -14,7 +14,6 @@
 #include <QVBoxLayout>
 
 #include "backends/qt/system/AlertText.h"
-#include "backends/qt/system/dialog_text.h"
 
 namespace vistrane {
 
@@ -25,18 +24,19 @@ constexpr int textWidth = 420;
 constexpr int margin = 24;
 constexpr int space = 20;
 
-/// What is left of the screen for the window's frame and title.
+/// Room on the screen for the window's frame and title.
 constexpr int frameWidth = 16;
 constexpr int frameHeight = 64;
 
-/// A title is shown as it is: nothing in it is a mnemonic.
+/// No character of the title becomes a mnemonic.
 QString buttonTitle(const std::string& title) {
-    return dialogText(title).replace('&', "&&");
+    return QString::fromStdString(title).replace('&', "&&");
 }
 
 int escapeButtonOf(const AlertContents& contents) {
     for (std::size_t number = 0; number < contents.buttons.size(); ++number) {
-        if (dialogText(contents.buttons[number]).compare("cancel", Qt::CaseInsensitive) == 0) {
+        if (QString::fromStdString(contents.buttons[number])
+                .compare("cancel", Qt::CaseInsensitive) == 0) {
             return static_cast<int>(number);
         }
     }
@@ -48,9 +48,9 @@ int escapeButtonOf(const AlertContents& contents) {
 AlertDialog::AlertDialog(const AlertContents& contents, QWidget* accessory, QWidget* parent)
     : QDialog(parent), escapeButton_(escapeButtonOf(contents)), accessory_(accessory) {
     setObjectName("alert");
-    setWindowTitle(dialogText(contents.title));
-    setAccessibleName(dialogText(contents.message));
-    setAccessibleDescription(dialogText(contents.informative).trimmed());
+    setWindowTitle(QString::fromStdString(contents.title));
+    setAccessibleName(QString::fromStdString(contents.message));
+    setAccessibleDescription(QString::fromStdString(contents.informative).trimmed());
 
     auto* const columns = new QHBoxLayout;
     columns->setSpacing(space);
@@ -105,11 +105,12 @@ QScrollArea* AlertDialog::makeTexts(const AlertContents& contents) {
     rows->setSpacing(10);
     QFont bold = font();
     bold.setBold(true);
-    auto* const message = new AlertText(dialogText(contents.message), bold, width, texts);
+    auto* const message =
+        new AlertText(QString::fromStdString(contents.message), bold, width, texts);
     message->setObjectName("message");
     rows->addWidget(message);
-    // Texts end in a newline of their own, which would only be an empty line here.
-    const QString rest = dialogText(contents.informative).trimmed();
+    // Some texts end in a newline, which would be an empty line here.
+    const QString rest = QString::fromStdString(contents.informative).trimmed();
     if (!rest.isEmpty()) {
         auto* const informative = new AlertText(rest, font(), width, texts);
         informative->setObjectName("informative");
@@ -127,7 +128,7 @@ void AlertDialog::fitHeight(QScrollArea& texts, int others) {
     if (texts.height() <= most) {
         return;
     }
-    // The keyboard can scroll it as well.
+    // So that the keyboard can scroll it.
     texts.setFocusPolicy(Qt::TabFocus);
     texts.setFixedSize(texts.width() + texts.verticalScrollBar()->sizeHint().width(), most);
 }

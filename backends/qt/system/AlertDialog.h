@@ -9,12 +9,13 @@ class QScrollArea;
 
 namespace vistrane {
 
-/// The dialog of an alert. Its result is the number of the answering button, counted from 0; while
-/// it is open it borrows the accessory view's widget.
+/// The dialog of an alert. Its result is the index of the pressed button. While it is open it
+/// borrows the accessory view's widget. Long texts scroll, so that the dialog fits the screen.
 ///
-/// It stays within the screen, so that its buttons can be reached, however long its texts are.
+/// A message box of the toolkit would reorder the buttons by the desktop's rules, and would not
+/// break a long path.
 ///
-/// For whoever drives it: its object name is "alert", those of its buttons are "button0" and so on.
+/// For tests: its object name is "alert", those of its buttons are "button0" and so on.
 class AlertDialog final : public QDialog {
 public:
     AlertDialog(const AlertContents& contents, QWidget* accessory, QWidget* parent);
@@ -31,9 +32,10 @@ private:
     QWidget* makePicture();
     QScrollArea* makeTexts(const AlertContents& contents);
     QWidget* makeButtons(const AlertContents& contents);
-    /// The room for the dialog without its frame.
+    /// The screen's room for the dialog, without the frame.
     QSize available() const;
-    /// Lets texts scroll that are too high for the screen. `others` is the height of all else.
+    /// Makes texts scroll that are too high for the screen. `others` is the height of everything
+    /// else.
     void fitHeight(QScrollArea& texts, int others);
     void returnAccessory();
 

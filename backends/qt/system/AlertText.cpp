@@ -10,7 +10,7 @@ namespace vistrane {
 
 namespace {
 
-/// Without the parts of a text editor, which nobody is to meet here.
+/// Without the children that a text editor has.
 class AccessibleText final : public QAccessibleWidget {
 public:
     explicit AccessibleText(AlertText& text)

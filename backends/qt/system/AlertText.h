@@ -5,10 +5,10 @@
 
 namespace vistrane {
 
-/// One text of an alert: as it is, nothing in it is markup. It has a fixed width, breaks anywhere
-/// where a word is wider, and is as high as it needs to be. It can be selected and copied.
+/// One text of an alert. Nothing in it is markup. It has a fixed width, breaks within words that
+/// are wider, and is as high as it needs to be. It can be selected and copied.
 ///
-/// To assistive programs it is a label with that text.
+/// Assistive programs see a label with that text. A QLabel would not break a long path.
 class AlertText final : public QTextEdit {
     Q_OBJECT
 

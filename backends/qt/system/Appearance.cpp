@@ -19,12 +19,20 @@ bool isDarkPalette(const QPalette& palette) {
            palette.color(QPalette::WindowText).lightness();
 }
 
+void setDimmed(QPalette& palette, const QColor& dimmed) {
+    palette.setColor(QPalette::PlaceholderText, dimmed);
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, dimmed);
+    }
+}
+
 QPalette darkPalette() {
     const QColor window(0x29, 0x29, 0x2b);
     const QColor text(0xec, 0xec, 0xee);
     const QColor dimmed(0x94, 0x94, 0x98);
-    // Lighter than the window: the style draws outlines darker than that, where boxes and fields
-    // would not be seen.
+    // Lighter than the window: the style's outlines are darker than the window, so that boxes and
+    // fields would be invisible.
     const QColor base(0x5a, 0x5a, 0x60);
     const QColor highlight(0x3d, 0x7d, 0xd8);
     QPalette palette(text, QColor(0x3a, 0x3a, 0x3d), QColor(0x58, 0x58, 0x5c),
@@ -33,21 +41,17 @@ QPalette darkPalette() {
     palette.setColor(QPalette::AlternateBase, QColor(0x52, 0x52, 0x58));
     palette.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3a, 0x3d));
     palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::PlaceholderText, dimmed);
     palette.setColor(QPalette::Link, QColor(0x6c, 0xa8, 0xf2));
     palette.setColor(QPalette::LinkVisited, QColor(0xb0, 0x90, 0xe0));
     palette.setColor(QPalette::Highlight, highlight);
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    for (const QPalette::ColorRole role :
-         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, dimmed);
-    }
+    setDimmed(palette, dimmed);
     palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(0x4a, 0x4a, 0x4e));
     palette.setColor(QPalette::Disabled, QPalette::HighlightedText, dimmed);
     return palette;
 }
 
-/// An empty bar must not look like a full one, as it would with the colour of fields.
+/// In the colour of fields an empty bar would look like a full one.
 QPalette darkBarColours() {
     QPalette palette;
     palette.setColor(QPalette::Base, QColor(0x36, 0x36, 0x39));
@@ -57,20 +61,15 @@ QPalette darkBarColours() {
 QPalette lightPalette() {
     const QColor window(0xf4, 0xf4, 0xf5);
     const QColor text(0x1e, 0x1e, 0x20);
-    const QColor dimmed(0x8e, 0x8e, 0x93);
     QPalette palette(text, QColor(0xfa, 0xfa, 0xfb), Qt::white, QColor(0xa6, 0xa6, 0xaa),
                      QColor(0xc8, 0xc8, 0xcc), text, Qt::white, Qt::white, window);
-    palette.setColor(QPalette::PlaceholderText, dimmed);
     palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xcf));
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    for (const QPalette::ColorRole role :
-         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, dimmed);
-    }
+    setDimmed(palette, QColor(0x8e, 0x8e, 0x93));
     return palette;
 }
 
-/// How the desktop dressed the application, before the program changed anything.
+/// The application's style and palette before the program changed them.
 struct DesktopLook {
     QString style = QApplication::style()->objectName();
     QPalette palette = QApplication::palette();

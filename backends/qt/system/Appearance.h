@@ -9,13 +9,12 @@
 
 namespace vistrane {
 
-/// Whether the desktop is light or dark, from the desktop portal and, where that has no opinion,
-/// from the palette that the desktop gave the application. Main thread only, after the application
-/// object and before it goes.
+/// Whether the desktop is light or dark, by the desktop portal or, if that has no preference, by
+/// the application's initial palette. Main thread only, while there is an application object.
 class Appearance {
 public:
-    /// Asks the portal and waits for the answer, but no longer than a third of a second: a later
-    /// one counts as a change.
+    /// Asks the portal and waits for the answer for at most 0.3 s. A later answer counts as a
+    /// change.
     Appearance();
     ~Appearance();
     Appearance(const Appearance&) = delete;
@@ -40,8 +39,8 @@ private:
 /// The program's own colours.
 QPalette ownPalette(bool isDark);
 
-/// Dresses the application accordingly: in the desktop's own style and palette if those are as
-/// light or dark, else in a style and palette of the program's own.
+/// Applies the desktop's style and palette if they are as light or dark, otherwise a style and
+/// palette of the program's own.
 void applyPalette(bool isDark);
 
 } // namespace vistrane

@@ -17,19 +17,19 @@ constexpr char interfaceName[] = "org.freedesktop.portal.Settings";
 constexpr char group[] = "org.freedesktop.appearance";
 constexpr char key[] = "color-scheme";
 
-/// How long the start waits for an answer.
-constexpr int patience = 300;
-/// A portal that is only now being started may take that long.
-constexpr int longPatience = 30000;
+/// The start waits for an answer.
+constexpr int startMilliseconds = 300;
+/// A portal that is just being started takes long.
+constexpr int lateMilliseconds = 30000;
 
 QDBusPendingCall ask(int milliseconds) {
-    // The older of two methods of this purpose, which every version of the portal has.
+    // The older of two equivalent methods; every version of the portal has it.
     QDBusMessage question = QDBusMessage::createMethodCall(service, path, interfaceName, "Read");
     question << QString(group) << QString(key);
     return QDBusConnection::sessionBus().asyncCall(question, milliseconds);
 }
 
-/// What lies in a variant, however many are wrapped around it.
+/// The value in nested variants.
 QVariant unwrapped(QVariant value) {
     while (value.canConvert<QDBusVariant>()) {
         value = value.value<QDBusVariant>().variant();
@@ -44,13 +44,12 @@ Appearance::Portal::Portal(std::function<void()> changed) {
     if (!bus.isConnected()) {
         return;
     }
-    // Qt knows the type by its name, which the slot is found by, only once this was called or a
-    // value of it was received.
+    // Qt looks the slot up by the type's name, which has to be registered first.
     qRegisterMetaType<QDBusVariant>();
-    // From any sender: a portal that is started anew is another one.
+    // From any sender: a restarted portal has another name.
     bus.connect({}, path, interfaceName, "SettingChanged", this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
-    QDBusPendingReply<QVariant> reply = ask(patience);
+    QDBusPendingReply<QVariant> reply = ask(startMilliseconds);
     reply.waitForFinished();
     if (reply.isValid()) {
         take(reply.value());
@@ -61,7 +60,7 @@ Appearance::Portal::Portal(std::function<void()> changed) {
 }
 
 void Appearance::Portal::askAgain() {
-    auto* const watcher = new QDBusPendingCallWatcher(ask(longPatience), this);
+    auto* const watcher = new QDBusPendingCallWatcher(ask(lateMilliseconds), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<QVariant> reply = *watcher;
         if (reply.isValid()) {

@@ -18,7 +18,7 @@ class Appearance::Portal final : public QObject {
 public:
     enum Scheme { noPreference = 0, dark = 1, light = 2 };
 
-    /// `changed` is called when `scheme` has another value than at the end of the constructor.
+    /// `changed` is called when `scheme` changes after the constructor.
     explicit Portal(std::function<void()> changed);
 
     Scheme scheme() const { return scheme_; }

@@ -1,7 +1,6 @@
 #include "backends/qt/system/QtAlert.h"
 
-#include <condition_variable>
-#include <mutex>
+#include <future>
 #include <utility>
 
 #include <QApplication>
@@ -12,26 +11,8 @@ namespace vistrane {
 
 namespace {
 
-/// The answer on its way from the main thread to a waiting one.
-class Answer {
-public:
-    void set(int button) {
-        const std::lock_guard lock(mutex_);
-        button_ = button;
-        given_.notify_all();
-    }
-
-    int wait() {
-        std::unique_lock lock(mutex_);
-        given_.wait(lock, [this] { return button_.has_value(); });
-        return *button_;
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable given_;
-    std::optional<int> button_;
-};
+/// Passes the answer from the main thread to a waiting one.
+using Answer = std::promise<int>;
 
 AlertDialog* makeDialog(const QtDialogRules& rules, const AlertContents& contents) {
     QWidget* const accessory =
@@ -39,14 +20,14 @@ AlertDialog* makeDialog(const QtDialogRules& rules, const AlertContents& content
     return new AlertDialog(contents, accessory, dialogParent(rules));
 }
 
-/// Shows an alert that leaves other windows usable. One that would appear on top of a modal dialog
-/// could not be used and covers it: it comes up when that is gone.
+/// Shows an alert that leaves other windows usable. A modal dialog would block it and be covered by
+/// it: then the alert is shown when that dialog is gone.
 void showBeside(const std::shared_ptr<const QtDialogRules>& rules, const AlertContents& contents,
                 const std::shared_ptr<Answer>& answer) {
     if (const QWidget* const modal = QApplication::activeModalWidget()) {
         QtRunLoop& loop = rules->loop;
         QObject::connect(modal, &QObject::destroyed, &loop, [rules, &loop, contents, answer] {
-            // Not in the middle of the dialog's end: another one may follow it at once.
+            // Not within the dialog's destructor: another dialog may follow it at once.
             loop.mainQueue().async(
                 [rules, contents, answer] { showBeside(rules, contents, answer); });
         });
@@ -54,7 +35,9 @@ void showBeside(const std::shared_ptr<const QtDialogRules>& rules, const AlertCo
     }
     AlertDialog* const dialog = makeDialog(*rules, contents);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    QObject::connect(dialog, &QDialog::finished, [answer](int button) { answer->set(button); });
+    QObject::connect(
+        dialog, &QDialog::finished, dialog, [answer](int button) { answer->set_value(button); },
+        Qt::SingleShotConnection);
     dialog->show();
 }
 
@@ -92,7 +75,7 @@ NSModalResponse QtAlert::runBesideMainThread() const {
     const auto answer = std::make_shared<Answer>();
     rules_->loop.mainQueue().async(
         [answer, rules = rules_, contents = contents_] { showBeside(rules, contents, answer); });
-    return NSAlertFirstButtonReturn + answer->wait();
+    return NSAlertFirstButtonReturn + answer->get_future().get();
 }
 
 } // namespace vistrane

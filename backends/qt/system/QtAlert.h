@@ -8,23 +8,23 @@
 
 #include <QWidget>
 
-#include "backends/qt/system/QtRunLoop.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSError.h"
 
 namespace vistrane {
 
-/// What alerts and panels need of the front end. It outlives them.
+/// What alerts and panels need from the front end. Outlives them.
 struct QtDialogRules {
     QtRunLoop& loop;
-    /// The window that dialogs stand in front of while none is modal; null for none. Main thread.
+    /// The parent of dialogs while none is modal; null for none. Main thread.
     std::function<QWidget*()> parent;
     /// The widget of a view of the interface file; null for none. Main thread.
     std::function<QWidget*(NSView&)> widgetOf;
 };
 
-/// The parent of a new dialog: the modal dialog that is up, for nothing else can be used and it is
-/// not to cover the new one, else the rules' window. Main thread.
+/// The parent of a new dialog: the open modal dialog, which would otherwise cover and block the new
+/// one, else the rules' window. Main thread.
 QWidget* dialogParent(const QtDialogRules& rules);
 
 /// What an alert shows.
@@ -32,17 +32,17 @@ struct AlertContents {
     std::string title = "Vistrane";
     std::string message;
     std::string informative;
-    /// In the order in which they stand and answer; the first is the default. Not empty.
+    /// From left to right, in the order of their answers; the first is the default. Not empty.
     std::vector<std::string> buttons;
     std::shared_ptr<NSView> accessory;
 };
 
-/// An alert as a dialog. On the main thread it is modal and timers hold back; on another thread it
-/// stands beside the main window, which stays usable, while the thread sleeps until the answer. The
-/// former stands in front of a modal dialog that is up, the latter waits for its end.
+/// An alert as a dialog. On the main thread it is modal, suspends timers and stands in front of an
+/// open modal dialog. On another thread it blocks that thread only: the main window stays usable
+/// beside it, and it waits until no dialog is modal.
 ///
-/// Closing the dialog by Escape or by its frame gives the answer of its only button, else that of
-/// the one titled "Cancel", else that of the last.
+/// Closing the dialog by Escape or by its frame counts as its only button, else as the one titled
+/// "Cancel", else as the last.
 class QtAlert final : public NSAlert {
 public:
     explicit QtAlert(std::shared_ptr<const QtDialogRules> rules);
@@ -61,14 +61,14 @@ public:
     NSModalResponse runModal() override;
 
 private:
-    /// The dialog is made when the alert runs; until then there is only its title to be set.
+    /// The dialog is made when the alert runs; until then only its title can be set.
     class Window final : public NSWindow {
     public:
         explicit Window(AlertContents& contents) : contents_(contents) {}
         bool makeFirstResponder(NSObject*) override { return false; }
         void makeKeyAndOrderFront(NSObject*) override {}
         void setTitle(const std::string& title) override { contents_.title = title; }
-        /// Desktops draw their own title bars here.
+        /// Title bars belong to the window manager.
         void setTitlebarAppearsTransparent(bool) override {}
 
     private:

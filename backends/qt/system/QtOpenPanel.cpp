@@ -8,14 +8,12 @@
 #include <QFileInfo>
 #include <QShortcut>
 
-#include "backends/qt/system/dialog_text.h"
-
 namespace vistrane {
 
 namespace {
 
-/// Leaves what is in the folders alone: people keep their frames there. A new folder can still be
-/// made, and be given its name.
+/// Forbids renaming, moving and deleting what is in the folders, for instance frames. A new folder
+/// can still be made and named.
 void forbidChanges(QFileDialog& dialog) {
     for (const char* const name : {"qt_rename_action", "qt_delete_action"}) {
         if (auto* const action = dialog.findChild<QAction*>(name)) {
@@ -30,7 +28,7 @@ void forbidChanges(QFileDialog& dialog) {
     for (const char* const name : {"listView", "treeView"}) {
         if (auto* const view = dialog.findChild<QAbstractItemView*>(name)) {
             view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-            // Folders that are dragged onto each other would move.
+            // Dropping a folder onto another one would move it.
             view->setDragDropMode(QAbstractItemView::NoDragDrop);
         }
     }
@@ -40,16 +38,16 @@ void forbidChanges(QFileDialog& dialog) {
 
 NSModalResponse QtOpenPanel::runModal() {
     const QtRunLoop::ModalScope modal(rules_->loop);
-    QFileDialog dialog(dialogParent(*rules_), dialogText(title_), QDir::homePath());
+    QFileDialog dialog(dialogParent(*rules_), QString::fromStdString(title_), QDir::homePath());
     dialog.setObjectName("openPanel");
-    // Qt's own: the desktops' dialogs know no title for the button that confirms.
+    // Qt's own: in the dialogs of desktops the title of the confirming button cannot be set.
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setOption(QFileDialog::ShowDirsOnly, canChooseDirectories_ && !canChooseFiles_);
     dialog.setOption(QFileDialog::ReadOnly, !canCreateDirectories_);
     dialog.setFileMode(canChooseFiles_ ? QFileDialog::ExistingFile : QFileDialog::Directory);
     forbidChanges(dialog);
     if (!prompt_.empty()) {
-        dialog.setLabelText(QFileDialog::Accept, dialogText(prompt_));
+        dialog.setLabelText(QFileDialog::Accept, QString::fromStdString(prompt_));
     }
     url_ = std::nullopt;
     if (dialog.exec() != QDialog::Accepted) {

@@ -9,11 +9,10 @@
 
 namespace vistrane {
 
-/// A panel for one folder or file. Timers hold back while it is open. It can make folders; it
-/// neither renames, moves nor deletes what is there.
+/// A panel for one folder or file. Timers are suspended while it is open. It can make folders, but
+/// not rename, move or delete anything.
 ///
-/// Names that are no valid text cannot be shown and are not offered; one that is typed in their
-/// place is no choice.
+/// Names that are not valid UTF-8 cannot be shown and are not offered.
 class QtOpenPanel final : public NSOpenPanel {
 public:
     explicit QtOpenPanel(std::shared_ptr<const QtDialogRules> rules) : rules_(std::move(rules)) {}

@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// What xdg-open ends with then.
+/// An exit status of xdg-open.
 constexpr int fileIsMissing = 2;
 
 } // namespace
@@ -18,10 +18,10 @@ QtWorkspace::QtWorkspace(WhenFinished whenFinished, std::function<void(const std
     : whenFinished_(std::move(whenFinished)), log_(std::move(log)) {}
 
 bool QtWorkspace::openURL(const NSURL& url) {
-    // A path is handed over as it is: its bytes need not be text.
+    // A path is passed as bytes, which need not be valid text.
     const std::string address = url.isFileURL() ? url.path() : url.absoluteString();
     if (!url.isFileURL()) {
-        // On purpose nothing is said of an address that nothing opens.
+        // Intended: the failure to open an address is not reported.
         launchProgram({"xdg-open", address}, [](int) {});
         return true;
     }

@@ -9,16 +9,16 @@
 
 namespace vistrane {
 
-/// Opens addresses with the desktop's own choice of programs (`xdg-open`). Tells the log of a file
-/// that nothing opens, and nobody of any other address.
+/// Opens addresses with the desktop's default programs (`xdg-open`). Logs when a file cannot be
+/// opened; failures of other addresses are not reported.
 class QtWorkspace final : public NSWorkspace {
 public:
-    /// Calls back once when the movie at `path` is whole or has failed; false when nobody writes
-    /// it.
+    /// Calls back once when the movie at `path` is finished or has failed; false when it is not
+    /// being written.
     using WhenFinished = std::function<bool(const std::string& path,
                                             std::function<void(std::optional<NSError>)> callback)>;
 
-    /// `log` takes one line. Both are called on any thread and outlive all that was opened.
+    /// `log` takes one line. Both are called on any thread and must outlive the opened programs.
     QtWorkspace(WhenFinished whenFinished, std::function<void(const std::string&)> log);
 
     bool openURL(const NSURL& url) override;

@@ -17,15 +17,15 @@ namespace {
 constexpr char programName[] = "Vistrane";
 constexpr char reason[] = "Capturing a time-lapse";
 
-/// How one service is asked, and how the inhibition that it granted is ended. The latter is null
-/// for an answer that grants none.
-struct Way {
+/// One service: its request, and how the inhibition that it granted is released. `releaseOf`
+/// returns null for an answer that grants none.
+struct Service {
     QDBusConnection (*bus)();
-    QDBusMessage (*question)();
+    QDBusMessage (*request)();
     std::function<void()> (*releaseOf)(const QDBusMessage& answer);
 };
 
-QDBusMessage portalQuestion() {
+QDBusMessage portalRequest() {
     constexpr uint suspending = 4;
     QDBusMessage question = QDBusMessage::createMethodCall(
         "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
@@ -46,7 +46,7 @@ std::function<void()> portalRelease(const QDBusMessage& answer) {
     };
 }
 
-QDBusMessage loginQuestion() {
+QDBusMessage loginRequest() {
     QDBusMessage question =
         QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1",
                                        "org.freedesktop.login1.Manager", "Inhibit");
@@ -64,7 +64,7 @@ std::function<void()> loginRelease(const QDBusMessage& answer) {
     return [lock] {};
 }
 
-QDBusMessage screenSaverQuestion() {
+QDBusMessage screenSaverRequest() {
     QDBusMessage question = QDBusMessage::createMethodCall(
         "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
         "org.freedesktop.ScreenSaver", "Inhibit");
@@ -86,10 +86,10 @@ std::function<void()> screenSaverRelease(const QDBusMessage& answer) {
     };
 }
 
-const std::array<Way, 3> ways = {{
-    {QDBusConnection::sessionBus, portalQuestion, portalRelease},
-    {QDBusConnection::systemBus, loginQuestion, loginRelease},
-    {QDBusConnection::sessionBus, screenSaverQuestion, screenSaverRelease},
+const std::array<Service, 3> services = {{
+    {QDBusConnection::sessionBus, portalRequest, portalRelease},
+    {QDBusConnection::systemBus, loginRequest, loginRelease},
+    {QDBusConnection::sessionBus, screenSaverRequest, screenSaverRelease},
 }};
 
 } // namespace
@@ -111,37 +111,39 @@ void SleepInhibitor::setActive(bool active) {
     }
 }
 
-void SleepInhibitor::ask(std::size_t way) {
-    // A call on a bus that is not there never ends.
-    while (way < ways.size() && !ways.at(way).bus().isConnected()) {
-        ++way;
+void SleepInhibitor::ask(std::size_t service) {
+    // A call on a bus that is not connected never ends.
+    while (service < services.size() && !services.at(service).bus().isConnected()) {
+        ++service;
     }
-    isAsking_ = isActive_ && way < ways.size();
+    isAsking_ = isActive_ && service < services.size();
     if (isAsking_) {
-        const QDBusPendingCall call = ways.at(way).bus().asyncCall(ways.at(way).question());
+        const QDBusPendingCall call =
+            services.at(service).bus().asyncCall(services.at(service).request());
         auto* const watcher = new QDBusPendingCallWatcher(call, this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, way] {
+        connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, service] {
             watcher->deleteLater();
-            answered(way, watcher->reply());
+            answered(service, watcher->reply());
         });
-    } else if (isActive_ && !std::exchange(hasComplained_, true)) {
+    } else if (isActive_ && !std::exchange(hasWarned_, true)) {
         log_("The machine cannot be kept awake while frames are captured: no desktop service "
              "answers. Switch automatic suspend off.");
     }
 }
 
-void SleepInhibitor::answered(std::size_t way, const QDBusMessage& answer) {
-    Release release =
-        answer.type() == QDBusMessage::ReplyMessage ? ways.at(way).releaseOf(answer) : nullptr;
+void SleepInhibitor::answered(std::size_t service, const QDBusMessage& answer) {
+    Release release = answer.type() == QDBusMessage::ReplyMessage
+                          ? services.at(service).releaseOf(answer)
+                          : nullptr;
     if (!release) {
-        ask(way + 1);
+        ask(service + 1);
         return;
     }
     isAsking_ = false;
     if (isActive_) {
         release_ = std::move(release);
     } else {
-        // Capturing has ended meanwhile.
+        // Capturing ended in the meantime.
         release();
     }
 }

@@ -10,12 +10,11 @@ class QDBusMessage;
 
 namespace vistrane {
 
-/// Keeps the machine awake while the program captures: by the desktop portal, else by the login
-/// manager, else by the screen saver, whichever answers first with yes. Nothing waits for them.
-/// Main thread only.
+/// Keeps the machine awake while the program captures: through the desktop portal, else the login
+/// manager, else the screen saver, asked in this order. Never blocks. Main thread only.
 class SleepInhibitor final : public QObject {
 public:
-    /// `log` is told, once, that nobody can keep the machine awake.
+    /// `log` takes one line, once, when no service can keep the machine awake.
     explicit SleepInhibitor(std::function<void(const std::string&)> log);
     ~SleepInhibitor() override;
 
@@ -26,13 +25,13 @@ private:
     /// Ends one inhibition.
     using Release = std::function<void()>;
 
-    void ask(std::size_t way);
-    void answered(std::size_t way, const QDBusMessage& answer);
+    void ask(std::size_t service);
+    void answered(std::size_t service, const QDBusMessage& answer);
 
     const std::function<void(const std::string&)> log_;
     bool isActive_ = false;
     bool isAsking_ = false;
-    bool hasComplained_ = false;
+    bool hasWarned_ = false;
     Release release_;
 };
 

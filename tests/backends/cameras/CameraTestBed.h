@@ -1,10 +1,9 @@
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <deque>
 #include <functional>
 #include <map>
@@ -15,8 +14,9 @@
 #include <utility>
 #include <vector>
 
+#include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/Cameras.h"
-#include "backends/posix/MediaObserver.h"
+#include "backends/pictures/PictureData.h"
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/dispatch/Dispatch.h"
 
@@ -30,7 +30,7 @@ public:
     }
     DispatchQueue& dispatch_get_main_queue() override { return queue_; }
 
-    /// Drains until `condition` holds; false when that takes longer than any machine needs.
+    /// Drains until `condition` holds; false after a minute.
     bool runUntil(const std::function<bool()>& condition) {
         const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (!condition()) {
@@ -51,7 +51,7 @@ public:
         return true;
     }
 
-    /// Has `runUntil` look at its condition again. Any thread.
+    /// Makes `runUntil` check its condition again. Any thread.
     void wake() { queue_.async(nullptr); }
 
     std::size_t length() {
@@ -80,7 +80,7 @@ private:
     Queue queue_;
 };
 
-class RecordingObserver final : public MediaObserver {
+class RecordingObserver final : public CameraObserver {
 public:
     explicit RecordingObserver(HandDrainedDispatch& dispatch) : dispatch_(dispatch) {}
 
@@ -103,7 +103,7 @@ private:
     std::vector<std::string> messages_;
 };
 
-/// A PPM file taken apart.
+/// The pixels of a still.
 struct Pixmap {
     int width = 0;
     int height = 0;
@@ -117,23 +117,17 @@ struct Pixmap {
 };
 
 inline std::optional<Pixmap> pixmapOf(const NSData& data) {
-    Pixmap pixmap;
-    int headerLength = 0;
-    const std::string head(reinterpret_cast<const char*>(data.bytes()),
-                           std::min<std::size_t>(data.length(), 32));
-    if (std::sscanf(head.c_str(), "P6\n%d %d\n255\n%n", &pixmap.width, &pixmap.height,
-                    &headerLength) != 2) {
+    const auto* still = dynamic_cast<const PictureData*>(&data);
+    if (still == nullptr) {
         return std::nullopt;
     }
-    // The last white space of the pattern also passes over pixels that look like white space.
-    const std::string header =
-        "P6\n" + std::to_string(pixmap.width) + " " + std::to_string(pixmap.height) + "\n255\n";
-    const std::size_t pixels = std::size_t{3} * static_cast<std::size_t>(pixmap.width) *
-                               static_cast<std::size_t>(pixmap.height);
-    if (head.compare(0, header.size(), header) != 0 || data.length() != header.size() + pixels) {
+    const PictureShape& shape = still->picture()->shape();
+    Pixmap pixmap{static_cast<int>(shape.width), static_cast<int>(shape.height), {}};
+    pixmap.rgb.resize(std::size_t{3} * shape.width * shape.height);
+    if (still->picture()->readPixels(PixelForm::RGB, pixmap.rgb.data(),
+                                     std::ptrdiff_t{3} * shape.width)) {
         return std::nullopt;
     }
-    pixmap.rgb.assign(data.bytes() + header.size(), data.bytes() + data.length());
     return pixmap;
 }
 
@@ -148,12 +142,12 @@ public:
         }
     }
 
-    /// One for each outcome: the error's text, empty for a picture.
+    /// For each outcome the error's text, empty for a picture.
     std::vector<std::string> outcomes;
     std::vector<std::shared_ptr<NSData>> files;
 };
 
-/// Cameras with a session and an output, as the program sets them up.
+/// Cameras with a session and an output, set up as in the program.
 struct CameraTestBed {
     HandDrainedDispatch dispatch;
     RecordingObserver observer{dispatch};
@@ -189,7 +183,7 @@ struct CameraTestBed {
         return nullptr;
     }
 
-    /// As picking it in a list that was made once. Whether it runs.
+    /// Picks a camera as in a list that was made once. Returns whether it runs.
     bool pick(const std::string& name) {
         auto& picked = listed[name];
         picked = picked ? picked : device(name);
@@ -211,7 +205,14 @@ struct CameraTestBed {
                                          delegate);
     }
 
-    /// Drains until `count` stills have an outcome in all.
+    /// Requests a still and returns its outcome: the error's text, empty for a picture.
+    std::string still() {
+        const std::size_t count = delegate.outcomes.size() + 1;
+        request();
+        return awaitOutcomes(count) ? delegate.outcomes.back() : "no outcome";
+    }
+
+    /// Drains until there are `count` outcomes in all.
     bool awaitOutcomes(std::size_t count) {
         return dispatch.runUntil([&] { return delegate.outcomes.size() >= count; });
     }

@@ -123,13 +123,6 @@ protected:
     }
 };
 
-TEST_F(CameraDevices, ACameraWithPicturesTakesEitherPreset) {
-    const CameraDevice camera = device(webcam);
-    EXPECT_EQ(camera.localizedName(), "Camera");
-    EXPECT_TRUE(camera.supportsAVCaptureSessionPreset(AVCaptureSessionPresetPhoto));
-    EXPECT_TRUE(camera.supportsAVCaptureSessionPreset(AVCaptureSessionPresetHigh));
-}
-
 TEST_F(CameraDevices, WithAnEncodedStreamOnlyThereAreNoPhotos) {
     for (const char* caps : {"video/x-h264,width=1920,height=1080,framerate=30/1", "video/mpegts",
                              "video/x-dv,systemstream=true"}) {

@@ -1,40 +1,20 @@
 #pragma once
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "backends/console/ConsoleAlert.h"
-#include "backends/console/ConsoleDispatch.h"
-#include "backends/console/ConsoleFoundation.h"
 #include "backends/console/ConsoleInterface.h"
-#include "backends/console/MemoryUserDefaults.h"
+#include "tests/backends/qt/loop/QtLoopBackend.h"
 
 namespace vistrane {
 
 /// The console for the contract suites, on the real clock.
-class ConsoleBackend {
+class ConsoleBackend : public QtLoopBackend {
 public:
     ConsoleBackend() { interface_.addTo(nib_); }
-    ~ConsoleBackend() { close(nowhere_); }
-
-    Foundation& foundation() { return foundation_; }
-    Dispatch& dispatch() { return dispatch_; }
-    void stall(double seconds) {
-        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-    }
-
-    NSUserDefaults& userDefaults() { return defaults_; }
-    void storeText(const std::string& text, const std::string& key) {
-        defaults_.setString(text, key);
-    }
-    bool reopen() { return false; }
 
     std::unique_ptr<NSAlert> alert() { return std::make_unique<ConsoleAlert>(alertRules_); }
     std::unique_ptr<NSAlert> alertWithError(const NSError& error) {
@@ -80,28 +60,22 @@ public:
     std::shared_ptr<NSWindow> window() { return std::make_shared<ConsoleWindow>(); }
 
 private:
-    NSModalResponse answer(const ConsoleAlert& alert) {
-        if (alert.isOnMainThread()) {
-            loop_.runUntilDate(foundation_.dateWithTimeIntervalSinceNow(secondsUp_));
+    NSModalResponse answer() {
+        if (loop().isMainThread()) {
+            loop().runUntilDate(foundation().dateWithTimeIntervalSinceNow(secondsUp_));
         } else {
             stall(secondsUp_);
         }
         return NSAlertFirstButtonReturn + button_;
     }
 
-    int nowhere_ = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    ConsoleOutput output_{nowhere_};
-    MemoryUserDefaults defaults_;
-    ConsoleRunLoop loop_;
-    ConsoleDispatch dispatch_{loop_};
-    ConsoleFoundation foundation_{loop_, defaults_, output_, "1.2.3"};
     ConsoleInterface interface_;
     ConsoleNib nib_;
     NSInteger button_ = 0;
     double secondsUp_ = 0.0;
     std::shared_ptr<const ConsoleAlertRules> alertRules_ =
-        std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{
-            loop_, {}, [this](const ConsoleAlert& alert) { return answer(alert); }});
+        std::make_shared<const ConsoleAlertRules>(
+            ConsoleAlertRules{loop(), [](const std::string&) {}, [this] { return answer(); }});
 };
 
 } // namespace vistrane

@@ -1,24 +1,16 @@
 #include "tests/backends/console/ConsoleBackend.h"
 #include "tests/contract/AlertContract.h"
-#include "tests/contract/BookmarkContract.h"
 #include "tests/contract/ControlContract.h"
-#include "tests/contract/DispatchContract.h"
 #include "tests/contract/NibContract.h"
 #include "tests/contract/ProgressContract.h"
-#include "tests/contract/ThreadContract.h"
-#include "tests/contract/TimerContract.h"
 #include "tests/contract/UserDefaultsContract.h"
 
 namespace vistrane {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, AlertContract, ConsoleBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Console, BookmarkContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, ControlContract, ConsoleBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Console, DispatchContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, NibContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, ProgressContract, ConsoleBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Console, ThreadContract, ConsoleBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Console, TimerContract, ConsoleBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, UserDefaultsContract, ConsoleBackend, contract::Names);
 
 } // namespace vistrane

@@ -17,17 +17,12 @@ TEST(UserLocale, TheStrongestVariableThatIsSetDecides) {
     EXPECT_EQ(userLocale(LocaleCategory::collation), "ja_JP");
 }
 
-TEST(UserLocale, AnEmptyVariableCountsAsUnset) {
+TEST(UserLocale, AnEmptyVariableCountsAsUnsetAndNoneGivesPosix) {
     const Environment all("LC_ALL", "");
     const Environment time("LC_TIME", "");
     const Environment language("LANG", "en_GB.UTF-8");
     EXPECT_EQ(userLocale(LocaleCategory::time), "en_GB");
-}
-
-TEST(UserLocale, NoSettingGivesPosix) {
-    const Environment all("LC_ALL", nullptr);
-    const Environment time("LC_TIME", nullptr);
-    const Environment language("LANG", nullptr);
+    const Environment none("LANG", nullptr);
     EXPECT_EQ(userLocale(LocaleCategory::time), "en_US_POSIX");
 }
 

@@ -2,7 +2,7 @@
 #include <fstream>
 
 #include "backends/pictures/MediaCoreVideo.h"
-#include "tests/backends/movies/MovieTestKit.h"
+#include "tests/backends/movies/MovieTest.h"
 #include "tests/contract/AssetWriterContract.h"
 
 namespace vistrane {
@@ -19,7 +19,7 @@ public:
     void awaitEnd(const std::string& path) { observer_.outcome(path); }
 
 private:
-    TestFolder folder_;
+    WorkFolder folder_;
     RecordingObserver observer_;
     MediaCoreVideo coreVideo_;
     Movies movies_{observer_};

@@ -3,16 +3,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <iterator>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
-#include "tests/backends/movies/MovieTestKit.h"
-#include "tests/backends/movies/QuickTimeBoxes.h"
+#include "tests/backends/movies/MovieTest.h"
+#include "tests/support/movie_boxes.h"
 
 namespace vistrane {
 namespace {
@@ -31,17 +29,7 @@ std::string contents(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-class MovieFileTest : public testing::Test {
-protected:
-    AVAssetWriterResult create(const std::string& where) {
-        return movies.assetWriterWithURL(NSURL::fileURLWithPath(where), AVFileTypeQuickTimeMovie);
-    }
-
-    TestFolder folder;
-    RecordingObserver observer;
-    Movies movies{observer};
-    const std::string path = folder / "m.mov";
-};
+using MovieFileTest = MovieTest;
 
 TEST_F(MovieFileTest, AnExistingFileMakesCreationFailAndStaysAsItIs) {
     put(path, "precious");
@@ -62,19 +50,16 @@ TEST_F(MovieFileTest, ADanglingLinkOrAFolderOfThatNameMakesCreationFail) {
     EXPECT_THAT(folder.names(), ElementsAre("d.mov", "m.mov"));
 }
 
-TEST_F(MovieFileTest, AMissingFolderMakesCreationFailWithItsPath) {
-    const auto result = create(folder / "missing/m.mov");
-    ASSERT_TRUE(result.error);
-    EXPECT_EQ(result.error->domain, "NSPOSIXErrorDomain");
-    EXPECT_EQ(result.error->code, ENOENT);
-    EXPECT_THAT(result.error->localizedDescription, HasSubstr(folder / "missing"));
-}
-
-TEST_F(MovieFileTest, AFileInPlaceOfTheFolderMakesCreationFail) {
+TEST_F(MovieFileTest, AMissingFolderOrAFileInItsPlaceMakesCreationFailWithItsPath) {
     put(folder / "file", "");
-    const auto result = create(folder / "file/m.mov");
-    ASSERT_TRUE(result.error);
-    EXPECT_EQ(result.error->code, ENOTDIR);
+    const std::pair<std::string, int> cases[] = {{"missing", ENOENT}, {"file", ENOTDIR}};
+    for (const auto& [name, code] : cases) {
+        const auto result = create(folder / (name + "/m.mov"));
+        ASSERT_TRUE(result.error);
+        EXPECT_EQ(result.error->domain, "NSPOSIXErrorDomain");
+        EXPECT_EQ(result.error->code, code);
+        EXPECT_THAT(result.error->localizedDescription, HasSubstr(folder / name));
+    }
 }
 
 TEST_F(MovieFileTest, AFolderThatMayNotBeWrittenMakesCreationFail) {
@@ -106,42 +91,28 @@ TEST_F(MovieFileTest, AnUnusablePathMakesCreationFail) {
     EXPECT_THAT(folder.names(), IsEmpty());
 }
 
-TEST_F(MovieFileTest, NoEncoderMakesCreationFail) {
-    MovieOptions options;
-    options.encoder = "no-such-encoder";
-    Movies without(observer, options);
-    const auto result =
-        without.assetWriterWithURL(NSURL::fileURLWithPath(path), AVFileTypeQuickTimeMovie);
-    EXPECT_FALSE(result.writer);
-    ASSERT_TRUE(result.error);
-    EXPECT_THAT(result.error->localizedDescription, HasSubstr("no H.264 encoder"));
-    EXPECT_THAT(folder.names(), IsEmpty());
-}
-
-TEST_F(MovieFileTest, TheNameAppearsWithTheWholeMovieOnly) {
-    OpenMovie movie(movies, path, 64, 48);
-    EXPECT_FALSE(std::filesystem::exists(path));
+TEST_F(MovieFileTest, TheNameAppearsWithTheCompleteMovieOnly) {
+    OpenMovie movie = open();
     EXPECT_THAT(folder.names(), ElementsAre(".m.mov.vistrane-part"));
-    movie.append(scene(64, 48, 0), kCMTimeZero);
-    EXPECT_FALSE(std::filesystem::exists(path));
-    movie.finish();
-    ASSERT_EQ(observer.outcome(path), std::nullopt);
+    movie.appendFrames(1);
+    EXPECT_THAT(folder.names(), ElementsAre(".m.mov.vistrane-part"));
+    finish(movie);
     EXPECT_THAT(folder.names(), ElementsAre("m.mov"));
-    EXPECT_TRUE(readBoxes(path));
+    EXPECT_FALSE(boxesOf(path).empty());
 }
 
-class MovieName : public MovieFileTest, public testing::WithParamInterface<std::string> {};
+class MovieName : public MovieTest, public testing::WithParamInterface<std::string> {};
 
 TEST_P(MovieName, OfAnyBytesWorks) {
     const std::string odd = folder / GetParam();
     OpenMovie movie(movies, odd, 64, 48);
     ASSERT_EQ(movie.creationError, std::nullopt);
     EXPECT_TRUE(create(odd).error);
-    movie.append(scene(64, 48, 0), kCMTimeZero);
+    movie.appendFrames(1);
     movie.finish();
     ASSERT_EQ(observer.outcome(odd), std::nullopt);
     EXPECT_THAT(folder.names(), ElementsAre(GetParam()));
-    EXPECT_TRUE(readBoxes(odd));
+    EXPECT_FALSE(boxesOf(odd).empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, MovieName,
@@ -178,17 +149,16 @@ TEST_F(MovieFileTest, ASecondWriterForTheSameNameFails) {
 }
 
 TEST_F(MovieFileTest, AnotherMovieInTheFolderIsNotTakenForALeftover) {
-    OpenMovie movie(movies, path, 64, 48);
-    movie.append(scene(64, 48, 0), kCMTimeZero);
+    OpenMovie movie = open();
+    movie.appendFrames(1);
     const auto other = create(folder / "other.mov");
     EXPECT_FALSE(other.error);
-    movie.finish();
-    EXPECT_EQ(observer.outcome(path), std::nullopt);
+    finish(movie);
 }
 
 TEST_F(MovieFileTest, ANameTakenDuringTheWritingIsNotOverwritten) {
-    OpenMovie movie(movies, path, 64, 48);
-    movie.append(scene(64, 48, 0), kCMTimeZero);
+    OpenMovie movie = open();
+    movie.appendFrames(1);
     put(path, "precious");
     movie.finish();
     const auto outcome = observer.outcome(path);
@@ -200,10 +170,8 @@ TEST_F(MovieFileTest, ANameTakenDuringTheWritingIsNotOverwritten) {
 
 TEST_F(MovieFileTest, AWriterThatGoesAwayUnfinishedLeavesNothing) {
     {
-        OpenMovie movie(movies, path, 64, 48);
-        for (int i = 0; i < 20; ++i) {
-            movie.append(scene(64, 48, i), frameTime(i, 25));
-        }
+        OpenMovie movie = open();
+        movie.appendFrames(20);
         EXPECT_THAT(folder.names(), SizeIs(1));
     }
     EXPECT_THAT(folder.names(), IsEmpty());
@@ -211,7 +179,7 @@ TEST_F(MovieFileTest, AWriterThatGoesAwayUnfinishedLeavesNothing) {
 }
 
 TEST_F(MovieFileTest, FinishingWithoutAFrameFailsAndLeavesNothing) {
-    OpenMovie movie(movies, path, 64, 48);
+    OpenMovie movie = open();
     EXPECT_FALSE(movie.append(nullptr, kCMTimeZero));
     movie.finish();
     const auto outcome = observer.outcome(path);
@@ -238,11 +206,8 @@ TEST_F(MovieFileTest, AFullFileFailsTheMovieWithTheReason) {
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
     const struct rlimit small { 20000, before.rlim_max };
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    OpenMovie movie(movies, path, 160, 120);
-    int appended = 0;
-    for (int i = 0; i < 200; ++i) {
-        appended += movie.append(noise(160, 120, static_cast<std::uint32_t>(i)), frameTime(i, 25));
-    }
+    OpenMovie movie = open(160, 120);
+    const int appended = movie.appendFrames(200, noise);
     const auto error = movie.writer->error();
     movie.finish();
     const auto outcome = observer.outcome(path);
@@ -251,45 +216,17 @@ TEST_F(MovieFileTest, AFullFileFailsTheMovieWithTheReason) {
     EXPECT_LT(appended, 200);
     ASSERT_TRUE(error);
     EXPECT_EQ(error->code, EFBIG);
+    EXPECT_THAT(error->localizedDescription, HasSubstr(path));
     EXPECT_EQ(outcome, error);
     EXPECT_EQ(observer.refusals().back(), *error);
     EXPECT_THAT(folder.names(), IsEmpty());
 }
 
-TEST_F(MovieFileTest, AFullDiskFailsTheMovieWithTheReason) {
-    const std::string disk = folder / "disk";
-    std::filesystem::create_directory(disk);
-    if (outputOf("mount -t tmpfs -o size=128k tmpfs " + quoted(disk) + " 2>&1 && echo done") !=
-        "done\n") {
-        GTEST_SKIP() << "mounting is not allowed here";
-    }
-    const std::string full = disk + "/m.mov";
-    OpenMovie movie(movies, full, 160, 120);
-    for (int i = 0; i < 200; ++i) {
-        movie.append(noise(160, 120, static_cast<std::uint32_t>(i)), frameTime(i, 25));
-    }
-    const auto error = movie.writer->error();
-    movie.finish();
-    const auto outcome = observer.outcome(full);
-    const bool isEmpty = std::filesystem::is_empty(disk);
-    outputOf("umount -l " + quoted(disk));
-
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->code, ENOSPC);
-    EXPECT_THAT(error->localizedDescription, HasSubstr("No space left on device"));
-    EXPECT_THAT(error->localizedDescription, HasSubstr(full));
-    EXPECT_THAT(error->localizedDescription, HasSubstr("Free some space"));
-    EXPECT_EQ(outcome, error);
-    EXPECT_TRUE(isEmpty);
-}
-
-TEST_F(MovieFileTest, GivingAllUpRemovesEveryHiddenFileAtOnceAndForGood) {
-    OpenMovie first(movies, path, 320, 240);
+TEST_F(MovieFileTest, AbandoningAllRemovesEveryHiddenFileAtOnceAndForGood) {
+    OpenMovie first = open(320, 240);
     OpenMovie second(movies, folder / "n.mov", 320, 240);
-    for (int i = 0; i < 10; ++i) {
-        first.append(noise(320, 240, static_cast<std::uint32_t>(i)), frameTime(i, 25));
-        second.append(noise(320, 240, static_cast<std::uint32_t>(i)), frameTime(i, 25));
-    }
+    first.appendFrames(10, noise);
+    second.appendFrames(10, noise);
     second.finish();
     observer.outcome(folder / "n.mov");
     std::thread([&] { movies.abandonAll(); }).join();
@@ -302,7 +239,7 @@ TEST_F(MovieFileTest, GivingAllUpRemovesEveryHiddenFileAtOnceAndForGood) {
     EXPECT_TRUE(create(folder / "o.mov").error);
 }
 
-TEST_F(MovieFileTest, GivingUpAtAnyMomentLeavesAWholeMovieOrNothing) {
+TEST_F(MovieFileTest, AbandoningAtAnyMomentLeavesACompleteMovieOrNothing) {
     for (int round = 0; round < 12; ++round) {
         Movies ending(observer);
         const std::string name = folder / ("r" + std::to_string(round) + ".mov");
@@ -315,7 +252,7 @@ TEST_F(MovieFileTest, GivingUpAtAnyMomentLeavesAWholeMovieOrNothing) {
             ending.abandonAll();
         });
         for (int i = 0; i < 10; ++i) {
-            movie.append(scene(64, 48, i), frameTime(i, 25));
+            movie.append(scene(64, 48, i), frameTime(i));
             ++appended;
         }
         movie.finish();
@@ -324,18 +261,16 @@ TEST_F(MovieFileTest, GivingUpAtAnyMomentLeavesAWholeMovieOrNothing) {
         killer.join();
         const auto outcome = observer.outcome(name);
         EXPECT_EQ(std::filesystem::exists(name), !outcome);
-        if (!outcome) {
-            EXPECT_TRUE(readBoxes(name));
-        }
+        EXPECT_EQ(boxesOf(name).empty(), outcome.has_value());
     }
     for (const std::string& name : folder.names()) {
         EXPECT_NE(name.front(), '.') << name;
     }
 }
 
-/// Death tests run their statement in a new process, which makes a folder of its own: the parent's
-/// comes through the environment.
-class MovieProcess : public MovieFileTest {
+/// A death test runs its statement in a new process, which has a folder of its own. The parent's
+/// movie comes through the environment.
+class MovieProcess : public MovieTest {
 protected:
     void SetUp() override {
         GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -344,7 +279,7 @@ protected:
     }
     void TearDown() override { ::unsetenv("VISTRANE_TEST_MOVIE"); }
 
-    /// In the new process, which never comes to tidy up.
+    /// In the new process, whose destructors do not run.
     void dropOwnFolder() { std::filesystem::remove(folder.path()); }
 
     std::string shared;
@@ -355,9 +290,7 @@ TEST_F(MovieProcess, ThatIsKilledLeavesAFileThatTheNextWriterRemoves) {
         {
             dropOwnFolder();
             OpenMovie movie(movies, shared, 160, 120);
-            for (int i = 0; i < 30; ++i) {
-                movie.append(noise(160, 120, static_cast<std::uint32_t>(i)), frameTime(i, 25));
-            }
+            movie.appendFrames(30, noise);
             std::raise(SIGKILL);
         },
         testing::KilledBySignal(SIGKILL), "");
@@ -374,10 +307,8 @@ TEST_F(MovieProcess, ThatExitsDuringTheWritingNeitherHangsNorCrashes) {
     EXPECT_EXIT(
         {
             dropOwnFolder();
-            auto* movie = new OpenMovie(movies, shared, 320, 240);
-            for (int i = 0; i < 30; ++i) {
-                movie->append(noise(320, 240, static_cast<std::uint32_t>(i)), frameTime(i, 25));
-            }
+            static OpenMovie* const movie = new OpenMovie(movies, shared, 320, 240);
+            movie->appendFrames(30, noise);
             movie->finish();
             movies.abandonAll();
             std::exit(0);

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "backends/movies/MovieIndex.h"
+#include "tests/support/movie_boxes.h"
 
 namespace vistrane {
 namespace {
@@ -20,59 +21,43 @@ MovieTrack track(const std::vector<std::int64_t>& decodingOrder, std::int64_t en
     return track;
 }
 
-/// The 32-bit numbers of a box's content.
-std::vector<std::int64_t> numbersOf(const std::vector<std::uint8_t>& movie, const char* type) {
-    const std::string bytes(movie.begin(), movie.end());
-    const std::size_t at = bytes.find(type);
-    if (at == std::string::npos) {
-        return {};
-    }
-    const auto number = [&](std::size_t from) {
-        std::uint32_t value = 0;
-        for (std::size_t i = 0; i < 4; ++i) {
-            value = value << 8 | movie[from + i];
-        }
-        return value;
-    };
-    std::vector<std::int64_t> numbers;
-    for (std::size_t i = at + 4; i + 4 <= at - 4 + number(at - 4); i += 4) {
-        numbers.push_back(static_cast<std::int32_t>(number(i)));
-    }
-    return numbers;
-}
-
 using Numbers = std::vector<std::int64_t>;
 
-TEST(MovieIndex, DurationsFollowTheOrderOfShowing) {
-    const auto movie = movieBox(track({0, 5, 3, 2, 4, 6}, 7));
-    EXPECT_EQ(numbersOf(movie, "stts"), (Numbers{0, 2, 1, 2, 5, 1}));
+MovieBoxes boxesOfIndex(const MovieTrack& track) {
+    const auto movie = movieBox(track);
+    return boxesIn(std::string(movie.begin(), movie.end()));
 }
 
-TEST(MovieIndex, OffsetsLeadFromShowingToDecodingAndMayBeNegative) {
-    const auto movie = movieBox(track({0, 5, 3, 2, 4, 6}, 7));
-    EXPECT_EQ(numbersOf(movie, "ctts"),
-              (Numbers{1 << 24, 6, 1, 0, 1, 3, 1, 0, 1, -2, 1, -1, 1, 0}));
-    EXPECT_EQ(numbersOf(movie, "cslg"), (Numbers{0, 2, -2, 3, 0, 7}));
+TEST(MovieIndex, DurationsAreInPresentationOrder) {
+    MovieBoxes boxes = boxesOfIndex(track({0, 5, 3, 2, 4, 6}, 7));
+    EXPECT_EQ(boxes["stts"], (Numbers{0, 2, 1, 2, 5, 1}));
+}
+
+TEST(MovieIndex, OffsetsLeadToDecodingOrderAndMayBeNegative) {
+    MovieBoxes boxes = boxesOfIndex(track({0, 5, 3, 2, 4, 6}, 7));
+    EXPECT_EQ(boxes["ctts"], (Numbers{1 << 24, 6, 1, 0, 1, 3, 1, 0, 1, -2, 1, -1, 1, 0}));
+    EXPECT_EQ(boxes["cslg"], (Numbers{0, 2, -2, 3, 0, 7}));
 }
 
 TEST(MovieIndex, WithoutReorderingThereAreNoOffsets) {
-    const auto movie = movieBox(track({0, 2, 3}, 4));
-    EXPECT_TRUE(numbersOf(movie, "ctts").empty());
-    EXPECT_TRUE(numbersOf(movie, "cslg").empty());
+    MovieBoxes boxes = boxesOfIndex(track({0, 2, 3}, 4));
+    EXPECT_TRUE(boxes.contains("stts"));
+    EXPECT_FALSE(boxes.contains("ctts"));
+    EXPECT_FALSE(boxes.contains("cslg"));
 }
 
 TEST(MovieIndex, OffsetsInTheFileHave64Bits) {
     MovieTrack large = track({0, 1}, 2);
     large.samples[1].offset = (std::uint64_t{3} << 32) + 7;
-    EXPECT_EQ(numbersOf(movieBox(large), "co64"), (Numbers{0, 2, 0, 1000, 3, 7}));
+    EXPECT_EQ(boxesOfIndex(large)["co64"], (Numbers{0, 2, 0, 1000, 3, 7}));
 }
 
 TEST(MovieIndex, TheMediaBoxEndsWithTheLastSample) {
-    const auto head = movieFileHead();
-    const auto size = mediaBoxSize((std::uint64_t{1} << 32) + head.size());
+    const auto header = movieFileHeader();
+    const auto size = mediaBoxSize((std::uint64_t{1} << 32) + header.size());
     const std::vector<std::uint8_t> expected{0, 0, 0, 1, 0, 0, 0, 16};
     EXPECT_EQ(std::vector<std::uint8_t>(size.begin(), size.end()), expected);
-    EXPECT_EQ(mediaBoxSizeOffset + size.size(), head.size());
+    EXPECT_EQ(mediaBoxSizeOffset + size.size(), header.size());
 }
 
 } // namespace

@@ -1,155 +1,105 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <numeric>
-
-#include "tests/backends/movies/MovieTestKit.h"
-#include "tests/backends/movies/QuickTimeBoxes.h"
+#include "tests/backends/movies/MovieTest.h"
+#include "tests/support/movie_boxes.h"
+#include "tests/support/movie_facts.h"
 
 namespace vistrane {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
-/// Every place that tells a duration tells `ticks` at `frameRate`.
-void expectDuration(const std::string& path, std::uint32_t ticks, std::uint32_t frameRate) {
-    const auto boxes = readBoxes(path);
-    ASSERT_TRUE(boxes);
-    EXPECT_EQ(boxes->movieTimescale, frameRate);
-    EXPECT_EQ(boxes->mediaTimescale, frameRate);
-    EXPECT_EQ(boxes->movieDuration, ticks);
-    EXPECT_EQ(boxes->trackDuration, ticks);
-    EXPECT_EQ(boxes->mediaDuration, ticks);
-    EXPECT_EQ(boxes->sumOfSampleDurations(), ticks);
-    EXPECT_THAT(boxes->edits, ElementsAre(Edit{static_cast<std::int32_t>(ticks), 0}));
+using Numbers = std::vector<std::int64_t>;
 
-    EXPECT_EQ(probe(path, "stream=time_base,start_pts,duration_ts"),
-              "1/" + std::to_string(frameRate) + ",0," + std::to_string(ticks) + "\n");
-    EXPECT_NEAR(std::stod(probe(path, "format=duration")), double(ticks) / frameRate, 1e-6);
-    const auto milliseconds =
-        std::stod(outputOf("mediainfo '--Inform=Video;%Duration%' " + quoted(path)));
-    EXPECT_NEAR(milliseconds, 1000.0 * ticks / frameRate, 1);
+class MovieTiming : public MovieTest {
+protected:
+    /// Every place that has a duration has `ticks` at `frameRate`.
+    void expectDuration(long ticks, int frameRate) const {
+        MovieBoxes boxes = boxesOf(path);
+        ASSERT_FALSE(boxes.empty());
+        for (const char* header : {"mvhd", "mdhd"}) {
+            EXPECT_EQ(boxes[header][3], frameRate) << header;
+            EXPECT_EQ(boxes[header][4], ticks) << header;
+        }
+        EXPECT_EQ(boxes["tkhd"][5], ticks);
+        EXPECT_EQ(boxes["elst"], (Numbers{0, 1, ticks, 0, 1 << 16}));
+        long sum = 0;
+        for (std::size_t i = 2; i + 1 < boxes["stts"].size(); i += 2) {
+            sum += boxes["stts"][i] * boxes["stts"][i + 1];
+        }
+        EXPECT_EQ(sum, ticks);
+
+        const MovieFacts facts = movieFacts(path);
+        EXPECT_EQ(facts.timeBase, "1/" + std::to_string(frameRate));
+        EXPECT_EQ(facts.start, 0);
+        EXPECT_EQ(facts.duration, ticks);
+        EXPECT_NEAR(std::stod(mediaInfo(path, "Video;%Duration%")),
+                    1000 * static_cast<double>(ticks) / frameRate, 1);
+    }
+};
+
+struct FramesAtRate {
+    int frames;
+    int rate;
+};
+
+class MovieTimingOf : public MovieTiming, public testing::WithParamInterface<FramesAtRate> {};
+
+TEST_P(MovieTimingOf, FramesThatFollowOneAnotherWithoutGapOrOverlap) {
+    const auto [frames, rate] = GetParam();
+    make(frames, rate, 96, 64);
+    EXPECT_EQ(movieFacts(path).times, frameTimes(frames));
+    // The first frame lasts two ticks, every other one.
+    EXPECT_EQ(boxesOf(path)["stts"], (Numbers{0, 2, 1, 2, frames - 1, 1}));
+    expectDuration(frames + 1, rate);
 }
 
-TEST(MovieTiming, TwoFramesAt25StartAt0And2) {
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    ASSERT_EQ(makeMovie(path, 64, 48, 2, 25), std::nullopt);
-    EXPECT_THAT(shownTimes(path), ElementsAre(0, 2));
-    expectDuration(path, 3, 25);
+INSTANTIATE_TEST_SUITE_P(Rates, MovieTimingOf,
+                         testing::Values(FramesAtRate{2, 25}, FramesAtRate{3, 10},
+                                         FramesAtRate{6, 25}, FramesAtRate{40, 1},
+                                         FramesAtRate{40, 24}, FramesAtRate{40, 25},
+                                         FramesAtRate{40, 30}, FramesAtRate{40, 60}),
+                         [](const auto& made) {
+                             return std::to_string(made.param.frames) + "At" +
+                                    std::to_string(made.param.rate);
+                         });
+
+TEST_F(MovieTiming, ReorderedPicturesAreDecodedInPresentationOrder) {
+    make(40, 25, 96, 64);
+    // Without reordering, this test and the durations above would prove little.
+    EXPECT_GT(boxesOf(path)["ctts"].size(), 4U);
+    EXPECT_EQ(movieFacts(path).decodedTimes, frameTimes(40));
 }
 
-TEST(MovieTiming, ThreeFramesAt10StartAt0And2And3) {
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    ASSERT_EQ(makeMovie(path, 64, 48, 3, 10), std::nullopt);
-    EXPECT_THAT(shownTimes(path), ElementsAre(0, 2, 3));
-    expectDuration(path, 4, 10);
+TEST_F(MovieTiming, ALoneFrameLastsOneTickOf25) {
+    make(1, 30);
+    EXPECT_THAT(movieFacts(path).times, ElementsAre(0));
+    expectDuration(1, 25);
 }
 
-TEST(MovieTiming, SixFramesLastSevenTicks) {
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    ASSERT_EQ(makeMovie(path, 64, 48, 6, 25), std::nullopt);
-    EXPECT_THAT(shownTimes(path), ElementsAre(0, 2, 3, 4, 5, 6));
-    EXPECT_THAT(readBoxes(path)->sampleDurations, ElementsAre(TimeRun{1, 2}, TimeRun{5, 1}));
-    expectDuration(path, 7, 25);
-}
-
-class MovieTimingAtRate : public testing::TestWithParam<int> {};
-
-TEST_P(MovieTimingAtRate, EveryFrameFollowsTheOtherWithoutGapOrOverlap) {
-    const int frameRate = GetParam();
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    constexpr int frames = 40;
-    ASSERT_EQ(makeMovie(path, 96, 64, frames, frameRate), std::nullopt);
-
-    std::vector<std::int64_t> expected(frames);
-    std::iota(expected.begin(), expected.end(), 1);
-    expected.front() = 0;
-    EXPECT_EQ(shownTimes(path), expected);
-    EXPECT_THAT(readBoxes(path)->sampleDurations,
-                ElementsAre(TimeRun{1, 2}, TimeRun{frames - 1, 1}));
-    expectDuration(path, frames + 1, static_cast<std::uint32_t>(frameRate));
-}
-
-INSTANTIATE_TEST_SUITE_P(Rates, MovieTimingAtRate, testing::Values(1, 24, 25, 30, 60));
-
-TEST(MovieTiming, ReorderedPicturesAreDecodedInTheOrderOfTheirTimes) {
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    ASSERT_EQ(makeMovie(path, 96, 64, 40, 25), std::nullopt);
-    // Without reordering this test and the durations above would prove little.
-    EXPECT_GT(readBoxes(path)->compositionOffsets.size(), 1U);
-    std::vector<std::int64_t> expected(40);
-    std::iota(expected.begin(), expected.end(), 1);
-    expected.front() = 0;
-    EXPECT_EQ(decodedTimes(path), expected);
-}
-
-TEST(MovieTiming, ALonelyFrameLastsOneTickOf25) {
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    ASSERT_EQ(makeMovie(path, 64, 48, 1, 30), std::nullopt);
-    EXPECT_THAT(shownTimes(path), ElementsAre(0));
-    expectDuration(path, 1, 25);
-}
-
-TEST(MovieTiming, ARefusedFrameLeavesItsTimeToTheOneBefore) {
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    RecordingObserver observer;
-    Movies movies(observer);
-    OpenMovie movie(movies, path, 64, 48);
+TEST_F(MovieTiming, ARefusedFrameLeavesItsTimeToThePreviousOne) {
+    OpenMovie movie = open();
     for (int i = 0; i < 12; ++i) {
         const bool isUnreadable = i == 3 || i == 4 || i == 8;
-        EXPECT_NE(movie.append(isUnreadable ? nullptr : scene(64, 48, i), frameTime(i, 25)),
+        EXPECT_NE(movie.append(isUnreadable ? nullptr : scene(64, 48, i), frameTime(i)),
                   isUnreadable);
     }
-    movie.finish();
-    ASSERT_EQ(observer.outcome(path), std::nullopt);
-    EXPECT_THAT(shownTimes(path), ElementsAre(0, 2, 3, 6, 7, 8, 10, 11, 12));
-    expectDuration(path, 13, 25);
+    finish(movie);
+    EXPECT_THAT(movieFacts(path).times, ElementsAre(0, 2, 3, 6, 7, 8, 10, 11, 12));
+    expectDuration(13, 25);
 }
 
-TEST(MovieTiming, AMovieWhoseFirstFrameIsRefusedStartsWithAnEmptyEdit) {
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    RecordingObserver observer;
-    Movies movies(observer);
-    OpenMovie movie(movies, path, 64, 48);
+TEST_F(MovieTiming, AMovieWhoseFirstFrameIsRefusedStartsWithAnEmptyEdit) {
+    OpenMovie movie = open();
     EXPECT_FALSE(movie.append(nullptr, kCMTimeZero));
     for (int i = 1; i < 4; ++i) {
-        EXPECT_TRUE(movie.append(scene(64, 48, i), frameTime(i, 25)));
+        EXPECT_TRUE(movie.append(scene(64, 48, i), frameTime(i)));
     }
-    movie.finish();
-    ASSERT_EQ(observer.outcome(path), std::nullopt);
-    EXPECT_THAT(shownTimes(path), ElementsAre(2, 3, 4));
-    const auto boxes = readBoxes(path);
-    ASSERT_TRUE(boxes);
-    EXPECT_EQ(boxes->movieDuration, 5U);
-    EXPECT_EQ(boxes->trackDuration, 5U);
-    EXPECT_EQ(boxes->mediaDuration, 3U);
-    EXPECT_THAT(boxes->edits, ElementsAre(Edit{2, -1}, Edit{3, 0}));
-}
-
-TEST(MovieTiming, TimesThatDoNotRiseAreRefusedAndTheMovieGoesOn) {
-    const TestFolder folder;
-    const std::string path = folder / "m.mov";
-    RecordingObserver observer;
-    Movies movies(observer);
-    OpenMovie movie(movies, path, 64, 48);
-    EXPECT_TRUE(movie.append(scene(64, 48, 0), kCMTimeZero));
-    EXPECT_TRUE(movie.append(scene(64, 48, 1), CMTimeMake(3, 25)));
-    EXPECT_FALSE(movie.append(scene(64, 48, 2), CMTimeMake(3, 25)));
-    EXPECT_THAT(movie.writer->error()->localizedDescription, HasSubstr("does not come after"));
-    EXPECT_FALSE(movie.append(scene(64, 48, 2), CMTimeMake(2, 25)));
-    EXPECT_FALSE(movie.append(scene(64, 48, 2), CMTimeMake(5, 0)));
-    EXPECT_TRUE(movie.append(scene(64, 48, 2), CMTimeMake(4, 25)));
-    movie.finish();
-    ASSERT_EQ(observer.outcome(path), std::nullopt);
-    EXPECT_THAT(shownTimes(path), ElementsAre(0, 3, 4));
+    finish(movie);
+    EXPECT_THAT(movieFacts(path).times, ElementsAre(2, 3, 4));
+    MovieBoxes boxes = boxesOf(path);
+    EXPECT_EQ(boxes["mvhd"][4], 5);
+    EXPECT_EQ(boxes["tkhd"][5], 5);
+    EXPECT_EQ(boxes["mdhd"][4], 3);
+    EXPECT_EQ(boxes["elst"], (Numbers{0, 2, 2, -1, 1 << 16, 3, 0, 1 << 16}));
 }
 
 } // namespace

@@ -17,16 +17,18 @@
 #include <vector>
 
 #include "backends/pictures/DataBytes.h"
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/MediaCoreGraphics.h"
 #include "backends/pictures/MediaCoreVideo.h"
+#include "backends/pictures/PictureData.h"
 #include "backends/pictures/Pictures.h"
 #include "backends/pictures/PixelBuffer.h"
 #include "tests/backends/pictures/PngSamples.h"
 
 namespace vistrane::testing {
 
-/// Remembers what a front end would be told.
-class RecordingObserver final : public MediaObserver {
+/// Records the calls that a front end would get.
+class RecordingObserver final : public PictureObserver {
 public:
     void imageCouldNotBeRead(const std::string& path, const NSError& reason) override {
         unread.emplace_back(path, reason);
@@ -41,7 +43,7 @@ public:
     std::vector<std::pair<std::string, NSError>> unwritten;
 };
 
-/// A folder of its own, gone at the end.
+/// A new folder; removed with all that is in it.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
@@ -86,30 +88,58 @@ inline Bytes bytesOf(const std::shared_ptr<NSData>& data) {
     return data ? Bytes(data->bytes(), data->bytes() + data->length()) : Bytes();
 }
 
+/// Data as a camera delivers them: an opaque picture of these RGB pixels.
+inline std::shared_ptr<NSData> stillOf(std::uint32_t width, std::uint32_t height,
+                                       const Bytes& rgb) {
+    return std::make_shared<PictureData>(std::make_shared<DecodedPicture>(
+        PictureShape{width, height, std::nullopt, false}, "still", *ByteArray::copyOf(rgb)));
+}
+
 /// One drawn picture: red, green and blue of each pixel; the damage, if any.
 struct Drawn {
+    std::size_t width = 0;
     Bytes rgb;
     std::optional<NSError> damage;
+
+    Bytes at(std::size_t x, std::size_t y) const {
+        const auto start = rgb.begin() + std::ptrdiff_t((y * width + x) * 3);
+        return Bytes(start, start + 3);
+    }
 };
 
-/// The kits as a front end wires them.
+/// The arguments of `drawAtPoint`, and what it draws into.
+struct DrawnAt {
+    NSPoint point{};
+    NSRect from{};
+    NSCompositingOperation operation = NSCompositingOperationCopy;
+    double fraction = 1.0;
+    bool flipped = false;
+    std::uint8_t background = 0;
+};
+
+/// Another colour for each place; for `pngOf`.
+inline std::uint32_t gradient(std::uint32_t x, std::uint32_t y) {
+    return (x * 7 % 256) << 24 | (y * 5 % 256) << 16 | ((x + y) % 256) << 8 | 255;
+}
+
+/// The kits as a front end connects them.
 class PicturesTest : public ::testing::Test {
 protected:
     std::shared_ptr<NSImage> load(const Bytes& file) {
         return pictures_.imageWithData(DataBytes::copyOf(file));
     }
 
-    /// Draws as a movie is made of pictures: into a new buffer, at the bottom left.
+    /// Draws as the frames of a movie are drawn: into a new buffer, at the bottom left.
     Drawn draw(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
                NSCompositingOperation operation = NSCompositingOperationCopy) {
-        return drawAt(image, width, height, {0, 0}, NSZeroRect, operation, 1.0);
+        return drawAt(image, width, height, {.operation = operation});
     }
 
     Drawn drawAt(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
-                 NSPoint point, NSRect from, NSCompositingOperation operation, double fraction,
-                 bool flipped = false, std::uint8_t background = 0) {
-        return drawWith([&] { image->drawAtPoint(point, from, operation, fraction); }, width,
-                        height, flipped, background);
+                 const DrawnAt& how) {
+        return drawWith(
+            [&] { image->drawAtPoint(how.point, how.from, how.operation, how.fraction); }, width,
+            height, how.flipped, how.background);
     }
 
     /// Draws over a background, stretched.
@@ -121,7 +151,7 @@ protected:
                         false, background);
     }
 
-    /// What is drawn into a new buffer of that size.
+    /// Draws into a new buffer of that size.
     Drawn drawWith(const std::function<void()>& drawing, std::size_t width, std::size_t height,
                    bool flipped, std::uint8_t background) {
         CVPixelBufferRef buffer = nullptr;
@@ -138,13 +168,13 @@ protected:
         pictures_.setCurrentContext(pictures_.graphicsContextWithCGContext(context, flipped));
         drawing();
         pictures_.restoreGraphicsState();
-        Drawn drawn{{}, PixelBuffer::from(buffer)->damage()};
+        Drawn drawn{width, {}, PixelBuffer::from(buffer)->damage()};
         for (std::size_t y = 0; y < height; ++y) {
             for (std::size_t x = 0; x < width; ++x) {
                 const std::uint8_t* pixel = rows + y * stride + x * 4;
                 drawn.rgb.insert(drawn.rgb.end(), pixel + 1, pixel + 4);
             }
-            // The padding of a row is nobody's.
+            // The padding of the rows stays unchanged.
             for (std::size_t i = width * 4; i < stride; ++i) {
                 EXPECT_EQ(rows[y * stride + i], background);
             }
@@ -156,7 +186,7 @@ protected:
         return drawn;
     }
 
-    /// As stills are saved: to TIFF, to a rep, to PNG.
+    /// Encodes as stills are saved: to TIFF, to a rep, to PNG.
     std::shared_ptr<NSData> encode(const std::shared_ptr<NSImage>& image) {
         const auto rep = pictures_.imageRepWithData(image->TIFFRepresentation());
         return rep ? rep->representationUsingType(NSBitmapImageFileTypePNG, {}) : nullptr;
@@ -169,7 +199,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-/// The pixels over black: what a context without alpha gets of them.
+/// The pixels over black, as a context without alpha shows them.
 inline Bytes overBlack(const Bytes& rgba) {
     Bytes rgb;
     for (std::size_t i = 0; i < rgba.size(); ++i) {

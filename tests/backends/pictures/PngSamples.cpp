@@ -6,22 +6,15 @@
 #include <algorithm>
 #include <array>
 #include <csetjmp>
-#include <cstdlib>
 #include <cstring>
+#include <numeric>
 #include <random>
-#include <utility>
 
 namespace vistrane::testing {
 
 namespace {
 
-constexpr std::size_t signatureLength = 8;
-
-void put32(Bytes& bytes, std::uint32_t value) {
-    for (const int shift : {24, 16, 8, 0}) {
-        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
-    }
-}
+constexpr std::array<std::uint8_t, 8> signature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 
 std::uint32_t get32(std::span<const std::uint8_t> bytes, std::size_t offset) {
     return static_cast<std::uint32_t>(bytes[offset]) << 24 |
@@ -30,21 +23,12 @@ std::uint32_t get32(std::span<const std::uint8_t> bytes, std::size_t offset) {
 }
 
 int componentsOf(int colour) {
-    switch (colour) {
-    case 2:
-        return 3;
-    case 4:
-        return 2;
-    case 6:
-        return 4;
-    default:
-        return 1;
-    }
+    constexpr int components[] = {1, 0, 3, 1, 2, 0, 4};
+    return components[colour];
 }
 
 void appendBytes(png_structp png, png_bytep bytes, std::size_t length) {
-    auto* file = static_cast<Bytes*>(png_get_io_ptr(png));
-    file->insert(file->end(), bytes, bytes + length);
+    append(*static_cast<Bytes*>(png_get_io_ptr(png)), {bytes, length});
 }
 
 void flushNothing(png_structp) {}
@@ -169,25 +153,22 @@ void failReading(png_structp png, png_const_charp) {
 }
 void ignoreWarning(png_structp, png_const_charp) {}
 
-struct Reading {
-    std::span<const std::uint8_t> file;
-};
-
 void takeBytes(png_structp png, png_bytep bytes, std::size_t length) {
-    auto* reading = static_cast<Reading*>(png_get_io_ptr(png));
-    if (length > reading->file.size()) {
+    auto* file = static_cast<std::span<const std::uint8_t>*>(png_get_io_ptr(png));
+    if (length > file->size()) {
         png_error(png, "end");
     }
-    std::memcpy(bytes, reading->file.data(), length);
-    reading->file = reading->file.subspan(length);
+    std::memcpy(bytes, file->data(), length);
+    *file = file->subspan(length);
 }
 
-/// No destructors here: errors jump out.
-bool readAll(png_structp png, png_infop info, Reading* reading, PngSample* sample) {
+/// Errors jump out of it: it must have no destructors.
+bool readAll(png_structp png, png_infop info, std::span<const std::uint8_t>* file,
+             PngSample* sample) {
     if (setjmp(png_jmpbuf(png)) != 0) {
         return false;
     }
-    png_set_read_fn(png, reading, takeBytes);
+    png_set_read_fn(png, file, takeBytes);
     png_read_info(png, info);
     png_set_expand(png);
     png_set_scale_16(png);
@@ -271,7 +252,7 @@ PngSample pngOf(std::uint32_t width, std::uint32_t height,
     bool opaque = true;
     for (std::uint32_t y = 0; y < height; ++y) {
         for (std::uint32_t x = 0; x < width; ++x) {
-            put32(pixels, rgba(x, y));
+            appendNumber(pixels, rgba(x, y));
             opaque = opaque && pixels.back() == 255;
         }
     }
@@ -284,30 +265,59 @@ PngSample pngOf(std::uint32_t width, std::uint32_t height,
     return sampleOf(picture);
 }
 
+void append(Bytes& bytes, std::span<const std::uint8_t> more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
+
+void appendNumber(Bytes& bytes, std::uint32_t number) {
+    for (const int shift : {24, 16, 8, 0}) {
+        bytes.push_back(static_cast<std::uint8_t>(number >> shift));
+    }
+}
+
 Bytes chunk(const std::string& type, std::span<const std::uint8_t> data) {
     Bytes bytes;
-    put32(bytes, static_cast<std::uint32_t>(data.size()));
+    appendNumber(bytes, static_cast<std::uint32_t>(data.size()));
     bytes.insert(bytes.end(), type.begin(), type.end());
-    bytes.insert(bytes.end(), data.begin(), data.end());
-    put32(bytes, static_cast<std::uint32_t>(
-                     ::crc32(0, bytes.data() + 4, static_cast<uInt>(bytes.size() - 4))));
+    append(bytes, data);
+    const auto checked = static_cast<uInt>(bytes.size() - 4);
+    appendNumber(bytes, static_cast<std::uint32_t>(::crc32(0, bytes.data() + 4, checked)));
     return bytes;
 }
 
 std::vector<ChunkPlace> chunksOf(std::span<const std::uint8_t> file) {
     std::vector<ChunkPlace> chunks;
-    std::size_t offset = signatureLength;
+    std::size_t offset = signature.size();
     while (offset + 12 <= file.size()) {
         const std::size_t length = get32(file, offset);
         if (length > file.size() - offset - 12) {
             break;
         }
-        chunks.push_back({std::string(file.begin() + static_cast<std::ptrdiff_t>(offset) + 4,
-                                      file.begin() + static_cast<std::ptrdiff_t>(offset) + 8),
-                          offset, length});
+        const auto* type = reinterpret_cast<const char*>(file.data()) + offset + 4;
+        chunks.push_back({std::string(type, 4), offset, length});
         offset += 12 + length;
     }
     return chunks;
+}
+
+Bytes pngAround(const PngForm& form, std::uint32_t width, std::uint32_t height,
+                std::span<const Bytes> imageData) {
+    Bytes header;
+    appendNumber(header, width);
+    appendNumber(header, height);
+    append(header, Bytes{std::uint8_t(form.depth), std::uint8_t(form.colour), 0, 0, 0});
+    Bytes file(signature.begin(), signature.end());
+    append(file, chunk("IHDR", header));
+    if (form.colour == 3) {
+        Bytes palette(std::size_t{3} << form.depth);
+        std::iota(palette.begin(), palette.end(), std::uint8_t{7});
+        append(file, chunk("PLTE", palette));
+    }
+    for (const Bytes& data : imageData) {
+        append(file, chunk("IDAT", data));
+    }
+    append(file, chunk("IEND", {}));
+    return file;
 }
 
 Bytes withChunkBefore(const Bytes& file, const std::string& type, const Bytes& added) {
@@ -324,29 +334,23 @@ Bytes withChunkBefore(const Bytes& file, const std::string& type, const Bytes& a
 
 Bytes withDensity(const Bytes& file, std::uint32_t x, std::uint32_t y, std::uint8_t unit) {
     Bytes data;
-    put32(data, x);
-    put32(data, y);
+    appendNumber(data, x);
+    appendNumber(data, y);
     data.push_back(unit);
     return withChunkBefore(file, "IDAT", chunk("pHYs", data));
 }
 
 Bytes withSplitData(const Bytes& file, std::size_t length) {
-    Bytes result(file.begin(), file.begin() + signatureLength);
-    bool first = true;
+    Bytes result(file.begin(), file.begin() + signature.size());
     for (const ChunkPlace& place : chunksOf(file)) {
         const auto data = std::span(file).subspan(place.offset + 8, place.dataLength);
-        const bool split = place.type == "IDAT";
-        for (std::size_t i = 0; split && i < data.size(); i += length) {
-            const Bytes part = chunk("IDAT", data.subspan(i, std::min(length, data.size() - i)));
-            const Bytes empty = chunk("IDAT", {});
-            if (std::exchange(first, false)) {
-                result.insert(result.end(), empty.begin(), empty.end());
-            }
-            result.insert(result.end(), part.begin(), part.end());
+        if (place.type != "IDAT") {
+            append(result, chunk(place.type, data));
+            continue;
         }
-        if (!split) {
-            const Bytes whole = chunk(place.type, data);
-            result.insert(result.end(), whole.begin(), whole.end());
+        append(result, chunk("IDAT", {}));
+        for (std::size_t i = 0; i < data.size(); i += length) {
+            append(result, chunk("IDAT", data.subspan(i, std::min(length, data.size() - i))));
         }
     }
     return result;
@@ -354,22 +358,20 @@ Bytes withSplitData(const Bytes& file, std::size_t length) {
 
 Bytes withRightChecksums(Bytes file) {
     for (const ChunkPlace& place : chunksOf(file)) {
-        const auto length = static_cast<uInt>(place.dataLength + 4);
-        Bytes sum;
-        put32(sum, static_cast<std::uint32_t>(::crc32(0, file.data() + place.offset + 4, length)));
-        std::copy(sum.begin(), sum.end(),
-                  file.begin() + static_cast<std::ptrdiff_t>(place.offset + 4 + length));
+        const auto data = std::span(file).subspan(place.offset + 8, place.dataLength);
+        const Bytes right = chunk(place.type, data);
+        std::copy(right.begin(), right.end(),
+                  file.begin() + static_cast<std::ptrdiff_t>(place.offset));
     }
     return file;
 }
 
 std::optional<PngSample> readByLibpng(std::span<const std::uint8_t> file) {
     PngSample sample;
-    Reading reading{file};
     png_structp png =
         png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, failReading, ignoreWarning);
     png_infop info = png_create_info_struct(png);
-    const bool whole = readAll(png, info, &reading, &sample);
+    const bool whole = readAll(png, info, &file, &sample);
     png_destroy_read_struct(&png, &info, nullptr);
     return whole ? std::optional(sample) : std::nullopt;
 }

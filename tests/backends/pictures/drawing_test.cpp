@@ -8,69 +8,38 @@ namespace {
 
 using PictureDrawing = PicturesTest;
 
-std::uint32_t gradient(std::uint32_t x, std::uint32_t y) {
-    return (x * 7 % 256) << 24 | (y * 5 % 256) << 16 | ((x + y) % 256) << 8 | 255;
-}
-
-Bytes pixelAt(const Drawn& drawn, std::size_t width, std::size_t x, std::size_t y) {
-    const auto start = drawn.rgb.begin() + std::ptrdiff_t((y * width + x) * 3);
-    return Bytes(start, start + 3);
-}
-
-TEST_F(PictureDrawing, FourByTwoPointsFillFourByTwoPixels) {
-    const PngSample sample = pngOf(4, 2, gradient);
-    EXPECT_EQ(draw(load(sample.file), 4, 2).rgb, overBlack(sample.rgba));
-}
-
 TEST_F(PictureDrawing, HalfTransparentPixelsLandOverBlack) {
     const auto image = load(pngOf(3, 2, [](auto, auto) { return 0xC8640A80U; }).file);
-    EXPECT_EQ(pixelAt(draw(image, 3, 2), 3, 1, 1), (Bytes{100, 50, 5}));
+    EXPECT_EQ(draw(image, 3, 2).at(1, 1), (Bytes{100, 50, 5}));
 }
 
 TEST_F(PictureDrawing, CopyReplacesWhatWasThereAndSourceOverKeepsIt) {
     const auto image = load(pngOf(2, 2, [](auto, auto) { return 0xFF000080U; }).file);
-    const auto copied =
-        drawAt(image, 2, 2, {0, 0}, NSZeroRect, NSCompositingOperationCopy, 1.0, false, 200);
-    EXPECT_EQ(pixelAt(copied, 2, 0, 0), (Bytes{128, 0, 0}));
+    const auto copied = drawAt(image, 2, 2, {.background = 200});
+    EXPECT_EQ(copied.at(0, 0), (Bytes{128, 0, 0}));
     const auto over =
-        drawAt(image, 2, 2, {0, 0}, NSZeroRect, NSCompositingOperationSourceOver, 1.0, false, 200);
-    EXPECT_EQ(pixelAt(over, 2, 0, 0), (Bytes{228, 100, 100}));
+        drawAt(image, 2, 2, {.operation = NSCompositingOperationSourceOver, .background = 200});
+    EXPECT_EQ(over.at(0, 0), (Bytes{228, 100, 100}));
 }
 
 TEST_F(PictureDrawing, AFractionMakesThePictureFaint) {
     const auto image = load(pngOf(2, 2, [](auto, auto) { return 0x64C800FFU; }).file);
-    const auto copied =
-        drawAt(image, 2, 2, {0, 0}, NSZeroRect, NSCompositingOperationCopy, 0.5, false, 200);
-    EXPECT_EQ(pixelAt(copied, 2, 0, 0), (Bytes{50, 100, 0}));
+    const auto copied = drawAt(image, 2, 2, {.fraction = 0.5, .background = 200});
+    EXPECT_EQ(copied.at(0, 0), (Bytes{50, 100, 0}));
     const auto over =
-        drawAt(image, 2, 2, {0, 0}, NSZeroRect, NSCompositingOperationSourceOver, 0.5, false, 200);
-    EXPECT_EQ(pixelAt(over, 2, 0, 0), (Bytes{150, 200, 100}));
-}
-
-TEST_F(PictureDrawing, ThePointIsTheBottomLeftCorner) {
-    const PngSample sample = pngOf(3, 2, gradient);
-    const auto drawn = drawAt(load(sample.file), 8, 6, {2, 1}, NSZeroRect,
-                              NSCompositingOperationCopy, 1.0, false, 9);
-    const Bytes rgb = overBlack(sample.rgba);
-    for (std::size_t y = 0; y < 6; ++y) {
-        for (std::size_t x = 0; x < 8; ++x) {
-            const bool inside = x >= 2 && x < 5 && y >= 3 && y < 5;
-            const auto start = rgb.begin() + std::ptrdiff_t(((y - 3) * 3 + x - 2) * 3);
-            const Bytes expected = inside ? Bytes(start, start + 3) : Bytes{9, 9, 9};
-            EXPECT_EQ(pixelAt(drawn, 8, x, y), expected) << x << ' ' << y;
-        }
-    }
+        drawAt(image, 2, 2,
+               {.operation = NSCompositingOperationSourceOver, .fraction = 0.5, .background = 200});
+    EXPECT_EQ(over.at(0, 0), (Bytes{150, 200, 100}));
 }
 
 TEST_F(PictureDrawing, WhatSticksOutIsLeftOut) {
     const PngSample sample = pngOf(6, 6, gradient);
-    const auto drawn =
-        drawAt(load(sample.file), 4, 4, {-1, -1}, NSZeroRect, NSCompositingOperationCopy, 1.0);
+    const auto drawn = drawAt(load(sample.file), 4, 4, {.point = {-1, -1}});
     const Bytes rgb = overBlack(sample.rgba);
     for (std::size_t y = 0; y < 4; ++y) {
         for (std::size_t x = 0; x < 4; ++x) {
             const auto start = rgb.begin() + std::ptrdiff_t(((y + 1) * 6 + x + 1) * 3);
-            EXPECT_EQ(pixelAt(drawn, 4, x, y), Bytes(start, start + 3)) << x << ' ' << y;
+            EXPECT_EQ(drawn.at(x, y), Bytes(start, start + 3)) << x << ' ' << y;
         }
     }
 }
@@ -78,25 +47,23 @@ TEST_F(PictureDrawing, WhatSticksOutIsLeftOut) {
 TEST_F(PictureDrawing, APartIsDrawnAtThePoint) {
     const PngSample sample = pngOf(6, 6, gradient);
     // From the bottom: rows 1 and 2, that is rows 3 and 4 from the top.
-    const auto drawn =
-        drawAt(load(sample.file), 3, 2, {0, 0}, {{2, 1}, {3, 2}}, NSCompositingOperationCopy, 1.0);
+    const auto drawn = drawAt(load(sample.file), 3, 2, {.from = {{2, 1}, {3, 2}}});
     const Bytes rgb = overBlack(sample.rgba);
     for (std::size_t y = 0; y < 2; ++y) {
         for (std::size_t x = 0; x < 3; ++x) {
             const auto start = rgb.begin() + std::ptrdiff_t(((y + 3) * 6 + x + 2) * 3);
-            EXPECT_EQ(pixelAt(drawn, 3, x, y), Bytes(start, start + 3)) << x << ' ' << y;
+            EXPECT_EQ(drawn.at(x, y), Bytes(start, start + 3)) << x << ' ' << y;
         }
     }
 }
 
 TEST_F(PictureDrawing, AFlippedContextTurnsThePictureUpsideDown) {
     const PngSample sample = pngOf(3, 3, gradient);
-    const auto drawn =
-        drawAt(load(sample.file), 3, 3, {0, 0}, NSZeroRect, NSCompositingOperationCopy, 1.0, true);
+    const auto drawn = drawAt(load(sample.file), 3, 3, {.flipped = true});
     const Bytes rgb = overBlack(sample.rgba);
     for (std::size_t y = 0; y < 3; ++y) {
         const auto start = rgb.begin() + std::ptrdiff_t((2 - y) * 9);
-        EXPECT_EQ(pixelAt(drawn, 3, 0, y), Bytes(start, start + 3));
+        EXPECT_EQ(drawn.at(0, y), Bytes(start, start + 3));
     }
 }
 
@@ -108,7 +75,7 @@ TEST_F(PictureDrawing, HalfTheSizeIsTheAverageOfFourPixels) {
     ASSERT_EQ(image->size(), (NSSize{4, 2}));
     const Drawn drawn = draw(image, 4, 2);
     for (std::size_t i = 0; i < 8; ++i) {
-        EXPECT_EQ(pixelAt(drawn, 4, i % 4, i / 4), (Bytes{150, 0, 0}));
+        EXPECT_EQ(drawn.at(i % 4, i / 4), (Bytes{150, 0, 0}));
     }
 }
 
@@ -116,7 +83,7 @@ TEST_F(PictureDrawing, AveragingDoesNotMixInTheColourOfInvisiblePixels) {
     const auto image = load(withDensity(
         pngOf(2, 2, [](auto x, auto) { return x == 0 ? 0xFF000000U : 0x0000FFFFU; }).file, 5669,
         5669));
-    EXPECT_EQ(pixelAt(draw(image, 1, 1), 1, 0, 0), (Bytes{0, 0, 128}));
+    EXPECT_EQ(draw(image, 1, 1).at(0, 0), (Bytes{0, 0, 128}));
 }
 
 TEST_F(PictureDrawing, EnlargingKeepsFlatAreasAndEdgesInPlace) {
@@ -125,10 +92,10 @@ TEST_F(PictureDrawing, EnlargingKeepsFlatAreasAndEdgesInPlace) {
         1417));
     ASSERT_EQ(image->size(), (NSSize{16, 16}));
     const Drawn drawn = draw(image, 16, 16);
-    EXPECT_EQ(pixelAt(drawn, 16, 0, 0), (Bytes{0x20, 0x40, 0x60}));
-    EXPECT_EQ(pixelAt(drawn, 16, 15, 15), (Bytes{0xE0, 0xC0, 0xA0}));
-    EXPECT_LT(pixelAt(drawn, 16, 7, 8)[0], 0x80);
-    EXPECT_GT(pixelAt(drawn, 16, 8, 8)[0], 0x80);
+    EXPECT_EQ(drawn.at(0, 0), (Bytes{0x20, 0x40, 0x60}));
+    EXPECT_EQ(drawn.at(15, 15), (Bytes{0xE0, 0xC0, 0xA0}));
+    EXPECT_LT(drawn.at(7, 8)[0], 0x80);
+    EXPECT_GT(drawn.at(8, 8)[0], 0x80);
 }
 
 TEST_F(PictureDrawing, ScaledTransparencyStaysWithinItsRange) {
@@ -159,32 +126,21 @@ TEST_F(PictureDrawing, PlacesThatAreNonsenseDrawNothingOrAreCut) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const Bytes untouched(4 * 4 * 3, 7);
     for (const double bad : {nan, infinity, -infinity, 1e300, -1e18, 1e8, -1e8}) {
-        EXPECT_EQ(
-            drawAt(image, 4, 4, {bad, 0}, NSZeroRect, NSCompositingOperationCopy, 1.0, false, 7)
-                .rgb,
-            untouched);
-        EXPECT_EQ(drawAt(image, 4, 4, {0, 0}, {{bad, 0}, {4, 4}}, NSCompositingOperationCopy, 1.0,
-                         false, 7)
-                      .rgb,
+        EXPECT_EQ(drawAt(image, 4, 4, {.point = {bad, 0}, .background = 7}).rgb, untouched);
+        EXPECT_EQ(drawAt(image, 4, 4, {.from = {{bad, 0}, {4, 4}}, .background = 7}).rgb,
                   untouched);
     }
     for (const double bad : {nan, -1.0, -infinity}) {
-        EXPECT_EQ(
-            drawAt(image, 4, 4, {0, 0}, NSZeroRect, NSCompositingOperationCopy, bad, false, 7).rgb,
-            untouched);
+        EXPECT_EQ(drawAt(image, 4, 4, {.fraction = bad, .background = 7}).rgb, untouched);
     }
-    EXPECT_EQ(
-        drawAt(image, 4, 4, {0, 0}, {{1, 1}, {-2, 2}}, NSCompositingOperationCopy, 1.0, false, 7)
-            .rgb,
-        untouched);
-    drawAt(image, 4, 4, {0.3, -0.7}, {{0.2, 0.9}, {1e8, 2.5}}, NSCompositingOperationSourceOver,
-           99.0, true);
-    drawAt(image, 4, 4, {1e-300, 0}, {{0, 0}, {1e-300, 1e-300}}, NSCompositingOperationCopy, 1.0);
-}
-
-TEST_F(PictureDrawing, WithoutAContextNothingHappens) {
-    load(pngOf(4, 4, gradient).file)
-        ->drawAtPoint({0, 0}, NSZeroRect, NSCompositingOperationCopy, 1.0);
+    EXPECT_EQ(drawAt(image, 4, 4, {.from = {{1, 1}, {-2, 2}}, .background = 7}).rgb, untouched);
+    drawAt(image, 4, 4,
+           {.point = {0.3, -0.7},
+            .from = {{0.2, 0.9}, {1e8, 2.5}},
+            .operation = NSCompositingOperationSourceOver,
+            .fraction = 99.0,
+            .flipped = true});
+    drawAt(image, 4, 4, {.point = {1e-300, 0}, .from = {{0, 0}, {1e-300, 1e-300}}});
 }
 
 } // namespace

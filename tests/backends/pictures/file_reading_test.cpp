@@ -38,12 +38,6 @@ TEST_F(PictureFiles, AnotherContentUnderThatNameIsRefused) {
     EXPECT_THAT(observer_.unread[0].second.localizedDescription, HasSubstr(folder_.file("a.png")));
 }
 
-TEST_F(PictureFiles, ARawPictureIsNoFrameFile) {
-    const std::string raw = "P6 1 1 255 abc";
-    put(folder_.file("a.png"), Bytes(raw.begin(), raw.end()));
-    EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("a.png")));
-}
-
 TEST_F(PictureFiles, AnEmptyFileIsRefused) {
     put(folder_.file("a.png"), {});
     EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("a.png")));

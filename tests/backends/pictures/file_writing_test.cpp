@@ -8,10 +8,10 @@
 namespace vistrane::testing {
 namespace {
 
-class FileWriting : public PicturesTest, public ::testing::WithParamInterface<bool> {
+class FileWriting : public PicturesTest {
 protected:
     bool write(const Bytes& bytes, const std::string& path) {
-        return DataBytes::copyOf(bytes, &observer_)->writeToFile(path, GetParam());
+        return DataBytes::copyOf(bytes, &observer_)->writeToFile(path, false);
     }
 };
 
@@ -19,7 +19,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-/// Files cannot grow beyond `length` bytes until the end of the scope: a disk that is full.
+/// Simulates a full disk: files cannot grow beyond `length` bytes.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t length) {
@@ -41,7 +41,7 @@ private:
     void (*handler_)(int) = SIG_DFL;
 };
 
-TEST_P(FileWriting, TheBytesAreInTheFileAndItIsReported) {
+TEST_F(FileWriting, TheBytesAreInTheFileAndItIsReported) {
     const Bytes bytes(100000, 42);
     EXPECT_TRUE(write(bytes, folder_.file("a")));
     EXPECT_EQ(get(folder_.file("a")), bytes);
@@ -49,20 +49,14 @@ TEST_P(FileWriting, TheBytesAreInTheFileAndItIsReported) {
     EXPECT_THAT(observer_.unwritten, IsEmpty());
 }
 
-TEST_P(FileWriting, AnOlderFileIsReplacedWhole) {
-    put(folder_.file("a"), Bytes(1000, 1));
-    EXPECT_TRUE(write(Bytes(10, 2), folder_.file("a")));
-    EXPECT_EQ(get(folder_.file("a")), Bytes(10, 2));
-}
-
-TEST_P(FileWriting, NoBytesGiveAnEmptyFile) {
+TEST_F(FileWriting, NoBytesGiveAnEmptyFile) {
     put(folder_.file("a"), Bytes(1000, 1));
     EXPECT_TRUE(write({}, folder_.file("a")));
     EXPECT_EQ(get(folder_.file("a")), Bytes());
     EXPECT_THAT(folder_.names(), ElementsAre("a"));
 }
 
-TEST_P(FileWriting, ANewFileHasTheUsersUsualRights) {
+TEST_F(FileWriting, ANewFileHasTheUsersUsualRights) {
     const mode_t before = ::umask(027);
     write(Bytes(10, 2), folder_.file("a"));
     ::umask(before);
@@ -71,7 +65,7 @@ TEST_P(FileWriting, ANewFileHasTheUsersUsualRights) {
     EXPECT_EQ(state.st_mode & 07777, 0640U);
 }
 
-TEST_P(FileWriting, AMissingFolderIsReportedWithPathAndReason) {
+TEST_F(FileWriting, AMissingFolderIsReportedWithPathAndReason) {
     const std::string path = folder_.file("none/a.png");
     EXPECT_FALSE(write(Bytes(10, 2), path));
     ASSERT_EQ(observer_.unwritten.size(), 1U);
@@ -81,7 +75,7 @@ TEST_P(FileWriting, AMissingFolderIsReportedWithPathAndReason) {
     EXPECT_THAT(observer_.written, IsEmpty());
 }
 
-TEST_P(FileWriting, AFolderThatMayNotBeWrittenToIsReported) {
+TEST_F(FileWriting, AFolderThatMayNotBeWrittenToIsReported) {
     ::chmod(folder_.path().c_str(), 0500);
     if (::access(folder_.path().c_str(), W_OK) == 0) {
         GTEST_SKIP() << "this user may write everywhere";
@@ -90,7 +84,7 @@ TEST_P(FileWriting, AFolderThatMayNotBeWrittenToIsReported) {
     EXPECT_EQ(observer_.unwritten.at(0).second.code, EACCES);
 }
 
-TEST_P(FileWriting, PathsThatAreNoFilesAreRefusedAndLeftAlone) {
+TEST_F(FileWriting, PathsThatAreNoFilesAreRefusedAndLeftAlone) {
     const std::string fifo = folder_.file("fifo");
     const std::string directory = folder_.file("directory");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
@@ -102,7 +96,7 @@ TEST_P(FileWriting, PathsThatAreNoFilesAreRefusedAndLeftAlone) {
     EXPECT_EQ(folder_.names().size(), 2U);
 }
 
-TEST_P(FileWriting, APipeThatSomebodyReadsGetsNothing) {
+TEST_F(FileWriting, APipeThatSomebodyReadsGetsNothing) {
     const std::string fifo = folder_.file("fifo");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
     const int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
@@ -112,61 +106,39 @@ TEST_P(FileWriting, APipeThatSomebodyReadsGetsNothing) {
     ::close(reader);
 }
 
-TEST_P(FileWriting, AFullDiskLeavesNoHalfFile) {
+TEST_F(FileWriting, AFullDiskLeavesNoHalfFile) {
     const FullDisk disk(5000);
     EXPECT_FALSE(write(Bytes(100000, 2), folder_.file("a")));
     EXPECT_THAT(folder_.names(), IsEmpty());
     EXPECT_EQ(observer_.unwritten.at(0).second.code, EFBIG);
 }
 
-TEST_P(FileWriting, WithoutAnObserverItStillWrites) {
-    EXPECT_TRUE(DataBytes::copyOf(Bytes(3, 1))->writeToFile(folder_.file("a"), GetParam()));
-    EXPECT_EQ(get(folder_.file("a")).size(), 3U);
-}
-
-INSTANTIATE_TEST_SUITE_P(Ways, FileWriting, ::testing::Values(false, true),
-                         [](const auto& ways) { return ways.param ? "Atomically" : "InPlace"; });
-
-using InPlace = PicturesTest;
-
-TEST_F(InPlace, AFullDiskLeavesNoHalfFileBehindALinkEither) {
+TEST_F(FileWriting, AFullDiskLeavesNoHalfFileBehindALinkEither) {
     ASSERT_EQ(::mkdir(folder_.file("real").c_str(), 0700), 0);
     ASSERT_EQ(::symlink("real/b", folder_.file("a").c_str()), 0);
     {
         const FullDisk disk(5000);
-        EXPECT_FALSE(DataBytes::copyOf(Bytes(100000, 2))->writeToFile(folder_.file("a"), false));
+        EXPECT_FALSE(write(Bytes(100000, 2), folder_.file("a")));
     }
     EXPECT_FALSE(std::filesystem::exists(folder_.file("real/b")));
 }
 
-TEST_F(InPlace, ALinkIsFollowedAndTheFileKeepsItsIdentity) {
+TEST_F(FileWriting, ALinkIsFollowedAndTheFileKeepsItsIdentity) {
     put(folder_.file("b"), Bytes(3, 1));
     ASSERT_EQ(::symlink("b", folder_.file("a").c_str()), 0);
     struct stat before {};
     struct stat after {};
     ASSERT_EQ(::stat(folder_.file("b").c_str(), &before), 0);
-    EXPECT_TRUE(DataBytes::copyOf(Bytes(5, 2))->writeToFile(folder_.file("a"), false));
+    EXPECT_TRUE(write(Bytes(5, 2), folder_.file("a")));
     ASSERT_EQ(::stat(folder_.file("b").c_str(), &after), 0);
     EXPECT_EQ(before.st_ino, after.st_ino);
     EXPECT_EQ(after.st_size, 5);
 }
 
-TEST_F(InPlace, DevicesAreRefused) {
-    EXPECT_FALSE(DataBytes::copyOf(Bytes(5, 2))->writeToFile("/dev/full", false));
-    EXPECT_FALSE(DataBytes::copyOf(Bytes(5, 2))->writeToFile("/dev/null", true));
+TEST_F(FileWriting, DevicesAreRefused) {
+    EXPECT_FALSE(write(Bytes(5, 2), "/dev/full"));
+    EXPECT_FALSE(write(Bytes(5, 2), "/dev/null"));
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
-}
-
-using Atomically = PicturesTest;
-
-TEST_F(Atomically, AFailureLeavesTheOldFile) {
-    put(folder_.file("a"), Bytes(3, 1));
-    {
-        const FullDisk disk(5000);
-        EXPECT_FALSE(DataBytes::copyOf(Bytes(100000, 2))->writeToFile(folder_.file("a"), true));
-    }
-    EXPECT_EQ(get(folder_.file("a")), Bytes(3, 1));
-    EXPECT_THAT(folder_.names(), ElementsAre("a"));
 }
 
 } // namespace

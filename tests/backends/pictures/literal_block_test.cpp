@@ -1,8 +1,6 @@
-// Blocks of literals, read back by zlib.
+// Blocks of literals, decoded by zlib.
 
 #include <gtest/gtest.h>
-
-#include <zlib.h>
 
 #include <algorithm>
 #include <cmath>
@@ -11,32 +9,19 @@
 #include <vector>
 
 #include "backends/pictures/LiteralBlock.h"
-#include "tests/backends/pictures/PngSamples.h"
+#include "tests/backends/pictures/DeflateSamples.h"
 
 namespace vistrane::testing {
 namespace {
 
-Bytes written(const Bytes& bytes, bool last) {
-    const LiteralBlock block(bytes);
-    Bytes stream(block.room(), 0xA5);
-    stream.resize(static_cast<std::size_t>(block.write(stream.data(), last) - stream.data()));
-    return stream;
-}
-
-/// What zlib makes of a stream without a head.
-Bytes inflated(const Bytes& stream, std::size_t length) {
-    Bytes bytes(length + 1);
-    z_stream zlib{};
-    EXPECT_EQ(inflateInit2(&zlib, -15), Z_OK);
-    zlib.next_in = const_cast<Bytef*>(stream.data());
-    zlib.avail_in = static_cast<uInt>(stream.size());
-    zlib.next_out = bytes.data();
-    zlib.avail_out = static_cast<uInt>(bytes.size());
-    EXPECT_EQ(inflate(&zlib, Z_FINISH), Z_STREAM_END);
-    EXPECT_EQ(zlib.avail_in, 0U);
-    bytes.resize(zlib.total_out);
-    inflateEnd(&zlib);
-    return bytes;
+/// What zlib makes of blocks, which must be a whole stream.
+Bytes inflated(const Bytes& blocks, std::size_t length) {
+    Bytes stream = {0x78, 0x01};
+    append(stream, blocks);
+    const Inflated result = inflateByZlib(stream, length + 1);
+    EXPECT_TRUE(result.ended);
+    EXPECT_EQ(result.end, stream.size());
+    return result.bytes;
 }
 
 /// Bytes whose values become rarer by `decay` from one to the next.
@@ -48,28 +33,29 @@ Bytes decayingBytes(std::mt19937& random, std::size_t length, double decay) {
     return bytes;
 }
 
-TEST(LiteralBlockTest, AnyBytesComeBack) {
+TEST(LiteralBlockTest, AnyBytesAreDecodedAgain) {
     std::mt19937 random(1);
     for (const double decay : {0.0, 0.05, 0.4, 0.5, 0.9, 0.99, 0.9999}) {
         for (const std::size_t length : {0U, 1U, 2U, 3U, 5U, 64U, 999U, 70000U}) {
             const Bytes bytes = decayingBytes(random, length, decay);
-            EXPECT_EQ(inflated(written(bytes, true), length), bytes) << decay << ", " << length;
+            EXPECT_EQ(inflated(literalBlock(bytes, true), length), bytes)
+                << decay << ", " << length;
         }
     }
 }
 
-TEST(LiteralBlockTest, BlocksFollowEachOtherFromWholeBytes) {
+TEST(LiteralBlockTest, BlocksBeginAndEndAtWholeBytes) {
     std::mt19937 random(2);
     Bytes all;
     Bytes stream;
     for (int i = 0; i < 50; ++i) {
         const Bytes bytes = decayingBytes(random, random() % 3000, 0.02 * i);
-        const Bytes block = written(bytes, i == 49);
+        const Bytes block = literalBlock(bytes, i == 49);
         if (i < 49) {
             EXPECT_EQ(Bytes(block.end() - 4, block.end()), (Bytes{0, 0, 0xFF, 0xFF}));
         }
-        all.insert(all.end(), bytes.begin(), bytes.end());
-        stream.insert(stream.end(), block.begin(), block.end());
+        append(all, bytes);
+        append(stream, block);
     }
     EXPECT_EQ(inflated(stream, all.size()), all);
 }
@@ -84,7 +70,7 @@ TEST(LiteralBlockTest, RareBytesGetCodesOfElevenBitsAtMost) {
     for (std::uint8_t value = 0; value < 20; ++value) {
         EXPECT_LE(block.bitsOf(Bytes{value}), 11U);
     }
-    EXPECT_EQ(inflated(written(bytes, true), bytes.size()), bytes);
+    EXPECT_EQ(inflated(literalBlock(bytes, true), bytes.size()), bytes);
 }
 
 TEST(LiteralBlockTest, NoiseTakesItsEntropy) {
@@ -98,10 +84,10 @@ TEST(LiteralBlockTest, NoiseTakesItsEntropy) {
     for (const double count : counts) {
         bits += count > 0 ? count * std::log2(static_cast<double>(bytes.size()) / count) : 0;
     }
-    EXPECT_LT(static_cast<double>(written(bytes, true).size()), bits / 8 * 1.02);
+    EXPECT_LT(static_cast<double>(literalBlock(bytes, true).size()), bits / 8 * 1.02);
 }
 
-/// The least that codes can take together, found the other way: by joining the two rarest.
+/// The least that codes can take together, by Huffman's algorithm: joining the two rarest.
 std::uint64_t leastBits(std::vector<std::uint64_t> weights) {
     std::uint64_t sum = 0;
     std::sort(weights.rbegin(), weights.rend());

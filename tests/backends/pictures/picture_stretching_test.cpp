@@ -7,15 +7,6 @@ namespace {
 
 using PictureStretching = PicturesTest;
 
-Bytes pixelAt(const Drawn& drawn, std::size_t width, std::size_t x, std::size_t y) {
-    const auto start = drawn.rgb.begin() + std::ptrdiff_t((y * width + x) * 3);
-    return Bytes(start, start + 3);
-}
-
-std::uint32_t gradient(std::uint32_t x, std::uint32_t y) {
-    return (x * 7 % 256) << 24 | (y * 5 % 256) << 16 | ((x + y) % 256) << 8 | 255;
-}
-
 /// Red above blue: rows from the top.
 std::uint32_t redOverBlue(std::uint32_t, std::uint32_t y) {
     return y == 0 ? 0xFF0000FFU : 0x0000FFFFU;
@@ -29,7 +20,8 @@ TEST_F(PictureStretching, AtItsOwnSizeIsTheSameAsDrawingAtThePoint) {
     const auto image = load(pngOf(5, 3, gradient).file);
     const Drawn stretched = drawIn(image, 9, 8, {{2, 1}, {5, 3}});
     const Drawn placed =
-        drawAt(image, 9, 8, {2, 1}, NSZeroRect, NSCompositingOperationSourceOver, 1.0, false, 9);
+        drawAt(image, 9, 8,
+               {.point = {2, 1}, .operation = NSCompositingOperationSourceOver, .background = 9});
     EXPECT_EQ(stretched.rgb, placed.rgb);
     EXPECT_FALSE(stretched.damage);
 }
@@ -40,7 +32,7 @@ TEST_F(PictureStretching, FillsTheRectangleAndNothingElse) {
     for (std::size_t y = 0; y < 6; ++y) {
         for (std::size_t x = 0; x < 8; ++x) {
             const bool inside = x >= 1 && x < 6 && y >= 1 && y < 4;
-            EXPECT_EQ(pixelAt(drawn, 8, x, y), inside ? (Bytes{0x20, 0x40, 0x60}) : untouched)
+            EXPECT_EQ(drawn.at(x, y), inside ? (Bytes{0x20, 0x40, 0x60}) : untouched)
                 << x << ' ' << y;
         }
     }
@@ -50,13 +42,13 @@ TEST_F(PictureStretching, KeepsNoShape) {
     const auto image = load(pngOf(2, 2, redOverBlue).file);
     const Drawn wide = drawIn(image, 16, 2, {{0, 0}, {16, 2}});
     for (std::size_t x = 0; x < 16; ++x) {
-        EXPECT_EQ(pixelAt(wide, 16, x, 0), red) << x;
-        EXPECT_EQ(pixelAt(wide, 16, x, 1), blue) << x;
+        EXPECT_EQ(wide.at(x, 0), red) << x;
+        EXPECT_EQ(wide.at(x, 1), blue) << x;
     }
     const Drawn high = drawIn(image, 2, 16, {{0, 0}, {2, 16}});
     for (std::size_t x = 0; x < 2; ++x) {
-        EXPECT_EQ(pixelAt(high, 2, x, 0), red);
-        EXPECT_EQ(pixelAt(high, 2, x, 15), blue);
+        EXPECT_EQ(high.at(x, 0), red);
+        EXPECT_EQ(high.at(x, 15), blue);
     }
 }
 
@@ -65,9 +57,9 @@ TEST_F(PictureStretching, ShrinksToTheAverage) {
                                 return ((x + y) % 2 ? 0xC8000000U : 0x64000000U) | 255;
                             }).file);
     const Drawn drawn = drawIn(image, 2, 2, {{0, 0}, {2, 1}});
-    EXPECT_EQ(pixelAt(drawn, 2, 0, 0), untouched);
-    EXPECT_EQ(pixelAt(drawn, 2, 0, 1), (Bytes{150, 0, 0}));
-    EXPECT_EQ(pixelAt(drawn, 2, 1, 1), (Bytes{150, 0, 0}));
+    EXPECT_EQ(drawn.at(0, 0), untouched);
+    EXPECT_EQ(drawn.at(0, 1), (Bytes{150, 0, 0}));
+    EXPECT_EQ(drawn.at(1, 1), (Bytes{150, 0, 0}));
 }
 
 /// 1080 / 99 times 11 is 120, but for the rounding, which makes it a little less.
@@ -76,7 +68,7 @@ TEST_F(PictureStretching, ShrinksToTheAverageWhateverRoundingLeavesOfAPixel) {
         load(pngOf(1080, 2, [](auto x, auto) { return x < 120 ? 0x000000FFU : 0xFFFFFFFFU; }).file);
     const Drawn drawn = drawIn(image, 99, 2, {{0, 0}, {99, 2}});
     for (std::size_t x = 0; x < 99; ++x) {
-        EXPECT_EQ(pixelAt(drawn, 99, x, 0), Bytes(3, x < 11 ? 0 : 255)) << x;
+        EXPECT_EQ(drawn.at(x, 0), Bytes(3, x < 11 ? 0 : 255)) << x;
     }
 }
 
@@ -84,10 +76,10 @@ TEST_F(PictureStretching, CountsTheRectangleInPointsWhateverThePicturesDensity) 
     const auto image = load(withDensity(pngOf(4, 4, redOverBlue).file, 5669, 5669));
     ASSERT_EQ(image->size(), (NSSize{2, 2}));
     const Drawn drawn = drawIn(image, 8, 8, {{0, 0}, {4, 4}});
-    EXPECT_EQ(pixelAt(drawn, 8, 3, 4), red);
-    EXPECT_EQ(pixelAt(drawn, 8, 3, 7), blue);
-    EXPECT_EQ(pixelAt(drawn, 8, 4, 4), untouched);
-    EXPECT_EQ(pixelAt(drawn, 8, 3, 3), untouched);
+    EXPECT_EQ(drawn.at(3, 4), red);
+    EXPECT_EQ(drawn.at(3, 7), blue);
+    EXPECT_EQ(drawn.at(4, 4), untouched);
+    EXPECT_EQ(drawn.at(3, 3), untouched);
 }
 
 TEST_F(PictureStretching, APartIsStretchedOverTheWholeRectangle) {
@@ -95,15 +87,18 @@ TEST_F(PictureStretching, APartIsStretchedOverTheWholeRectangle) {
     // The lower half, counted from the bottom.
     const Drawn drawn = drawIn(image, 4, 4, {{0, 0}, {4, 4}}, {{0, 0}, {2, 1}});
     for (std::size_t i = 0; i < 16; ++i) {
-        EXPECT_EQ(pixelAt(drawn, 4, i % 4, i / 4), blue) << i;
+        EXPECT_EQ(drawn.at(i % 4, i / 4), blue) << i;
     }
 }
 
 TEST_F(PictureStretching, APartThatIsNoLargerThanItsRectangleIsDrawnAsItIs) {
     const auto image = load(pngOf(6, 6, gradient).file);
     const Drawn stretched = drawIn(image, 5, 5, {{1, 2}, {3, 2}}, {{2, 1}, {3, 2}});
-    const Drawn placed = drawAt(image, 5, 5, {1, 2}, {{2, 1}, {3, 2}},
-                                NSCompositingOperationSourceOver, 1.0, false, 9);
+    const Drawn placed = drawAt(image, 5, 5,
+                                {.point = {1, 2},
+                                 .from = {{2, 1}, {3, 2}},
+                                 .operation = NSCompositingOperationSourceOver,
+                                 .background = 9});
     EXPECT_EQ(stretched.rgb, placed.rgb);
 }
 
@@ -111,25 +106,25 @@ TEST_F(PictureStretching, WhatIsTransparentShowsWhatWasThere) {
     const auto image = load(pngOf(1, 1, [](auto, auto) { return 0xFF000080U; }).file);
     const Drawn over = drawIn(image, 3, 3, {{0, 0}, {3, 3}}, NSZeroRect,
                               NSCompositingOperationSourceOver, 1.0, 200);
-    EXPECT_EQ(pixelAt(over, 3, 1, 1), (Bytes{228, 100, 100}));
+    EXPECT_EQ(over.at(1, 1), (Bytes{228, 100, 100}));
     const Drawn copied =
         drawIn(image, 3, 3, {{0, 0}, {3, 3}}, NSZeroRect, NSCompositingOperationCopy, 1.0, 200);
-    EXPECT_EQ(pixelAt(copied, 3, 1, 1), (Bytes{128, 0, 0}));
+    EXPECT_EQ(copied.at(1, 1), (Bytes{128, 0, 0}));
 }
 
 TEST_F(PictureStretching, AFractionMakesThePictureFaint) {
     const auto image = load(pngOf(2, 2, [](auto, auto) { return 0x64C800FFU; }).file);
     const Drawn drawn = drawIn(image, 4, 4, {{0, 0}, {4, 4}}, NSZeroRect,
                                NSCompositingOperationSourceOver, 0.5, 200);
-    EXPECT_EQ(pixelAt(drawn, 4, 2, 2), (Bytes{150, 200, 100}));
+    EXPECT_EQ(drawn.at(2, 2), (Bytes{150, 200, 100}));
 }
 
 TEST_F(PictureStretching, WhatSticksOutIsLeftOut) {
     const auto image = load(pngOf(2, 2, redOverBlue).file);
     const Drawn drawn = drawIn(image, 4, 4, {{-10, -10}, {24, 24}});
     // The middle of the picture is at 2 points: half of each.
-    EXPECT_GT(pixelAt(drawn, 4, 0, 0)[0], pixelAt(drawn, 4, 0, 0)[2]);
-    EXPECT_LT(pixelAt(drawn, 4, 3, 3)[0], pixelAt(drawn, 4, 3, 3)[2]);
+    EXPECT_GT(drawn.at(0, 0)[0], drawn.at(0, 0)[2]);
+    EXPECT_LT(drawn.at(3, 3)[0], drawn.at(3, 3)[2]);
 }
 
 TEST_F(PictureStretching, ARectangleThatIsNoPlaceDrawsNothing) {
@@ -153,6 +148,7 @@ TEST_F(PictureStretching, APartThatIsEmptyDrawsNothing) {
 TEST_F(PictureStretching, WithoutAContextNothingHappens) {
     const auto image = load(pngOf(2, 2, redOverBlue).file);
     image->drawInRect({{0, 0}, {4, 4}}, NSZeroRect, NSCompositingOperationSourceOver, 1.0);
+    image->drawAtPoint({0, 0}, NSZeroRect, NSCompositingOperationCopy, 1.0);
 }
 
 } // namespace

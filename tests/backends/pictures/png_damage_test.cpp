@@ -14,7 +14,7 @@ std::vector<Bytes> smallFiles() {
             withDensity(randomPng({4, 8, false, false}, 4, 4).file, 2835, 2835)};
 }
 
-TEST_F(PngDamage, AFileCutOffAnywhereIsRefused) {
+TEST_F(PngDamage, TruncatedFilesAreRefused) {
     for (const Bytes& file : smallFiles()) {
         ASSERT_TRUE(load(file));
         for (std::size_t length = 0; length < file.size(); ++length) {
@@ -24,7 +24,7 @@ TEST_F(PngDamage, AFileCutOffAnywhereIsRefused) {
     }
 }
 
-TEST_F(PngDamage, AnyWrongBitIsNoticedWhenLoading) {
+TEST_F(PngDamage, AnyWrongBitIsRefusedWhenLoading) {
     for (const Bytes& file : smallFiles()) {
         for (std::size_t bit = 0; bit < file.size() * 8; ++bit) {
             Bytes changed = file;
@@ -34,7 +34,7 @@ TEST_F(PngDamage, AnyWrongBitIsNoticedWhenLoading) {
     }
 }
 
-/// With checksums made right again, a wrong bit reaches the parsers and the pixels.
+/// Under right checksums a wrong bit reaches the parsers and the pixels.
 TEST_F(PngDamage, AWrongBitUnderRightChecksumsIsRefusedOrReadLikeLibpng) {
     std::size_t refused = 0;
     std::size_t same = 0;
@@ -68,14 +68,18 @@ TEST_F(PngDamage, AWrongBitUnderRightChecksumsIsRefusedOrReadLikeLibpng) {
     EXPECT_GT(same, 0U);
 }
 
-TEST_F(PngDamage, DamagedPixelsMarkTheBufferWithFileAndReason) {
-    Bytes file = randomPng({2, 8, false, false}, 40, 40).file;
+/// The file with a wrong byte in its pixels, at so many 64ths of them, under right checksums.
+Bytes withDamagedPixels(Bytes file, std::size_t part = 32) {
     for (const ChunkPlace& place : chunksOf(file)) {
         if (place.type == "IDAT") {
-            file[place.offset + 8 + place.dataLength / 2] ^= 0xFF;
+            file[place.offset + 8 + (place.dataLength - 1) * part / 64] ^= 0xFF;
         }
     }
-    put(folder_.file("a.png"), withRightChecksums(file));
+    return withRightChecksums(file);
+}
+
+TEST_F(PngDamage, DamagedPixelsMarkTheBufferWithFileAndReason) {
+    put(folder_.file("a.png"), withDamagedPixels(randomPng({2, 8, false, false}, 40, 40).file));
     const auto image = pictures_.imageWithContentsOfFile(folder_.file("a.png"));
     ASSERT_TRUE(image);
     EXPECT_TRUE(observer_.unread.empty());
@@ -86,34 +90,20 @@ TEST_F(PngDamage, DamagedPixelsMarkTheBufferWithFileAndReason) {
     EXPECT_FALSE(image->TIFFRepresentation());
 }
 
-TEST_F(PngDamage, AWrongChecksumOfThePixelStreamIsNoticed) {
-    Bytes file = randomPng({2, 8, false, false}, 12, 12).file;
-    for (const ChunkPlace& place : chunksOf(file)) {
-        if (place.type == "IDAT") {
-            file[place.offset + 8 + place.dataLength - 1] ^= 1;
-        }
-    }
-    EXPECT_TRUE(draw(load(withRightChecksums(file)), 12, 12).damage);
+TEST_F(PngDamage, AWrongChecksumOfThePixelStreamMarksTheBuffer) {
+    const Bytes file = withDamagedPixels(randomPng({2, 8, false, false}, 12, 12).file, 64);
+    EXPECT_TRUE(draw(load(file), 12, 12).damage);
 }
 
 TEST_F(PngDamage, ADamagedPictureThatIsScaledMarksTheBufferToo) {
-    Bytes file = withDensity(randomPng({2, 8, false, false}, 40, 40).file, 5669, 5669);
-    for (const ChunkPlace& place : chunksOf(file)) {
-        if (place.type == "IDAT") {
-            file[place.offset + 8 + place.dataLength / 2] ^= 0xFF;
-        }
-    }
-    EXPECT_TRUE(draw(load(withRightChecksums(file)), 20, 20).damage);
+    const Bytes file = withDensity(randomPng({2, 8, false, false}, 40, 40).file, 5669, 5669);
+    EXPECT_TRUE(draw(load(withDamagedPixels(file)), 20, 20).damage);
 }
 
 /// A file of that size with hardly any data.
 Bytes claiming(std::uint32_t width, std::uint32_t height) {
-    Bytes file = randomPng({2, 8, false, false}, 2, 2).file;
-    for (int i = 0; i < 4; ++i) {
-        file[16 + std::size_t(i)] = static_cast<std::uint8_t>(width >> (24 - 8 * i));
-        file[20 + std::size_t(i)] = static_cast<std::uint8_t>(height >> (24 - 8 * i));
-    }
-    return withRightChecksums(file);
+    const Bytes data(20);
+    return pngAround({2, 8, false, false}, width, height, {&data, 1});
 }
 
 TEST_F(PngDamage, AHugeSizeIsRefusedBeforeMemoryIsTaken) {
@@ -134,7 +124,7 @@ TEST_F(PngDamage, MorePixelsThanTheDataCanHoldAreRefused) {
     EXPECT_FALSE(load(claiming(8192, 8192)));
 }
 
-TEST_F(PngDamage, TheLimitIsTheOwners) {
+TEST_F(PngDamage, LimitsAreThoseGiven) {
     RecordingObserver observer;
     const Pictures strict(observer, PictureLimits{100, 500, 1 << 20});
     const auto loaded = [&](std::uint32_t width, std::uint32_t height) {
@@ -146,7 +136,7 @@ TEST_F(PngDamage, TheLimitIsTheOwners) {
     EXPECT_FALSE(loaded(100, 6));
 }
 
-TEST_F(PngDamage, MisplacedAndUnknownNecessaryPartsAreRefused) {
+TEST_F(PngDamage, MisplacedAndUnknownCriticalChunksAreRefused) {
     const Bytes file = randomPng({3, 8, false, false}, 4, 4).file;
     const Bytes empty;
     EXPECT_FALSE(load(withChunkBefore(file, "IDAT", chunk("ABCD", empty))));

@@ -19,7 +19,7 @@ Bytes randomBytes(std::mt19937& random, std::size_t length, std::size_t more) {
     return bytes;
 }
 
-TEST(PngFilters, TheFastOnesEqualThePlainOnes) {
+TEST(PngFilters, FastOnesEqualTheReferenceImplementation) {
     std::mt19937 random(1);
     for (int i = 0; i < 20000; ++i) {
         const std::size_t pixelBytes = 1 + random() % 4;
@@ -36,7 +36,7 @@ TEST(PngFilters, TheFastOnesEqualThePlainOnes) {
     }
 }
 
-TEST(PngFilters, UpIsUndone) {
+TEST(PngFilters, UpIsReversed) {
     std::mt19937 random(2);
     const Bytes above = randomBytes(random, 99, 0);
     const Bytes row = randomBytes(random, 99, 0);
@@ -48,14 +48,14 @@ TEST(PngFilters, UpIsUndone) {
     EXPECT_EQ(back, row);
 }
 
-TEST(PngFilters, AboveTheFirstRowIsNothing) {
+TEST(PngFilters, TheFirstRowIsFilteredAgainstZeros) {
     const Bytes row = {9, 8, 7};
     Bytes filtered(4);
     filterRowUp(row.data(), nullptr, filtered.data(), row.size());
     EXPECT_EQ(filtered, (Bytes{2, 9, 8, 7}));
 }
 
-TEST(PngExpansion, AlphaIsAddedTheSameFastAndPlainly) {
+TEST(PngExpansion, AddingAlphaEqualsTheReferenceImplementation) {
     std::mt19937 random(3);
     for (std::size_t count = 0; count < 60; ++count) {
         const Bytes colours = randomBytes(random, count * 3, filterMargin);

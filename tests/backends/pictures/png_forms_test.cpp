@@ -8,7 +8,7 @@ using PngForms = PicturesTest;
 constexpr std::pair<std::uint32_t, std::uint32_t> sizes[] = {{1, 1},  {2, 3},  {5, 7},  {8, 8},
                                                              {17, 9}, {33, 1}, {1, 20}, {67, 41}};
 
-TEST_F(PngForms, EveryFormIsDrawnAsItsValuesSay) {
+TEST_F(PngForms, EveryFormIsDrawnWithItsValues) {
     for (const PngForm& form : allPngForms()) {
         for (const auto& [width, height] : sizes) {
             SCOPED_TRACE(form.text() + ", " + std::to_string(width) + " x " +
@@ -56,7 +56,7 @@ TEST_F(PngForms, OddChunkSplitsAreRead) {
     }
 }
 
-TEST_F(PngForms, GammaAndOtherRemarksChangeNothing) {
+TEST_F(PngForms, GammaAndOtherAncillaryChunksChangeNothing) {
     const PngSample sample = randomPng({2, 16, false, false}, 9, 9);
     Bytes file = withChunkBefore(sample.file, "IDAT", chunk("gAMA", Bytes{0, 1, 0x86, 0xA0}));
     file = withChunkBefore(file, "IDAT", chunk("sBIT", Bytes{5, 6, 5}));
@@ -66,7 +66,7 @@ TEST_F(PngForms, GammaAndOtherRemarksChangeNothing) {
     EXPECT_EQ(draw(load(file), 9, 9).rgb, overBlack(sample.rgba));
 }
 
-TEST_F(PngForms, AHugeTextThatIsNotNeededIsNotUnpacked) {
+TEST_F(PngForms, CompressedTextIsNotDecompressed) {
     const PngSample sample = randomPng({2, 8, false, false}, 4, 4);
     Bytes text = {'a', 0, 0, 0x78, 0x9C};
     text.resize(100000, 0x55);

@@ -1,4 +1,4 @@
-// Writing without libpng, beside libpng: the same picture, the same chunks, and hardly more bytes.
+// Our own PNG encoder against libpng's: the same picture, the same chunks, and hardly more bytes.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@
 namespace vistrane::testing {
 namespace {
 
-/// Pixels as they are given, in the one form that is saved.
+/// Pixels in memory, in the form that is saved.
 class PixelSource final : public PictureSource {
 public:
     PixelSource(PictureShape shape, Bytes pixels)
@@ -51,7 +51,7 @@ Bytes rgbaOf(const PictureShape& shape, const Bytes& pixels) {
     return rgba;
 }
 
-/// All chunks but the pixels, which are one word however many there are.
+/// All chunks; those of the pixels are one item without their data.
 std::vector<Bytes> partsOf(const Bytes& file) {
     std::vector<Bytes> parts;
     for (const ChunkPlace& place : chunksOf(file)) {
@@ -67,7 +67,7 @@ std::vector<Bytes> partsOf(const Bytes& file) {
     return parts;
 }
 
-void check(const PictureShape& shape, const Bytes& pixels) {
+void expectSameAsLibpng(const PictureShape& shape, const Bytes& pixels) {
     SCOPED_TRACE(std::to_string(shape.width) + " x " + std::to_string(shape.height));
     const Bytes ours = copyOf(encodePng(PixelSource(shape, pixels)));
     const Bytes theirs = copyOf(encodeByLibpng(shape, pixels.data(), strideOf(shape)));
@@ -79,7 +79,7 @@ void check(const PictureShape& shape, const Bytes& pixels) {
     EXPECT_EQ(partsOf(ours), partsOf(theirs));
 }
 
-/// From one colour to all possible ones.
+/// With one to 256 values, half of them repeated.
 Bytes randomPixels(const PictureShape& shape, std::mt19937& random) {
     Bytes pixels(strideOf(shape) * shape.height);
     const unsigned different = 1U << random() % 9;
@@ -92,7 +92,7 @@ Bytes randomPixels(const PictureShape& shape, std::mt19937& random) {
     return pixels;
 }
 
-TEST(PngWriting, AnyPictureIsWrittenAsLibpngWouldAndReadBack) {
+TEST(PngWriting, AnyPictureIsWrittenLikeByLibpng) {
     std::mt19937 random(1);
     for (int i = 0; i < 1500; ++i) {
         PictureShape shape;
@@ -103,7 +103,7 @@ TEST(PngWriting, AnyPictureIsWrittenAsLibpngWouldAndReadBack) {
             shape.density = PixelDensity{static_cast<std::uint32_t>(1 + random() % 10000),
                                          static_cast<std::uint32_t>(1 + random() % 10000)};
         }
-        check(shape, randomPixels(shape, random));
+        expectSameAsLibpng(shape, randomPixels(shape, random));
     }
 }
 
@@ -120,12 +120,12 @@ TEST(PngWriting, PicturesOfManyChunksAreReadBack) {
                 std::generate(pixels.begin(), pixels.end(),
                               [&] { return static_cast<std::uint8_t>(random()); });
             }
-            check(shape, pixels);
+            expectSameAsLibpng(shape, pixels);
         }
     }
 }
 
-/// A sky over a ground with the noise of a sensor, as most pictures are here.
+/// A sky over a ground with the noise of a sensor.
 Bytes scene(const PictureShape& shape, std::mt19937& random) {
     Bytes pixels;
     for (std::uint32_t y = 0; y < shape.height; ++y) {
@@ -137,8 +137,8 @@ Bytes scene(const PictureShape& shape, std::mt19937& random) {
     return pixels;
 }
 
-/// Parts that repeat and parts that do not, in turn, so that each follows the other.
-TEST(PngWriting, PicturesThatChangeTheirKindAreReadBack) {
+/// Slabs of literals and slabs with matches, each after the other.
+TEST(PngWriting, PicturesOfLiteralsAndMatchesAreReadBack) {
     std::mt19937 random(5);
     for (const bool transparent : {false, true}) {
         const PictureShape shape{500, 2000, std::nullopt, transparent};
@@ -152,11 +152,11 @@ TEST(PngWriting, PicturesThatChangeTheirKindAreReadBack) {
                                                           : (x * y) % 251);
             }
         }
-        check(shape, pixels);
+        expectSameAsLibpng(shape, pixels);
     }
 }
 
-/// A row of these is longer than what is compressed at once.
+/// With alpha a row of these is longer than a slab.
 TEST(PngWriting, TheWidestPicturesAreReadBack) {
     std::mt19937 random(6);
     for (const bool transparent : {false, true}) {

@@ -7,7 +7,7 @@
 
 namespace vistrane {
 
-/// A folder of the test's own, away again at its end.
+/// An empty folder, removed with its contents at the end of the test.
 class TemporaryFolder {
 public:
     TemporaryFolder() {

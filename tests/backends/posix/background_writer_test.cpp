@@ -11,7 +11,7 @@
 namespace vistrane {
 namespace {
 
-TEST(BackgroundWriter, AReaderThatDoesNotReadHoldsNobodyUpAndCostsNoMemoryWithoutEnd) {
+TEST(BackgroundWriter, AReaderThatDoesNotReadBlocksNobodyAndTakesBoundedMemory) {
     Pipe pipe;
     BackgroundWriter writer(
         pipe.ends[1], [](int) {}, 1 << 16);

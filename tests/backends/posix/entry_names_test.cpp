@@ -9,46 +9,40 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include "backends/posix/Descriptor.h"
 #include "tests/backends/posix/PosixFileManagerBackend.h"
 
 namespace vistrane {
 namespace {
 
-using Way = std::optional<FileNames> (*)(int folder);
+using ::testing::IsEmpty;
+using ::testing::Optional;
+using ::testing::UnorderedElementsAreArray;
 
-/// Both ways to list a folder.
-class EntryNames : public ::testing::TestWithParam<Way> {
+using Implementation = std::optional<FileNames> (*)(int folder);
+
+/// The fast implementation and the reference.
+class EntryNames : public ::testing::TestWithParam<Implementation> {
 protected:
-    ~EntryNames() override {
-        if (opened_ >= 0) {
-            close(opened_);
-        }
+    std::optional<FileNames> namesIn(const std::string& path) {
+        const Descriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        return GetParam()(opened.number());
     }
-
-    void open(const std::string& path) { opened_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }
-    std::optional<FileNames> names() { return GetParam()(opened_); }
 
     PosixFileManagerBackend backend_;
     const std::string folder_ = backend_.emptyFolder();
-    int opened_ = -1;
 };
 
-TEST_P(EntryNames, AnEmptyFolderHasNone) {
-    open(folder_);
-    ASSERT_TRUE(names());
-    EXPECT_THAT(*names(), ::testing::IsEmpty());
-}
-
 TEST_P(EntryNames, OnlyTheTwoNamesOfFoldersAreLeftOut) {
+    EXPECT_THAT(namesIn(folder_), Optional(IsEmpty()));
     const std::vector<std::string> all = {"...", "..a", ".b", "a", "\xff\xfe", "a\nb", ". ", ".. "};
     for (const std::string& name : all) {
         backend_.addFile(folder_ + "/" + name);
     }
-    open(folder_);
-    EXPECT_THAT(std::vector<std::string>(*names()), ::testing::UnorderedElementsAreArray(all));
+    EXPECT_THAT(std::vector<std::string>(*namesIn(folder_)), UnorderedElementsAreArray(all));
 }
 
-TEST_P(EntryNames, NamesOfEveryLengthAreListedHoweverManyPiecesTheyTake) {
+TEST_P(EntryNames, NamesOfEveryLengthAreListedInHoweverManyReads) {
     std::vector<std::string> all;
     for (std::size_t length = 1; length <= 255; ++length) {
         for (const char letter : {'a', 'b', 'c', 'd'}) {
@@ -56,34 +50,30 @@ TEST_P(EntryNames, NamesOfEveryLengthAreListedHoweverManyPiecesTheyTake) {
             backend_.addFile(folder_ + "/" + all.back());
         }
     }
-    open(folder_);
-    std::vector<std::string> listed = *names();
+    std::vector<std::string> listed = *namesIn(folder_);
     std::sort(listed.begin(), listed.end());
     std::sort(all.begin(), all.end());
     EXPECT_EQ(listed, all);
 }
 
-TEST_P(EntryNames, AFolderRemovedMeanwhileHasNone) {
-    backend_.addFolder(folder_ + "/gone");
-    open(folder_ + "/gone");
-    ASSERT_EQ(rmdir((folder_ + "/gone").c_str()), 0);
-    ASSERT_TRUE(names());
-    EXPECT_THAT(*names(), ::testing::IsEmpty());
+TEST_P(EntryNames, AFolderRemovedAfterItWasOpenedHasNone) {
+    const std::string path = folder_ + "/gone";
+    backend_.addFolder(path);
+    const Descriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(::rmdir(path.c_str()), 0);
+    EXPECT_THAT(GetParam()(opened.number()), Optional(IsEmpty()));
 }
 
-TEST_P(EntryNames, WhatIsNoFolderHasNoListing) {
+TEST_P(EntryNames, WhatIsNotAFolderHasNoListing) {
     backend_.addFile(folder_ + "/file");
-    open(folder_ + "/file");
-    EXPECT_FALSE(names());
+    EXPECT_FALSE(namesIn(folder_ + "/file"));
     EXPECT_FALSE(GetParam()(-1));
 }
 
 INSTANTIATE_TEST_SUITE_P(, EntryNames, ::testing::Values(&entryNames, &entryNamesByReaddir),
-                         [](const auto& way) {
-                             return way.index == 0 ? "TheSystems" : "TheLibrarys";
-                         });
+                         [](const auto& each) { return each.index == 0 ? "Fast" : "Reference"; });
 
-TEST(EntryNamesOfAnyFolder, BothWaysGiveTheSameNamesInTheSameOrder) {
+TEST(EntryNamesOfAnyFolder, BothImplementationsGiveTheSameNamesInTheSameOrder) {
     PosixFileManagerBackend backend;
     const std::string folder = backend.emptyFolder();
     std::mt19937 random(7);
@@ -96,12 +86,10 @@ TEST(EntryNamesOfAnyFolder, BothWaysGiveTheSameNamesInTheSameOrder) {
             }
             backend.addFile(folder + "/x" + name);
         }
-        const int first = open(folder.c_str(), O_RDONLY | O_CLOEXEC);
-        const int second = open(folder.c_str(), O_RDONLY | O_CLOEXEC);
-        const auto one = entryNames(first);
-        const auto other = entryNamesByReaddir(second);
-        close(first);
-        close(second);
+        const Descriptor first(::open(folder.c_str(), O_RDONLY | O_CLOEXEC));
+        const Descriptor second(::open(folder.c_str(), O_RDONLY | O_CLOEXEC));
+        const auto one = entryNames(first.number());
+        const auto other = entryNamesByReaddir(second.number());
         ASSERT_TRUE(one && other);
         EXPECT_GE(one->size(), 40U);
         ASSERT_TRUE(*one == *other) << "round " << round;

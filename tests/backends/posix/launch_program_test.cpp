@@ -20,14 +20,14 @@ int statusOf(std::vector<std::string> command) {
     return ended.get_future().get();
 }
 
-TEST(LaunchProgram, TellsHowItEnded) {
+TEST(LaunchProgram, ReportsTheExitStatus) {
     EXPECT_EQ(statusOf({"true"}), 0);
     EXPECT_EQ(statusOf({"sh", "-c", "exit 7"}), 7);
     EXPECT_EQ(statusOf({"sh", "-c", "kill -TERM $$"}), 128 + SIGTERM);
     EXPECT_EQ(statusOf({"vistrane-there-is-no-such-program"}), 127);
 }
 
-TEST(LaunchProgram, HandsArgumentsOverAsTheyAre) {
+TEST(LaunchProgram, PassesArgumentsUnchanged) {
     const TemporaryFolder folder;
     const std::string argument = "a b'\"\n\xff$HOME";
     EXPECT_EQ(statusOf({"sh", "-c", "printf %s \"$1\" > \"$2\"", "sh", argument, folder / "out"}),
@@ -38,13 +38,13 @@ TEST(LaunchProgram, HandsArgumentsOverAsTheyAre) {
 
 TEST(LaunchProgram, NoSignalIsBlockedOrIgnoredInIt) {
     std::signal(SIGPIPE, SIG_IGN);
-    // A blocked or ignored signal would not end it, and the exit would.
+    // If the signal were blocked or ignored, the status would be 0.
     EXPECT_EQ(statusOf({"sh", "-c", "kill -INT $$; exit 0"}), 128 + SIGINT);
     EXPECT_EQ(statusOf({"sh", "-c", "kill -PIPE $$; exit 0"}), 128 + SIGPIPE);
     std::signal(SIGPIPE, SIG_DFL);
 }
 
-TEST(LaunchProgram, ItHasASessionOfItsOwnAndNoneOfOurStreams) {
+TEST(LaunchProgram, HasItsOwnSessionAndNoneOfOurStreams) {
     EXPECT_EQ(statusOf({"sh", "-c",
                         "test \"$(ps -o sid= -p $$ | tr -d ' ')\" = $$ && "
                         "test \"$(readlink /proc/$$/fd/2)\" = /dev/null"}),

@@ -43,25 +43,13 @@ TEST_F(PosixFileManagerTest, APipeIsNoFolderAndDoesNotBlock) {
     EXPECT_FALSE(manager_.contentsOfDirectoryAtPath(folder_ + "/pipe.png"));
 }
 
-TEST_F(PosixFileManagerTest, APathWithAZeroByteNamesNothing) {
-    const std::string path = folder_ + std::string("\0/x", 3);
-    bool isDirectory = true;
-    EXPECT_FALSE(manager_.fileExistsAtPath(path, isDirectory));
-    EXPECT_FALSE(manager_.contentsOfDirectoryAtPath(path));
-}
-
-TEST_F(PosixFileManagerTest, APathThatIsTooLongNamesNothing) {
-    const std::string path = folder_ + "/" + std::string(100000, 'x');
-    bool isDirectory = true;
-    EXPECT_FALSE(manager_.fileExistsAtPath(path, isDirectory));
-    EXPECT_FALSE(manager_.contentsOfDirectoryAtPath(path));
-}
-
-TEST_F(PosixFileManagerTest, ManyNamesAreAllListed) {
-    for (int number = 0; number < 3000; ++number) {
-        backend_.addFile(folder_ + "/" + std::to_string(number) + ".png");
+TEST_F(PosixFileManagerTest, APathWithAZeroByteOrThatIsTooLongNamesNothing) {
+    for (const std::string& path :
+         {folder_ + std::string("\0/x", 3), folder_ + "/" + std::string(100000, 'x')}) {
+        bool isDirectory = true;
+        EXPECT_FALSE(manager_.fileExistsAtPath(path, isDirectory));
+        EXPECT_FALSE(manager_.contentsOfDirectoryAtPath(path));
     }
-    EXPECT_EQ(manager_.contentsOfDirectoryAtPath(folder_)->size(), 3000U);
 }
 
 } // namespace

@@ -18,14 +18,8 @@ TEST(ProgramBundle, SplitsAVersionAtItsLastPoint) {
     EXPECT_EQ(bundleVersion("2.1.5"), "5");
     EXPECT_EQ(shortVersion("10.20"), "10");
     EXPECT_EQ(bundleVersion("10.20"), "20");
-}
-
-TEST(ProgramBundle, AVersionWithoutAPointHasNoLastNumber) {
     EXPECT_EQ(shortVersion("7"), "7");
     EXPECT_EQ(bundleVersion("7"), std::nullopt);
-}
-
-TEST(ProgramBundle, AnEmptyLastNumberIsEmptyNotMissing) {
     EXPECT_EQ(shortVersion("1.2."), "1.2");
     EXPECT_EQ(bundleVersion("1.2."), "");
 }

@@ -49,7 +49,7 @@ TEST(PosixThread, AnotherThreadMayCancelIt) {
     EXPECT_TRUE(thread->isCancelled());
 }
 
-TEST(PosixThread, AThreadThatCapturesItselfIsLetGoOf) {
+TEST(PosixThread, AThreadThatCapturesItselfIsDestroyed) {
     std::promise<void> released;
     {
         const auto captured = std::shared_ptr<void>(nullptr, [&](void*) { released.set_value(); });
@@ -83,7 +83,7 @@ TEST(PosixThread, EveryThreadHasOneObject) {
 }
 
 #ifdef __linux__
-TEST(GiveWayToOtherThreads, HoldsForTheThreadThatCallsItAndForThoseThatItStarts) {
+TEST(LowPriority, HoldsForTheThreadThatSetsItAndForThoseThatItStarts) {
     const auto niceness = [] { return ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid())); };
     const int before = niceness();
     int own = 0;
@@ -95,7 +95,7 @@ TEST(GiveWayToOtherThreads, HoldsForTheThreadThatCallsItAndForThoseThatItStarts)
     }).join();
     EXPECT_EQ(niceness(), before);
     EXPECT_EQ(inherited, own);
-    // The nicest thread cannot be nicer.
+    // 19 is the limit.
     EXPECT_TRUE(own > before || before == 19);
 }
 #endif

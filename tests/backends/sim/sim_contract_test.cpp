@@ -30,6 +30,7 @@ public:
     Foundation& foundation() { return sim_.platform().foundation; }
     Dispatch& dispatch() { return sim_.platform().dispatch; }
     void stall(double seconds) { sim_.stall(seconds); }
+    void skip(double seconds) { sim_.stall(seconds); }
 
     std::unique_ptr<NSDateFormatter> formatter() { return foundation().dateFormatter(); }
     std::shared_ptr<const NSLocale> locale() { return foundation().currentLocale(); }
@@ -38,7 +39,8 @@ public:
         sim_.defaults().values[key] = text;
     }
     bool reopen() {
-        sim_.defaults().reopen();
+        // Another start of the program: what was not synchronised is lost.
+        sim_.defaults().values = sim_.defaults().durableValues;
         return true;
     }
 
@@ -70,7 +72,7 @@ public:
     std::shared_ptr<NSMenu> menu() { return sim_.platform().appKit.menu(); }
     std::vector<std::string> titles(NSMenu& menu) { return titlesOf(simMenu(menu)); }
     std::vector<std::string> submenuTitles(NSMenu& menu, std::size_t index) {
-        return titlesOf(*simMenu(menu).items.at(index)->submenu);
+        return titlesOf(simMenu(*simMenu(menu).items.at(index)->submenu));
     }
     void choose(NSMenu& menu, std::size_t index) { simMenu(menu).items.at(index)->choose(); }
 

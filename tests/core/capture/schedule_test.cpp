@@ -3,10 +3,7 @@
 namespace vistrane {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using ::testing::Not;
 
 class Schedule : public ControllerTest {
 protected:
@@ -14,32 +11,26 @@ protected:
         launchWithCamera();
         setInterval("0", "0", "5");
     }
+    /// The clamping of the fields has tests of its own.
+    const std::vector<std::string> fields = {"hInput", "mInput", "sInput"};
     void click() { delegate.startRunning(nullptr); }
     std::size_t stills() { return sim.cameras().pendingStills().size(); }
     std::string title() { return button("startB").currentTitle; }
 };
 
-TEST_F(Schedule, StartingTakesItsStepsInOrder) {
+TEST_F(Schedule, StartingAndStoppingTakeTheirStepsInOrder) {
     click();
-    EXPECT_THAT(sim.takeCalls(),
-                ElementsAre("startB setState: 1", "session1 isRunning", "hInput setIntValue: 0",
-                            "mInput setIntValue: 0", "sInput setIntValue: 5",
+    EXPECT_THAT(takeProcedure(fields),
+                ElementsAre("startB setState: 1", "session1 isRunning",
                             "timeD setStringValue: ( t = 5 s )",
                             "myWindow makeFirstResponder: (null)",
                             "photoSettingsFromPhotoSettings: photoSettings1 -> photoSettings2",
                             "photoOutput1 capturePhotoWithSettings: photoSettings2",
                             "scheduledTimerWithTimeInterval: 5 repeats: YES -> timer1",
                             "startB setTitle: Stop Auto Capture"));
-    EXPECT_TRUE(delegate.myTimer->isValid());
-}
-
-TEST_F(Schedule, StoppingTakesItsStepsInOrder) {
     click();
-    sim.takeCalls();
-    click();
-    EXPECT_THAT(sim.takeCalls(),
-                ElementsAre("startB setState: 1", "session1 isRunning", "hInput setIntValue: 0",
-                            "mInput setIntValue: 0", "sInput setIntValue: 5",
+    EXPECT_THAT(takeProcedure(fields),
+                ElementsAre("startB setState: 1", "session1 isRunning",
                             "timeD setStringValue: ( t = 5 s )",
                             "myWindow makeFirstResponder: (null)", "timer1 invalidate",
                             "startB setTitle: Start Auto Capture"));
@@ -82,8 +73,6 @@ TEST_F(Schedule, TheFirstFrameComesAtOnceAndTheSecondOneIntervalLater) {
 TEST_F(Schedule, TheLongestIntervalIsKeptToTheSecond) {
     setInterval("999", "59", "59");
     click();
-    EXPECT_THAT(sim.takeCalls(),
-                Contains("scheduledTimerWithTimeInterval: 3599999 repeats: YES -> timer1"));
     sim.advance(3599998.999);
     EXPECT_EQ(stills(), 1U);
     sim.advance(0.001);
@@ -93,8 +82,8 @@ TEST_F(Schedule, TheLongestIntervalIsKeptToTheSecond) {
 TEST_F(Schedule, FieldsAreClampedBeforeTheTimerIsMade) {
     setInterval("-1", "", "0");
     click();
-    EXPECT_THAT(sim.takeCalls(),
-                Contains("scheduledTimerWithTimeInterval: 1 repeats: YES -> timer1"));
+    sim.advance(2.999);
+    EXPECT_EQ(stills(), 3U);
 }
 
 TEST_F(Schedule, AnEditThatTheClickEndsCountsForTheTimer) {
@@ -103,24 +92,28 @@ TEST_F(Schedule, AnEditThatTheClickEndsCountsForTheTimer) {
         sim.nib().send("timeIntervalchanged:");
     };
     click();
-    EXPECT_THAT(sim.takeCalls(),
-                Contains("scheduledTimerWithTimeInterval: 9 repeats: YES -> timer1"));
+    sim.advance(8.999);
+    EXPECT_EQ(stills(), 1U);
+    sim.advance(0.001);
+    EXPECT_EQ(stills(), 2U);
 }
 
 TEST_F(Schedule, AClickWithoutARunningSessionSetsTheStateOnly) {
     sim.cameras().session()->runs = false;
+    setInterval("-1", "", "0");
     click();
-    EXPECT_THAT(sim.takeCalls(), ElementsAre("startB setState: 1", "session1 isRunning"));
+    EXPECT_EQ(button("startB").currentState, 1);
+    EXPECT_EQ(title(), "");
+    EXPECT_EQ(interval(), "-1::0");
     EXPECT_EQ(delegate.myTimer, nullptr);
-    EXPECT_THAT(sim.alerts().shown(), IsEmpty());
+    EXPECT_EQ(stills(), 0U);
+    expectNoMessage();
 }
 
 TEST_F(Schedule, AClickIsIgnoredWhenTheSessionHasStoppedAndTheTimerGoesOn) {
     click();
     sim.cameras().session()->runs = false;
-    sim.takeCalls();
     click();
-    EXPECT_THAT(sim.takeCalls(), ElementsAre("startB setState: 1", "session1 isRunning"));
     EXPECT_EQ(title(), "Stop Auto Capture");
     sim.advance(5.0);
     EXPECT_EQ(stills(), 2U);
@@ -135,9 +128,7 @@ TEST_F(Schedule, ATickAsksForAStillAndForNothingElse) {
                 ElementsAre("photoSettingsFromPhotoSettings: photoSettings1 -> photoSettings3",
                             "photoOutput1 capturePhotoWithSettings: photoSettings3"));
     delegate.startTheTimer(nullptr);
-    EXPECT_THAT(sim.takeCalls(),
-                ElementsAre("photoSettingsFromPhotoSettings: photoSettings1 -> photoSettings4",
-                            "photoOutput1 capturePhotoWithSettings: photoSettings4"));
+    EXPECT_EQ(stills(), 3U);
 }
 
 TEST_F(Schedule, ChangedFieldsChangeTheReadOutButNotTheRunningTimer) {
@@ -179,17 +170,13 @@ TEST_F(Schedule, AnAlertHoldsTheTicksBackAndOneFollowsIt) {
 
 TEST_F(Schedule, StartingDisablesNothing) {
     click();
-    EXPECT_THAT(sim.calls(), Not(Contains(::testing::HasSubstr("setEnabled"))));
-}
-
-TEST_F(Schedule, TheTitleIsNotTouchedBeforeTheFirstClick) {
-    EXPECT_EQ(title(), "");
-    EXPECT_EQ(delegate.myTimer, nullptr);
+    for (const char* name : {"startB", "oneB", "compilingB", "outfolderB"}) {
+        EXPECT_TRUE(button(name).isEnabled()) << name;
+    }
 }
 
 TEST_F(Schedule, SampleAccurateRecordingIsNeverWanted) {
     EXPECT_FALSE(delegate.captureOutputShouldProvideSampleAccurateRecordingStart(nullptr));
-    EXPECT_THAT(sim.calls(), IsEmpty());
 }
 
 TEST_F(ControllerTest, AClickBeforeTheLaunchSetsTheStateOnly) {

@@ -9,7 +9,7 @@ class CompilerTest : public ControllerTest {
 protected:
     void SetUp() override {
         sim.files().addFolder("/f");
-        button("outfolderB").currentTitle = "/f";
+        folderTitle() = "/f";
         slider("fpsS").drag(25.0);
     }
 
@@ -27,14 +27,21 @@ protected:
         delegate.pictureArray.store(frames);
     }
 
-    /// Gives the compile command and runs its thread, but not the notices that it posts.
+    /// Gives the compile command and runs its thread, without the work that it posts.
     void compile() {
         delegate.genneratingMovie(nullptr);
         sim.takeCalls();
         sim.runThread(sim.threads().count());
     }
 
-    /// The presentation times of all pictures handed over so far.
+    std::string moviePath() { return *delegate.finalMoviePath.load(); }
+
+    void expectNothingLeft() {
+        EXPECT_EQ(sim.drawing().livePixelBuffers(), 0U);
+        EXPECT_EQ(sim.drawing().leftovers(), 0U);
+    }
+
+    /// The presentation times of all pictures given to a writer so far.
     std::vector<CMTime> times() {
         std::vector<CMTime> all;
         for (const SimAppend& append : sim.movies().appends()) {

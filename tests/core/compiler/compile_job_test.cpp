@@ -11,8 +11,6 @@ using ::testing::SizeIs;
 // Read before any test can have changed it.
 const std::int32_t rateAtProcessStart = compileFrameRate();
 
-constexpr double newYear2026 = 1767225600.0;
-constexpr double day = 86400.0;
 /// 5 February 2026, 14:03:09.
 constexpr double february5 = newYear2026 + 35 * day + 14 * 3600 + 3 * 60 + 9;
 
@@ -26,45 +24,41 @@ TEST(CompileFrameRate, IsTwentyFiveBeforeTheFirstJob) {
 
 class CompileJob : public CompilerTest {
 protected:
-    std::string moviePath() { return *delegate.finalMoviePath.load(); }
-    /// Runs the notices posted so far and returns what they did to the interface.
-    std::vector<std::string> runNotices() {
-        sim.takeCalls();
-        sim.advance(0.0);
-        std::vector<std::string> effects;
-        for (std::string& call : sim.takeCalls()) {
-            if (call != "mainQueue async") {
-                effects.push_back(std::move(call));
-            }
+    /// The movie's path of a job that starts then.
+    std::string pathAt(double date) {
+        setFrames(2);
+        sim.setDate(date);
+        delegate.genneratingMovie(nullptr);
+        return moviePath();
+    }
+    void failCreations(int count) {
+        for (int failure = 0; failure < count; ++failure) {
+            sim.movies().creations.push_back({NSError{"Movies", 17, "The file exists."}, false});
         }
-        return effects;
     }
 };
 
-class RefusedJob : public CompileJob, public ::testing::WithParamInterface<int> {};
-
-TEST_P(RefusedJob, ShowsTheAlertAndStartsNothing) {
-    if (GetParam() >= 0) {
-        setFrames(GetParam());
-    }
-    sim.alerts().whileUp([&](const SimShownAlert&) {
-        EXPECT_FALSE(button("compilingB").isEnabled());
+TEST_F(CompileJob, FewerThanTwoFramesAreRefusedWithAnAlertAndNothingStarts) {
+    for (const int count : {-1, 0, 1}) {
+        if (count >= 0) {
+            setFrames(count);
+        }
+        button("compilingB").currentState = 0;
+        sim.alerts().takeShown();
+        sim.alerts().whileUp([&](const SimShownAlert&) {
+            EXPECT_FALSE(button("compilingB").isEnabled());
+            EXPECT_EQ(button("compilingB").currentState, 1);
+        });
+        delegate.genneratingMovie(nullptr);
+        ASSERT_THAT(sim.alerts().shown(), SizeIs(1));
+        expectStandardAlert(sim.alerts().shown().at(0), "Bring me more frames please", refusalText);
+        EXPECT_TRUE(button("compilingB").isEnabled());
         EXPECT_EQ(button("compilingB").currentState, 1);
-    });
-    delegate.genneratingMovie(nullptr);
-    EXPECT_THAT(takeProcedure(), ElementsAre("compilingB setState: 1", "compilingB setEnabled: NO",
-                                             "alert1 runModal", "compilingB setEnabled: YES"));
-    ASSERT_THAT(sim.alerts().shown(), SizeIs(1));
-    expectStandardAlert(sim.alerts().shown().at(0), "Bring me more frames please", refusalText);
-    EXPECT_TRUE(button("compilingB").isEnabled());
-    EXPECT_EQ(button("compilingB").currentState, 1);
-    EXPECT_EQ(delegate.finalMoviePath.load(), nullptr);
-    EXPECT_EQ(delegate.myThread.load(), nullptr);
-    EXPECT_EQ(sim.threads().count(), 0U);
+        EXPECT_EQ(delegate.finalMoviePath.load(), nullptr);
+        EXPECT_EQ(delegate.myThread.load(), nullptr);
+        EXPECT_EQ(sim.threads().count(), 0U);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(WithoutAList, RefusedJob, ::testing::Values(-1));
-INSTANTIATE_TEST_SUITE_P(WithFewerThanTwoFrames, RefusedJob, ::testing::Values(0, 1));
 
 TEST_F(CompileJob, ARefusalLeavesAnEarlierMoviePathAlone) {
     setFrames(2);
@@ -77,49 +71,30 @@ TEST_F(CompileJob, ARefusalLeavesAnEarlierMoviePathAlone) {
 }
 
 TEST_F(CompileJob, TwoFramesStartTheThreadStepByStep) {
-    setFrames(2);
-    sim.setDate(february5);
-    delegate.genneratingMovie(nullptr);
-    EXPECT_THAT(sim.takeCalls(), ElementsAre("compilingB setState: 1", "compilingB setEnabled: NO",
-                                             "date", "dateFormatter setDateFormat: YYYYMMDD-HHmmss",
-                                             "dateFormatter stringFromDate: 1770300189",
-                                             "NSLog: \nmoviePath=/f/20260236-140309.mov",
-                                             "threadWithEntry -> thread1", "thread1 start"));
-    EXPECT_EQ(moviePath(), "/f/20260236-140309.mov");
+    EXPECT_EQ(pathAt(february5), "/f/20260236-140309.mov");
+    EXPECT_THAT(takeProcedure({"compilingB setState"}),
+                ElementsAre("compilingB setEnabled: NO", "date",
+                            "dateFormatter setDateFormat: YYYYMMDD-HHmmss",
+                            "dateFormatter stringFromDate: 1770300189",
+                            "NSLog: \nmoviePath=/f/20260236-140309.mov",
+                            "threadWithEntry -> thread1", "thread1 start"));
     EXPECT_EQ(nameOf(delegate.myThread.load().get()), "thread1");
     EXPECT_FALSE(button("compilingB").isEnabled());
     EXPECT_EQ(button("compilingB").currentState, 1);
     EXPECT_THAT(sim.alerts().shown(), IsEmpty());
 }
 
-TEST_F(CompileJob, TheNameHasTheDayOfTheYear) {
-    setFrames(2);
-    sim.setDate(newYear2026 + 98 * day);
-    delegate.genneratingMovie(nullptr);
-    EXPECT_EQ(moviePath(), "/f/20260499-000000.mov");
-    sim.setDate(newYear2026 + 99 * day);
-    delegate.genneratingMovie(nullptr);
-    EXPECT_EQ(moviePath(), "/f/202604100-000000.mov");
-    sim.setDate(newYear2026 + 8 * day);
-    delegate.genneratingMovie(nullptr);
-    EXPECT_EQ(moviePath(), "/f/20260109-000000.mov");
-}
-
-TEST_F(CompileJob, TheNameHasTheYearOfTheWeek) {
-    setFrames(2);
-    sim.setDate(newYear2026 - 2 * day);
-    delegate.genneratingMovie(nullptr);
-    EXPECT_EQ(moviePath(), "/f/202612364-000000.mov");
-    sim.dateRules().weeks = SimWeekRule::iso8601();
-    sim.setDate(newYear2026 + 365 * day);
-    delegate.genneratingMovie(nullptr);
-    EXPECT_EQ(moviePath(), "/f/20260101-000000.mov");
+TEST_F(CompileJob, TheNameHasTheYearOfTheWeekAndTheDayOfTheYear) {
+    EXPECT_EQ(pathAt(newYear2026 + 8 * day), "/f/20260109-000000.mov");
+    EXPECT_EQ(pathAt(newYear2026 + 98 * day), "/f/20260499-000000.mov");
+    EXPECT_EQ(pathAt(newYear2026 + 99 * day), "/f/202604100-000000.mov");
+    EXPECT_EQ(pathAt(newYear2026 - 2 * day), "/f/202612364-000000.mov");
 }
 
 TEST_F(CompileJob, TheFolderIsTheButtonsTitleWithoutAnyCheck) {
     setFrames(2);
-    button("outfolderB").currentTitle = "/a%@ b/%d";
-    sim.dateRules().fixedAnswer = "stamp";
+    folderTitle() = "/a%@ b/%d";
+    sim.dateAnswer() = "stamp";
     delegate.genneratingMovie(nullptr);
     EXPECT_EQ(moviePath(), "/a%@ b/%d/stamp.mov");
     EXPECT_THAT(sim.logLines(), ElementsAre("\nmoviePath=/a%@ b/%d/stamp.mov"));
@@ -156,49 +131,31 @@ TEST_F(CompileJob, AThreadThatWasCancelledBeforeItRanMakesNoPass) {
     EXPECT_THAT(sim.takeCalls(), ElementsAre("thread1 isCancelled"));
 }
 
-TEST_F(CompileJob, TheThreadAsksItselfBeforeAndAfterEveryPass) {
-    setFrames(2);
-    compile();
-    const std::vector<std::string> calls = sim.takeCalls();
-    EXPECT_EQ(calls.front(), "thread1 isCancelled");
-    EXPECT_EQ(calls.back(), "thread1 isCancelled");
-    EXPECT_THAT(calls, Contains("thread1 isCancelled").Times(2));
-}
-
 TEST_F(CompileJob, APassThatCannotCreateItsMovieIsRepeatedWithItsAlertUntilOneSucceeds) {
     setFrames(2);
-    for (int failure = 0; failure < 3; ++failure) {
-        sim.movies().failCreation({"Movies", 17, "The file exists."});
-    }
+    failCreations(3);
+    std::vector<bool> enabled;
+    sim.alerts().whileUp(
+        [&](const SimShownAlert&) { enabled.push_back(button("compilingB").isEnabled()); });
     compile();
-    EXPECT_THAT(sim.alerts().shown(), SizeIs(3));
+    // From the end of the first alert on the button is usable.
+    EXPECT_THAT(enabled, ElementsAre(false, true, true));
+    // The thread asks itself before and after every pass.
     EXPECT_THAT(sim.takeCalls(), Contains("thread1 isCancelled").Times(5));
     EXPECT_THAT(sim.movies().appends(), SizeIs(2));
     EXPECT_EQ(delegate.myThread.load(), nullptr);
 }
 
-TEST_F(CompileJob, TheButtonIsUsableWhileTheFailedThreadGoesOn) {
-    setFrames(2);
-    sim.movies().failCreation({"Movies", 17, "The file exists."});
-    sim.movies().failCreation({"Movies", 17, "The file exists."});
-    std::vector<bool> enabled;
-    sim.alerts().whileUp(
-        [&](const SimShownAlert&) { enabled.push_back(button("compilingB").isEnabled()); });
-    compile();
-    // The first alert comes before the button is enabled, the second one afterwards.
-    EXPECT_THAT(enabled, ElementsAre(false, true));
-}
-
 TEST_F(CompileJob, TheRunningThreadIsAskedEvenWhenAnotherJobHasReplacedIt) {
     setFrames(2);
-    sim.movies().failCreation({"Movies", 17, "The file exists."});
-    sim.movies().allowCreation();
-    sim.movies().failCreation({"Movies", 17, "The file exists."});
+    failCreations(1);
+    sim.movies().creations.emplace_back();
+    failCreations(1);
     int alerts = 0;
     sim.alerts().whileUp([&](const SimShownAlert&) {
         if (++alerts == 1) {
             // The user starts a second job while the first one shows its alert.
-            const ScopedSimRole role = ScopedSimRole::main();
+            const SimRole role = SimRole::main();
             delegate.genneratingMovie(nullptr);
         } else {
             sim.threads().thread(1)->cancelQuietly();
@@ -235,37 +192,33 @@ TEST_F(CompileJob, EveryNoticeGoesOverTheGlobalQueueToTheMainQueue) {
     EXPECT_THAT(sim.takeCalls(), Contains("globalQueue async").Times(4));
     sim.advance(0.0);
     EXPECT_THAT(sim.takeCalls(), Contains("mainQueue async").Times(4));
-    EXPECT_EQ(sim.loop().waitingItems(), 0U);
 }
 
 TEST_F(CompileJob, TheNoticesReachTheInterfaceInTheOrderInWhichTheyWerePosted) {
     setFrames(3);
+    sim.files().addDamagedPicture(path(1));
     compile();
-    EXPECT_THAT(runNotices(),
+    // Nothing changes before the main loop runs.
+    EXPECT_FALSE(button("compilingB").isEnabled());
+    EXPECT_EQ(progressBar().maximum, 100.0);
+    sim.takeCalls();
+    sim.advance(0.0);
+    EXPECT_THAT(takeProcedure({"mainQueue", "image"}),
                 ElementsAre("progressBar setMaxValue: 3", "progressBar setDoubleValue: 0",
-                            "imageWithContentsOfFile: /f/1.png", "myDisplay setImage: /f/1.png",
-                            "progressBar setDoubleValue: 1", "imageWithContentsOfFile: /f/2.png",
+                            "myDisplay setImage: (null)", "progressBar setDoubleValue: 1",
                             "myDisplay setImage: /f/2.png", "progressBar setDoubleValue: 2",
                             "progressBar setDoubleValue: 0", "compilingB setEnabled: YES"));
-}
-
-TEST_F(CompileJob, NothingOfTheInterfaceChangesBeforeTheMainLoopRuns) {
-    setFrames(3);
-    compile();
-    EXPECT_FALSE(button("compilingB").isEnabled());
-    EXPECT_EQ(display().image, nullptr);
-    EXPECT_EQ(progressBar().maximum, 100.0);
 }
 
 TEST_F(CompileJob, ProgressNeverShowsFullNorTheFirstFrame) {
     setFrames(4);
     std::vector<double> values;
     std::vector<std::string> shown;
-    sim.movies().beforeAppend([&](std::size_t) {
+    sim.movies().beforeAppend = [&](std::size_t) {
         sim.advance(0.0);
         values.push_back(progressBar().value);
         shown.push_back(nameOf(display().image.get()));
-    });
+    };
     compile();
     EXPECT_THAT(values, ElementsAre(0.0, 1.0, 2.0, 3.0));
     EXPECT_THAT(shown, ElementsAre("(null)", "/f/1.png", "/f/2.png", "/f/3.png"));
@@ -276,25 +229,18 @@ TEST_F(CompileJob, ProgressNeverShowsFullNorTheFirstFrame) {
 
 TEST_F(CompileJob, TheMaximumIsTheCountWhenTheNoticeRuns) {
     setFrames(2);
-    sim.movies().beforeAppend([&](std::size_t number) {
+    sim.movies().beforeAppend = [&](std::size_t number) {
         if (number == 1) {
-            setFrames(5); // Not yet shown: the notice of the start is still on its way.
+            setFrames(5); // The notice of the start has not run yet.
             sim.advance(0.0);
             EXPECT_EQ(progressBar().maximum, 5.0);
             setFrames(7);
         }
-    });
+    };
     compile();
     sim.advance(0.0);
     EXPECT_EQ(progressBar().maximum, 5.0);
     EXPECT_THAT(sim.movies().appends(), SizeIs(7));
-}
-
-TEST_F(CompileJob, AFrameThatDoesNotLoadEmptiesTheDisplay) {
-    setFrames(2);
-    sim.files().addDamagedPicture(path(1));
-    compile();
-    EXPECT_THAT(runNotices(), Contains("myDisplay setImage: (null)"));
 }
 
 TEST_F(CompileJob, AfterAJobTheButtonIsEnabledAndStillOnAndThePathIsKept) {
@@ -320,7 +266,7 @@ TEST_F(CompileJob, AnAlertOfTheThreadDoesNotStopTheMainLoop) {
     saveFolder();
     launch();
     setFrames(2);
-    sim.movies().failCreation({"Movies", 17, "The file exists."});
+    failCreations(1);
     sim.alerts().stayUp(1.0);
     compile();
     EXPECT_THAT(sim.calls(), Contains("defaultManager contentsOfDirectoryAtPath: /f").Times(10));

@@ -4,7 +4,6 @@ namespace vistrane {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class DockIcon : public PanelTest {
 protected:
@@ -30,7 +29,6 @@ TEST_F(DockIcon, TheProgramComesToTheFrontAfterTheClick) {
     for (const NSInteger state : {0, 1}) {
         tick(state);
         sim.takeCalls();
-        EXPECT_EQ(sim.loop().waitingItems(), 1U);
         sim.advance(0.0);
         EXPECT_THAT(sim.takeCalls(),
                     ElementsAre("sharedApplication activateIgnoringOtherApps: YES"));
@@ -57,30 +55,20 @@ TEST_F(DockIcon, TheLastWindowsEndSavesTheCheckBoxAndEndsTheProgram) {
     }
 }
 
-TEST_F(DockIcon, TheFirstStartShowsIt) {
-    wake();
-    panel.restoreDockSetting();
-    EXPECT_THAT(sim.takeCalls(),
-                ElementsAre("standardUserDefaults integerForKey: iDock", "dockButton setState: 1",
-                            "sharedApplication setActivationPolicy: 0"));
-}
-
-TEST_F(DockIcon, ALaterStartRestoresWhatWasSavedWithoutComingToTheFront) {
-    wake();
-    tick(0);
-    panel.applicationShouldTerminateAfterLastWindowClosed();
-    sim.advance(0.0);
-    sim.nib().button("dockButton").currentState = 1;
-
-    mantisQRXpanel next(sim.platform());
-    next.dockButton = panel.dockButton;
-    sim.takeCalls();
-    next.restoreDockSetting();
-    EXPECT_THAT(sim.takeCalls(),
-                ElementsAre("standardUserDefaults integerForKey: iDock", "dockButton setState: 0",
-                            "sharedApplication setActivationPolicy: 1"));
-    sim.advance(1.0);
-    EXPECT_THAT(sim.takeCalls(), IsEmpty());
+TEST_F(DockIcon, AStartAppliesTheSavedSettingWithoutComingToTheFront) {
+    wake(); // The first start: it is shown.
+    for (const NSInteger state : {1, 0}) {
+        sim.nib().button("dockButton").currentState = 1 - state;
+        sim.takeCalls();
+        panel.restoreDockSetting();
+        EXPECT_EQ(sim.nib().button("dockButton").currentState, state);
+        sim.advance(1.0);
+        EXPECT_THAT(
+            takeProcedure(sim, {"standardUserDefaults", "dockButton"}),
+            ElementsAre("sharedApplication setActivationPolicy: " + std::to_string(1 - state)));
+        sim.nib().button("dockButton").currentState = 0;
+        panel.applicationShouldTerminateAfterLastWindowClosed();
+    }
 }
 
 } // namespace

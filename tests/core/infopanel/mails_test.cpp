@@ -30,17 +30,12 @@ TEST_F(Mails, TheSupportMailIsFilledIn) {
 }
 
 TEST_F(Mails, TheSystemsVersionIsEncodedByteByByte) {
-    sim.processInfo().version = "Système 1/2 100% #3?\"";
+    sim.processInfo().version = "Système 1/2 100% #3?\" %@ %d";
     sim.nib().send("sendEmailtoMe:");
     EXPECT_THAT(
         sim.takeCalls(),
-        ElementsAre(HasSubstr("my%20OS:Syst%C3%A8me%201%2F2%20100%25%20%233%3F%22%0Amy%20issue:")));
-}
-
-TEST_F(Mails, AVersionWithAPlaceholderIsTakenAsItIs) {
-    sim.processInfo().version = "%@ %d";
-    sim.nib().send("sendEmailtoMe:");
-    EXPECT_THAT(sim.takeCalls(), ElementsAre(HasSubstr("my%20OS:%25%40%20%25d%0A")));
+        ElementsAre(HasSubstr(
+            "my%20OS:Syst%C3%A8me%201%2F2%20100%25%20%233%3F%22%20%25%40%20%25d%0Amy%20issue:")));
 }
 
 TEST_F(Mails, TheFeatureRequestAsksFirst) {
@@ -74,22 +69,25 @@ TEST_F(Mails, TheLoopRunsBetweenTheStorePageAndTheMail) {
     EXPECT_THAT(before, ::testing::Not(::testing::Contains(opening(requestMail))));
 }
 
-TEST_F(Mails, TheSecondButtonOpensTheDevelopersApplicationsOnly) {
+TEST_F(Mails, TheOtherButtonsSendNoMail) {
+    for (const NSModalResponse answer : {NSModalResponse{1002}, NSModalResponseCancel}) {
+        sim.alerts().answer(answer);
+        sim.nib().send("featureRequest:");
+        EXPECT_THAT(takeProcedure(sim), ElementsAre(HasSubstr("runModal")));
+    }
     sim.alerts().answer(1001);
     sim.nib().send("featureRequest:");
-    EXPECT_THAT(takeProcedure(sim), ElementsAre("alert1 runModal", opening(developerSearchLink)));
+    EXPECT_THAT(takeProcedure(sim), ElementsAre("alert3 runModal", opening(developerSearchLink)));
 }
 
-TEST_F(Mails, CancellingDoesNothing) {
-    sim.alerts().answer(1002);
-    sim.nib().send("featureRequest:");
-    EXPECT_THAT(takeProcedure(sim), ElementsAre("alert1 runModal"));
-}
-
-TEST_F(Mails, AnAnswerThatIsNoButtonDoesNothing) {
-    sim.alerts().answer(NSModalResponseCancel);
-    sim.nib().send("featureRequest:");
-    EXPECT_THAT(takeProcedure(sim), ElementsAre("alert1 runModal"));
+TEST_F(Mails, TheLinksOpenTheirPagesAndReportNoFailure) {
+    for (const bool opens : {true, false}) {
+        sim.workspace().opens = opens;
+        sim.nib().send("rateMe:");
+        sim.nib().send("moreBYmantisqrx:");
+        EXPECT_THAT(sim.takeCalls(),
+                    ElementsAre(opening(ownStorePage), opening(developerSearchLink)));
+    }
 }
 
 } // namespace

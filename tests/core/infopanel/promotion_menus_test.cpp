@@ -1,3 +1,5 @@
+#include <array>
+
 #include "tests/support/PanelTest.h"
 
 namespace vistrane {
@@ -8,66 +10,56 @@ using ::testing::IsEmpty;
 
 class PromotionMenus : public PanelTest {
 protected:
-    SimMenu& submenu(const std::string& item) { return *sim.nib().menuItem(item).submenu; }
+    static constexpr std::array names = {"mantisSubmenuS", "mantisSubmenuD", "mantisSubmenuM"};
+    static std::string opening(const std::string& address) {
+        return "sharedWorkspace openURL: " + address;
+    }
+    SimMenu& submenu(const std::string& item) {
+        return dynamic_cast<SimMenu&>(*sim.nib().menuItem(item).submenu);
+    }
 };
 
 TEST_F(PromotionMenus, AreBuiltInOrder) {
     panel.addingPromoAppsOfmantisQRX({"frameweave", "Flipstep"});
-    EXPECT_THAT(
-        sim.takeCalls(),
-        ElementsAre(
-            "menu -> menu1", "menu -> menu2", "menu -> menu3",
-            // S, then M with the picture, then D without.
-            "menu1 addItemWithTitle: frameweave keyEquivalent: \"\"",
-            "menu1.frameweave setRepresentedObject: frameweave",
-            "menu1.frameweave setTarget: (other object)", "menu1.frameweave setImage: frameweave",
-            "menu3 addItemWithTitle: frameweave keyEquivalent: \"\"",
-            "menu3.frameweave setRepresentedObject: frameweave",
-            "menu3.frameweave setTarget: (other object)", "menu3.frameweave setImage: frameweave",
-            "menu2 addItemWithTitle: frameweave keyEquivalent: \"\"",
-            "menu2.frameweave setRepresentedObject: frameweave",
-            "menu2.frameweave setTarget: (other object)",
-            "menu1 addItemWithTitle: Flipstep keyEquivalent: \"\"",
-            "menu1.Flipstep setRepresentedObject: Flipstep",
-            "menu1.Flipstep setTarget: (other object)", "menu1.Flipstep setImage: Flipstep",
-            "menu3 addItemWithTitle: Flipstep keyEquivalent: \"\"",
-            "menu3.Flipstep setRepresentedObject: Flipstep",
-            "menu3.Flipstep setTarget: (other object)", "menu3.Flipstep setImage: Flipstep",
-            "menu2 addItemWithTitle: Flipstep keyEquivalent: \"\"",
-            "menu2.Flipstep setRepresentedObject: Flipstep",
-            "menu2.Flipstep setTarget: (other object)", "mantisSubmenuS setSubmenu: menu1",
-            "mantisSubmenuD setSubmenu: menu2", "mantisSubmenuM setSubmenu: menu3"));
+    EXPECT_THAT(takeProcedure(sim, {"menu1.", "menu2.", "menu3."}),
+                ElementsAre("menu -> menu1", "menu -> menu2", "menu -> menu3",
+                            // S, then M, then D.
+                            "menu1 addItemWithTitle: frameweave keyEquivalent: \"\"",
+                            "menu3 addItemWithTitle: frameweave keyEquivalent: \"\"",
+                            "menu2 addItemWithTitle: frameweave keyEquivalent: \"\"",
+                            "menu1 addItemWithTitle: Flipstep keyEquivalent: \"\"",
+                            "menu3 addItemWithTitle: Flipstep keyEquivalent: \"\"",
+                            "menu2 addItemWithTitle: Flipstep keyEquivalent: \"\"",
+                            "mantisSubmenuS setSubmenu: menu1", "mantisSubmenuD setSubmenu: menu2",
+                            "mantisSubmenuM setSubmenu: menu3"));
 }
 
-TEST_F(PromotionMenus, ThePanelIsTheTargetOfEveryItem) {
+TEST_F(PromotionMenus, HoldEveryPromotionWithItsPictureExceptInTheMenuD) {
     wake();
-    for (const char* name : {"mantisSubmenuS", "mantisSubmenuD", "mantisSubmenuM"}) {
-        for (const auto& item : submenu(name).items) {
-            EXPECT_EQ(item->target, &panel);
-            EXPECT_EQ(item->object, item->title);
-            EXPECT_EQ(item->keyEquivalent, "");
-            EXPECT_EQ(item->submenu, nullptr);
+    for (const char* name : names) {
+        ASSERT_EQ(submenu(name).items.size(), promotionTitles().size());
+        for (std::size_t i = 0; i < promotionTitles().size(); ++i) {
+            const SimMenuItem& item = *submenu(name).items[i];
+            EXPECT_EQ(item.title, promotionTitles()[i]);
+            EXPECT_EQ(item.object, item.title);
+            EXPECT_EQ(item.target, &panel);
+            EXPECT_EQ(item.submenu, nullptr);
+            EXPECT_EQ(nameOf(item.image.get()),
+                      name == std::string("mantisSubmenuD") ? "(null)" : item.title);
         }
     }
 }
 
-TEST_F(PromotionMenus, OnlyTheMenuDHasNoPictures) {
+TEST_F(PromotionMenus, BuildingAnewReplacesTheSubmenus) {
     wake();
-    for (std::size_t i = 0; i < promotionTitles().size(); ++i) {
-        const std::string& title = promotionTitles()[i];
-        EXPECT_EQ(nameOf(submenu("mantisSubmenuS").items.at(i)->image.get()), title);
-        EXPECT_EQ(nameOf(submenu("mantisSubmenuM").items.at(i)->image.get()), title);
-        EXPECT_EQ(submenu("mantisSubmenuD").items.at(i)->image, nullptr);
+    panel.addingPromoAppsOfmantisQRX({"stillreel"});
+    for (const char* name : names) {
+        EXPECT_EQ(submenu(name).items.size(), 1U);
     }
-}
-
-TEST_F(PromotionMenus, NoTitlesLeaveThreeEmptySubmenus) {
     panel.addingPromoAppsOfmantisQRX({});
-    EXPECT_THAT(sim.takeCalls(),
-                ElementsAre("menu -> menu1", "menu -> menu2", "menu -> menu3",
-                            "mantisSubmenuS setSubmenu: menu1", "mantisSubmenuD setSubmenu: menu2",
-                            "mantisSubmenuM setSubmenu: menu3"));
-    EXPECT_THAT(submenu("mantisSubmenuD").items, IsEmpty());
+    for (const char* name : names) {
+        EXPECT_THAT(submenu(name).items, IsEmpty());
+    }
 }
 
 TEST_F(PromotionMenus, AMissingPictureLeavesAnItemWithoutOne) {
@@ -79,22 +71,11 @@ TEST_F(PromotionMenus, AMissingPictureLeavesAnItemWithoutOne) {
 
 TEST_F(PromotionMenus, AnItemOpensItsStorePageFromEveryMenu) {
     wake();
-    for (const char* name : {"mantisSubmenuS", "mantisSubmenuD", "mantisSubmenuM"}) {
+    for (const char* name : names) {
         for (std::size_t i = 0; i < promotions().size(); ++i) {
             submenu(name).items.at(i)->choose();
-            EXPECT_THAT(sim.takeCalls(),
-                        ElementsAre("sharedWorkspace openURL: " + promotions()[i].storeAddress));
+            EXPECT_THAT(sim.takeCalls(), ElementsAre(opening(promotions()[i].storeAddress)));
         }
-    }
-}
-
-TEST_F(PromotionMenus, ATitleOutsideTheListOpensTheDevelopersApplications) {
-    panel.addingPromoAppsOfmantisQRX({"flipstep", "Flipstep ", ""});
-    sim.takeCalls();
-    for (const auto& item : submenu("mantisSubmenuS").items) {
-        item->choose();
-        EXPECT_THAT(sim.takeCalls(),
-                    ElementsAre(std::string("sharedWorkspace openURL: ") + developerSearchLink));
     }
 }
 
@@ -103,22 +84,21 @@ TEST_F(PromotionMenus, TheTitleIsTheItemsObjectNotWhatItShows) {
     submenu("mantisSubmenuS").items.at(0)->object = "stillreel";
     sim.takeCalls();
     submenu("mantisSubmenuS").items.at(0)->choose();
-    EXPECT_THAT(sim.takeCalls(),
-                ElementsAre("sharedWorkspace openURL: " + promotions().at(1).storeAddress));
+    EXPECT_THAT(sim.takeCalls(), ElementsAre(opening(promotions().at(1).storeAddress)));
 }
 
-TEST_F(PromotionMenus, ASenderThatStandsForNothingOpensTheDevelopersApplications) {
-    const std::string call = std::string("sharedWorkspace openURL: ") + developerSearchLink;
+TEST_F(PromotionMenus, AnythingElseOpensTheDevelopersApplications) {
+    panel.addingPromoAppsOfmantisQRX({"flipstep", "Flipstep ", ""});
+    sim.takeCalls();
+    for (const auto& item : submenu("mantisSubmenuS").items) {
+        item->choose();
+    }
+    // Senders that stand for nothing.
     panel.excuteMyPromo(&sim.nib().menuItem("mantisSubmenuS"));
     panel.excuteMyPromo(&sim.nib().button("dockButton"));
     panel.excuteMyPromo(nullptr);
-    EXPECT_THAT(sim.takeCalls(), ElementsAre(call, call, call));
-}
-
-TEST_F(PromotionMenus, BuildingAnewReplacesTheSubmenus) {
-    wake();
-    panel.addingPromoAppsOfmantisQRX({"stillreel"});
-    EXPECT_EQ(submenu("mantisSubmenuM").items.size(), 1U);
+    EXPECT_THAT(sim.takeCalls(), ::testing::AllOf(::testing::SizeIs(6),
+                                                  ::testing::Each(opening(developerSearchLink))));
 }
 
 } // namespace

@@ -5,32 +5,11 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::UnorderedElementsAre;
 
-class PanelSetUp : public PanelTest {
-protected:
-    /// The calls of the set-up without the building of the menus, which has tests of its own.
-    std::vector<std::string> wakeWithoutMenus() {
-        panel.awakeFromNib();
-        std::vector<std::string> calls;
-        for (std::string& call : sim.takeCalls()) {
-            if (call.compare(0, 4, "menu") != 0) {
-                calls.push_back(std::move(call));
-            }
-        }
-        return calls;
-    }
-};
-
-TEST_F(PanelSetUp, EveryOutletIsAskedForByItsName) {
-    EXPECT_THAT(sim.nib().outlets(),
-                UnorderedElementsAre("mantisSubmenuS", "mantisSubmenuD", "mantisSubmenuM",
-                                     "tipView", "dockButton", "sMenu", "versionLabel", "myWindow",
-                                     "tipButton", "tipWindow", "tipImage", "tipText", "picCount"));
-}
+class PanelSetUp : public PanelTest {};
 
 TEST_F(PanelSetUp, EachOutletGetsTheControlOfItsName) {
     EXPECT_EQ(panel.mantisSubmenuS.get(), &sim.nib().menuItem("mantisSubmenuS"));
@@ -79,8 +58,9 @@ TEST(PanelConnections, NothingIsMissingInAWholeInterface) {
 }
 
 TEST_F(PanelSetUp, TheFirstStartTakesItsStepsInOrder) {
-    const std::vector<std::string> calls = wakeWithoutMenus();
-    EXPECT_THAT(calls,
+    panel.awakeFromNib();
+    // The building of the menus and the opening of the tips have tests of their own.
+    EXPECT_THAT(takeProcedure(sim, {"menu", "tip", "picCount"}),
                 ElementsAre("versionLabel setStringValue: Vistrane v2.1.5",
                             "myWindow setTitle: Vistrane v2.1.5",
                             "standardUserDefaults integerForKey: firstTime",
@@ -88,40 +68,21 @@ TEST_F(PanelSetUp, TheFirstStartTakesItsStepsInOrder) {
                             "standardUserDefaults setInteger: 1 forKey: iDock",
                             "standardUserDefaults synchronize", "mantisSubmenuS setSubmenu: menu1",
                             "mantisSubmenuD setSubmenu: menu2", "mantisSubmenuM setSubmenu: menu3",
-                            "standardUserDefaults integerForKey: iTip", "tipButton setState: 0",
-                            "picCount setStringValue: 1 of 4", "tipImage setImage: tip1.png",
-                            "tipText setStringValue: " + pageText(), "tipText setNeedsDisplay: YES",
-                            "tipImage setNeedsDisplay: YES", "tipWindow makeKeyAndOrderFront"));
-    EXPECT_EQ(savedInteger("firstTime"), 1);
-    EXPECT_EQ(savedInteger("iDock"), 1);
+                            "standardUserDefaults integerForKey: iTip"));
     EXPECT_EQ(panel.defaults, &sim.platform().foundation.standardUserDefaults());
 }
 
-TEST_F(PanelSetUp, ALaterStartLeavesTheFirstRunSettings) {
-    sim.defaults().values["firstTime"] = NSInteger{1};
-    sim.defaults().values["iDock"] = NSInteger{0};
-    sim.defaults().values["iTip"] = NSInteger{1};
-    EXPECT_THAT(wakeWithoutMenus(),
-                ElementsAre("versionLabel setStringValue: Vistrane v2.1.5",
-                            "myWindow setTitle: Vistrane v2.1.5",
-                            "standardUserDefaults integerForKey: firstTime",
-                            "mantisSubmenuS setSubmenu: menu1", "mantisSubmenuD setSubmenu: menu2",
-                            "mantisSubmenuM setSubmenu: menu3",
-                            "standardUserDefaults integerForKey: iTip"));
-    EXPECT_EQ(sim.defaults().integerForKey("iDock"), 0);
-}
-
-TEST_F(PanelSetUp, AnyOtherMarkerThanOneIsAFirstRun) {
-    sim.defaults().values["firstTime"] = NSInteger{2};
-    wake();
-    EXPECT_EQ(savedInteger("firstTime"), 1);
-    EXPECT_EQ(savedInteger("iDock"), 1);
-}
-
-TEST_F(PanelSetUp, TheControllersFirstRunMarkerIsAnother) {
-    sim.defaults().values["firstTimeRunning"] = NSInteger{1};
-    wake();
-    EXPECT_EQ(savedInteger("firstTime"), 1);
+TEST_F(PanelSetUp, OnlyTheMarkerOneLeavesTheSettings) {
+    for (const NSInteger marker : {0, 1, 2}) {
+        sim.defaults().values = {{"firstTime", marker}, {"iDock", NSInteger{0}}};
+        // The controller's marker is another.
+        sim.defaults().values["firstTimeRunning"] = NSInteger{1};
+        sim.defaults().durableValues.clear();
+        panel.awakeFromNib();
+        EXPECT_EQ(savedInteger("firstTime"), marker == 1 ? -1 : 1);
+        EXPECT_EQ(savedInteger("iDock"), marker == 1 ? -1 : 1);
+        EXPECT_EQ(sim.defaults().integerForKey("iDock"), marker == 1 ? 0 : 1);
+    }
 }
 
 TEST_F(PanelSetUp, TheVersionIsMadeOfTheBundlesTwoTexts) {
@@ -131,21 +92,9 @@ TEST_F(PanelSetUp, TheVersionIsMadeOfTheBundlesTwoTexts) {
     EXPECT_EQ(panel.appVersion, "10.0.3.beta");
     EXPECT_EQ(sim.nib().textField("versionLabel").text, "Vistrane v10.0.3.beta");
     EXPECT_EQ(sim.nib().window("myWindow").title, "Vistrane v10.0.3.beta");
-}
-
-TEST_F(PanelSetUp, ABundleWithoutAVersionDoesNoHarm) {
     sim.bundle().information.clear();
     wake();
     EXPECT_EQ(panel.appVersion, ".");
-}
-
-TEST_F(PanelSetUp, TheMenusHoldAllPromotions) {
-    wake();
-    std::vector<std::string> titles;
-    for (const auto& item : sim.nib().menuItem("mantisSubmenuS").submenu->items) {
-        titles.push_back(item->title);
-    }
-    EXPECT_THAT(titles, ElementsAreArray(promotionTitles()));
 }
 
 TEST_F(PanelSetUp, NeitherTheDockIconNorTheFrontIsTouched) {

@@ -1,7 +1,6 @@
 #include "tests/frontends/commandline/CommandLineTest.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -10,24 +9,6 @@
 namespace vistrane {
 
 namespace fs = std::filesystem;
-
-WorkFolder::WorkFolder() {
-    std::string name = fs::temp_directory_path() / "vistrane-XXXXXX";
-    if (::mkdtemp(name.data()) == nullptr) {
-        ADD_FAILURE() << "There is no folder for the test.";
-    }
-    path_ = fs::canonical(name);
-}
-
-WorkFolder::~WorkFolder() {
-    std::error_code error;
-    fs::remove_all(path_, error);
-}
-
-std::string WorkFolder::makeFolder(const std::string& name) const {
-    fs::create_directory(path_ / name);
-    return *this / name;
-}
 
 std::vector<std::string> namesIn(const std::string& folder) {
     return namesEndingIn("", folder);

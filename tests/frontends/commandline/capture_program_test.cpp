@@ -2,7 +2,7 @@
 
 #include "tests/frontends/commandline/CommandLineTest.h"
 #include "tests/frontends/commandline/frame_files.h"
-#include "tests/frontends/commandline/movie_facts.h"
+#include "tests/support/movie_facts.h"
 
 namespace vistrane {
 namespace {
@@ -29,7 +29,7 @@ protected:
         return run(captureArguments(more));
     }
 
-    /// Every frame in the folder is a whole picture of the camera, and nothing else is there.
+    /// Checks that the folder contains complete frames of the demo camera only.
     void expectWholeFramesOnly() const {
         for (const std::string& name : namesIn(folder)) {
             EXPECT_THAT(name, MatchesRegex("[0-9][0-9](-[0-9][0-9]){5}\\.png"));
@@ -102,7 +102,7 @@ TEST_F(CaptureProgram, OneFrameIsTooFewToCompile) {
     EXPECT_THAT(namesIn(folder), SizeIs(1));
 }
 
-TEST_F(CaptureProgram, AMovieWithoutACountIsSaidToBeNone) {
+TEST_F(CaptureProgram, WithoutACountNoMovieIsAnnounced) {
     Program program(command(captureArguments({"--compile"})), options);
     ASSERT_TRUE(program.nextLine());
     program.signal(SIGINT);
@@ -113,7 +113,7 @@ TEST_F(CaptureProgram, AMovieWithoutACountIsSaidToBeNone) {
     EXPECT_THAT(namesEndingIn(".mov", folder), IsEmpty());
 }
 
-TEST_F(CaptureProgram, FramesThatAreTakenAwayAsTheyComeAreNotWaitedFor) {
+TEST_F(CaptureProgram, FramesThatAreDeletedAtOnceAreNotWaitedFor) {
     Program program(command(captureArguments({"--interval", "1", "--count", "2"})), options);
     for (int frame = 0; frame < 2; ++frame) {
         const auto line = program.nextLine();
@@ -124,7 +124,7 @@ TEST_F(CaptureProgram, FramesThatAreTakenAwayAsTheyComeAreNotWaitedFor) {
     EXPECT_THAT(namesIn(folder), IsEmpty());
 }
 
-TEST_F(CaptureProgram, AnUnknownDeviceIsRefusedWithTheNamesThatAreOffered) {
+TEST_F(CaptureProgram, AnUnknownDeviceIsRefusedWithTheOfferedNames) {
     const Ended ended = run({"capture", folder, "--demo-camera", "--device", "Nobody's"});
     EXPECT_EQ(ended.status, 1);
     EXPECT_EQ(ended.output, "");
@@ -136,7 +136,7 @@ TEST_F(CaptureProgram, AnUnknownDeviceIsRefusedWithTheNamesThatAreOffered) {
     EXPECT_THAT(namesIn(folder), IsEmpty());
 }
 
-TEST_F(CaptureProgram, DevicesAreOnlyTheDemoCameraAndThatOnRequest) {
+TEST_F(CaptureProgram, TheDemoCameraIsOfferedOnRequestOnly) {
     const Ended none = run({"devices"});
     EXPECT_EQ(none.status, 0);
     EXPECT_EQ(none.output, "");
@@ -157,7 +157,7 @@ TEST_F(CaptureProgram, AReaderThatLeavesEndsIt) {
     expectWholeFramesOnly();
 }
 
-TEST_F(CaptureProgram, AFolderThatMayNotBeWrittenLosesEachFrameAndSaysSo) {
+TEST_F(CaptureProgram, AFolderWithoutWritePermissionLosesEveryFrameWithAMessage) {
     const auto launcher = unprivilegedLauncher();
     if (!launcher) {
         GTEST_SKIP() << "There is no user without privileges here.";
@@ -174,7 +174,7 @@ TEST_F(CaptureProgram, AFolderThatMayNotBeWrittenLosesEachFrameAndSaysSo) {
     EXPECT_THAT(namesIn(folder), IsEmpty());
 }
 
-TEST_F(CaptureProgram, AFolderThatIsRemovedLosesTheFramesAfterIt) {
+TEST_F(CaptureProgram, AfterTheFolderIsRemovedFramesAreLost) {
     Program program(command(captureArguments({"--interval", "1", "--count", "3"})), options);
     ASSERT_TRUE(program.nextLine());
     std::filesystem::remove_all(folder);
@@ -184,7 +184,7 @@ TEST_F(CaptureProgram, AFolderThatIsRemovedLosesTheFramesAfterIt) {
     EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
-TEST_F(CaptureProgram, SettingsAreNotTouched) {
+TEST_F(CaptureProgram, SettingsAreNotWritten) {
     const std::string configuration = work.makeFolder("configuration");
     options.environment["XDG_CONFIG_HOME"] = configuration;
     options.environment.erase("GST_REGISTRY");
@@ -194,7 +194,7 @@ TEST_F(CaptureProgram, SettingsAreNotTouched) {
     EXPECT_EQ(capture({"--interval", "9", "--count", "1", "--compile", "--fps", "9"}).status, 0);
     EXPECT_EQ(run({"frames", folder}).status, 0);
     for (const std::string& movie : namesEndingIn(".mov", folder)) {
-        // The next one may be made within the same second.
+        // The next movie may get the same name.
         std::filesystem::remove(folder + "/" + movie);
     }
     EXPECT_EQ(run({"compile", folder, "--fps", "5"}).status, 0);
@@ -229,7 +229,7 @@ TEST_P(EndedCapture, StatusIsTheSignalsWhileTheCameraIsBeingOpened) {
     expectWholeFramesOnly();
 }
 
-TEST_P(EndedCapture, NoMovieIsBegunAfterTheSignal) {
+TEST_P(EndedCapture, NoMovieIsStartedAfterTheSignal) {
     Program program(command(captureArguments({"--interval", "1", "--count", "1000", "--compile"})),
                     options);
     ASSERT_TRUE(program.nextLine());
@@ -293,7 +293,7 @@ TEST_F(DemoProgram, WithoutAFolderANewOneIsMadeInVideos) {
     EXPECT_THAT(namesIn(home), ElementsAre("Videos"));
 }
 
-TEST_F(DemoProgram, WithoutAPlaceForItsFolderItSaysWhatToDo) {
+TEST_F(DemoProgram, IfTheFolderCannotBeCreatedItSaysWhatToDo) {
     writeFile(home + "/Videos", "a file");
     const Ended ended = run({"demo"});
     EXPECT_EQ(ended.status, 1);
@@ -301,8 +301,8 @@ TEST_F(DemoProgram, WithoutAPlaceForItsFolderItSaysWhatToDo) {
     EXPECT_THAT(ended.errors, HasSubstr("Name a folder: vistrane demo FOLDER."));
 }
 
-TEST_F(DemoProgram, AFailureLeavesNoEmptyFolderBehind) {
-    // Without plugins there is nothing that makes the test picture.
+TEST_F(DemoProgram, AFailureLeavesNoEmptyFolder) {
+    // Without plugins the demo camera cannot start.
     options.environment["GST_PLUGIN_SYSTEM_PATH_1_0"] = home;
     options.environment["GST_REGISTRY"] = work / "no-plugins.bin";
     const Ended ended = run({"demo"});
@@ -313,17 +313,17 @@ TEST_F(DemoProgram, AFailureLeavesNoEmptyFolderBehind) {
     EXPECT_THAT(namesIn(home + "/Videos"), IsEmpty());
 }
 
-TEST_F(DemoProgram, AnEarlyInterruptLeavesNoEmptyFolderBehind) {
+TEST_F(DemoProgram, AnEarlyInterruptLeavesNoEmptyFolder) {
     const std::string videos = work / "home/Videos";
     std::filesystem::create_directory(videos);
     Program program(command({"demo"}), options);
-    const auto limit = std::chrono::steady_clock::now() + options.limit;
+    const auto limit = std::chrono::steady_clock::now() + options.timeout;
     while (namesIn(videos).empty() && std::chrono::steady_clock::now() < limit) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     program.signal(SIGINT);
     EXPECT_EQ(program.wait().status, 130);
-    // On a slow machine the first frame may be quicker than the interrupt.
+    // On a slow machine the first frame may come before the interrupt.
     for (const std::string& name : namesIn(videos)) {
         EXPECT_THAT(namesIn(videos + "/" + name), Not(IsEmpty()));
     }

@@ -4,7 +4,7 @@
 
 #include "tests/frontends/commandline/CommandLineTest.h"
 #include "tests/frontends/commandline/frame_files.h"
-#include "tests/frontends/commandline/movie_facts.h"
+#include "tests/support/movie_facts.h"
 
 namespace vistrane {
 namespace {
@@ -29,7 +29,7 @@ protected:
         }
     }
 
-    /// The path of the movie that was printed, which is the only output and the only movie.
+    /// Returns the printed path. Checks that it is the only output and the only movie.
     std::string movieOf(const Ended& ended) const {
         EXPECT_EQ(ended.status, 0) << ended.errors;
         EXPECT_THAT(ended.lines(), SizeIs(1));
@@ -69,7 +69,7 @@ TEST_F(CompileProgram, PrintsThePathAndLogsTheRest) {
     EXPECT_EQ(facts.times, frameTimes(3));
 }
 
-TEST_F(CompileProgram, TheRateIsTheOneThatWasAskedFor) {
+TEST_F(CompileProgram, TheRateIsTheRequestedOne) {
     writeFrames(4);
     for (const char* rate : {"1", "25", "60"}) {
         const std::string movie = movieOf(run({"compile", folder, "--fps", rate}));
@@ -138,7 +138,7 @@ TEST_F(CompileProgram, ProgressIsShownOnATerminalOnly) {
     EXPECT_THAT(ended.errors, EndsWith("20 of 20 frames went into the movie.\r\n"));
 }
 
-TEST_F(CompileProgram, FewerThanTwoFramesAreRefusedInTheAlertsWords) {
+TEST_F(CompileProgram, FewerThanTwoFramesAreRefusedWithTheAlert) {
     for (int frames = 0; frames <= 1; ++frames) {
         writeFrames(frames);
         const auto before = namesIn(folder);
@@ -154,16 +154,24 @@ TEST_F(CompileProgram, FewerThanTwoFramesAreRefusedInTheAlertsWords) {
     }
 }
 
-TEST_F(CompileProgram, TwoCompilesOneAfterTheOtherGiveTwoMoviesOrOneAlert) {
+TEST_F(CompileProgram, TheEncodersLibrariesAreLoadedWithTheFirstMovieOnly) {
     writeFrames(2);
-    const Ended first = run({"compile", folder});
-    const Ended second = run({"compile", folder});
-    EXPECT_EQ(first.status, 0);
-    const auto movies = namesEndingIn(".mov", folder);
-    EXPECT_THAT(movies, SizeIs(second.status == 0 ? 2 : 1));
-    for (const std::string& movie : movies) {
-        EXPECT_THAT(movieFacts(folder + "/" + movie).times, SizeIs(2));
-    }
+    options.environment["LD_DEBUG"] = "files";
+    EXPECT_THAT(run({"frames", folder}).errors,
+                AllOf(HasSubstr("file=libc.so"), Not(HasSubstr("libavcodec"))));
+    EXPECT_THAT(run({"compile", folder}).errors, HasSubstr("file=libavcodec.so"));
+}
+
+TEST_F(CompileProgram, WithoutAnEncoderTheReasonIsGivenAndNothingIsWritten) {
+    writeFrames(2);
+    const auto before = namesIn(folder);
+    options.environment["LD_LIBRARY_PATH"] = VISTRANE_PLANTED_LIBAVCODEC;
+    const Ended ended = run({"compile", folder});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.output, "");
+    EXPECT_THAT(ended.errors, HasSubstr("there is no H.264 encoder on this system. Install "
+                                        "libavcodec with libx264"));
+    EXPECT_EQ(namesIn(folder), before);
 }
 
 TEST_F(CompileProgram, ClosedStreamsDoNotReachTheMovie) {
@@ -187,7 +195,7 @@ struct BadFrame {
 
 class BadFrames : public CompileProgram {
 protected:
-    /// One of each kind, in the order of their names.
+    /// Writes one of each kind and returns them in the order of their names.
     std::vector<BadFrame> writeBadFrames() {
         writeGreyFrame(work / "good.png", 100);
         const std::string good = contentsOf(work / "good.png");
@@ -282,7 +290,7 @@ TEST_F(BadFrames, AreLeftOutLoggedAndNamed) {
     EXPECT_GE(count(ended.errors, "CVPixelBufferRef could not create context\n"), bad.size() - 1);
     EXPECT_THAT(ended.errors, Not(HasSubstr("failed appending #1 buffer")));
     EXPECT_THAT(ended.errors, EndsWith("3 of 18 frames went into the movie.\n"));
-    // Those that are left out leave their time empty.
+    // Frames that are left out leave a gap in the times.
     EXPECT_THAT(movieFacts(movie).times, ElementsAre(0, 17, 18));
     expectGreys(movie, {40, 80, 120});
 }
@@ -317,7 +325,7 @@ TEST_F(BadFrames, NothingElseMakesNoMovie) {
 }
 
 TEST_F(BadFrames, OneThatDisappearsIsLikeAnyOther) {
-    // The folder's listing is older than the movie.
+    // The listing is made before the frames disappear.
     writeFrames(400);
     Program program(command({"compile", folder}), options);
     ASSERT_TRUE(program.waitForError("moviePath="));
@@ -440,7 +448,7 @@ protected:
     }
 };
 
-TEST_P(EndedCompile, LeavesNothingBehindWhenASignalComes) {
+TEST_P(EndedCompile, ASignalLeavesNoFile) {
     writeSlowFrames();
     const auto before = namesIn(folder);
     Program program(command({"compile", folder, "--x264-preset", "placebo"}), options);
@@ -454,7 +462,7 @@ TEST_P(EndedCompile, LeavesNothingBehindWhenASignalComes) {
 
 INSTANTIATE_TEST_SUITE_P(By, EndedCompile, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
-TEST_F(EndedCompile, WhatAKilledOneLeavesIsTakenAwayByTheNextOne) {
+TEST_F(EndedCompile, TheNextCompileRemovesTheFileOfAKilledOne) {
     writeSlowFrames();
     const auto before = namesIn(folder);
     Program program(command({"compile", folder, "--x264-preset", "placebo"}), options);
@@ -471,7 +479,7 @@ TEST_F(EndedCompile, WhatAKilledOneLeavesIsTakenAwayByTheNextOne) {
     EXPECT_THAT(namesIn(folder), SizeIs(6));
 }
 
-TEST_F(EndedCompile, NoPathIsPrintedWhenTheFolderIsMovedMeanwhile) {
+TEST_F(EndedCompile, IfTheFolderIsMovedNoPathIsPrinted) {
     writeSlowFrames();
     Program program(command({"compile", folder, "--x264-preset", "ultrafast"}), options);
     ASSERT_TRUE(program.waitForError("moviePath="));

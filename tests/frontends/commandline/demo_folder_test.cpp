@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/backends/posix/TemporaryFolder.h"
+
 namespace vistrane {
 namespace {
 
@@ -14,22 +16,18 @@ using testing::HasSubstr;
 
 class DemoFolderTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string name = std::filesystem::temp_directory_path() / "vistrane-XXXXXX";
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        home_ = name;
+    DemoFolderTest() {
         ::setenv("HOME", home_.c_str(), 1);
         ::unsetenv("XDG_CONFIG_HOME");
     }
-
-    void TearDown() override { std::filesystem::remove_all(home_); }
 
     void writeList(const std::string& text) const {
         std::filesystem::create_directories(home_ / ".config");
         std::ofstream(home_ / ".config" / "user-dirs.dirs") << text;
     }
 
-    std::filesystem::path home_;
+    TemporaryFolder folder_;
+    const std::filesystem::path home_ = folder_.path();
 };
 
 TEST_F(DemoFolderTest, VideosIsInTheHomeFolderWithoutAList) {
@@ -43,7 +41,7 @@ TEST_F(DemoFolderTest, TheListNamesTheFolder) {
     EXPECT_EQ(videosFolder(), "/films");
 }
 
-TEST_F(DemoFolderTest, ADamagedListIsPassedOver) {
+TEST_F(DemoFolderTest, ADamagedListIsIgnored) {
     writeList("XDG_VIDEOS_DIR=\"relative\"\nXDG_VIDEOS_DIR=\"\nXDG_VIDEOS_DIR=\"\"\n");
     EXPECT_EQ(videosFolder(), home_ / "Videos");
 }
@@ -56,7 +54,7 @@ TEST_F(DemoFolderTest, EachFolderIsNew) {
     EXPECT_NE(first.path, second.path);
 }
 
-TEST_F(DemoFolderTest, AParentThatCannotBeMadeIsNamed) {
+TEST_F(DemoFolderTest, AParentThatCannotBeCreatedIsNamed) {
     std::ofstream(home_ / "Videos") << "a file";
     const auto result = createDemoFolder(videosFolder());
     EXPECT_EQ(result.path, "");

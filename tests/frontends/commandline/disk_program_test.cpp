@@ -9,7 +9,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-/// Disks that refuse a movie.
+/// Disks that a movie cannot be written to.
 class DiskProgram : public CommandLineTest {
 protected:
     DiskProgram() {
@@ -23,8 +23,8 @@ protected:
         }
     }
 
-    /// Runs the program in `folder` as a new disk with those mount options and links to the frames
-    /// in it; `andThen` is a command that has the disk in sight.
+    /// Mounts a new disk at `folder` with those options, links the frames into it, runs the shell
+    /// command `prepare`, then the program. `listing` gets the disk's entries.
     Ended runOnDisk(const std::string& mountOptions, const std::string& prepare,
                     const std::vector<std::string>& arguments, bool& isAvailable) {
         const std::string script = "mount -t tmpfs -o " + mountOptions + " tmpfs '" + folder +
@@ -50,7 +50,7 @@ TEST_F(DiskProgram, AFullDiskIsNamedAndNothingIsLeftOnIt) {
     EXPECT_EQ(ended.status, 1);
     EXPECT_EQ(ended.output, "");
     EXPECT_THAT(ended.errors, HasSubstr("\nvistrane: The movie cannot be written (" + folder));
-    EXPECT_THAT(ended.errors, HasSubstr("No space left on device"));
+    EXPECT_THAT(ended.errors, HasSubstr("No space left on device. Free some space"));
     EXPECT_THAT(ended.errors, Not(HasSubstr("Not in the movie")));
     EXPECT_THAT(ended.errors, Not(HasSubstr("frames went into the movie")));
     EXPECT_EQ(count(contentsOf(listing), "\n"), 30U);

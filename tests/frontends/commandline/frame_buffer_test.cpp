@@ -1,47 +1,28 @@
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <png.h>
-#include <unistd.h>
 
-#include "backends/console/ConsoleDispatch.h"
-#include "backends/console/ConsoleFoundation.h"
 #include "backends/console/ConsoleWorkspace.h"
 #include "backends/console/MemoryUserDefaults.h"
-#include "backends/pictures/MediaCoreGraphics.h"
-#include "backends/pictures/MediaCoreVideo.h"
 #include "core/app/AppDelegate.h"
-#include "frontends/MediaAVFoundation.h"
+#include "frontends/SessionBackend.h"
 #include "frontends/commandline/SessionAppKit.h"
+#include "tests/backends/posix/TemporaryFolder.h"
 
 namespace vistrane {
 namespace {
 
 using testing::ElementsAre;
 
-class SilentObserver final : public MediaObserver {};
-
 /// The controller's pixel buffers on the real kits.
 class FrameBuffer : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string name = std::filesystem::temp_directory_path() / "vistrane-XXXXXX";
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        folder_ = name;
-    }
-    void TearDown() override {
-        ::close(nowhere_);
-        std::filesystem::remove_all(folder_);
-    }
-
     /// A picture file of one row, of these pixels: red, green, blue and alpha.
     std::shared_ptr<NSImage> picture(const std::vector<std::array<std::uint8_t, 4>>& pixels) {
         const std::string path = folder_ / "row.png";
@@ -54,8 +35,7 @@ protected:
         return appKit_.imageWithContentsOfFile(path);
     }
 
-    /// The colours of one pixel of the top row. What is in the fourth byte, the first, is nobody's
-    /// business.
+    /// Red, green and blue of a pixel in the top row. The first byte of a pixel is unused.
     std::array<int, 3> colour(CVPixelBufferRef buffer, std::size_t x) {
         coreVideo_.CVPixelBufferLockBaseAddress(buffer, 0);
         const auto* const row =
@@ -65,27 +45,19 @@ protected:
         return found;
     }
 
-    std::filesystem::path folder_;
-    const int nowhere_ = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    ConsoleOutput output_{nowhere_};
-    ConsoleRunLoop loop_;
+    TemporaryFolder folder_;
+    QtRunLoop loop_;
     MemoryUserDefaults defaults_;
-    ConsoleFoundation foundation_{loop_, defaults_, output_, "1.0.0"};
-    ConsoleDispatch dispatch_{loop_};
+    SessionObserver observer_{[](const std::string&) {}};
+    SessionBackend backend_{
+        loop_, defaults_, [](const std::string&) {}, observer_, {.version = "1.0.0"}};
+    MediaCoreVideo& coreVideo_ = backend_.coreVideo;
     CompileReport report_;
-    SilentObserver observer_;
-    Pictures pictures_{observer_};
-    MediaCoreVideo coreVideo_;
-    MediaCoreGraphics coreGraphics_{coreVideo_};
-    Cameras cameras_{dispatch_, observer_};
-    Movies movies_{observer_};
-    MediaAVFoundation avFoundation_{cameras_, movies_};
     ConsoleWorkspace workspace_{[](const NSURL&) { return true; }};
     SessionAppKit appKit_{
         std::make_shared<const ConsoleAlertRules>(ConsoleAlertRules{loop_, {}, {}}), workspace_,
-        loop_, pictures_, report_};
-    AppDelegate controller_{
-        Platform{foundation_, appKit_, avFoundation_, coreVideo_, coreGraphics_, dispatch_}};
+        loop_, backend_.pictures, report_};
+    AppDelegate controller_{backend_.platform(appKit_)};
 };
 
 TEST_F(FrameBuffer, AHalfTransparentPictureIsComposedOverBlackWithoutItsAlpha) {

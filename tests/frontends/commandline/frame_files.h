@@ -7,41 +7,41 @@
 
 namespace vistrane {
 
-/// What a PNG file is to look like. Its picture is of one colour.
+/// The form of a PNG file to write. All pixels have the same colour.
 struct FrameForm {
     int width = 64;
     int height = 48;
-    /// The first component alone is taken where there is no colour.
+    /// Grey kinds use the first component only.
     std::array<int, 3> colour = {128, 128, 128};
     int alpha = 255;
 
     enum class Kind { grey, greyAlpha, palette, rgb, rgba };
     Kind kind = Kind::rgb;
-    /// 1 to 16, as the kind allows.
+    /// 1, 2, 4, 8 or 16, as the kind allows.
     int bitDepth = 8;
     bool isInterlaced = false;
-    /// Dots per inch; 0 says nothing about them.
+    /// Dots per inch. 0: not stated in the file.
     int density = 0;
-    /// Random bytes in the colour's place: nothing makes them small.
+    /// Random bytes instead of the colour. They cannot be compressed.
     bool isNoise = false;
 };
 
 void writeFrame(const std::string& path, const FrameForm& form = {});
 
-/// A grey frame of the usual size.
+/// A grey frame of 64 x 48.
 void writeGreyFrame(const std::string& path, int grey);
 
-/// The bytes of a good PNG file after something happened to them.
+/// Returns a valid PNG file's bytes after damaging them.
 namespace damaged {
 std::string truncated(std::string png);
 std::string wrongChecksum(std::string png);
-/// Its checksums are right.
+/// With valid checksums.
 std::string corruptData(std::string png);
-/// Claims that size; its checksums are right.
+/// With another size in the header, and valid checksums.
 std::string resized(std::string png, std::uint32_t width, std::uint32_t height);
 } // namespace damaged
 
-/// What a PNG file shows, read with libpng.
+/// A PNG file's pixels, decoded by libpng.
 struct ReadFrame {
     int width = 0;
     int height = 0;
@@ -50,7 +50,7 @@ struct ReadFrame {
     std::array<int, 3> at(int x, int y) const;
 };
 
-/// Nothing for a file that is not a whole PNG file.
+/// Nothing if the file is not a complete PNG file.
 std::optional<ReadFrame> readFrame(const std::string& path);
 
 } // namespace vistrane

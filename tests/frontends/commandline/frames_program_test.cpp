@@ -42,6 +42,16 @@ TEST_F(FramesProgram, SaysNothingOnATerminalAndRingsNoBell) {
     EXPECT_EQ(ended.errors, "");
 }
 
+TEST_F(FramesProgram, ALocaleWithoutUtf8CausesNoMessage) {
+    writeFiles({"a.png"});
+    for (const char* locale : {"C", "en_US.ISO-8859-1", "no locale"}) {
+        options.environment["LC_ALL"] = locale;
+        const Ended ended = run({"frames", folder});
+        EXPECT_EQ(ended.status, 0);
+        EXPECT_EQ(ended.errors, "");
+    }
+}
+
 TEST_F(FramesProgram, OnlyTheExtensionDecides) {
     writeFiles({"a.PNG", "b.Png", "c.jpg", "png", "d.png~", "e.png.part", "f.tar.png"});
     std::filesystem::create_directory(folder + "/g.png");

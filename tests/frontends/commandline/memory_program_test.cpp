@@ -8,9 +8,9 @@ namespace {
 
 class MemoryProgram : public CommandLineTest {
 protected:
-    MemoryProgram() { options.limit = std::chrono::minutes(18); }
+    MemoryProgram() { options.timeout = std::chrono::minutes(18); }
 
-    /// The most memory that a movie of so many frames takes, in KiB.
+    /// The peak memory of a compile of that many frames, in KiB.
     long peakFor(int count) {
         FrameForm form;
         form.width = 1920;

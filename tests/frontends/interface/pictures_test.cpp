@@ -24,6 +24,7 @@ using ::testing::Contains;
 using ::testing::Each;
 using ::testing::Ge;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 QString resource(const std::string& name) {
@@ -48,14 +49,14 @@ double luminance(const QColor& colour) {
            0.0722 * linear(colour.blueF());
 }
 
-/// The contrast of two colours, from 1 to 21, as the guidelines for accessibility reckon it.
+/// The contrast ratio of two colours, from 1 to 21, by WCAG 2.
 double contrast(const QColor& one, const QColor& other) {
     const double first = luminance(one);
     const double second = luminance(other);
     return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
 }
 
-/// The greatest contrast with the background of any point of the picture.
+/// The greatest contrast of any pixel with the background.
 double greatestContrast(const QImage& image, const QColor& background) {
     double greatest = 1.0;
     for (int y = 0; y < image.height(); ++y) {
@@ -77,7 +78,7 @@ std::vector<std::string> allPictures() {
     return names;
 }
 
-/// What the renderer passes over: a picture must not count on it.
+/// Elements that the renderer ignores.
 std::vector<std::string> elementsNotDrawn(const std::string& name) {
     QFile file(resource(name));
     if (!file.open(QIODevice::ReadOnly)) {
@@ -123,6 +124,7 @@ TEST(Pictures, EachTipHasAPictureForDenseScreens) {
 }
 
 TEST(Pictures, EachIsDrawnWhole) {
+    ASSERT_THAT(allPictures(), Not(IsEmpty()));
     for (const std::string& name : allPictures()) {
         EXPECT_TRUE(QSvgRenderer(resource(name)).isValid()) << name;
         EXPECT_THAT(elementsNotDrawn(name), IsEmpty()) << name;

@@ -1,10 +1,10 @@
-// tip_pictures FOLDER PROGRAM: takes the five pictures of the tips anew, tip1.png to tip5.png, into
-// FOLDER. They are of the program itself, with its demo camera and a folder of frames; PROGRAM is
-// its command line, which makes the movie that lies beside the frames. The folder of frames lies in
-// $TMPDIR for as long as it takes.
+// tip_pictures FOLDER PROGRAM: makes the five pictures of the tips, tip1.png to tip5.png, in
+// FOLDER. They show the program itself with its demo camera and a folder of frames, which is in
+// $TMPDIR meanwhile. PROGRAM is the program's command line, which makes the movie beside the
+// frames.
 //
-// tip_pictures FOLDER PROGRAM light|dark: takes window-light.png or window-dark.png instead, the
-// window as it is on a light or a dark desktop.
+// tip_pictures FOLDER PROGRAM light|dark: makes window-light.png or window-dark.png instead, the
+// window on a light or a dark desktop.
 //
 // The numbers are those of the tips' texts: 1 folder, 2 interval and its total, 3 rate, 4 compile,
 // 5 play.
@@ -13,7 +13,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -23,7 +22,6 @@
 #include <QDir>
 #include <QFont>
 #include <QImage>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLinearGradient>
@@ -36,6 +34,7 @@
 #include <QRadialGradient>
 #include <QSlider>
 #include <QStyleFactory>
+#include <QTest>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -45,14 +44,14 @@
 namespace vistrane {
 namespace {
 
-/// The size of a picture in points, and the pixels to a point.
+/// The size of a picture in points, and its pixels per point.
 constexpr QSize pictureSize{680, 420};
 constexpr double density = 2.0;
-/// The window's size, and its pixels to a point: large enough for parts of it to be enlarged.
+/// The window's size, and its pixels per point: enough to enlarge parts of it.
 constexpr QSize windowSize{920, 600};
 constexpr double windowDensity = 3.0;
 
-/// What is taken of the window alone.
+/// The same for pictures of the window alone.
 constexpr QSize largeWindowSize{1060, 640};
 constexpr double largeWindowDensity = 2.0;
 
@@ -72,7 +71,7 @@ QColor mixed(const QColor& from, const QColor& to, double share) {
                             static_cast<float>(mix(from.blueF(), to.blueF())));
 }
 
-/// A day by the sea, from 0, sunrise, to 1, sunset.
+/// A day by the sea, from sunrise, 0, to sunset, 1.
 QImage scene(double time) {
     constexpr double pi = 3.14159265358979323846;
     constexpr int width = 1280;
@@ -182,7 +181,7 @@ public:
         painter.drawRoundedRect(ringAround(around), 9.0, 9.0);
     }
 
-    /// On the ring, where it hides no words: these begin on the left.
+    /// On the ring, not at its left end, where words begin.
     void drawNumber(int number, const QRectF& around, double along) {
         QPainter painter(&image_);
         painter.setRenderHint(QPainter::Antialiasing);
@@ -239,14 +238,14 @@ private:
     QImage image_;
 };
 
-/// The main window, taken once, and where its controls are.
+/// A picture of the main window, and where its controls are.
 class WindowPicture {
 public:
     explicit WindowPicture(QWidget& window) : window_(window), image_(window.grab().toImage()) {}
 
     const QImage& image() const { return image_; }
 
-    /// Everything that has these names, in the window's points.
+    /// Around all controls of these names, in the window's points.
     QRectF placeOf(const QStringList& names) const {
         QRect place;
         for (const QString& name : names) {
@@ -355,32 +354,36 @@ QImage folderPicture(const QDir& folder, QSize size) {
     return window.grab().toImage();
 }
 
-/// Works the program as a user does, a step at a time: each begins when the last one's effect is
-/// to be seen.
-class Photographer final : public QObject {
+/// Uses the program as a user does, within its event loop.
+class Photographer {
 public:
-    /// Without a look it takes the tips, else the window.
+    /// With an empty look it makes the pictures of the tips, otherwise that of the window.
     Photographer(const QDir& frames, const QDir& pictures, const QString& windowLook)
-        : frames_(frames), pictures_(pictures), windowLook_(windowLook) {
-        connect(&timer_, &QTimer::timeout, this, [this] { look(); });
-        timer_.start(50);
+        : frames_(frames), pictures_(pictures), windowLook_(windowLook) {}
+
+    [[noreturn]] void work() {
+        waitFor("the window", [this] { return isOpen(); });
+        pickCamera();
+        waitFor("the camera's picture", [this] { return cameraIsSeen(); });
+        setUp();
+        waitFor("the read-outs", [this] {
+            return text("timeD") == QLatin1String("( t = 90 s )") &&
+                   text("fpsD") == QLatin1String("( fps = 24 )") &&
+                   text("currentS") == QLatin1String("Displaying frame 16 of 24");
+        });
+        takePictures();
+        frames_.cdUp();
+        frames_.removeRecursively();
+        std::fflush(stdout);
+        std::_Exit(0);
     }
 
 private:
-    struct Step {
-        std::function<bool()> isReady;
-        std::function<void()> act;
-    };
-
-    void look() {
-        constexpr int patience = 20 * 60;
-        if (++looks_ > patience) {
-            fail(QStringLiteral("step %1 of the program did not come about").arg(step_ + 1));
-        }
-        const Step& step = steps_.at(step_);
-        if (step.isReady()) {
-            ++step_;
-            step.act();
+    template <typename Condition>
+    static void waitFor(const char* what, Condition condition) {
+        constexpr int timeoutMilliseconds = 60000;
+        if (!QTest::qWaitFor(condition, timeoutMilliseconds)) {
+            fail(QStringLiteral("timed out waiting for ") + QLatin1String(what));
         }
     }
 
@@ -405,7 +408,7 @@ private:
     }
 
     void pickCamera() {
-        // The tips are in front, and fields keep what is selected until the keyboard leaves them.
+        // The tips are in front; fields keep their selection until they lose the focus.
         window_->activateWindow();
         window_->resize(windowLook_.isEmpty() ? windowSize : largeWindowSize);
         auto& cameras = find<QComboBox>("AVDevicePopUp");
@@ -417,7 +420,7 @@ private:
         emit cameras.activated(demo);
     }
 
-    /// A picture of the camera has more than its black ground.
+    /// The view shows more than its black background.
     bool cameraIsSeen() const {
         const QImage seen = find<QWidget>("previewView").grab().toImage().scaled(8, 8);
         for (int x = 0; x < seen.width(); ++x) {
@@ -432,21 +435,12 @@ private:
         auto& input = find<QLineEdit>(field);
         input.setFocus();
         input.selectAll();
-        for (const QChar digit : number) {
-            press(input, Qt::Key_0 + digit.digitValue(), digit);
-        }
-        press(input, Qt::Key_Return, {});
-    }
-
-    static void press(QWidget& widget, int key, const QString& letters) {
-        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, letters);
-        QApplication::sendEvent(&widget, &down);
-        QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, letters);
-        QApplication::sendEvent(&widget, &up);
+        QTest::keyClicks(&input, number);
+        QTest::keyClick(&input, Qt::Key_Return);
     }
 
     void setUp() const {
-        // There is no desktop here that has these colours of its own.
+        // The colours of a desktop, which is missing here.
         if (!windowLook_.isEmpty()) {
             QApplication::setPalette(ownPalette(windowLook_ == QLatin1String("dark")));
         }
@@ -526,36 +520,13 @@ private:
         canvas.save(pictures_.filePath(QStringLiteral("tip%1.png").arg(number)));
     }
 
-    void finish() {
-        frames_.cdUp();
-        frames_.removeRecursively();
-        std::fflush(stdout);
-        std::_Exit(0);
-    }
-
     QDir frames_;
     QDir pictures_;
     QString windowLook_;
-    QTimer timer_;
     QWidget* window_ = nullptr;
-    int looks_ = 0;
-    std::size_t step_ = 0;
-    const std::vector<Step> steps_{
-        {[this] { return isOpen(); }, [this] { pickCamera(); }},
-        {[this] { return cameraIsSeen(); }, [this] { setUp(); }},
-        {[this] {
-             return text("timeD") == QLatin1String("( t = 90 s )") &&
-                    text("fpsD") == QLatin1String("( fps = 24 )") &&
-                    text("currentS") == QLatin1String("Displaying frame 16 of 24");
-         },
-         [this] {
-             takePictures();
-             finish();
-         }},
-    };
 };
 
-/// What the program is started with. It begins when there is an application.
+/// Arguments for `startPhotographer`.
 QDir frames;
 QDir pictures;
 /// Empty for the tips.
@@ -563,14 +534,14 @@ QString windowLook;
 
 void startPhotographer() {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    // The program takes the desktop to be as dark as its first palette is.
+    // The program takes the desktop's appearance from the initial palette.
     if (!windowLook.isEmpty()) {
         QApplication::setPalette(ownPalette(windowLook == QLatin1String("dark")));
     }
-    new Photographer(frames, pictures, windowLook);
+    QTimer::singleShot(0, qApp, [] { Photographer(frames, pictures, windowLook).work(); });
 }
 
-/// A place of its own for the frames and the settings, with a name to be seen.
+/// Makes the folder for the frames, whose path is seen in the pictures, and one for settings.
 QDir prepare(const QString& program) {
     const QDir place(QDir::temp().filePath(QStringLiteral("Time Lapse")));
     if (place.exists()) {

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# tip_pictures_test.sh TOOL PROGRAM: the pictures of the tips and of the window can be taken anew.
+# tip_pictures_test.sh TOOL PROGRAM: the pictures of the tips and of the window can be made.
 set -euo pipefail
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT

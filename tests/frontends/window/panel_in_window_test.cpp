@@ -9,12 +9,12 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include "backends/pictures/PictureObserver.h"
 #include "backends/pictures/Pictures.h"
-#include "backends/posix/MediaObserver.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/qt/controls/QtInterface.h"
 #include "backends/qt/controls/QtResources.h"
-#include "backends/qt/system/QtRunLoop.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "backends/sim/Sim.h"
 #include "core/infopanel/mantisQRXpanel.h"
 #include "frontends/window/WindowAppKit.h"
@@ -22,9 +22,9 @@
 namespace vistrane {
 namespace {
 
-class Unobserved final : public MediaObserver {};
+class Unobserved final : public PictureObserver {};
 
-/// The info panel in the real windows, with the menus, pictures and alerts that these use.
+/// The info panel on the real windows, menus, pictures and alerts.
 class PanelInWindow : public ::testing::Test {
 protected:
     PanelInWindow() { panel_.connectInterface(interface_.nib("mantisQRXpanel")); }
@@ -39,7 +39,7 @@ protected:
         throw std::out_of_range(name);
     }
 
-    /// The pictures beside the items of a menu, in order.
+    /// Whether the items of a menu have pictures, in order.
     static std::vector<bool> pictures(const QMenu* menu) {
         std::vector<bool> result;
         for (const QAction* item : menu != nullptr ? menu->actions() : QList<QAction*>()) {

@@ -37,7 +37,7 @@ public:
         return isDamaged_ ? std::optional(NSError{"test", 1, "damaged"}) : std::nullopt;
     }
 
-    /// What a view is to get.
+    /// What a view must get.
     std::vector<std::uint32_t> smaller(std::size_t newWidth, std::size_t newHeight) const {
         const CountedPicture fresh;
         std::vector<std::uint32_t> pixels(newWidth * newHeight);

@@ -8,9 +8,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <future>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -59,11 +61,40 @@ protected:
     }
     std::shared_ptr<const PictureSource> load() { return load(state()); }
 
+    /// What a second user gets who comes while the first one loads. That load ends with `outcome`.
+    std::shared_ptr<const PictureSource>
+    loadDuring(const std::function<PictureSourceResult()>& outcome) {
+        put(path_, "one");
+        const FileState same = state();
+        std::promise<void> begun;
+        std::promise<void> goOn;
+        // Holds the first user's picture until the second one has it.
+        std::optional<PictureSourceResult> first;
+        std::thread loader([&] {
+            try {
+                first = cache_.picture(path_, same, [&] {
+                    begun.set_value();
+                    goOn.get_future().wait();
+                    return outcome();
+                });
+            } catch (const std::bad_alloc&) {
+                hasThrown_ = true;
+            }
+        });
+        begun.get_future().wait();
+        auto second = std::async(std::launch::async, [&] { return load(same); });
+        goOn.set_value();
+        auto source = second.get();
+        loader.join();
+        return source;
+    }
+
     std::string folder_;
     std::string path_;
     PictureCache cache_;
     std::atomic<int> loaded_{0};
     bool fails_ = false;
+    bool hasThrown_ = false;
 };
 
 TEST_F(PictureCaches, OneStateOfAFileIsLoadedOnceForAllWhoHoldIt) {
@@ -156,67 +187,19 @@ TEST_F(PictureCaches, AFailureIsNotShared) {
     EXPECT_TRUE(load());
 }
 
-TEST_F(PictureCaches, WhoComesWhileAnotherLoadsWaitsForIt) {
-    put(path_, "one");
-    const FileState same = state();
-    std::promise<void> begun;
-    std::promise<void> goOn;
-    std::shared_ptr<const PictureSource> first;
-    std::thread loader([&] {
-        const auto result = cache_.picture(path_, same, [&]() -> PictureSourceResult {
-            ++loaded_;
-            begun.set_value();
-            goOn.get_future().wait();
-            return std::make_shared<CountedPicture>();
-        });
-        first = std::get<std::shared_ptr<const PictureSource>>(result);
-    });
-    begun.get_future().wait();
-    auto second = std::async(std::launch::async, [&] { return load(same); });
-    goOn.set_value();
-    EXPECT_TRUE(second.get());
-    loader.join();
+TEST_F(PictureCaches, AUserWhoComesDuringALoadSharesItsPicture) {
+    EXPECT_TRUE(loadDuring([] { return std::make_shared<CountedPicture>(); }));
+    EXPECT_EQ(loaded_, 0);
+}
+
+TEST_F(PictureCaches, AUserWhoComesDuringALoadThatFailsLoadsItself) {
+    EXPECT_TRUE(loadDuring([] { return NSError{"test", 1, "no picture"}; }));
     EXPECT_EQ(loaded_, 1);
 }
 
-TEST_F(PictureCaches, WhoHasWaitedForAFailureLoadsByItself) {
-    put(path_, "one");
-    const FileState same = state();
-    std::promise<void> begun;
-    std::promise<void> goOn;
-    std::thread loader([&] {
-        cache_.picture(path_, same, [&]() -> PictureSourceResult {
-            begun.set_value();
-            goOn.get_future().wait();
-            return NSError{"test", 1, "no picture"};
-        });
-    });
-    begun.get_future().wait();
-    auto second = std::async(std::launch::async, [&] { return load(same); });
-    goOn.set_value();
-    EXPECT_TRUE(second.get());
-    loader.join();
-    EXPECT_EQ(loaded_, 1);
-}
-
-TEST_F(PictureCaches, WhoHasWaitedForOneThatThrowsLoadsByItself) {
-    put(path_, "one");
-    const FileState same = state();
-    std::promise<void> begun;
-    std::promise<void> goOn;
-    std::thread loader([&] {
-        const auto load = [&]() -> PictureSourceResult {
-            begun.set_value();
-            goOn.get_future().wait();
-            throw std::bad_alloc();
-        };
-        EXPECT_THROW(cache_.picture(path_, same, load), std::bad_alloc);
-    });
-    begun.get_future().wait();
-    auto second = std::async(std::launch::async, [&] { return load(same); });
-    goOn.set_value();
-    EXPECT_TRUE(second.get());
-    loader.join();
+TEST_F(PictureCaches, AUserWhoComesDuringALoadThatThrowsLoadsItself) {
+    EXPECT_TRUE(loadDuring([]() -> PictureSourceResult { throw std::bad_alloc(); }));
+    EXPECT_TRUE(hasThrown_);
     EXPECT_EQ(loaded_, 1);
 }
 

@@ -1,3 +1,4 @@
+#include <functional>
 #include <future>
 #include <new>
 #include <optional>
@@ -18,7 +19,7 @@ protected:
         return std::make_shared<SharedPicture>(decoding_);
     }
 
-    /// As a movie has it.
+    /// Decodes as for a movie.
     static std::optional<NSError> decode(const PictureSource& picture) {
         constexpr std::size_t stride = std::size_t{4} * CountedPicture::width;
         std::vector<std::uint8_t> rows(stride * CountedPicture::height);
@@ -27,7 +28,7 @@ protected:
 
     static std::optional<std::vector<std::uint32_t>>
     view(const PictureSource& picture, std::size_t width = 11, std::size_t height = 7) {
-        // Each row has a gap, which is nobody's.
+        // Each row has a gap that must stay unchanged.
         std::vector<std::uint32_t> pixels((width + 1) * height, 5);
         if (picture.readSmaller(width, height, pixels.data(),
                                 static_cast<std::ptrdiff_t>(4 * (width + 1)))) {
@@ -42,6 +43,36 @@ protected:
         return result;
     }
 
+    /// What a view gets that comes while another user decodes. That decoding ends with `outcome`.
+    std::optional<std::vector<std::uint32_t>> viewDuring(const std::function<void()>& outcome) {
+        std::promise<void> begun;
+        std::promise<void> goOn;
+        picture_->whileDecoding = [&] {
+            if (picture_->decoded == 1) {
+                begun.set_value();
+                goOn.get_future().wait();
+                outcome();
+            }
+        };
+        const auto written = load();
+        const auto viewed = load();
+        viewed->expectSmaller(11, 7);
+        std::thread writer([&] {
+            try {
+                decode(*written);
+            } catch (const std::bad_alloc&) {
+                hasThrown_ = true;
+            }
+        });
+        begun.get_future().wait();
+        auto seen = std::async(std::launch::async, [&] { return view(*viewed); });
+        goOn.set_value();
+        auto pixels = seen.get();
+        writer.join();
+        return pixels;
+    }
+
+    bool hasThrown_ = false;
     std::shared_ptr<CountedPicture> picture_ = std::make_shared<CountedPicture>();
     std::shared_ptr<SharedDecoding> decoding_ = std::make_shared<SharedDecoding>(picture_);
 };
@@ -73,22 +104,15 @@ TEST_F(SharedPictures, AViewGetsItAlsoWhenTheOtherHasGone) {
 }
 
 TEST_F(SharedPictures, AViewThatComesWhileAnotherDecodesWaitsForIt) {
-    std::promise<void> begun;
-    std::promise<void> goOn;
-    picture_->whileDecoding = [&] {
-        begun.set_value();
-        goOn.get_future().wait();
-    };
-    const auto written = load();
-    const auto viewed = load();
-    viewed->expectSmaller(11, 7);
-    std::thread writer([&] { decode(*written); });
-    begun.get_future().wait();
-    auto seen = std::async(std::launch::async, [&] { return view(*viewed); });
-    goOn.set_value();
-    EXPECT_EQ(seen.get(), picture_->smaller(11, 7));
-    writer.join();
+    EXPECT_EQ(viewDuring([] {}), picture_->smaller(11, 7));
     EXPECT_EQ(picture_->decoded, 1);
+}
+
+TEST_F(SharedPictures, AViewDecodesByItselfWhenAnotherThrows) {
+    EXPECT_EQ(viewDuring([] { throw std::bad_alloc(); }), picture_->smaller(11, 7));
+    EXPECT_TRUE(hasThrown_);
+    EXPECT_EQ(picture_->decoded, 2);
+    EXPECT_FALSE(decode(*load()));
 }
 
 TEST_F(SharedPictures, AViewThatComesBeforeAnotherDecodesWaitsAsLongAsThatMayBegin) {
@@ -136,29 +160,6 @@ TEST_F(SharedPictures, ADamagedPictureIsDamagedForEach) {
     viewed->expectSmaller(11, 7);
     EXPECT_TRUE(decode(*written));
     EXPECT_FALSE(view(*viewed));
-}
-
-TEST_F(SharedPictures, AViewDecodesByItselfWhenAnotherThrows) {
-    std::promise<void> begun;
-    std::promise<void> goOn;
-    picture_->whileDecoding = [&] {
-        if (picture_->decoded == 1) {
-            begun.set_value();
-            goOn.get_future().wait();
-            throw std::bad_alloc();
-        }
-    };
-    const auto written = load();
-    const auto viewed = load();
-    viewed->expectSmaller(11, 7);
-    std::thread writer([&] { EXPECT_THROW(decode(*written), std::bad_alloc); });
-    begun.get_future().wait();
-    auto seen = std::async(std::launch::async, [&] { return view(*viewed); });
-    goOn.set_value();
-    EXPECT_EQ(seen.get(), picture_->smaller(11, 7));
-    writer.join();
-    EXPECT_EQ(picture_->decoded, 2);
-    EXPECT_FALSE(decode(*written));
 }
 
 /// Whichever allocation for the view fails, the other gets its pixels.

@@ -22,7 +22,7 @@
 
 namespace vistrane {
 
-/// A window that makes controls, each on a widget of its own.
+/// A window with controls, each on a widget of its own.
 class ControlWidgets {
 public:
     ControlWidgets() { window_.resize(400, 400); }

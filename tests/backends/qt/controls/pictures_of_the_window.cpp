@@ -1,6 +1,6 @@
 // pictures_of_the_window FOLDER [SCALE]: draws the windows into picture files, for people to look
-// at: in their least and a larger size, light and dark, and from right to left. SCALE is that of a
-// denser screen, for instance 2.
+// at: in their minimum and a larger size, light, dark, and from right to left. SCALE is the number
+// of pixels per point.
 
 #include <cstdio>
 #include <memory>
@@ -37,7 +37,7 @@ constexpr Look looks[] = {
     {"dark-1600x1000", {1600, 1000}, true},
 };
 
-/// A knob as the program draws it.
+/// Draws the knob as the program does.
 class PictureKnob final : public NSSliderCell {
 public:
     explicit PictureKnob(const QtResources& resources) : resources_(resources) {}
@@ -54,7 +54,7 @@ private:
     std::shared_ptr<NSImage> knob_;
 };
 
-/// An evening by the sea, as a camera would see it.
+/// A picture of the camera: an evening by the sea.
 QImage scene() {
     QImage picture(1280, 720, QImage::Format_RGB32);
     QPainter painter(&picture);

@@ -44,7 +44,7 @@ TEST_F(QtButtonTest, TheShortcutOutlivesATitleOfTheProgram) {
     widgets_.show();
     button->setTitle("Stop Auto Capture");
     EXPECT_EQ(widget_->text(), QStringLiteral("&Stop Auto Capture"));
-    // The button is first seen going down.
+    // The click is sent after the button was drawn pressed.
     QTest::keyClick(&widgets_.widget(), Qt::Key_S, Qt::AltModifier);
     EXPECT_TRUE(QTest::qWaitFor([this] { return sent_ == 1; }));
     button->setTitle("no such letter: -");
@@ -75,7 +75,7 @@ TEST_F(QtButtonTest, APushButtonWhoseStateIsOnDoesNotLookPressed) {
     EXPECT_FALSE(widget_->isDown());
 }
 
-TEST_F(QtButtonTest, AClickTurnsACheckBoxOverBeforeItsActionIsSent) {
+TEST_F(QtButtonTest, AClickTogglesACheckBoxBeforeItsActionIsSent) {
     QCheckBox box;
     QtButton button(box);
     std::vector<NSInteger> states;
@@ -103,7 +103,7 @@ TEST_F(QtButtonTest, AButtonThatAnotherThreadDisabledSendsNothingEvenBeforeItSho
     EXPECT_EQ(sent_, 1);
 }
 
-TEST_F(QtButtonTest, TheLastOfManyWordsFromTwoThreadsCounts) {
+TEST_F(QtButtonTest, TheLastCallFromTwoThreadsCounts) {
     const auto button = pushButton();
     std::thread([&] {
         button->setEnabled(true);
@@ -114,7 +114,7 @@ TEST_F(QtButtonTest, TheLastOfManyWordsFromTwoThreadsCounts) {
     EXPECT_TRUE(widget_->isEnabled());
 }
 
-TEST_F(QtButtonTest, AButtonMayGoWhileAWordForItIsUnderWay) {
+TEST_F(QtButtonTest, AButtonMayBeDestroyedWhileACallForItIsPending) {
     auto button = pushButton();
     std::thread([&] { button->setEnabled(false); }).join();
     button.reset();
@@ -190,7 +190,7 @@ TEST_F(PathButtonTest, APathReadsFromLeftToRightInEveryLanguage) {
         return button_.grab().toImage();
     };
     button_.resize(400, 30);
-    // Left alone, its first stroke would stand at the end.
+    // Without isolation, the first slash would be drawn at the end.
     for (const QString& path : {QStringLiteral("/home/frames."), QStringLiteral("/123/45."),
                                 QString::fromUtf8("/home/\u05d0\u05d1/\u05d2\u05d3.")}) {
         EXPECT_EQ(picture(path, Qt::LeftToRight), picture(path, Qt::RightToLeft))

@@ -11,7 +11,7 @@
 namespace vistrane {
 namespace {
 
-/// One colour, and a count of how often it was decoded.
+/// One colour; counts how often it is decoded.
 class PlainPicture final : public PictureSource {
 public:
     PlainPicture(std::uint32_t width, std::uint32_t height, bool isDamaged = false)
@@ -56,7 +56,7 @@ protected:
 TEST_F(QtImageViewTest, TheLayersBackgroundShowsAroundThePicture) {
     blacken();
     EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
-    // Twice as high as wide in a place twice as wide as high: a quarter in the middle.
+    // The place is twice as wide as high, the picture half as wide: it takes the middle quarter.
     show(50, 100);
     EXPECT_EQ(colorAt(100, 50), QColor(Qt::white));
     EXPECT_EQ(colorAt(77, 50), QColor(Qt::white));
@@ -157,7 +157,7 @@ TEST_F(QtImageViewTest, NoPictureEmptiesThePlace) {
     EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
 }
 
-TEST_F(QtImageViewTest, TheHintMakesRoomForTheFirstPictureAndStaysAway) {
+TEST_F(QtImageViewTest, TheHintGoesWithTheFirstPictureForGood) {
     blacken();
     const QImage bare = place_.grab().toImage();
     place_.setProperty("hint", "Frames appear here");
@@ -168,7 +168,7 @@ TEST_F(QtImageViewTest, TheHintMakesRoomForTheFirstPictureAndStaysAway) {
     EXPECT_EQ(place_.grab().toImage(), bare);
 }
 
-TEST_F(QtImageViewTest, TheHintAlsoMakesRoomForAPictureThatCannotBeRead) {
+TEST_F(QtImageViewTest, TheHintGoesWithAnUnreadablePictureToo) {
     blacken();
     const QImage bare = place_.grab().toImage();
     place_.setProperty("hint", "Frames appear here");
@@ -211,7 +211,7 @@ protected:
         std::make_shared<MediaPreviewLayer>([this](bool wanted) { isWanted_ = wanted; });
 };
 
-TEST_F(LivePictureTest, PicturesAreWantedOnlyWhileThePlaceIsSeen) {
+TEST_F(LivePictureTest, PicturesAreRequestedOnlyWhileThePlaceIsVisible) {
     EXPECT_FALSE(isWanted_);
     place_.show();
     EXPECT_TRUE(isWanted_);
@@ -225,7 +225,7 @@ TEST_F(LivePictureTest, PicturesAreWantedOnlyWhileThePlaceIsSeen) {
     EXPECT_FALSE(isWanted_);
 }
 
-TEST_F(LivePictureTest, TheNewestPictureShowsAndTheCameraGetsItsMemoryBack) {
+TEST_F(LivePictureTest, TheNewestPictureIsShownAndNoBufferIsKept) {
     place_.show();
     const PreviewPicture first = picture(255, 0, 0);
     preview_->show(first);
@@ -242,7 +242,7 @@ TEST_F(LivePictureTest, AnEmptyPictureLeavesThePlaceBlack) {
     EXPECT_EQ(colorAt(100, 50), QColor(Qt::black));
 }
 
-TEST_F(LivePictureTest, AnOldPictureIsNotSeenWhenThePlaceIsSeenAgain) {
+TEST_F(LivePictureTest, AnOldPictureIsNotShownWhenThePlaceIsShownAgain) {
     place_.show();
     preview_->show(picture(255, 255, 255));
     place_.hide();

@@ -49,11 +49,19 @@ protected:
         }
         throw std::out_of_range(name);
     }
-    /// Counts what is sent under that selector.
+    /// Records what is sent under that selector.
     void offer(NSNib& nib, const std::string& selector) {
         nib.action(selector, [this, selector](NSObject*) { sent_.push_back(selector); });
     }
     std::vector<std::string> takeSent() { return std::exchange(sent_, {}); }
+    /// As the program does when capture starts.
+    void giveUpFocusAtTheStart() {
+        controller().action("startRunning:",
+                            [window = outlet<NSWindow>(controller(), "myWindow")](NSObject*) {
+                                window->makeFirstResponder(nullptr);
+                            });
+    }
+    void openTips() { outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr); }
 
     void show() {
         QWidget& window = interface_.mainWindow();
@@ -125,24 +133,19 @@ TEST_F(QtInterfaceTest, TheControlsStartWithTheirTitlesRangesAndValues) {
 }
 
 TEST_F(QtInterfaceTest, EachButtonSendsItsAction) {
-    const std::map<std::string, std::string> controllers{
-        {"startB", "startRunning:"},         {"oneB", "addFrameClick:"},
-        {"compilingB", "genneratingMovie:"}, {"outfolderB", "outputFolder:"},
-        {"fpsHelpB", "whatisFPS:"},          {"previewPlayButton", "playPictures:"}};
-    const std::map<std::string, std::string> panels{
+    const std::map<std::string, std::string> buttons{
+        {"startB", "startRunning:"},          {"oneB", "addFrameClick:"},
+        {"compilingB", "genneratingMovie:"},  {"outfolderB", "outputFolder:"},
+        {"fpsHelpB", "whatisFPS:"},           {"previewPlayButton", "playPictures:"},
         {"dockButton", "dockIconSwitching:"}, {"tipsB", "showEasyStartTip:"},
         {"autostartB", "tipsForAutostart:"},  {"rateB", "rateMe:"},
         {"mailB", "sendEmailtoMe:"},          {"requestB", "featureRequest:"},
         {"moreB", "moreBYmantisqrx:"},        {"tipNextB", "tipNext:"},
         {"tipPreviousB", "tipPreverious:"},   {"tipButton", "tipButtonChanged:"}};
-    for (const auto& [name, selector] : controllers) {
-        offer(controller(), selector);
-        widget<QAbstractButton>(name.c_str()).click();
-        EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
-    }
-    for (const auto& [name, selector] : panels) {
-        offer(panel(), selector);
-        widget<QAbstractButton>(name.c_str()).click();
+    for (const auto& [name, selector] : buttons) {
+        auto& button = widget<QAbstractButton>(name.c_str());
+        offer(button.window() == &interface_.mainWindow() ? controller() : panel(), selector);
+        button.click();
         EXPECT_THAT(takeSent(), ElementsAre(selector)) << name;
     }
 }
@@ -163,11 +166,9 @@ TEST_F(QtInterfaceTest, FieldsAndSlidersSendTheirActions) {
     EXPECT_THAT(takeSent(), ElementsAre("sliderDisplaying:"));
 }
 
-TEST_F(QtInterfaceTest, AfterTheStartWhatIsTypedGoesIntoNoFieldAndTheTabulatorGoesOn) {
+TEST_F(QtInterfaceTest, AfterTheStartTypingChangesNoFieldAndTheTabKeyGoesOn) {
     show();
-    const auto window = outlet<NSWindow>(controller(), "myWindow");
-    controller().action("startRunning:",
-                        [window](NSObject*) { window->makeFirstResponder(nullptr); });
+    giveUpFocusAtTheStart();
     auto& minutes = widget<QLineEdit>("mInput");
     for (int round = 0; round < 2; ++round) {
         minutes.setFocus();
@@ -183,11 +184,9 @@ TEST_F(QtInterfaceTest, AfterTheStartWhatIsTypedGoesIntoNoFieldAndTheTabulatorGo
     }
 }
 
-TEST_F(QtInterfaceTest, AfterTheStartByItsKeyTheTabulatorGoesOnFromTheButton) {
+TEST_F(QtInterfaceTest, AfterTheStartByItsKeyTheTabKeyGoesOnFromTheButton) {
     show();
-    const auto window = outlet<NSWindow>(controller(), "myWindow");
-    controller().action("startRunning:",
-                        [window](NSObject*) { window->makeFirstResponder(nullptr); });
+    giveUpFocusAtTheStart();
     auto& start = widget<QWidget>("startB");
     for (int round = 0; round < 2; ++round) {
         start.setFocus();
@@ -195,7 +194,7 @@ TEST_F(QtInterfaceTest, AfterTheStartByItsKeyTheTabulatorGoesOnFromTheButton) {
         QWidget* const focused = QApplication::focusWidget();
         ASSERT_NE(focused, nullptr);
         ASSERT_NE(focused, &start);
-        window->makeFirstResponder(nullptr);
+        outlet<NSWindow>(controller(), "myWindow")->makeFirstResponder(nullptr);
         EXPECT_EQ(QApplication::focusWidget(), focused);
         QTest::keyClick(focused, round == 0 ? Qt::Key_Tab : Qt::Key_Backtab);
         EXPECT_EQ(QApplication::focusWidget(), &widget<QWidget>(round == 0 ? "oneB" : "startB"));
@@ -267,7 +266,7 @@ TEST_F(QtInterfaceTest, AMenuItemIsEnabledWithItsButton) {
     EXPECT_TRUE(widget<QAction>("compileItem").isEnabled());
 }
 
-TEST_F(QtInterfaceTest, TheMenusOffersAreInTheStatusMenuToo) {
+TEST_F(QtInterfaceTest, ImportantItemsAreInTheStatusMenuToo) {
     QStringList names;
     for (const QAction* item : interface_.statusMenu().actions()) {
         names << item->objectName();
@@ -278,7 +277,6 @@ TEST_F(QtInterfaceTest, TheMenusOffersAreInTheStatusMenuToo) {
 }
 
 TEST_F(QtInterfaceTest, ThePromotionsHangInTheMainTheStatusAndTheContextMenu) {
-    Sim sim;
     for (const char* name : {"mantisSubmenuM", "mantisSubmenuS", "mantisSubmenuD"}) {
         EXPECT_NE(outlet<NSMenuItem>(panel(), name), nullptr) << name;
     }
@@ -311,7 +309,7 @@ TEST_F(QtInterfaceTest, WithoutMenuBarAndStatusIconTheInfoPanelOpensByKeyAndCont
 TEST_F(QtInterfaceTest, ThePanelIsToldWhenTheTipsWindowCloses) {
     offer(panel(), "windowWillClose:");
     QWidget& tips = widget<QWidget>("tipWindow");
-    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    openTips();
     tips.close();
     EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
     show();
@@ -326,7 +324,7 @@ TEST_F(QtInterfaceTest, TheSmallWindowsAreWindowsOfTheirOwn) {
         EXPECT_EQ(window.parentWidget(), nullptr) << name;
         window.show();
         EXPECT_EQ(window.windowHandle()->transientParent(), nullptr) << name;
-        // Others a window manager takes for companions of the main window.
+        // A window manager treats other types as parts of the main window.
         EXPECT_EQ(window.windowType(), Qt::Window) << name;
         EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowMinimizeButtonHint)) << name;
     }
@@ -341,7 +339,7 @@ TEST_F(QtInterfaceTest, HidingMinimisesEveryWindowAndUnhidingBringsBackTheMainOn
     QtApplication application([] { return true; });
     show();
     const auto main = outlet<NSWindow>(controller(), "myWindow");
-    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    openTips();
     widget<QAction>("infoItem").trigger();
     application.miniaturizeAll(nullptr);
     for (const QWidget* window : interface_.windows()) {
@@ -385,7 +383,7 @@ TEST_F(QtInterfaceTest, ASmallWindowFirstAppearsInTheMiddleOfTheMainOneAndThenWh
 
 TEST_F(QtInterfaceTest, AWindowThatIsShownTooEarlyComesUpInFrontOfTheMainOne) {
     interface_.holdSmallWindows();
-    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    openTips();
     QWidget& tips = widget<QWidget>("tipWindow");
     EXPECT_FALSE(tips.isVisible());
     show();
@@ -401,64 +399,43 @@ TEST_F(QtInterfaceTest, AWindowThatIsShownTooEarlyComesUpInFrontOfTheMainOne) {
 TEST_F(QtInterfaceTest, EscapeClosesTheSmallWindows) {
     offer(panel(), "windowWillClose:");
     QWidget& tips = widget<QWidget>("tipWindow");
-    outlet<NSWindow>(panel(), "tipWindow")->makeKeyAndOrderFront(nullptr);
+    openTips();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&tips));
     QTest::keyClick(&tips, Qt::Key_Escape);
     EXPECT_FALSE(tips.isVisible());
     EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
 }
 
-/// Wakes and counts; draws nothing.
-class CountedCell final : public NSSliderCell {
+/// Records its calls and draws nothing.
+class RecordedCell final : public NSSliderCell {
 public:
-    explicit CountedCell(int& awake) : awake_(awake) {}
-    void awakeFromNib() override { ++awake_; }
-    NSRect rectOfTickMarkAtIndex(NSInteger) override { return NSZeroRect; }
+    void awakeFromNib() override { ++awoken; }
+    NSRect rectOfTickMarkAtIndex(NSInteger) override {
+        ++ticksAsked;
+        return NSZeroRect;
+    }
     void drawKnob(NSRect) override {}
 
-private:
-    int& awake_;
+    int awoken = 0;
+    int ticksAsked = 0;
 };
 
-TEST_F(QtInterfaceTest, TheFrameSlidersCellIsAskedWhereTheTickMarksAre) {
-    std::vector<NSInteger> asked;
-    class AskedCell final : public NSSliderCell {
-    public:
-        explicit AskedCell(std::vector<NSInteger>& asked) : asked_(asked) {}
-        void awakeFromNib() override {}
-        NSRect rectOfTickMarkAtIndex(NSInteger index) override {
-            asked_.push_back(index);
-            return NSZeroRect;
-        }
-        void drawKnob(NSRect) override {}
-
-    private:
-        std::vector<NSInteger>& asked_;
-    };
-    controller().sliderCell("hidenSlidercell", [&] { return std::make_shared<AskedCell>(asked); });
-    widget<QWidget>("photoSlider").grab();
-    EXPECT_THAT(asked, ::testing::SizeIs(11));
-}
-
-TEST_F(QtInterfaceTest, OneSliderGetsACellOfTheOfferedClassAndWakesIt) {
-    int made = 0;
-    int awake = 0;
-    const auto make = [&] {
-        ++made;
-        return std::make_shared<CountedCell>(awake);
-    };
+TEST_F(QtInterfaceTest, TheFrameSliderAloneGetsACellAndAsksItForItsTickMarks) {
+    std::vector<std::shared_ptr<RecordedCell>> made;
+    const auto make = [&] { return made.emplace_back(std::make_shared<RecordedCell>()); };
     controller().sliderCell("anotherCell", make);
-    EXPECT_EQ(made, 0);
+    EXPECT_THAT(made, IsEmpty());
     controller().sliderCell("hidenSlidercell", make);
-    EXPECT_EQ(made, 1);
-    EXPECT_EQ(awake, 1);
+    ASSERT_THAT(made, ::testing::SizeIs(1));
+    EXPECT_EQ(made.front()->awoken, 1);
+    widget<QWidget>("photoSlider").grab();
+    EXPECT_EQ(made.front()->ticksAsked, 11);
 }
 
-// ---- For every person --------------------------------------------------------------------------
+// ---- Accessibility -----------------------------------------------------------------------------
 
 class QtInterfaceAccessTest : public QtInterfaceTest {
 protected:
-    std::vector<QWidget*> windows() { return interface_.windows(); }
     static std::vector<QWidget*> focusChain(QWidget& window) {
         std::vector<QWidget*> chain;
         for (QWidget* next = window.nextInFocusChain(); next != &window;
@@ -475,7 +452,7 @@ protected:
 
 TEST_F(QtInterfaceAccessTest, WhateverTakesFocusHasANameAndADescription) {
     std::size_t count = 0;
-    for (QWidget* window : windows()) {
+    for (QWidget* window : interface_.windows()) {
         for (QWidget* focusable : focusChain(*window)) {
             QAccessibleInterface* const access = QAccessible::queryAccessibleInterface(focusable);
             ASSERT_NE(access, nullptr);
@@ -488,7 +465,7 @@ TEST_F(QtInterfaceAccessTest, WhateverTakesFocusHasANameAndADescription) {
     EXPECT_GE(count, 20U);
 }
 
-TEST_F(QtInterfaceAccessTest, TheTabulatorGoesThroughTheMainWindowInReadingOrder) {
+TEST_F(QtInterfaceAccessTest, TheTabKeyGoesThroughTheMainWindowInReadingOrder) {
     std::vector<std::string> names;
     for (const QWidget* focusable : focusChain(interface_.mainWindow())) {
         names.push_back(focusable->objectName().toStdString());
@@ -498,7 +475,7 @@ TEST_F(QtInterfaceAccessTest, TheTabulatorGoesThroughTheMainWindowInReadingOrder
                                    "outfolderB", "compilingB"));
 }
 
-TEST_F(QtInterfaceAccessTest, TheTabulatorGoesThroughTheSmallWindows) {
+TEST_F(QtInterfaceAccessTest, TheTabKeyGoesThroughTheSmallWindows) {
     EXPECT_THAT(focusChain(widget<QWidget>("tipWindow")), ::testing::SizeIs(3));
     EXPECT_THAT(focusChain(widget<QWidget>("infoPanel")), ::testing::SizeIs(7));
 }
@@ -519,7 +496,7 @@ TEST_F(QtInterfaceAccessTest, ShortcutsWorkWhateverTheTitlesAre) {
             button->setTitle(title);
             for (const QKeySequence& sequence : keys) {
                 QTest::keySequence(&interface_.mainWindow(), sequence);
-                // A button is first seen going down.
+                // The click is sent after the button was drawn pressed.
                 EXPECT_TRUE(QTest::qWaitFor([this] { return !sent_.empty(); }));
                 EXPECT_THAT(takeSent(), ElementsAre(selector)) << name << " " << title;
             }
@@ -549,11 +526,11 @@ TEST_F(QtInterfaceAccessTest, AKeyThatIsHeldDownPressesAButtonOnce) {
     const auto hold = [&](int key, Qt::KeyboardModifiers modifiers) {
         clicks = 0;
         QTest::simulateEvent(&button, true, key, modifiers, QString(), false);
-        // A button is first seen going down.
+        // The click is sent after the button was drawn pressed.
         EXPECT_TRUE(QTest::qWaitFor([&] { return clicks > 0 && !button.isDown(); }));
         QTest::simulateEvent(&button, true, key, modifiers, QString(), true);
         QTest::simulateEvent(&button, true, key, modifiers, QString(), true);
-        // Nor does it go down for another click.
+        // Nor is it pressed for another click.
         EXPECT_FALSE(button.isDown());
         QTest::simulateEvent(&button, false, key, modifiers, QString(), false);
         return clicks;
@@ -565,7 +542,7 @@ TEST_F(QtInterfaceAccessTest, AKeyThatIsHeldDownPressesAButtonOnce) {
 }
 
 TEST_F(QtInterfaceAccessTest, NoTwoThingsOfAWindowShareAShortcut) {
-    for (QWidget* window : windows()) {
+    for (QWidget* window : interface_.windows()) {
         std::multiset<std::string> all;
         const auto add = [&](const QKeySequence& keys) {
             if (!keys.isEmpty()) {
@@ -591,14 +568,15 @@ TEST_F(QtInterfaceAccessTest, NoTwoThingsOfAWindowShareAShortcut) {
             }
         }
         EXPECT_THAT(all, ::testing::Not(IsEmpty()));
-        for (const std::string& keys : all) {
-            EXPECT_EQ(all.count(keys), 1U) << keys;
-        }
+        EXPECT_EQ(all.size(), std::set<std::string>(all.begin(), all.end()).size())
+            << ::testing::PrintToString(all);
     }
 }
 
 TEST_F(QtInterfaceAccessTest, NoTwoItemsOfAMenuShareAMnemonic) {
-    for (const QMenu* menu : interface_.mainWindow().findChildren<QMenu*>()) {
+    const auto menus = interface_.mainWindow().findChildren<QMenu*>();
+    EXPECT_GE(menus.size(), 3);
+    for (const QMenu* menu : menus) {
         std::set<std::string> seen;
         for (const QAction* item : menu->actions()) {
             const QString keys = QKeySequence::mnemonic(item->text()).toString();
@@ -678,9 +656,9 @@ TEST_F(QtInterfaceAccessTest, NoTwoControlsHaveOneName) {
             names.insert(name);
         }
     }
-    for (const std::string& name : names) {
-        EXPECT_EQ(names.count(name), 1U) << name;
-    }
+    EXPECT_GT(names.size(), 20U);
+    EXPECT_EQ(names.size(), std::set<std::string>(names.begin(), names.end()).size())
+        << ::testing::PrintToString(names);
 }
 
 } // namespace

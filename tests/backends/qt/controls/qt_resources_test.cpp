@@ -28,18 +28,18 @@ TEST_F(QtResourcesTest, ANameMayHaveAnyEnding) {
     EXPECT_NE(resources_.imageNamed("play1.png"), nullptr);
 }
 
-TEST_F(QtResourcesTest, WhatThereIsNotIsNull) {
+TEST_F(QtResourcesTest, AnUnknownNameGivesNull) {
     for (const char* name : {"", ".", "..", "play", "play1/", "../pictures/play1", "\xff"}) {
         EXPECT_EQ(resources_.imageNamed(name), nullptr) << name;
     }
 }
 
-TEST_F(QtResourcesTest, AnIconIsCrispAtEverySize) {
+TEST_F(QtResourcesTest, AnIconIsSharpAtEverySize) {
     const QIcon icon = iconOf(*resources_.imageNamed("play1"));
     for (const int side : {16, 64, 512}) {
         EXPECT_EQ(icon.pixmap(QSize(side, side)).size(), QSize(side, side));
     }
-    // Vectors, not a small picture made large.
+    // Drawn from vectors, not scaled up.
     const QImage large = icon.pixmap(QSize(512, 512)).toImage();
     const QImage stretched = icon.pixmap(QSize(16, 16))
                                  .toImage()
@@ -109,7 +109,7 @@ TEST_F(QtImageTest, OnlyThePartThatIsAskedForIsDrawn) {
     EXPECT_EQ(canvas_.pixelColor(20, 38), QColor(Qt::blue));
 }
 
-TEST_F(QtImageTest, AFractionLetsTheGroundShineThrough) {
+TEST_F(QtImageTest, AFractionIsTheOpacity) {
     draw([&] {
         picture_.drawInRect({{0.0, 0.0}, {40.0, 40.0}}, NSZeroRect,
                             NSCompositingOperationSourceOver, 0.5);

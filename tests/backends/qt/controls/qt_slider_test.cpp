@@ -12,7 +12,7 @@
 namespace vistrane {
 namespace {
 
-/// Draws the knob as one picture and has as many ticks as rectangles.
+/// Records its calls and draws the knob as a picture.
 class RecordingCell final : public NSSliderCell {
 public:
     void awakeFromNib() override {}
@@ -182,10 +182,10 @@ TEST_F(QtSliderTest, TicksWithoutAPlaceAreNotDrawn) {
     EXPECT_NE(picture(), bare);
 }
 
-/// Notes which parts of sliders the style is asked to draw.
-class NotingStyle final : public QProxyStyle {
+/// Records which parts of sliders the style draws.
+class RecordingStyle final : public QProxyStyle {
 public:
-    NotingStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+    RecordingStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                             QPainter* painter, const QWidget* widget) const override {
         if (control == CC_Slider) {
@@ -219,12 +219,12 @@ protected:
     }
 
     QImage plainPicture() { return plain_->grab().toImage(); }
-    /// All that is no knob: left of the middle and right of it.
+    /// Left and right of the knob.
     static QImage leftPart(const QImage& picture) { return picture.copy(0, 0, 130, 24); }
     static QImage rightPart(const QImage& picture) { return picture.copy(170, 0, 130, 24); }
     static QImage middlePart(const QImage& picture) { return picture.copy(130, 0, 40, 24); }
 
-    NotingStyle style_;
+    RecordingStyle style_;
     Sim sim_;
     QtResources resources_;
     std::shared_ptr<hidenSlidercell> cell_ =
@@ -263,7 +263,7 @@ TEST_F(CellSliderTest, WithoutThePictureThereIsTheBarAndNoKnob) {
     EXPECT_NE(middlePart(bare), middlePart(withKnob));
     EXPECT_EQ(leftPart(bare), leftPart(withKnob));
     EXPECT_EQ(rightPart(bare), rightPart(withKnob));
-    // No more than the two halves of the bar are there: as at the far left and the far right.
+    // Only the bar is left: each pixel equals that at the far left or the far right.
     for (int y = 0; y < bare.height(); ++y) {
         for (int x = 130; x < 170; ++x) {
             const QRgb pixel = bare.pixel(x, y);

@@ -26,7 +26,7 @@ protected:
     QLineEdit* line_ = nullptr;
 };
 
-TEST_F(QtTextFieldTest, WhatIsTypedCountsAtOnceAndSendsNothing) {
+TEST_F(QtTextFieldTest, TypingChangesTheValueAtOnceAndSendsNothing) {
     type(QStringLiteral("75x"));
     EXPECT_EQ(field_->stringValue(), "75x");
     EXPECT_EQ(field_->intValue(), 75);
@@ -60,7 +60,7 @@ TEST_F(QtTextFieldTest, LeavingTheFieldSendsTheActionOnlyAfterAnEdit) {
     EXPECT_EQ(sent_, 1);
 }
 
-TEST_F(QtTextFieldTest, SettingAValueGivesTheEditUp) {
+TEST_F(QtTextFieldTest, SettingAValueDiscardsTheEdit) {
     type(QStringLiteral("7"));
     field_->setStringValue("5");
     leave();

@@ -86,19 +86,6 @@ TEST_F(QtApplications, ShortcutsWorkWithAndWithoutMenuBar) {
     EXPECT_EQ(chosen.count(), 3);
 }
 
-TEST_F(QtApplications, TheSwitchMovesNoWindow) {
-    show();
-    const QRect before = window_.geometry();
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(window_.isVisible());
-    EXPECT_EQ(window_.geometry(), before);
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(window_.isVisible());
-    EXPECT_EQ(window_.geometry(), before);
-}
-
 TEST_F(QtApplications, TheSwitchShowsNoHiddenWindow) {
     application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
     application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
@@ -155,7 +142,7 @@ TEST_F(QtApplications, ActivatingKeepsInFrontTheWindowThatWasJustOrderedThere) {
     QCoreApplication::processEvents();
     EXPECT_EQ(QApplication::activeWindow(), &window_);
 
-    // From then on it is the user who changes windows.
+    // Afterwards it is the user who changes windows.
     second.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&second));
     application_.activateIgnoringOtherApps(true);

@@ -15,7 +15,7 @@
 namespace vistrane {
 namespace {
 
-/// A picture that only its maker looks at.
+/// A picture without content.
 class NoImage final : public NSImage {
 public:
     NSSize size() const override { return {}; }
@@ -107,7 +107,7 @@ TEST_F(QtMenus, AnItemOfTheInterfaceFileTakesASubmenu) {
     EXPECT_EQ(action->menu<QMenu*>(), submenu->qtMenu());
 }
 
-TEST_F(QtMenus, AnItemWhoseMenuIsGoneGoesQuiet) {
+TEST_F(QtMenus, AnItemWhoseMenuIsGoneDoesNothing) {
     auto file = std::make_unique<QMenu>();
     QtMenuItem item(*file->addAction("More"), redSquare);
     file.reset();

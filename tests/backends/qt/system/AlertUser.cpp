@@ -20,7 +20,7 @@ QDialog* openAlert() {
 }
 
 void pressKey(QDialog& dialog, Qt::Key key) {
-    // Where the keys would arrive if the window were the active one.
+    // The widget that gets the keys when the window is active.
     QWidget* const focused = dialog.focusWidget() != nullptr ? dialog.focusWidget() : &dialog;
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
         QKeyEvent event(type, key, Qt::NoModifier);

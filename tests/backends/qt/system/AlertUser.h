@@ -9,18 +9,18 @@
 
 namespace vistrane {
 
-/// The dialog of an alert that is open; null without one.
+/// The open dialog of an alert; null without one.
 QDialog* openAlert();
 
-/// Presses that key, as a user does, in the dialog.
+/// Sends that key to the dialog's focused widget.
 void pressKey(QDialog& dialog, Qt::Key key);
 
-/// Waits for alerts and answers them. One for the main thread.
+/// Waits for alerts and answers them. One instance, on the main thread.
 class AlertUser {
 public:
     AlertUser();
 
-    /// Called once, so many seconds after the next dialog has come up.
+    /// Calls `act` once, that many seconds after the next dialog has been shown.
     void withNext(double seconds, std::function<void(QDialog&)> act);
     void pressButton(int button, double seconds);
 

@@ -8,17 +8,17 @@
 #include <thread>
 #include <utility>
 
-#include "backends/posix/FileUserDefaults.h"
-#include "backends/posix/settings_text.h"
+#include "backends/qt/loop/QtDispatch.h"
+#include "backends/qt/loop/QtFoundation.h"
 #include "backends/qt/system/QtAlert.h"
-#include "backends/qt/system/QtDispatch.h"
-#include "backends/qt/system/QtFoundation.h"
+#include "backends/qt/system/QtUserDefaults.h"
 #include "tests/backends/posix/TemporaryFolder.h"
 #include "tests/backends/qt/system/AlertUser.h"
+#include "tests/support/ClockShift.h"
 
 namespace vistrane {
 
-/// The system half of the window for the contract suites, on the real clock.
+/// backends/qt/system for the contract suites, on the real clock.
 class QtSystemBackend {
 public:
     Foundation& foundation() { return foundation_; }
@@ -26,10 +26,13 @@ public:
     void stall(double seconds) {
         std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
     }
+    void skip(double seconds) { clockShift_.add(seconds); }
 
     NSUserDefaults& userDefaults() { return *defaults_; }
     void storeText(const std::string& text, const std::string& key) {
-        std::ofstream(path_) << settingsText({{key, text}});
+        // A path of its own: QSettings may take two files of a name for one.
+        path_ += "+";
+        std::ofstream(path_) << "[General]\n" << key << "=" << text << "\n";
         reopen();
     }
     bool reopen() {
@@ -51,7 +54,7 @@ public:
     AlertUser& user() { return user_; }
     const std::shared_ptr<const QtDialogRules>& dialogRules() const { return dialogRules_; }
 
-    /// A view of an interface file: its widget lies in a form that is not shown.
+    /// A view of an interface file, whose form is not shown.
     class PlainView final : public NSView {
     public:
         NSRect bounds() const override { return NSZeroRect; }
@@ -64,12 +67,13 @@ public:
     };
 
 private:
+    ClockShift clockShift_;
     TemporaryFolder folder_;
     QtRunLoop loop_;
     QtDispatch dispatch_{loop_};
     NotificationCenter notificationCenter_;
-    const std::string path_ = folder_ / "settings";
-    std::optional<FileUserDefaults> defaults_{std::in_place, path_, [](const std::string&) {}};
+    std::string path_ = folder_ / "settings";
+    std::optional<QtUserDefaults> defaults_{std::in_place, path_, [](const std::string&) {}};
     QtFoundation foundation_{loop_, *defaults_, notificationCenter_, [](const std::string&) {},
                              "1.2.3"};
     const std::shared_ptr<const QtDialogRules> dialogRules_ = std::make_shared<const QtDialogRules>(

@@ -1,16 +1,15 @@
 #include "backends/qt/system/Appearance.h"
 
-#include <functional>
+#include <vector>
 
 #include <QApplication>
 #include <QDBusVariant>
 #include <QPalette>
 #include <QProgressBar>
+#include <QTest>
 #include <gtest/gtest.h>
 
-#include "backends/posix/clock.h"
-#include "backends/qt/system/QtRunLoop.h"
-#include "tests/backends/qt/system/FakeServices.h"
+#include "tests/support/FakeServices.h"
 
 namespace vistrane {
 namespace {
@@ -20,6 +19,9 @@ constexpr char readMethod[] = "org.freedesktop.portal.Settings.Read";
 constexpr char group[] = "org.freedesktop.appearance";
 constexpr char key[] = "color-scheme";
 
+/// In milliseconds; ends a test that would never end.
+constexpr int timeout = 60000;
+
 QVariant wrapped(const QVariant& value) {
     return QVariant::fromValue(QDBusVariant(value));
 }
@@ -28,29 +30,15 @@ class AppearanceTest : public ::testing::Test {
 protected:
     ~AppearanceTest() override { services_.reset(); }
 
-    /// A portal that answers with that scheme.
-    void offerScheme(const QVariant& scheme) {
-        services_.offer(portalService);
-        services_.answer(readMethod, {wrapped(wrapped(scheme))});
-    }
-
-    bool runUntil(const std::function<bool()>& done) {
-        for (int step = 0; step < 6000 && !done(); ++step) {
-            loop_.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.01});
-        }
-        return done();
-    }
-
     /// Runs the loop until every signal sent so far has arrived.
     void receive(Appearance& appearance) {
         bool arrived = false;
         const bool wasDark = appearance.isDark();
         appearance.setChangeHandler([&] { arrived = true; });
         services_.sendSetting(group, key, QVariant(wasDark ? 2U : 1U));
-        EXPECT_TRUE(runUntil([&] { return arrived; }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return arrived; }, timeout));
     }
 
-    QtRunLoop loop_;
     FakeServices& services_ = FakeServices::shared();
 };
 
@@ -61,7 +49,7 @@ TEST_F(AppearanceTest, WithoutAPortalThePaletteDecides) {
 }
 
 TEST_F(AppearanceTest, ADarkDesktopIsDarkFromTheStart) {
-    offerScheme(1U);
+    services_.offerScheme(1U);
     const Appearance appearance;
     EXPECT_TRUE(appearance.isDark());
     EXPECT_EQ(appearance.interfaceStyle(), "Dark");
@@ -69,7 +57,7 @@ TEST_F(AppearanceTest, ADarkDesktopIsDarkFromTheStart) {
 
 TEST_F(AppearanceTest, ALightDesktopAndOneWithoutAPreferenceAreLight) {
     for (const QVariant& scheme : {QVariant(2U), QVariant(0U), QVariant(7U), QVariant("dark")}) {
-        offerScheme(scheme);
+        services_.offerScheme(scheme);
         EXPECT_FALSE(Appearance().isDark()) << scheme.toString().toStdString();
     }
 }
@@ -81,22 +69,22 @@ TEST_F(AppearanceTest, AnAnswerThatIsWrappedOnceIsUnderstood) {
 }
 
 TEST_F(AppearanceTest, ChangesAreTold) {
-    offerScheme(2U);
+    services_.offerScheme(2U);
     Appearance appearance;
     std::vector<bool> told;
     appearance.setChangeHandler([&] { told.push_back(appearance.isDark()); });
     services_.sendSetting(group, key, QVariant(1U));
-    EXPECT_TRUE(runUntil([&] { return told.size() == 1; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == 1; }, timeout));
     services_.sendSetting(group, key, QVariant(1U));
-    // Signals that follow each other at once may overtake each other.
-    loop_.runUntilDate({wallClockNow().timeIntervalSince1970 + 0.05});
+    // Signals in quick succession may overtake each other.
+    QTest::qWait(50);
     receive(appearance);
     EXPECT_EQ(told, (std::vector<bool>{true}));
     EXPECT_FALSE(appearance.isDark());
 }
 
 TEST_F(AppearanceTest, OtherSettingsChangeNothing) {
-    offerScheme(2U);
+    services_.offerScheme(2U);
     Appearance appearance;
     int told = 0;
     appearance.setChangeHandler([&] { ++told; });
@@ -114,9 +102,9 @@ TEST_F(AppearanceTest, APortalThatAnswersLateIsNotWaitedForAndChangesThingsLater
     bool told = false;
     appearance.setChangeHandler([&] { told = true; });
     services_.answer(readMethod, {wrapped(wrapped(1U))});
-    EXPECT_TRUE(runUntil([&] { return told || services_.countOf("Read") >= 2; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told || services_.countOf("Read") >= 2; }, timeout));
     services_.sendSetting(group, key, QVariant(1U));
-    EXPECT_TRUE(runUntil([&] { return told; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told; }, timeout));
     EXPECT_TRUE(appearance.isDark());
 }
 

@@ -37,7 +37,7 @@ protected:
         return alert->runModal();
     }
 
-    /// Runs an alert on a thread of its own, and the main loop until that has ended.
+    /// Runs an alert on another thread, and the main loop until that ends.
     void runBeside() {
         const auto ended = std::make_shared<std::atomic<bool>>(false);
         backend_.foundation()
@@ -75,7 +75,7 @@ protected:
         alert->runModal();
     }
 
-    /// The names of the labels below that, as assistive programs find them.
+    /// The accessible names of all labels below `object`.
     static void collectLabels(const QAccessibleInterface& object, QStringList& labels) {
         for (int number = 0; number < object.childCount(); ++number) {
             const QAccessibleInterface& child = *object.child(number);
@@ -176,7 +176,7 @@ TEST_F(QtAlertTest, OnAnotherThreadTheDialogLeavesOtherWindowsUsable) {
     runBeside();
 }
 
-TEST_F(QtAlertTest, AlertsInTurnLeaveNothingBehind) {
+TEST_F(QtAlertTest, ConsecutiveAlertsLeaveNoDialogBehind) {
     for (int times = 0; times < 20; ++times) {
         backend_.confirmNextAlert(0.0);
         runBeside();

@@ -1,17 +1,11 @@
 #include "tests/backends/qt/system/QtSystemBackend.h"
 #include "tests/contract/AlertContract.h"
-#include "tests/contract/BookmarkContract.h"
-#include "tests/contract/DispatchContract.h"
-#include "tests/contract/ThreadContract.h"
 #include "tests/contract/TimerContract.h"
 #include "tests/contract/UserDefaultsContract.h"
 
 namespace vistrane {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, AlertContract, QtSystemBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Qt, BookmarkContract, QtSystemBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Qt, DispatchContract, QtSystemBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Qt, ThreadContract, QtSystemBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, TimerContract, QtSystemBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, UserDefaultsContract, QtSystemBackend, contract::Names);
 

@@ -32,7 +32,7 @@ protected:
         panel_.setPrompt("Save to This Folder");
     }
 
-    /// Runs the panel and calls `act` when it is up.
+    /// Runs the panel and calls `act` when it is shown.
     NSModalResponse runWith(const std::function<void(QFileDialog&)>& act) {
         QTimer timer;
         QObject::connect(&timer, &QTimer::timeout, [&] {
@@ -53,8 +53,8 @@ protected:
         });
     }
 
-    /// Runs the panel in the test's folder, calls `act` when that is shown and its only folder is
-    /// the current one, and cancels.
+    /// Runs the panel in the test's folder, calls `act` once its only subfolder is listed and
+    /// selected, and cancels.
     void runInFolder(const std::function<void(QFileDialog&, QAbstractItemView&)>& act) {
         bool isShown = false;
         runWith([&](QFileDialog& dialog) {
@@ -171,7 +171,7 @@ TEST_F(QtOpenPanelTest, ANewFolderCanBeGivenItsName) {
     EXPECT_TRUE(std::filesystem::exists(folder_ / "mine"));
 }
 
-TEST_F(QtOpenPanelTest, TimersHoldBackWhileItIsOpen) {
+TEST_F(QtOpenPanelTest, TimersAreSuspendedWhileItIsOpen) {
     int ticks = 0;
     int ticksWhileUp = -1;
     const auto timer = backend_.foundation().scheduledTimerWithTimeInterval(

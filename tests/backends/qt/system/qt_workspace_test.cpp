@@ -19,7 +19,7 @@
 namespace vistrane {
 namespace {
 
-/// Stands for the desktop's program that opens addresses: writes down what it gets, and fails.
+/// With a fake xdg-open that records its argument and fails.
 class QtWorkspaceTest : public ::testing::Test {
 protected:
     QtWorkspaceTest() {
@@ -40,7 +40,7 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    /// What was opened, once it is that many addresses.
+    /// What was opened, once it is that many addresses or a minute has passed.
     std::string openedAfter(std::ptrdiff_t count) {
         const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
         std::string text = opened();
@@ -79,13 +79,13 @@ protected:
         }};
 };
 
-TEST_F(QtWorkspaceTest, AddressesAreHandedOverAsTheyAre) {
+TEST_F(QtWorkspaceTest, AddressesArePassedUnchanged) {
     const std::string mail = "mailto:a%40b.example?SUBJECT=x%20y&BODY=%0A";
     EXPECT_TRUE(workspace_.openURL(NSURL::URLWithString(mail)));
     EXPECT_EQ(openedAfter(1), mail + "|");
 }
 
-TEST_F(QtWorkspaceTest, NothingIsSaidOfALinkThatDoesNotOpen) {
+TEST_F(QtWorkspaceTest, ALinkThatDoesNotOpenIsNotReported) {
     workspace_.openURL(NSURL::URLWithString("https://a.example"));
     openedAfter(1);
     workspace_.openURL(NSURL::fileURLWithPath("/tmp/b.mov"));
@@ -111,7 +111,7 @@ TEST_F(QtWorkspaceTest, AMovieIsOpenedWhenItIsWhole) {
     EXPECT_EQ(openedAfter(1), "first|");
     finished_(std::nullopt);
     EXPECT_EQ(openedAfter(2), "first|/tmp/movie.mov|");
-    // The thread that opened it tells the log, which goes with this test.
+    // The thread that opened it writes to the log, which must live until then.
     EXPECT_NE(firstLine(), "");
 }
 

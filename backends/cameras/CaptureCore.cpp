@@ -1,0 +1,392 @@
+#include "backends/cameras/CaptureCore.h"
+
+#include "backends/cameras/camera_errors.h"
+#include "backends/cameras/still_pictures.h"
+
+namespace vistrane {
+
+namespace {
+
+/// The pause between two attempts while a camera is starting.
+constexpr std::chrono::milliseconds startRetry{200};
+
+bool isLaterThan(GstClockTime after, GstClockTime time) {
+    return !GST_CLOCK_TIME_IS_VALID(after) || !GST_CLOCK_TIME_IS_VALID(time) || time > after;
+}
+
+} // namespace
+
+void CaptureCore::work() {
+    Lock lock(mutex);
+    while (!quitting || pipeline) {
+        if (servedTarget != targetNumber) {
+            serveTarget(lock);
+        } else if (taken) {
+            serveStill(lock);
+        } else {
+            expireRequests();
+            watch(lock);
+            if (!hasWork()) {
+                changed.wait_until(lock, nextTime());
+            }
+        }
+    }
+    threadHasEnded = true;
+    changed.notify_all();
+}
+
+bool CaptureCore::hasWork() const {
+    return quitting || servedTarget != targetNumber || taken || failure ||
+           (phase != Phase::live && pictureCame);
+}
+
+void CaptureCore::serveTarget(Lock& lock) {
+    const std::uint64_t number = targetNumber;
+    dropPipeline(lock);
+    if (number != targetNumber) {
+        return;
+    }
+    servedTarget = number;
+    if (target) {
+        current = target->camera.facts;
+        others.clear();
+        startEnd = Clock::now() + options.firstPicture;
+        nextAttempt = Clock::now();
+        attempts = 0;
+    }
+    changed.notify_all();
+}
+
+/// Makes and starts a pipeline if the camera is listed.
+void CaptureCore::attempt(Lock& lock) {
+    nextAttempt = Clock::now() + (phase == Phase::starting ? startRetry : options.retry);
+    if (stuck && !stuck->hasEnded()) {
+        return;
+    }
+    stuck.reset();
+    const Target wanted = *target;
+    const std::uint64_t number = targetNumber;
+    const std::uint64_t newRun = ++run;
+    failure.reset();
+    lock.unlock();
+
+    std::string reason;
+    std::shared_ptr<CapturePipeline> made;
+    const CameraMode* mode = nullptr;
+    const auto camera = lookForCamera(wanted);
+    if (camera) {
+        const auto& modes = *camera->modes;
+        mode = wanted.preset == AVCaptureSessionPresetPhoto ? photoMode(modes) : nullptr;
+        mode = mode != nullptr ? mode : movingPictureMode(modes);
+        made = mode != nullptr ? CapturePipeline::create(*camera, *mode, events(newRun), reason)
+                               : nullptr;
+        reason = mode != nullptr ? reason : "its pictures are of no known form";
+    }
+
+    lock.lock();
+    if (number != targetNumber || run != newRun) {
+        return;
+    }
+    if (!made) {
+        if (!reason.empty()) {
+            lose(lock, reason);
+        }
+        return;
+    }
+    current = camera->facts;
+    pictureCame = false;
+    lastPicture = Clock::now();
+    lastPictureTime = GST_CLOCK_TIME_NONE;
+    for (StillRequest& request : requests) {
+        request.after = GST_CLOCK_TIME_NONE;
+    }
+    pipeline = std::move(made);
+    pipeline->wantStills(!requests.empty());
+    pipeline->wantPreview(previewWanted);
+    period = mode->period();
+    for (StillRequest& request : requests) {
+        request.deadline = std::max(request.deadline, Clock::now() + forCamera(options.still));
+    }
+    nextLook = Clock::now() + forCamera(options.doubt);
+    // Some cameras deliver nothing after one start in many, others are only slow: a short attempt
+    // is followed by a long one.
+    const bool isShort = ++attempts % 2 == 1;
+    attemptEnd = Clock::now() +
+                 forCamera(isShort ? options.secondTry : options.firstPicture - options.secondTry);
+    if (attempts == 1) {
+        startEnd = std::max(startEnd, Clock::now() + forCamera(options.firstPicture));
+    }
+    if (!pipeline->start()) {
+        failure = "the system grants no more threads";
+    }
+}
+
+std::optional<Camera> CaptureCore::lookForCamera(const Target& wanted) {
+    if (wanted.camera.isDemo()) {
+        return wanted.camera;
+    }
+    std::vector<Camera> cameras = list->listOf(current.provider, options.listing);
+    std::vector<CameraFacts> facts;
+    for (const Camera& camera : cameras) {
+        facts.push_back(camera.facts);
+    }
+    const std::size_t found = findAgain(current, others, facts);
+    if (found == npos) {
+        return std::nullopt;
+    }
+    others.clear();
+    for (std::size_t i = 0; i < facts.size(); ++i) {
+        if (i != found) {
+            others.push_back(facts[i].instance);
+        }
+    }
+    return std::move(cameras[found]);
+}
+
+/// Whether the open camera itself is listed; nothing when the target changed meanwhile.
+std::optional<bool> CaptureCore::isStillListed(Lock& lock) {
+    const Target wanted = *target;
+    const std::uint64_t number = targetNumber;
+    const std::string instance = current.instance;
+    lock.unlock();
+    const auto camera = lookForCamera(wanted);
+    lock.lock();
+    if (number != targetNumber) {
+        return std::nullopt;
+    }
+    return camera && camera->facts.instance == instance;
+}
+
+/// Called after the first picture. If the target's camera vanished between listing and opening, the
+/// stream may have been linked to another camera. One that is still listed never vanished.
+void CaptureCore::confirm(Lock& lock) {
+    const auto listed = isStillListed(lock);
+    if (listed && *listed) {
+        goLive();
+    } else if (listed) {
+        tryAgain(lock);
+    }
+}
+
+/// The camera does not count as lost yet: a virtual camera that restarts is back within moments.
+void CaptureCore::tryAgain(Lock& lock) {
+    dropPipeline(lock);
+    nextAttempt = Clock::now() + (phase == Phase::starting ? startRetry : options.retry);
+}
+
+void CaptureCore::goLive() {
+    if (phase == Phase::gone) {
+        report("The camera '" + target->camera.facts.name + "' is back. Capturing goes on.");
+    }
+    phase = Phase::live;
+    changed.notify_all();
+}
+
+/// Handles failures and what is due by the clock.
+void CaptureCore::watch(Lock& lock) {
+    if (servedTarget != targetNumber || !target || quitting) {
+        return;
+    }
+    const auto now = Clock::now();
+    if (phase == Phase::starting && now >= startEnd) {
+        lose(lock, "");
+    } else if (!pipeline) {
+        if (now >= nextAttempt) {
+            attempt(lock);
+        }
+    } else if (failure) {
+        const std::string reason = *failure;
+        const auto listed = phase == Phase::starting ? isStillListed(lock) : true;
+        if (listed && *listed) {
+            lose(lock, reason);
+        } else if (listed) {
+            tryAgain(lock);
+        }
+    } else if (phase != Phase::live && pictureCame) {
+        confirm(lock);
+    } else if (phase != Phase::live && now >= attemptEnd) {
+        tryAgain(lock);
+    } else if (phase == Phase::live && now >= lastPicture + forCamera(options.silence)) {
+        lose(lock, "");
+    } else if (now >= nextLook && now >= lastPicture + forCamera(options.doubt)) {
+        nextLook = now + forCamera(options.doubt);
+        const auto listed = isStillListed(lock);
+        if (listed && !*listed && phase == Phase::live) {
+            lose(lock, "");
+        } else if (listed && !*listed) {
+            tryAgain(lock);
+        }
+    }
+}
+
+void CaptureCore::lose(Lock& lock, const std::string& reason) {
+    const std::uint64_t number = targetNumber;
+    const NSError error = cameraGivesNoPictures(target->camera.facts.name, reason);
+    if (phase != Phase::gone) {
+        phase = Phase::gone;
+        failRequests(error);
+        report(error.localizedDescription);
+        receiver.preview(nullptr);
+        changed.notify_all();
+    }
+    dropPipeline(lock);
+    if (number == targetNumber) {
+        nextAttempt = Clock::now() + options.retry;
+    }
+}
+
+void CaptureCore::serveStill(Lock& lock) {
+    const GstPointer<GstSample> sample = std::move(taken);
+    const GstClockTime time = GST_BUFFER_PTS(gst_sample_get_buffer(sample.get()));
+    // The request that it was taken for may have had its outcome meanwhile.
+    if (requests.empty() || !isLaterThan(requests.front().after, time)) {
+        return;
+    }
+    const std::uint64_t number = requests.front().number;
+    lock.unlock();
+    auto picture = stillPicture(sample.get());
+    lock.lock();
+    if (requests.empty() || requests.front().number != number) {
+        return;
+    }
+    requests.pop_front();
+    if (pipeline) {
+        pipeline->wantStills(!requests.empty());
+    }
+    StillOutcome outcome{std::move(picture), std::nullopt};
+    if (!outcome.picture) {
+        outcome.error = pictureNotReadable(target->camera.facts.name);
+    }
+    receiver.still(number, std::move(outcome));
+}
+
+void CaptureCore::expireRequests() {
+    const auto now = Clock::now();
+    while (!requests.empty() && now >= requests.front().deadline) {
+        const std::uint64_t number = requests.front().number;
+        requests.pop_front();
+        receiver.still(
+            number,
+            StillOutcome{{}, noPictureInTime(target->camera.facts.name, forCamera(options.still))});
+    }
+}
+
+void CaptureCore::dropPipeline(Lock& lock) {
+    taken.reset();
+    failure.reset();
+    pictureCame = false;
+    ++run;
+    const auto dropped = std::move(pipeline);
+    pipeline.reset();
+    if (!dropped) {
+        return;
+    }
+    lock.unlock();
+    const bool stopped = dropped->stop(options.driverTimeout);
+    lock.lock();
+    if (!stopped) {
+        stuck = dropped;
+    }
+}
+
+CaptureCore::Clock::time_point CaptureCore::nextTime() const {
+    const auto now = Clock::now();
+    auto next = now + std::chrono::hours(1);
+    if (target) {
+        if (!requests.empty()) {
+            next = std::min(next, requests.front().deadline);
+        }
+        if (phase == Phase::starting) {
+            next = std::min(next, startEnd);
+        }
+        if (!pipeline) {
+            next = std::min(next, nextAttempt);
+        } else {
+            next = std::min(next, std::max(nextLook, lastPicture + forCamera(options.doubt)));
+            next = std::min(next, phase == Phase::live ? lastPicture + forCamera(options.silence)
+                                                       : attemptEnd);
+        }
+    }
+    return next;
+}
+
+PipelineEvents CaptureCore::events(std::uint64_t ofRun) {
+    const std::weak_ptr<CaptureCore> weak = weak_from_this();
+    PipelineEvents callbacks;
+    callbacks.pictureArrived = [weak, ofRun](GstClockTime time) {
+        if (const auto core = weak.lock()) {
+            core->pictureArrived(ofRun, time);
+        }
+    };
+    callbacks.still = [weak, ofRun](GstSample* sample) {
+        if (const auto core = weak.lock()) {
+            core->stillArrived(ofRun, sample);
+        }
+    };
+    callbacks.preview = [weak, ofRun](GstSample* sample) {
+        if (const auto core = weak.lock()) {
+            core->previewArrived(ofRun, sample);
+        }
+    };
+    callbacks.failed = [weak, ofRun](const std::string& reason) {
+        if (const auto core = weak.lock()) {
+            core->failed(ofRun, reason);
+        }
+    };
+    return callbacks;
+}
+
+void CaptureCore::pictureArrived(std::uint64_t ofRun, GstClockTime time) {
+    std::lock_guard lock(mutex);
+    if (ofRun != run) {
+        return;
+    }
+    lastPicture = Clock::now();
+    lastPictureTime = time;
+    if (!pictureCame) {
+        pictureCame = true;
+        changed.notify_all();
+    }
+}
+
+void CaptureCore::stillArrived(std::uint64_t ofRun, GstSample* sample) {
+    std::lock_guard lock(mutex);
+    if (ofRun != run || phase != Phase::live || requests.empty() || taken) {
+        return;
+    }
+    const GstBuffer* buffer = gst_sample_get_buffer(sample);
+    if (buffer != nullptr && isLaterThan(requests.front().after, GST_BUFFER_PTS(buffer))) {
+        taken.reset(gst_sample_ref(sample));
+        changed.notify_all();
+    }
+}
+
+void CaptureCore::previewArrived(std::uint64_t ofRun, GstSample* sample) {
+    std::lock_guard lock(mutex);
+    if (ofRun == run && phase == Phase::live && previewWanted) {
+        receiver.preview(sample);
+    }
+}
+
+void CaptureCore::failed(std::uint64_t ofRun, const std::string& reason) {
+    std::lock_guard lock(mutex);
+    if (ofRun == run && !failure) {
+        failure = reason;
+        changed.notify_all();
+    }
+}
+
+void CaptureCore::failRequests(const NSError& error) {
+    for (const StillRequest& request : requests) {
+        receiver.still(request.number, StillOutcome{{}, error});
+    }
+    requests.clear();
+}
+
+void CaptureCore::report(const std::string& message) const {
+    if (observer != nullptr) {
+        observer->cameraChanged(message);
+    }
+}
+
+} // namespace vistrane

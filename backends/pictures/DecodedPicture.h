@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "backends/pictures/ByteArray.h"
+#include "backends/pictures/PictureSource.h"
+
+namespace vistrane {
+
+/// A picture whose pixels are in memory.
+class DecodedPicture final : public PictureSource {
+public:
+    /// `pixels` are sRGB values in the shape's `compactForm`: rows without gaps, the top row first.
+    DecodedPicture(PictureShape shape, std::string name, ByteArray pixels);
+
+    std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
+                                      std::ptrdiff_t stride) const override;
+    const std::uint8_t* pixelsInMemory(PixelForm form) const override;
+
+private:
+    ByteArray pixels_;
+};
+
+/// Decodes `picture` into memory. Returns `picture` itself when its pixels are there already.
+PictureSourceResult decodedPicture(std::shared_ptr<const PictureSource> picture);
+
+} // namespace vistrane

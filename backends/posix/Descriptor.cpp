@@ -1,0 +1,51 @@
+#include "backends/posix/Descriptor.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace vistrane {
+
+int Descriptor::close() {
+    // An interrupted close has closed.
+    return isOpen() && ::close(release()) != 0 && errno != EINTR ? errno : 0;
+}
+
+int writeAll(int descriptor, const void* bytes, std::size_t count,
+             std::optional<std::int64_t> offset) {
+    const auto* next = static_cast<const unsigned char*>(bytes);
+    while (count > 0) {
+        const std::size_t part = std::min<std::size_t>(count, SSIZE_MAX);
+        const ssize_t written =
+            offset ? ::pwrite(descriptor, next, part, *offset) : ::write(descriptor, next, part);
+        if (written > 0) {
+            next += written;
+            count -= static_cast<std::size_t>(written);
+            if (offset) {
+                *offset += written;
+            }
+        } else if (written == 0) {
+            return ENOSPC;
+        } else if (errno == EAGAIN) {
+            pollfd output{descriptor, POLLOUT, 0};
+            ::poll(&output, 1, -1);
+        } else if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+int syncToDisk(int descriptor) {
+    while (::fsync(descriptor) != 0) {
+        if (errno != EINTR) {
+            return errno == EINVAL ? 0 : errno;
+        }
+    }
+    return 0;
+}
+
+} // namespace vistrane

@@ -1,0 +1,83 @@
+#include "backends/qt/loop/QtRunLoop.h"
+
+#include <utility>
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QTimer>
+#include <QTimerEvent>
+
+#include "backends/posix/clock.h"
+
+namespace vistrane {
+
+namespace {
+
+/// A Qt timer counts milliseconds in an int, which is too short for the longest interval. A date
+/// that is further away than this is checked again after an hour.
+constexpr int longestAlarm = 3600 * 1000;
+
+} // namespace
+
+QtRunLoop::QtRunLoop() = default;
+
+QtRunLoop::~QtRunLoop() = default;
+
+void QtRunLoop::runUntilDate(NSDate date) {
+    const std::int64_t deadline = monotonicMomentOf(date);
+    QTimer awakener;
+    awakener.setTimerType(Qt::PreciseTimer);
+    awakener.setSingleShot(true);
+    for (;;) {
+        mainQueue_.runWaiting();
+        timers_.runDue();
+        if (monotonicNow() >= deadline || (isInAHurry_ && hasNothingToWaitFor())) {
+            QCoreApplication::processEvents();
+            return;
+        }
+        awakener.start(millisecondsUntil(deadline, longestAlarm));
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    }
+}
+
+std::shared_ptr<NSTimer>
+QtRunLoop::scheduleTimer(double interval, std::function<void(NSTimer&)> tick, bool repeats) {
+    return timers_.schedule(interval, std::move(tick), repeats);
+}
+
+bool QtRunLoop::isMainThread() const {
+    return std::this_thread::get_id() == mainThread_;
+}
+
+bool QtRunLoop::hasNothingToWaitFor() const {
+    return mainQueue_.size() == 0 && !timers_.nextDate();
+}
+
+void QtRunLoop::customEvent(QEvent*) {
+    mainQueue_.awake();
+    if (mainQueue_.size() > 1) {
+        // The first item may run the loop. The other items must then run in that nested loop.
+        mainQueue_.wake();
+    }
+    mainQueue_.runWaiting();
+}
+
+void QtRunLoop::timerEvent(QTimerEvent*) {
+    timers_.runDue();
+    setAlarm();
+}
+
+void QtRunLoop::postWake() {
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+void QtRunLoop::setAlarm() {
+    const std::optional<std::int64_t> date = timers_.nextDate();
+    if (date) {
+        alarm_.start(millisecondsUntil(*date, longestAlarm), Qt::PreciseTimer, this);
+    } else {
+        alarm_.stop();
+    }
+}
+
+} // namespace vistrane

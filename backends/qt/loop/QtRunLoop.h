@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include <QBasicTimer>
+#include <QObject>
+
+#include "backends/posix/RunLoopTimers.h"
+#include "backends/posix/WorkQueue.h"
+#include "platform/dispatch/Dispatch.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/NSTimer.h"
+
+namespace vistrane {
+
+/// The main thread's run loop, on Qt's event loop. Whatever runs that loop (the application,
+/// `runUntilDate`, a modal dialog, a menu) also runs the timers and the main queue.
+///
+/// Create it on the main thread, after the application object. All methods are for the main thread
+/// unless they say otherwise. Timers use the monotonic clock, which stops while the machine is
+/// suspended, so that resuming causes no burst of ticks.
+class QtRunLoop final : public QObject, public NSRunLoop {
+public:
+    QtRunLoop();
+    /// Invalidates the remaining timers and discards the queued work.
+    ~QtRunLoop() override;
+
+    /// Makes at least one pass over what is due.
+    void runUntilDate(NSDate date) override;
+
+    /// `tick` gets the timer. An interval of 0 or less counts as 0.0001 s.
+    std::shared_ptr<NSTimer> scheduleTimer(double interval, std::function<void(NSTimer&)> tick,
+                                           bool repeats);
+
+    /// Work for the main thread. Any thread may post to it while the run loop lives.
+    DispatchQueue& mainQueue() { return mainQueue_; }
+
+    /// Whether the caller runs on the main thread. Any thread.
+    bool isMainThread() const;
+
+    /// While one lives, timers do not tick: the main thread shows a modal alert or dialog.
+    class ModalScope : public RunLoopTimers::ModalScope {
+    public:
+        explicit ModalScope(QtRunLoop& loop) : RunLoopTimers::ModalScope(loop.timers_) {}
+    };
+
+    /// While one lives, `runUntilDate` also returns when no timer is scheduled and no work is
+    /// queued. Work that another thread posts later waits for the next pass.
+    class HurryScope {
+    public:
+        explicit HurryScope(QtRunLoop& loop) : loop_(loop) { loop_.isInAHurry_ = true; }
+        ~HurryScope() { loop_.isInAHurry_ = false; }
+        HurryScope(const HurryScope&) = delete;
+        HurryScope& operator=(const HurryScope&) = delete;
+
+    private:
+        QtRunLoop& loop_;
+    };
+
+protected:
+    /// The main queue has work.
+    void customEvent(QEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    bool hasNothingToWaitFor() const;
+    void postWake();
+    void setAlarm();
+
+    const std::thread::id mainThread_ = std::this_thread::get_id();
+    WorkQueue mainQueue_{[this] { postWake(); }};
+    /// Fires when the next timer is due.
+    QBasicTimer alarm_;
+    RunLoopTimers timers_{[this] { setAlarm(); }};
+    bool isInAHurry_ = false;
+};
+
+} // namespace vistrane

@@ -1,0 +1,281 @@
+#include "backends/qt/system/QtUserDefaults.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <QByteArray>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QString>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "backends/posix/Descriptor.h"
+#include "backends/posix/user_folders.h"
+#include "platform/foundation/NSString.h"
+
+namespace vistrane {
+
+namespace {
+
+using Values = std::map<std::string, QVariant>;
+
+/// Far more than the program ever writes, and few enough bytes for QSettings, which reads values
+/// that hold values by recursion.
+constexpr off_t longestFile = 1 << 16;
+
+/// The file's bytes. Returns 0 or the error number.
+int readFile(const std::string& path, QByteArray& text) {
+    // Anything but a regular file may block.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat facts {};
+    if (!file.isOpen() || ::fstat(file.number(), &facts) != 0) {
+        return errno;
+    }
+    if (!S_ISREG(facts.st_mode)) {
+        return EINVAL;
+    }
+    if (facts.st_size > longestFile) {
+        return EFBIG;
+    }
+    QFile reader;
+    if (!reader.open(file.number(), QIODevice::ReadOnly)) {
+        return EIO;
+    }
+    text = reader.readAll();
+    return reader.error() == QFile::NoError ? 0 : EIO;
+}
+
+/// How many values the lines of an INI file have; nothing when a line is none of such a file.
+std::optional<std::size_t> countValues(const QByteArray& text) {
+    std::size_t count = 0;
+    for (const QByteArray& each : text.split('\n')) {
+        const QByteArray line = each.trimmed();
+        if (line.isEmpty() || line.startsWith(';') ||
+            (line.startsWith('[') && line.endsWith(']'))) {
+            continue;
+        }
+        if (line.indexOf('=') < 1) {
+            return std::nullopt;
+        }
+        ++count;
+    }
+    return count;
+}
+
+std::optional<Values> parseIni(const std::string& path, const QByteArray& text) {
+    const QSettings file(QFile::decodeName(path.c_str()), QSettings::IniFormat);
+    Values values;
+    for (const QString& key : file.allKeys()) {
+        values[key.toStdString()] = file.value(key);
+    }
+    // QSettings takes the lines after an open quote for part of the value, and of two lines with
+    // one key the second. Saving would lose such lines.
+    return countValues(text) == values.size() ? std::optional(std::move(values)) : std::nullopt;
+}
+
+/// The format that the program wrote at first:
+///
+///     Vistrane settings 1
+///     "iData" = <76 02 ff>
+///     "iFPS" = 30
+///     end
+constexpr char firstFormatLine[] = "Vistrane settings 1\n";
+
+std::optional<Values> parseFirstFormat(const QByteArray& text) {
+    static const QRegularExpression setting(R"re(^"(\w+)" = (?:(-?\d+)|<([0-9a-f ]*)>)$)re",
+                                            QRegularExpression::MultilineOption);
+    Values values;
+    for (const QRegularExpressionMatch& each : setting.globalMatch(QString::fromLatin1(text))) {
+        values[each.captured(1).toStdString()] =
+            each.hasCaptured(3) ? QVariant(QByteArray::fromHex(each.captured(3).toLatin1()))
+                                : QVariant(each.captured(2));
+    }
+    const auto lines = static_cast<std::size_t>(text.count('\n'));
+    const bool isWhole = text.endsWith("\nend\n") && lines == values.size() + 2;
+    return isWhole ? std::optional(std::move(values)) : std::nullopt;
+}
+
+struct Stored {
+    /// The error number of a file that cannot be read, ENOENT for none at all.
+    int error = 0;
+    /// Nothing when they are damaged.
+    std::optional<Values> values;
+    bool isIni = false;
+};
+
+Stored readSettings(const std::string& path) {
+    QByteArray text;
+    if (const int error = readFile(path, text)) {
+        return {error, std::nullopt, false};
+    }
+    if (text.startsWith(firstFormatLine)) {
+        return {0, parseFirstFormat(text), false};
+    }
+    return {0, parseIni(path, text), true};
+}
+
+/// The file that `path` leads to through links, or `path` when there is none.
+std::filesystem::path behindLinks(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::canonical(path, error);
+    return error ? std::filesystem::path(path) : real;
+}
+
+/// Makes the file if there is none. QSettings keeps the permissions that it finds; a file that it
+/// makes itself can be read by others.
+int makePrivate(const std::string& path) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
+    return file.isOpen() && ::fchmod(file.number(), 0600) == 0 ? 0 : errno;
+}
+
+/// QSettings promises neither.
+int bringToDisk(const std::filesystem::path& path) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const int error = file.isOpen() ? syncToDisk(file.number()) : errno;
+    // The new entry is to last as well. Not every file system can promise that.
+    const Descriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_CLOEXEC));
+    syncToDisk(folder.number());
+    return error;
+}
+
+} // namespace
+
+QtUserDefaults::QtUserDefaults(std::string path, Log log)
+    : path_(std::move(path)), log_(std::move(log)) {
+    Stored stored = readSettings(path_);
+    if (stored.values) {
+        values_ = std::move(*stored.values);
+    } else if (stored.error == 0) {
+        setAside("goes on with its first ones");
+    } else if (stored.error != ENOENT) {
+        log_("The settings in '" + path_ + "' cannot be read: " + std::strerror(stored.error) +
+             ". The program goes on with its first ones and saves none.");
+        isReadable_ = false;
+    }
+}
+
+void QtUserDefaults::setAside(const std::string& remedy) {
+    const std::string damaged = behindLinks(path_).string();
+    std::string aside = damaged + ".damaged";
+    std::error_code error;
+    for (int number = 2; std::filesystem::symlink_status(aside, error).type() !=
+                         std::filesystem::file_type::not_found;
+         ++number) {
+        aside = damaged + ".damaged-" + std::to_string(number);
+    }
+    const bool isAside = std::rename(damaged.c_str(), aside.c_str()) == 0;
+    log_("The settings in '" + path_ + "' are damaged" +
+         (isAside ? " and were set aside as '" + aside + "'" : std::string()) + ". The program " +
+         remedy + ".");
+}
+
+QVariant QtUserDefaults::find(const std::string& key, QMetaType::Type type) const {
+    const auto entry = values_.find(key);
+    return entry != values_.end() && entry->second.typeId() == type ? entry->second : QVariant();
+}
+
+void QtUserDefaults::set(const std::string& key, const QVariant& value) {
+    values_[key] = value;
+    changed_.insert(key);
+}
+
+NSInteger QtUserDefaults::integerForKey(const std::string& key) const {
+    const std::optional<std::string> text = stringForKey(key);
+    return text ? integerValue(*text) : 0;
+}
+
+void QtUserDefaults::setInteger(NSInteger value, const std::string& key) {
+    set(key, QString::number(value));
+}
+
+std::optional<std::string> QtUserDefaults::stringForKey(const std::string& key) const {
+    const auto system = systemStrings_.find(key);
+    if (system != systemStrings_.end()) {
+        return system->second();
+    }
+    const QVariant value = find(key, QMetaType::QString);
+    return value.isValid() ? std::optional(value.toString().toStdString()) : std::nullopt;
+}
+
+std::optional<std::vector<std::uint8_t>>
+QtUserDefaults::objectForKey(const std::string& key) const {
+    const QVariant value = find(key, QMetaType::QByteArray);
+    if (!value.isValid()) {
+        return std::nullopt;
+    }
+    const QByteArray bytes = value.toByteArray();
+    return std::vector<std::uint8_t>(bytes.begin(), bytes.end());
+}
+
+void QtUserDefaults::setObject(const std::vector<std::uint8_t>& value, const std::string& key) {
+    set(key, QByteArray(reinterpret_cast<const char*>(value.data()),
+                        static_cast<qsizetype>(value.size())));
+}
+
+void QtUserDefaults::synchronize() {
+    if (changed_.empty() || !isReadable_) {
+        return;
+    }
+    const int error = save();
+    if (error == 0) {
+        changed_.clear();
+    }
+    if (error != std::exchange(reported_, error) && error != 0) {
+        log_("The settings cannot be written to '" + path_ + "': " + std::strerror(error) +
+             ". They are lost when the program ends.");
+    }
+}
+
+int QtUserDefaults::save() {
+    std::error_code ignored; // The file cannot be made then.
+    std::filesystem::create_directories(behindLinks(path_).parent_path(), ignored);
+    const Stored stored = readSettings(path_);
+    if (stored.error != 0 && stored.error != ENOENT) {
+        return stored.error;
+    }
+    if (stored.error == 0 && !stored.values) {
+        setAside("saves its own");
+    }
+    if (const int error = makePrivate(path_)) {
+        return error;
+    }
+    QSettings file(QFile::decodeName(path_.c_str()), QSettings::IniFormat);
+    const auto store = [&file](const std::string& key, const QVariant& value) {
+        const QString name = QString::fromStdString(key);
+        if (file.value(name) != value) {
+            file.setValue(name, value);
+        }
+    };
+    if (!stored.isIni || !stored.values) {
+        file.clear();
+        for (const auto& [key, value] : stored.values.value_or(values_)) {
+            store(key, value);
+        }
+    }
+    for (const std::string& key : changed_) {
+        store(key, values_.at(key));
+    }
+    file.sync();
+    // A file of another format leaves its own status, which hides a failure to replace it.
+    const bool isSaved = file.status() != QSettings::AccessError && readSettings(path_).isIni;
+    return isSaved ? bringToDisk(behindLinks(path_)) : EIO;
+}
+
+void QtUserDefaults::setSystemString(const std::string& key,
+                                     std::function<std::optional<std::string>()> answer) {
+    systemStrings_[key] = std::move(answer);
+}
+
+std::string settingsPath() {
+    return configurationFolder() + "/vistrane/settings";
+}
+
+} // namespace vistrane

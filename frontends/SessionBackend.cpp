@@ -1,0 +1,69 @@
+#include "frontends/SessionBackend.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+#include <utility>
+
+#include "backends/posix/EndingSignals.h"
+#include "backends/posix/threads.h"
+
+namespace vistrane {
+
+namespace {
+
+/// How long the end may wait for the main thread and for the folder's disk, which may not respond.
+constexpr std::chrono::seconds endTimeout{5};
+
+void waitWhile(const std::function<bool()>& condition) {
+    while (condition()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
+} // namespace
+
+SessionBackend::SessionBackend(QtRunLoop& loop, NSUserDefaults& defaults,
+                               std::function<void(const std::string&)> log,
+                               SessionObserver& observer, const Options& options)
+    : dispatch(loop),
+      foundation(loop, defaults, notificationCenter, std::move(log), options.version),
+      pictures(observer), cameras(dispatch, observer, options.cameras),
+      movies(observer, options.movies), loop_(loop), defaults_(defaults), observer_(observer) {}
+
+Platform SessionBackend::platform(AppKit& appKit) {
+    return {foundation, appKit, avFoundation, coreVideo, coreGraphics, dispatch};
+}
+
+std::optional<NSError> SessionBackend::rememberFolder(const std::string& path) {
+    const BookmarkDataResult bookmark = foundation.bookmarkDataWithOptions(
+        NSURL::fileURLWithPath(path), NSURLBookmarkCreationWithSecurityScope);
+    if (bookmark.error) {
+        return bookmark.error;
+    }
+    defaults_.setObject(bookmark.data, "iData");
+    defaults_.synchronize();
+    return std::nullopt;
+}
+
+void SessionBackend::handleSignals(const Endings& endings) {
+    EndingSignals::handle({[this, endings](int status) {
+                               loop_.mainQueue().async([endings, status] { endings.end(status); });
+                           },
+                           [this, endings](int status) { endWithoutMainThread(status, endings); }});
+}
+
+/// A frame that is being written is waited for, and unfinished movies are removed.
+void SessionBackend::endWithoutMainThread(int status, const Endings& endings) {
+    startDetachedThread([status] {
+        std::this_thread::sleep_for(endTimeout);
+        std::_Exit(status);
+    });
+    waitWhile(endings.isEnding);
+    waitWhile([this] { return observer_.isWritingFile(); });
+    movies.abandonAll();
+    endings.cleanUp();
+    std::_Exit(status);
+}
+
+} // namespace vistrane

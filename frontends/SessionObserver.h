@@ -1,0 +1,50 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <utility>
+
+#include "backends/cameras/CameraObserver.h"
+#include "backends/movies/MovieObserver.h"
+#include "backends/pictures/PictureObserver.h"
+
+namespace vistrane {
+
+/// Writes what the media report into the front end's log. A front end that needs more overrides
+/// the methods.
+class SessionObserver : public PictureObserver, public MovieObserver, public CameraObserver {
+public:
+    /// `log` takes one message without a line end, on any thread, and returns at once.
+    explicit SessionObserver(std::function<void(const std::string&)> log) : log_(std::move(log)) {}
+    virtual ~SessionObserver() = default;
+
+    void imageCouldNotBeRead(const std::string&, const NSError& reason) override {
+        log_(reason.localizedDescription);
+    }
+    void fileIsBeingWritten(const std::string&) override { isWritingFile_ = true; }
+    void fileWasWritten(const std::string&) override { isWritingFile_ = false; }
+    void fileCouldNotBeWritten(const std::string&, const NSError& reason) override {
+        isWritingFile_ = false;
+        logLostFrame(reason);
+    }
+    void pictureWasRefused(const NSError& reason) override { log_(reason.localizedDescription); }
+    void movieFailed(const std::string&, const NSError& reason) override {
+        log_(reason.localizedDescription);
+    }
+    void cameraChanged(const std::string& message) override { log_(message); }
+
+    /// Whether a frame's file is still being written. Any thread.
+    bool isWritingFile() const { return isWritingFile_; }
+
+protected:
+    void logLostFrame(const NSError& reason) {
+        log_("A frame is lost: " + reason.localizedDescription);
+    }
+
+private:
+    const std::function<void(const std::string&)> log_;
+    std::atomic<bool> isWritingFile_{false};
+};
+
+} // namespace vistrane

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "backends/qt/loop/QtRunLoop.h"
+#include "frontends/SessionObserver.h"
+#include "frontends/commandline/CompileReport.h"
+
+namespace vistrane {
+
+/// The result of a compile: a whole movie, or the reason why there is none.
+struct MovieOutcome {
+    std::string path;
+    std::optional<NSError> error;
+};
+
+/// Passes what the media report to the command that runs, and keeps the compile report.
+class CommandObserver final : public SessionObserver {
+public:
+    CommandObserver(std::function<void(const std::string&)> log, QtRunLoop& loop,
+                    CompileReport& report)
+        : SessionObserver(std::move(log)), loop_(loop), report_(report) {}
+
+    // ---- Main thread ---------------------------------------------------------------------------
+    std::function<void(const std::string& path)> frameWasSaved;
+    std::function<void()> frameCouldNotBeSaved;
+    /// Set when a compile has ended.
+    std::optional<MovieOutcome> movieOutcome;
+
+    // ---- Any thread ----------------------------------------------------------------------------
+    void imageCouldNotBeRead(const std::string& path, const NSError& reason) override;
+    void fileWasWritten(const std::string& path) override;
+    void fileCouldNotBeWritten(const std::string& path, const NSError& reason) override;
+    void pictureWasAppended() override { report_.frameWasAppended(); }
+    void pictureWasRefused(const NSError& reason) override { report_.frameWasRefused(reason); }
+    void movieIsWhole(const std::string& path) override { setOutcome({path, std::nullopt}); }
+    void movieFailed(const std::string& path, const NSError& reason) override {
+        setOutcome({path, reason});
+    }
+
+private:
+    void stillIsLost();
+    void setOutcome(MovieOutcome outcome);
+
+    QtRunLoop& loop_;
+    CompileReport& report_;
+};
+
+} // namespace vistrane

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <array>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "backends/movies/MovieObserver.h"
+#include "backends/movies/Movies.h"
+#include "backends/pictures/PixelBuffer.h"
+#include "tests/support/WorkFolder.h"
+
+namespace vistrane {
+
+/// Records what a writer reports, and lets a test wait for a movie's end. Any thread.
+class RecordingObserver final : public MovieObserver {
+public:
+    void pictureWasAppended() override;
+    void pictureWasRefused(const NSError& reason) override;
+    void movieIsWhole(const std::string& path) override;
+    void movieFailed(const std::string& path, const NSError& reason) override;
+
+    int appended() const;
+    std::vector<NSError> refusals() const;
+
+    /// Waits for the movie's end: nothing when it is complete, else the reason.
+    std::optional<NSError> outcome(const std::string& path);
+    bool hasOutcome(const std::string& path) const;
+
+private:
+    void end(const std::string& path, std::optional<NSError> error);
+
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    int appended_ = 0;
+    std::vector<NSError> refusals_;
+    std::map<std::string, std::optional<NSError>> outcomes_;
+};
+
+struct BufferRelease {
+    void operator()(PixelBuffer* buffer) const { buffer->release(); }
+};
+using BufferPointer = std::unique_ptr<PixelBuffer, BufferRelease>;
+
+using Rgb = std::array<int, 3>;
+
+/// A buffer whose pixels `color(x, y)` gives.
+BufferPointer paint(std::size_t width, std::size_t height,
+                    const std::function<Rgb(std::size_t x, std::size_t y)>& color);
+BufferPointer plain(std::size_t width, std::size_t height, Rgb color);
+/// Differs for each index and compresses badly.
+BufferPointer noise(std::size_t width, std::size_t height, int index);
+/// A soft moving scene, for which the encoder reorders pictures.
+BufferPointer scene(std::size_t width, std::size_t height, int index);
+
+/// The settings of a track as the program gives them.
+NSDictionary trackSettings(std::int64_t width, std::int64_t height);
+
+/// The time of frame `index` as the program gives it: 0, then index + 1.
+CMTime frameTime(int index, int frameRate = 25);
+
+/// The three objects of one movie, made as the program makes them, and started.
+struct OpenMovie {
+    OpenMovie(Movies& movies, const std::string& path, std::int64_t width, std::int64_t height);
+
+    bool append(const BufferPointer& buffer, CMTime time) {
+        return adaptor->appendPixelBuffer(buffer.get(), time);
+    }
+    /// Appends frames 0 and on, each `picture(width, height, index)`. How many were taken.
+    int appendFrames(int count, BufferPointer (*picture)(std::size_t, std::size_t, int) = scene,
+                     int frameRate = 25);
+    void finish(std::function<void()> handler = [] {});
+
+    std::size_t width;
+    std::size_t height;
+    std::shared_ptr<AVAssetWriter> writer;
+    std::shared_ptr<AVAssetWriterInput> input;
+    std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor> adaptor;
+    std::optional<NSError> creationError;
+    bool hasStarted = false;
+};
+
+/// A folder, and one movie in it.
+class MovieTest : public testing::Test {
+protected:
+    AVAssetWriterResult create(const std::string& where) {
+        return movies.assetWriterWithURL(NSURL::fileURLWithPath(where), AVFileTypeQuickTimeMovie);
+    }
+    OpenMovie open(std::int64_t width = 64, std::int64_t height = 48) {
+        return {movies, path, width, height};
+    }
+    /// A movie of frames of `scene`, to its end.
+    void make(int frames, int frameRate = 25, std::int64_t width = 64, std::int64_t height = 48) {
+        OpenMovie movie = open(width, height);
+        ASSERT_EQ(movie.appendFrames(frames, scene, frameRate), frames);
+        finish(movie);
+    }
+    void finish(OpenMovie& movie) {
+        movie.finish();
+        ASSERT_EQ(observer.outcome(path), std::nullopt);
+    }
+
+    WorkFolder folder;
+    RecordingObserver observer;
+    Movies movies{observer};
+    const std::string path = folder / "m.mov";
+};
+
+} // namespace vistrane

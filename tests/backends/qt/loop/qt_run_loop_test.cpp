@@ -1,0 +1,210 @@
+#include "backends/qt/loop/QtRunLoop.h"
+
+#include <algorithm>
+#include <clocale>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <QEventLoop>
+#include <QTimer>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include "backends/posix/clock.h"
+
+namespace vistrane {
+namespace {
+
+/// Runs one of Qt's own loops until `done`, for a minute at most. Returns `done()`.
+bool execUntil(const std::function<bool()>& done) {
+    QEventLoop events;
+    QTimer check;
+    QObject::connect(&check, &QTimer::timeout, [&] {
+        if (done()) {
+            events.quit();
+        }
+    });
+    check.start(2);
+    QTimer::singleShot(60000, &events, &QEventLoop::quit);
+    events.exec();
+    return done();
+}
+
+void runFor(QtRunLoop& loop, double seconds) {
+    loop.runUntilDate({wallClockNow().timeIntervalSince1970 + seconds});
+}
+
+TEST(QtRunLoop, TimersAndWorkRunInQtsOwnLoop) {
+    QtRunLoop loop;
+    int ticks = 0;
+    int worked = 0;
+    const auto timer = loop.scheduleTimer(
+        0.002, [&](NSTimer&) { ++ticks; }, true);
+    std::thread other([&] {
+        for (int number = 0; number < 100; ++number) {
+            loop.mainQueue().async([&] { ++worked; });
+        }
+    });
+    EXPECT_TRUE(execUntil([&] { return ticks >= 3 && worked == 100; }));
+    other.join();
+}
+
+TEST(QtRunLoop, RunUntilDateRunsQtsEvents) {
+    QtRunLoop loop;
+    bool came = false;
+    QTimer::singleShot(1, [&] { came = true; });
+    runFor(loop, 0.1);
+    EXPECT_TRUE(came);
+}
+
+TEST(QtRunLoop, TimersDoNotTickInAModalScopeAndTickOnceAfterIt) {
+    QtRunLoop loop;
+    int ticks = 0;
+    bool worked = false;
+    const auto timer = loop.scheduleTimer(
+        0.02, [&](NSTimer&) { ++ticks; }, true);
+    {
+        const QtRunLoop::ModalScope modal(loop);
+        loop.mainQueue().async([&] { worked = true; });
+        runFor(loop, 0.5);
+        EXPECT_EQ(ticks, 0);
+        EXPECT_TRUE(worked);
+    }
+    loop.runUntilDate({0.0});
+    EXPECT_EQ(ticks, 1);
+    EXPECT_TRUE(execUntil([&] { return ticks > 2; }));
+}
+
+TEST(QtRunLoop, WorkThatAddsWorkDoesNotStarveTimers) {
+    QtRunLoop loop;
+    bool ended = false;
+    std::function<void()> again = [&] {
+        if (!ended) {
+            loop.mainQueue().async(again);
+        }
+    };
+    loop.mainQueue().async(again);
+    const auto timer = loop.scheduleTimer(
+        0.002, [&](NSTimer&) { ended = true; }, false);
+    EXPECT_TRUE(execUntil([&] { return ended; }));
+}
+
+TEST(QtRunLoop, AnItemThatRunsTheLoopRunsTheItemsAfterIt) {
+    QtRunLoop loop;
+    std::string order;
+    loop.mainQueue().async([&] {
+        order += '(';
+        EXPECT_TRUE(execUntil([&] { return order == "(ab"; }));
+        order += ')';
+    });
+    loop.mainQueue().async([&] { order += 'a'; });
+    loop.mainQueue().async([&] { order += 'b'; });
+    EXPECT_TRUE(execUntil([&] { return order.size() == 4; }));
+    EXPECT_EQ(order, "(ab)");
+}
+
+TEST(QtRunLoop, ATickThatRunsTheLoopIsNotNested) {
+    QtRunLoop loop;
+    int depth = 0;
+    int deepest = 0;
+    int ticks = 0;
+    const auto timer = loop.scheduleTimer(
+        0.001,
+        [&](NSTimer&) {
+            deepest = std::max(deepest, ++depth);
+            ++ticks;
+            runFor(loop, 0.01);
+            --depth;
+        },
+        true);
+    EXPECT_TRUE(execUntil([&] { return ticks >= 3; }));
+    EXPECT_EQ(deepest, 1);
+}
+
+TEST(QtRunLoop, EveryDateAndIntervalIsAccepted) {
+    QtRunLoop loop;
+    using Limits = std::numeric_limits<double>;
+    int ticks = 0;
+    for (const double interval : {Limits::infinity(), Limits::max(), 1e15, 3599999.0}) {
+        const auto timer = loop.scheduleTimer(
+            interval, [&](NSTimer&) { ++ticks; }, true);
+        runFor(loop, 0.01);
+        EXPECT_EQ(ticks, 0) << interval;
+        timer->invalidate();
+    }
+    const auto timer = loop.scheduleTimer(
+        Limits::quiet_NaN(), [&](NSTimer&) { ++ticks; }, false);
+    EXPECT_TRUE(execUntil([&] { return ticks == 1; }));
+    loop.runUntilDate({Limits::quiet_NaN()});
+    loop.runUntilDate({-Limits::infinity()});
+}
+
+TEST(QtRunLoop, SleepsWhileNothingIsDue) {
+    QtRunLoop loop;
+    const auto timer = loop.scheduleTimer(
+        3599999.0, [](NSTimer&) {}, true);
+    rusage before{};
+    getrusage(RUSAGE_THREAD, &before);
+    runFor(loop, 0.3);
+    rusage after{};
+    getrusage(RUSAGE_THREAD, &after);
+    // A loop that spins takes all of the 300,000 microseconds.
+    const long microseconds = (after.ru_utime.tv_sec - before.ru_utime.tv_sec) * 1000000 +
+                              after.ru_utime.tv_usec - before.ru_utime.tv_usec;
+    EXPECT_LT(microseconds, 100000);
+}
+
+TEST(QtRunLoop, InAHurryItWaitsOnlyForTimersAndQueuedWork) {
+    QtRunLoop loop;
+    // Without the hurry the test would not end.
+    const NSDate farAway{wallClockNow().timeIntervalSince1970 + 1e6};
+    const QtRunLoop::HurryScope hurry(loop);
+    loop.runUntilDate(farAway);
+
+    int worked = 0;
+    loop.mainQueue().async([&] { loop.mainQueue().async([&] { ++worked; }); });
+    const auto timer = loop.scheduleTimer(
+        0.02, [&](NSTimer&) { ++worked; }, false);
+    loop.runUntilDate(farAway);
+    EXPECT_EQ(worked, 2);
+}
+
+TEST(QtRunLoop, KnowsItsThread) {
+    QtRunLoop loop;
+    EXPECT_TRUE(loop.isMainThread());
+    std::thread([&] { EXPECT_FALSE(loop.isMainThread()); }).join();
+}
+
+TEST(QtRunLoop, TimersThatOutliveTheLoopAreInvalid) {
+    std::shared_ptr<NSTimer> timer;
+    {
+        QtRunLoop loop;
+        timer = loop.scheduleTimer(
+            3600.0, [](NSTimer&) {}, true);
+    }
+    EXPECT_FALSE(timer->isValid());
+    timer->fire();
+    timer->invalidate();
+}
+
+TEST(QtRunLoop, ATicksCaptureMayInvalidateAnotherTimerWhenItIsDestroyed) {
+    QtRunLoop loop;
+    const auto other = loop.scheduleTimer(
+        3600.0, [](NSTimer&) {}, true);
+    auto captured = std::shared_ptr<void>(nullptr, [other](void*) { other->invalidate(); });
+    const auto timer = loop.scheduleTimer(
+        3600.0, [held = std::move(captured)](NSTimer&) {}, true);
+    timer->invalidate();
+    EXPECT_FALSE(other->isValid());
+}
+
+/// `main` set LC_ALL to "C.UTF-8", which QCoreApplication by itself would adopt.
+TEST(CoreApplication, LeavesTheLocaleAlone) {
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+}
+
+} // namespace
+} // namespace vistrane

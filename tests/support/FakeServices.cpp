@@ -1,0 +1,143 @@
+#include "tests/support/FakeServices.h"
+
+#include <algorithm>
+#include <memory>
+
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <gtest/gtest.h>
+
+namespace vistrane {
+
+namespace {
+
+constexpr char portalService[] = "org.freedesktop.portal.Desktop";
+constexpr char readSetting[] = "org.freedesktop.portal.Settings.Read";
+
+/// In two variants, as the portal's older method answers.
+QVariant wrappedTwice(const QVariant& value) {
+    return QVariant::fromValue(QDBusVariant(QVariant::fromValue(QDBusVariant(value))));
+}
+
+std::string textOf(const QDBusMessage& call) {
+    QStringList arguments;
+    for (const QVariant& each : call.arguments()) {
+        arguments << each.toString();
+    }
+    return (call.path() + " " + call.interface() + "." + call.member() + "(" +
+            arguments.join(", ") + ")")
+        .toStdString();
+}
+
+} // namespace
+
+class FakeServices::Object final : public QDBusVirtualObject {
+public:
+    explicit Object(FakeServices& services) : services_(services) {}
+
+    QString introspect(const QString&) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override {
+        const std::string method = (call.interface() + "." + call.member()).toStdString();
+        const std::lock_guard lock(services_.mutex_);
+        services_.calls_.push_back(textOf(call));
+        const auto& ignored = services_.ignored_;
+        if (std::find(ignored.begin(), ignored.end(), method) != ignored.end()) {
+            return true;
+        }
+        const auto answer = services_.answers_.find(method);
+        connection.send(answer == services_.answers_.end()
+                            ? call.createErrorReply(QDBusError::UnknownMethod, "unknown")
+                            : call.createReply(answer->second));
+        return true;
+    }
+
+private:
+    FakeServices& services_;
+};
+
+FakeServices::FakeServices(const std::string& busAddress)
+    : object_(new Object(*this)),
+      bus_(QDBusConnection::connectToBus(QString::fromStdString(busAddress), "fake services")) {
+    bus_.registerVirtualObject("/", object_, QDBusConnection::SubPath);
+    thread_.start();
+    object_->moveToThread(&thread_);
+}
+
+FakeServices& FakeServices::shared() {
+    /// Destroys them after the last test, while there is an application.
+    class Owner final : public ::testing::Environment {
+    public:
+        void TearDown() override { services_.reset(); }
+        FakeServices& services() { return *services_; }
+
+    private:
+        std::unique_ptr<FakeServices> services_ = std::make_unique<FakeServices>(
+            qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS").toStdString());
+    };
+    static auto& owner = dynamic_cast<Owner&>(*::testing::AddGlobalTestEnvironment(new Owner));
+    return owner.services();
+}
+
+FakeServices::~FakeServices() {
+    bus_.unregisterObject("/", QDBusConnection::UnregisterTree);
+    QDBusConnection::disconnectFromBus(bus_.name());
+    object_->deleteLater();
+    thread_.quit();
+    thread_.wait();
+}
+
+void FakeServices::reset() {
+    for (const QString& each : offered_) {
+        bus_.unregisterService(each);
+    }
+    const std::lock_guard lock(mutex_);
+    offered_.clear();
+    answers_.clear();
+    ignored_.clear();
+    calls_.clear();
+}
+
+void FakeServices::offer(const QString& service) {
+    bus_.registerService(service);
+    offered_ << service;
+}
+
+void FakeServices::answer(const std::string& method, const QVariantList& arguments) {
+    const std::lock_guard lock(mutex_);
+    answers_[method] = arguments;
+    ignored_.erase(std::remove(ignored_.begin(), ignored_.end(), method), ignored_.end());
+}
+
+void FakeServices::ignore(const std::string& method) {
+    const std::lock_guard lock(mutex_);
+    ignored_.push_back(method);
+}
+
+void FakeServices::offerScheme(const QVariant& scheme) {
+    offer(portalService);
+    answer(readSetting, {wrappedTwice(scheme)});
+}
+
+void FakeServices::sendSetting(const QString& group, const QString& key, const QVariant& value) {
+    QDBusMessage signal = QDBusMessage::createSignal(
+        "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "SettingChanged");
+    signal << group << key << QVariant::fromValue(QDBusVariant(value));
+    bus_.send(signal);
+}
+
+void FakeServices::switchTo(ColourScheme scheme) {
+    const QVariant value(static_cast<unsigned>(scheme));
+    answer(readSetting, {wrappedTwice(value)});
+    sendSetting("org.freedesktop.appearance", "color-scheme", value);
+}
+
+int FakeServices::countOf(const std::string& part) const {
+    const std::lock_guard lock(mutex_);
+    return static_cast<int>(std::count_if(calls_.begin(), calls_.end(), [&part](const auto& call) {
+        return call.find(part) != std::string::npos;
+    }));
+}
+
+} // namespace vistrane

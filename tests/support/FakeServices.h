@@ -1,0 +1,65 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <QDBusConnection>
+#include <QStringList>
+#include <QThread>
+#include <QVariant>
+
+namespace vistrane {
+
+/// Values of the portal's "color-scheme".
+enum class ColourScheme : unsigned { none = 0, dark = 1, light = 2 };
+
+/// Desktop services on a message bus. They answer on a thread of their own, so that a caller may
+/// wait for them on the main thread. Needs a QCoreApplication. Any thread.
+class FakeServices {
+public:
+    explicit FakeServices(const std::string& busAddress);
+    ~FakeServices();
+    FakeServices(const FakeServices&) = delete;
+    FakeServices& operator=(const FakeServices&) = delete;
+
+    /// One instance for all tests of a program, on the session bus: a bus tells its clients late
+    /// that a service has come or gone.
+    static FakeServices& shared();
+
+    /// Offers a service. Calls without an answer are refused as unknown.
+    void offer(const QString& service);
+    /// Answers calls of that method, given as "interface.method".
+    void answer(const std::string& method, const QVariantList& arguments);
+    /// Leaves calls unanswered, as a service does that hangs.
+    void ignore(const std::string& method);
+
+    /// Offers the desktop portal, which answers with that scheme.
+    void offerScheme(const QVariant& scheme);
+    /// Sends the signal that a setting of the portal has changed.
+    void sendSetting(const QString& group, const QString& key, const QVariant& value);
+    /// Changes the scheme and sends the signal.
+    void switchTo(ColourScheme scheme);
+
+    /// The number of calls whose text, "path interface.method(argument, argument)", has that part.
+    int countOf(const std::string& part) const;
+
+    /// Withdraws every service and forgets every call.
+    void reset();
+
+private:
+    class Object;
+
+    QThread thread_;
+    Object* object_;
+    QDBusConnection bus_;
+    mutable std::mutex mutex_;
+    QStringList offered_;
+    std::map<std::string, QVariantList> answers_;
+    std::vector<std::string> ignored_;
+    std::vector<std::string> calls_;
+};
+
+} // namespace vistrane
