@@ -10,6 +10,7 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QLockFile>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QString>
@@ -136,6 +137,16 @@ int makePrivate(const std::string& path) {
     return file.isOpen() && ::fchmod(file.number(), 0600) == 0 ? 0 : errno;
 }
 
+/// Removes the lock of an instance that was stopped while it saved. QSettings would wait for it
+/// without end.
+void waitForLock(const std::string& path) {
+    const QString name = QFile::decodeName((path + ".lock").c_str());
+    QLockFile lock(name);
+    if (!lock.tryLock(500) && lock.error() == QLockFile::LockFailedError) {
+        QFile::remove(name);
+    }
+}
+
 /// QSettings promises neither.
 int bringToDisk(const std::filesystem::path& path) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -247,6 +258,7 @@ int QtUserDefaults::save() {
     if (const int error = makePrivate(path_)) {
         return error;
     }
+    waitForLock(path_);
     QSettings file(QFile::decodeName(path_.c_str()), QSettings::IniFormat);
     const auto store = [&file](const std::string& key, const QVariant& value) {
         const QString name = QString::fromStdString(key);

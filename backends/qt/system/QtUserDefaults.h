@@ -37,8 +37,9 @@ public:
     std::optional<std::string> stringForKey(const std::string& key) const override;
     std::optional<std::vector<std::uint8_t>> objectForKey(const std::string& key) const override;
     void setObject(const std::vector<std::uint8_t>& value, const std::string& key) override;
-    /// Waits while another instance saves; a lock that a crashed instance left is ignored, that of
-    /// a stopped one after 30 seconds. The log says when the values could not be written.
+    /// Waits while another instance saves, for half a second at most: it may have been stopped. A
+    /// lock that a crashed instance left is ignored. The log says when the values could not be
+    /// written.
     void synchronize() override;
 
     /// From now on the text of `key` is asked of the system, whatever the file says.

@@ -6,6 +6,8 @@
 #include <iterator>
 #include <random>
 
+#include <QLockFile>
+
 #include <gmock/gmock.h>
 
 #include <sys/stat.h>
@@ -304,6 +306,14 @@ TEST_F(QtUserDefaultsTest, AFileThatWasRemovedMeanwhileIsWrittenWhole) {
 TEST_F(QtUserDefaultsTest, TheLockOfACrashedInstanceIsIgnored) {
     // The number of no process, as the lock's owner.
     write(path_ + ".lock", "4194305\nvistrane\n\n\n\n");
+    QtUserDefaults defaults = open();
+    saveHour(defaults, 7);
+    EXPECT_EQ(open().integerForKey("iHour"), 7);
+}
+
+TEST_F(QtUserDefaultsTest, AnInstanceThatWasStoppedWhileItSavedHoldsNobodyUp) {
+    QLockFile lockOfTheStopped(QString::fromStdString(path_ + ".lock"));
+    ASSERT_TRUE(lockOfTheStopped.lock());
     QtUserDefaults defaults = open();
     saveHour(defaults, 7);
     EXPECT_EQ(open().integerForKey("iHour"), 7);
