@@ -67,12 +67,6 @@ TYPED_TEST_P(LocaleContract, TiesAreBrokenByCodePoint) {
     EXPECT_EQ(this->compare("b1", "B2"), NSOrderedAscending);
 }
 
-TYPED_TEST_P(LocaleContract, WidthDoesNotCount) {
-    EXPECT_EQ(this->compare("Ａ1", "a2"), NSOrderedAscending);
-    EXPECT_EQ(this->compare("a1", "Ａ2"), NSOrderedAscending);
-    EXPECT_EQ(this->compare("a２", "a10"), NSOrderedAscending);
-}
-
 TYPED_TEST_P(LocaleContract, TheRangeLimitsTheFirstStringOnly) {
     EXPECT_EQ(this->locale_->compare("abcdef", "cd", this->allOptions, {2, 2}), NSOrderedSame);
     EXPECT_EQ(this->locale_->compare("abc", "abc", this->allOptions, {0, 2}), NSOrderedAscending);
@@ -100,8 +94,7 @@ TYPED_TEST_P(LocaleContract, NoTextAndOneTextAreSorted) {
 
 REGISTER_TYPED_TEST_SUITE_P(LocaleContract, NumbersCountByValueAndCaseDoesNotCount,
                             FrameStampsSortByTime, OnlyTheSameBytesAreTheSame,
-                            TiesAreBrokenByCodePoint, WidthDoesNotCount,
-                            TheRangeLimitsTheFirstStringOnly, TextsAreSortedAsTheyCompare,
-                            NoTextAndOneTextAreSorted);
+                            TiesAreBrokenByCodePoint, TheRangeLimitsTheFirstStringOnly,
+                            TextsAreSortedAsTheyCompare, NoTextAndOneTextAreSorted);
 
 } // namespace vistrane

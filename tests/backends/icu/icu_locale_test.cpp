@@ -134,6 +134,7 @@ bool areEqualToTheCollation(const char* locale, const std::string& first,
 
 TEST(IcuLocale, CaseWidthAndCompositionDoNotCount) {
     EXPECT_TRUE(areEqualToTheCollation("en_US", "frame", "ＦＲＡＭＥ"));
+    EXPECT_EQ(compare("en_US", "a２", "a10"), NSOrderedAscending);
     EXPECT_TRUE(areEqualToTheCollation("en_US", "カ", "ｶ"));
     EXPECT_TRUE(areEqualToTheCollation("en_US", "é", "e\u0301"));
     // The same letter with its marks in either order.

@@ -189,6 +189,7 @@ TEST_F(MovieWriter, FramesThatAreListedDuringThePassAreWrittenToo) {
     saveFolder();
     setFrames(2);
     launch();
+    slider("fpsS").drag(25.0);
     sim.advance(0.1);
     beforePicture(1, [&] {
         sim.files().addFile(path(2));
