@@ -65,17 +65,20 @@ void addMovieOptions(CLI::App& app, MovieArguments& movie) {
 std::vector<std::string> splitAtEquals(const CLI::App& app,
                                        const std::vector<std::string>& arguments) {
     std::vector<std::string> result;
+    bool isValue = false;
     for (auto at = arguments.begin(); at != arguments.end(); ++at) {
-        if (*at == "--") {
+        if (*at == "--" && !isValue) {
             result.insert(result.end(), at, arguments.end());
             break;
         }
         const std::size_t equals = at->find('=');
         const CLI::Option* const option =
-            equals == std::string::npos ? nullptr : app.get_option_no_throw(at->substr(0, equals));
-        if (option == nullptr) {
+            isValue ? nullptr : app.get_option_no_throw(at->substr(0, equals));
+        const bool isFlag = option != nullptr && option->get_items_expected_max() == 0;
+        isValue = option != nullptr && !isFlag && equals == std::string::npos;
+        if (option == nullptr || equals == std::string::npos) {
             result.push_back(*at);
-        } else if (option->get_items_expected_max() == 0) {
+        } else if (isFlag) {
             throw UsageError(option->get_name() + " takes no value.");
         } else {
             result.push_back(option->get_name());

@@ -119,6 +119,8 @@ TEST(Arguments, ValuesAndFoldersAreTakenLiterally) {
         EXPECT_EQ(parsedAs<FramesCommand>({"frames", "--", text}).folder, text);
     }
     EXPECT_EQ(parsedAs<CaptureCommand>({"capture", "f", "--device=--d"}).device, "--d");
+    EXPECT_EQ(parsedAs<CaptureCommand>({"capture", "f", "--device", "--fps=25"}).device,
+              "--fps=25");
     EXPECT_EQ(parsedAs<FramesCommand>({"frames", "[a,b]"}).folder, "[a,b]");
     EXPECT_EQ(parsedAs<FramesCommand>({"frames", "-"}).folder, "-");
 }
