@@ -3,7 +3,7 @@
 // A tick is the controller's own, with the real file system and collation, and with controls and
 // pictures that cost nothing. It takes turns with its peer:
 //   quiet-tick     nothing has changed; the peer reads the folder with readdir
-//   quiet-tick-longest  the longest of these; the peer is 100 ms, when the next one is due
+//   quiet-tick-longest  the longest of these; the peer is 100 ms, the interval of the ticks
 //   new-frame-tick one frame is new; the peer is that of quiet-tick
 //   first-listing  a controller's first tick; QDir lists and QCollator compares
 //   first-listing  kind "sort-keys": the same, sorted by QCollator's keys
