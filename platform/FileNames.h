@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// The names of a folder's entries, in the order of their listing.
+/// The names of a folder's entries, in the order of the listing.
 ///
 /// The names are stored contiguously: a listing needs no allocation for each name, and comparing
 /// two listings is one comparison of memory. A view of a name is valid until the object is changed,
@@ -25,7 +25,7 @@ public:
         using reference = std::string_view;
 
         Iterator() = default;
-        /// `at`: the first byte of a name that a zero byte ends.
+        /// `at`: the first byte of a zero-terminated name.
         explicit Iterator(const char* at) : name_(at) {}
 
         reference operator*() const { return name_; }
@@ -49,28 +49,28 @@ public:
     using const_iterator = Iterator;
     using iterator = Iterator;
 
-    /// `name`: any bytes but zero.
+    /// `name` may hold any bytes except zero.
     void append(std::string_view name) {
         bytes_.append(name);
         bytes_.push_back('\0');
         ++count_;
     }
 
-    // The string's own zero byte stands at the end, where a name would begin.
+    // `end` points at the terminating zero of the string, so reading there is valid.
     Iterator begin() const { return Iterator(bytes_.c_str()); }
     Iterator end() const { return Iterator(bytes_.c_str() + bytes_.size()); }
     std::size_t size() const { return count_; }
     bool empty() const { return count_ == 0; }
 
-    /// The same names in the same order.
+    /// Whether the names and their order are the same.
     bool operator==(const FileNames& other) const { return bytes_ == other.bytes_; }
 
-    /// For readers who keep or change them.
+    /// A copy, for callers that keep or change the names.
     // NOLINTNEXTLINE(google-explicit-constructor): nothing but the names is lost
     operator std::vector<std::string>() const { return {begin(), end()}; }
 
 private:
-    /// Each name, ended by a zero byte.
+    /// The zero-terminated names, one after the other.
     std::string bytes_;
     std::size_t count_ = 0;
 };

@@ -8,11 +8,11 @@
 
 namespace vistrane {
 
-/// The outlets of an interface file as a table; a backend implements the rest. Main thread only.
+/// The outlets of an interface file as a table; a back end implements the rest. Main thread only.
 class NibOutlets : public NSNib {
 public:
-    /// Makes `control` the outlet of that name, replacing an earlier one. Null leaves the outlet
-    /// out.
+    /// Makes `control` the outlet of that name, replacing an earlier one. Null: the file lacks the
+    /// outlet.
     void addOutlet(const std::string& name, std::shared_ptr<NSObject> control);
 
     // A field is filled only with a control of its own type.

@@ -12,7 +12,7 @@ namespace {
 template <typename Integer>
 Integer rounded(double value) {
     using Limits = std::numeric_limits<Integer>;
-    // Both bounds are powers of two, up to sign: exact.
+    // The bounds are plus and minus a power of two, which a double holds exactly.
     const double above = -static_cast<double>(Limits::min());
     const double whole = std::round(value);
     if (whole >= above) {

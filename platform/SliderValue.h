@@ -6,8 +6,8 @@
 
 namespace vistrane {
 
-/// The value of a slider, by the rules that every backend shares. With a minimum above the maximum
-/// the value is the minimum. NaN is ignored. One thread at a time.
+/// The value of a slider, by the rules that every back end shares. If the minimum is above the
+/// maximum, the value is the minimum. NaN is ignored. One thread at a time.
 class SliderValue {
 public:
     SliderValue(double minimum, double maximum, double value);

@@ -20,7 +20,7 @@ public:
     void passUpTo(std::int64_t now) {
         const double passed = static_cast<double>(now - start_) / (interval_ * 1e9);
         const auto estimate = static_cast<std::int64_t>(std::floor(passed));
-        // The division may be off by one either way; the dates themselves decide.
+        // The estimate may be off by one in either direction, so compare the dates.
         number_ = estimate > number_ ? estimate - 1 : number_;
         do {
             ++number_;

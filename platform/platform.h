@@ -9,9 +9,9 @@ class CoreVideo;
 class Dispatch;
 class Foundation;
 
-/// All that the program asks of the system it runs on: one interface for each kit. A front end
-/// builds the kits; they outlive every object that was given this struct. Each kit says which
-/// threads may use it.
+/// Everything that the program needs from the system: one interface for each kit. A front end
+/// creates the kits; they outlive every object that uses this struct. Each kit says which threads
+/// may use it.
 struct Platform {
     Foundation& foundation;
     AppKit& appKit;

@@ -6,8 +6,8 @@ namespace vistrane {
 
 namespace {
 
-/// The length in bytes of the UTF-8 character at the start of the text; 0 when it is invalid.
-/// Follows RFC 3629: no overlong forms, no surrogates, nothing above U+10FFFF.
+/// The length in bytes of the UTF-8 character at the start of the text; 0 if it is invalid. Follows
+/// RFC 3629: no overlong forms, no surrogates, nothing above U+10FFFF.
 std::size_t characterLength(std::string_view text) {
     const auto byte = [&](std::size_t i) {
         return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;

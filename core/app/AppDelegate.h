@@ -55,8 +55,8 @@ struct PictureSize;
 ///
 /// Everything runs on the main thread, except `threadMain`, `crateMovieFile` and
 /// `fastImageFromNSImage`, which run on the compile thread; docs/threads.md says what that thread
-/// touches. The controller outlives its timers, threads and queued work: it lives as long as the
-/// process. Actions take the sender and ignore it.
+/// touches. The controller lives as long as the process, so it outlives its timers, threads and
+/// queued work. Actions ignore their sender.
 ///
 /// Several names are misspelled on purpose: they are part of the interface.
 class AppDelegate : public NSObject,
@@ -67,8 +67,8 @@ public:
     explicit AppDelegate(const Platform& platform);
 
     // ---- Outlets: filled from the interface file, never replaced ------------------------------
-    // Controls double as state: the folder is outfolderB's title, the current frame photoSlider's
-    // value, the capture mode startB's title.
+    // Controls also hold state: outfolderB's title is the folder, photoSlider's value the current
+    // frame, startB's title the capture mode.
     std::shared_ptr<NSWindow> myWindow;
     std::shared_ptr<NSTextField> hInput; ///< interval: hours, minutes, seconds
     std::shared_ptr<NSTextField> mInput;
@@ -78,7 +78,7 @@ public:
     std::shared_ptr<NSSlider> fpsS;
     std::shared_ptr<NSButton> startB;
     std::shared_ptr<NSButton> oneB;
-    /// Saved and restored; on purpose nothing else acts on it.
+    /// Saved and restored. Has no other effect, on purpose.
     std::shared_ptr<NSButton> slowB;
     std::shared_ptr<NSButton> compilingB;
     /// The title is the folder's path or the placeholder; written by the project folder only.
@@ -89,7 +89,7 @@ public:
     /// May be missing.
     std::shared_ptr<NSView> previewView;
     std::shared_ptr<NSSlider> photoSlider;
-    /// Written by stills, frame list, preview and, through the main queue, the compile job.
+    /// Written by stills, frame list, preview and (through the main queue) the compile job.
     std::shared_ptr<NSImageView> myDisplay;
     std::shared_ptr<NSTextField> currentS;
     std::shared_ptr<NSProgressIndicator> progressBar;
@@ -104,7 +104,7 @@ public:
 
     // ---- Written by the devices ----------------------------------------------------------------
     std::shared_ptr<AVCaptureDeviceDiscoverySession> allDivicesDiscovery;
-    /// Kept for reference; nothing reads it.
+    /// Written, but never read.
     std::shared_ptr<AVCaptureConnection> con;
     /// Written at launch.
     std::shared_ptr<AVCapturePhotoOutput> stillPhotoOutput;
@@ -116,8 +116,8 @@ public:
     Published<const std::string> finalMoviePath;
 
     // ---- Written by the frame list -------------------------------------------------------------
-    /// Full paths, sorted; null before the first listing. Replaced whole, and only when its
-    /// contents differ. Read live by the compile thread.
+    /// Full paths, sorted; null before the first listing. Replaced whole, and only if its contents
+    /// differ. The compile thread reads the current list at every step.
     Published<const std::vector<std::string>> pictureArray;
 
     // ---- Written by the preview ----------------------------------------------------------------
@@ -133,18 +133,18 @@ public:
     Published<NSThread> myThread;
 
     // ---- Written by the project folder ---------------------------------------------------------
-    /// Empty until the folder dialog was first used; nothing reads it.
+    /// Empty until the folder dialog is first used. Never read.
     std::optional<std::string> gotFolder;
     std::optional<NSURL> bookmarkFileURL;
 
     // ---- Written by the schedule ---------------------------------------------------------------
-    /// Kept, invalid, after a stop.
+    /// After a stop the invalid timer is kept.
     std::shared_ptr<NSTimer> myTimer;
     /// Seconds; from 1 to 3,599,999 once `timeIntervalchanged` has run.
     std::int32_t realInterval = 0;
 
     // ---- Life cycle ----------------------------------------------------------------------------
-    /// Fills the outlets and offers the actions. Returns the names of the required outlets that
+    /// Fills the outlets and registers the actions. Returns the names of the required outlets that
     /// the interface file lacks.
     std::vector<std::string> connectInterface(NSNib& nib);
     /// Call once, after `connectInterface` and before the launch.
@@ -174,7 +174,7 @@ public:
     void refreshArray(NSObject* sender);
 
     // ---- Devices and session -------------------------------------------------------------------
-    /// Appends an item to the pop-up for each device that it returns, in the same order.
+    /// Also appends each returned device to the pop-up, in the same order.
     std::vector<std::shared_ptr<AVCaptureDevice>> devicesThatCanProduceVideo();
     void selectAVDevice(NSObject* sender);
 
@@ -194,11 +194,11 @@ public:
     void saveTheimage(const std::shared_ptr<NSImage>& image);
 
     // ---- Preview -------------------------------------------------------------------------------
-    /// Shows the frame under the frame slider. A running playback goes on from there.
+    /// Shows the frame that the slider selects. A running playback continues from there.
     void sliderDisplaying(NSObject* sender);
     /// Starts the playback at the first frame, or stops it.
     void playPictures(NSObject* sender);
-    /// Shows one frame, or ends the playback past the last.
+    /// Shows the next frame, or ends the playback after the last one.
     void startPlayTimer(NSTimer* timer);
 
     // ---- Compile job ---------------------------------------------------------------------------
@@ -211,8 +211,8 @@ public:
     void crateMovieFile();
 
     // ---- Pixel buffers: compile thread ---------------------------------------------------------
-    /// A new buffer of the picture's size in points, truncated, owned by the caller; null for a
-    /// missing picture or when nothing can be drawn.
+    /// Draws the picture into a new buffer of its size in points, truncated. The caller owns the
+    /// result. Null for a missing picture, or if nothing can be drawn.
     CVPixelBufferRef fastImageFromNSImage(const std::shared_ptr<NSImage>& image);
 
 private:
@@ -225,7 +225,7 @@ private:
     void postJobEnd();
 
     Platform platform_;
-    /// State of the frame list: the result of the last listing.
+    /// State of the frame list: the last listing and its frames.
     SortedFrames sortedFrames_;
 };
 

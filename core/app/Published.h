@@ -6,11 +6,11 @@
 
 namespace vistrane {
 
-/// A value that one thread replaces whole while another reads it. A reader keeps what it has
-/// loaded; a replacement never changes that.
+/// A value that one thread replaces whole while another reads it. A value that a reader has loaded
+/// stays valid and unchanged after a replacement.
 ///
-/// The mutex is held only while the pointer is copied. `std::atomic<std::shared_ptr>` would do as
-/// well, but libc++ 14 lacks it and ThreadSanitizer cannot check that of libstdc++ 12.
+/// The mutex is held only while the pointer is copied. Not `std::atomic<std::shared_ptr>`: libc++
+/// 14 lacks it, and ThreadSanitizer cannot check the one of libstdc++ 12.
 template <typename T>
 class Published {
 public:

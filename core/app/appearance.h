@@ -9,7 +9,7 @@ namespace vistrane {
 /// first reading, nothing for the light appearance. One for the process, main thread only.
 std::optional<std::string>& interfaceStyle();
 
-/// Whether the style last read is the dark one.
+/// Whether `interfaceStyle` is dark.
 bool isDark();
 
 } // namespace vistrane

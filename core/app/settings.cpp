@@ -13,14 +13,14 @@ void AppDelegate::userDefaultsLoad() {
         defaults.setInteger(0, "iSlow");
         defaults.setInteger(30, "iFPS");
         defaults.setInteger(0, "iHour");
-        // On purpose: the first run's minutes have a key of their own, which nothing reads; the
-        // saved minutes, "iMinute", are absent and read as 0 until the first save.
+        // A different key than "iMinute", on purpose. Nothing reads it. "iMinute" is absent, and so
+        // reads as 0, until the first save.
         defaults.setInteger(0, "iMinue");
         defaults.setInteger(5, "iSecond");
         platform_.appKit.NSBeep();
     }
 
-    // The interface settles before its controls are set.
+    // The interface is drawn before its controls are set.
     platform_.foundation.currentRunLoop().runUntilDate(
         platform_.foundation.dateWithTimeIntervalSinceNow(0.2));
 
@@ -34,7 +34,7 @@ void AppDelegate::userDefaultsLoad() {
 }
 
 void AppDelegate::userDefaultsSave() {
-    // The values are stored as the controls hold them, unclamped.
+    // The controls' values are stored unclamped.
     NSUserDefaults& defaults = platform_.foundation.standardUserDefaults();
     defaults.setInteger(slowB->state(), "iSlow");
     defaults.setInteger(fpsS->integerValue(), "iFPS");

@@ -31,7 +31,7 @@ void reportDeviceError(const Platform& platform, const std::optional<NSError>& e
 } // namespace
 
 std::vector<std::shared_ptr<AVCaptureDevice>> AppDelegate::devicesThatCanProduceVideo() {
-    // The null entry is there on purpose.
+    // The program also passes a null type, on purpose.
     const std::vector<std::optional<AVCaptureDeviceType>> types = {
         AVCaptureDeviceTypeBuiltInWideAngleCamera, AVCaptureDeviceTypeExternalUnknown,
         std::nullopt};
@@ -58,12 +58,12 @@ void AppDelegate::selectAVDevice(NSObject*) {
         aSession = platform_.avFoundation.captureSession();
     }
 
-    // On purpose between the old input's removal and the new one's addition, when there is no
-    // video connection.
+    // Read after the old input was removed and before the new one is added, on purpose: there is no
+    // video connection at this point.
     con = stillPhotoOutput ? stillPhotoOutput->connectionWithMediaType(AVMediaTypeVideo) : nullptr;
 
-    // Two devices of one name share an item, so the index may refer to another device. On purpose
-    // nothing corrects that. The index is -1 when there is no item.
+    // Two devices with the same name share an item, so the index may refer to another device. Not
+    // corrected, on purpose. The index is -1 if there is no item.
     const NSInteger index = AVDevicePopUp->indexOfSelectedItem();
     const auto count = static_cast<NSInteger>(allAVdevices.size());
     const auto device =
@@ -74,7 +74,7 @@ void AppDelegate::selectAVDevice(NSObject*) {
         reportDeviceError(platform_, result.error);
         return;
     }
-    // On purpose nothing restores the photo preset: after a device without it the session keeps
+    // The photo preset is never restored, on purpose: after a device without it, the session keeps
     // the high preset for the rest of the run.
     if (!device->supportsAVCaptureSessionPreset(AVCaptureSessionPresetPhoto)) {
         aSession->setSessionPreset(AVCaptureSessionPresetHigh);

@@ -8,7 +8,7 @@ namespace vistrane {
 
 namespace {
 
-/// Replaces the field's text by its leading integer, clamped to 0 to `highest`.
+/// Replaces the field's text by its leading integer, clamped to the range from 0 to `highest`.
 void clampField(NSTextField& field, std::int32_t highest) {
     field.setIntValue(field.intValue());
     if (field.intValue() < 0) {

@@ -11,7 +11,7 @@ namespace vistrane {
 
 namespace {
 
-/// The picture as a PNG file at its own pixel size; null when it cannot be encoded.
+/// Encodes the picture as a PNG file at its pixel size. Null if that fails.
 std::shared_ptr<NSData> pngData(AppKit& appKit, const std::shared_ptr<NSImage>& image) {
     const auto tiff = image ? image->TIFFRepresentation() : nullptr;
     const auto bitmap = appKit.imageRepWithData(tiff);
@@ -64,7 +64,7 @@ void AppDelegate::saveTheimage(const std::shared_ptr<NSImage>& image) {
     }
     const NSDate now = platform_.foundation.date();
     const auto formatter = platform_.foundation.dateFormatter();
-    // On purpose the year of the week-based calendar.
+    // "YY" is the week-based year, on purpose.
     formatter->setDateFormat("YY-MM-dd-HH-mm-ss");
     const std::string path =
         stringWithFormat("%@%@%@%@", {*folder, "/", formatter->stringFromDate(now), ".png"});

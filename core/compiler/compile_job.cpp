@@ -37,14 +37,14 @@ void AppDelegate::genneratingMovie(NSObject*) {
                          "I need at least 2 frames to generate a movie.\n\n"
                          "Please double check you have more frames in the project folder and make "
                          "sure they are NOT corrupted.\n");
-        // On purpose the button stays on.
+        // The button stays on, on purpose.
         compilingB->setEnabled(true);
         return;
     }
 
     const NSDate now = platform_.foundation.date();
     const auto formatter = platform_.foundation.dateFormatter();
-    // On purpose the year of the week-based calendar and the day of the year.
+    // "YYYY" is the week-based year and "DD" the day of the year, on purpose.
     formatter->setDateFormat("YYYYMMDD-HHmmss");
     const std::string path =
         stringWithFormat("%@/%@.mov", {outfolderB->title(), formatter->stringFromDate(now)});
@@ -58,9 +58,9 @@ void AppDelegate::genneratingMovie(NSObject*) {
 }
 
 void AppDelegate::threadMain() {
-    // The running thread is asked, never myThread, which another job may have replaced. A pass
-    // that could not create its movie does not cancel the thread and is repeated without end,
-    // with its alert. That is on purpose.
+    // Checks the running thread, not myThread, which another job may have replaced. A pass that
+    // cannot create its movie does not cancel the thread, so it is repeated, with its alert,
+    // without end. That is on purpose.
     Foundation& foundation = platform_.foundation;
     while (!foundation.currentThread()->isCancelled()) {
         crateMovieFile();

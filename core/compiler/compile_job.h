@@ -5,8 +5,8 @@
 
 namespace vistrane {
 
-/// Frames a second of the running compile: the rate slider's value when it started. One for the
-/// process, read by the compile thread; not saved.
+/// The frame rate of the running compile: the rate slider's value at its start. One for the
+/// process. Read by the compile thread; not saved.
 std::atomic<std::int32_t>& compileFrameRate();
 
 } // namespace vistrane

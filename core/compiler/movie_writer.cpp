@@ -17,7 +17,7 @@ namespace {
 
 using FrameList = Published<const std::vector<std::string>>;
 
-/// The entry at `index` of the list as it is now; nothing past its end.
+/// The entry at `index` of the current list; nothing past its end.
 std::optional<std::string> frameAt(const FrameList& list, std::int32_t index) {
     const auto frames = list.load();
     if (!frames || frames->size() <= static_cast<std::size_t>(index)) {
@@ -34,7 +34,7 @@ std::shared_ptr<NSImage> loadFrame(AppKit& appKit, const std::optional<std::stri
     return path ? appKit.imageWithContentsOfFile(*path) : nullptr;
 }
 
-/// A side, clamped to a signed 32-bit number, in the type of the settings.
+/// Clamps a side to the range of a signed 32-bit number. The settings hold 64-bit numbers.
 std::int64_t signedSide(std::uint64_t side) {
     return static_cast<std::int64_t>(std::min<std::uint64_t>(side, INT32_MAX));
 }
@@ -106,7 +106,7 @@ void AppDelegate::writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImag
     Foundation& foundation = platform_.foundation;
     writer.finishWritingWithCompletionHandler(
         [&foundation] { foundation.NSLog("finished writing"); });
-    // On purpose, although this pass has never owned the pool.
+    // An unbalanced release, on purpose: this pass never retained the pool.
     platform_.coreVideo.CVPixelBufferPoolRelease(adaptor->pixelBufferPool());
     if (const auto thread = myThread.load()) {
         thread->cancel();
@@ -118,14 +118,14 @@ void AppDelegate::writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImag
 
 void AppDelegate::appendOtherFrames(AVAssetWriter& writer,
                                     AVAssetWriterInputPixelBufferAdaptor& adaptor) {
-    // The list is read live at every step: frames that appear meanwhile are written too.
+    // Every step reads the current list, so frames that are added meanwhile are written too.
     std::int32_t i = 1;
     while (hasFrame(pictureArray, i)) {
         if (adaptor.assetWriterInput().isReadyForMoreMediaData()) {
             const CMTime time = framePresentationTime(i, compileFrameRate());
             const auto path = frameAt(pictureArray, i);
             if (!path) {
-                return; // The list became shorter while the input waited for room.
+                return; // the list became shorter while the input waited for room
             }
             postFrameProgress(*path, i);
             const auto image = platform_.appKit.imageWithContentsOfFile(*path);
@@ -137,7 +137,8 @@ void AppDelegate::appendOtherFrames(AVAssetWriter& writer,
             release(platform_.coreVideo, buffer);
             ++i;
         } else {
-            // Asks again at once, without a limit. The input itself waits a moment for room.
+            // Retries immediately and without limit. `isReadyForMoreMediaData` itself waits a
+            // moment for room.
             platform_.foundation.NSLog(stringWithFormat("error:adaptor not ready when i=%d", {i}));
             platform_.foundation.NSLog(stringWithFormat(
                 "treating frame again at: %@", {frameAt(pictureArray, i).value_or("(null)")}));

@@ -49,11 +49,11 @@ CVPixelBufferRef AppDelegate::fastImageFromNSImage(const std::shared_ptr<NSImage
     if (!context) {
         platform_.foundation.NSLog("CVPixelBufferRef could not create context");
         graphics.CGColorSpaceRelease(space);
-        // On purpose the buffer, if there is one, is neither unlocked nor released here.
+        // The buffer, if there is one, is neither unlocked nor released, on purpose.
         return nullptr;
     }
 
-    // The drawing goes straight into the buffer's memory.
+    // Draws directly into the buffer's memory.
     const auto drawing = appKit.graphicsContextWithCGContext(context, false);
     appKit.saveGraphicsState();
     appKit.setCurrentContext(drawing);

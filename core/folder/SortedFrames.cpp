@@ -16,12 +16,12 @@ namespace {
 using Paths = SortedFrames::Paths;
 using Names = std::vector<std::string_view>;
 
-/// When more than one in so many names has changed, the whole listing is sorted: that takes no
-/// longer than a binary search for each changed name.
+/// If more than 1/16 of the names have changed, the whole listing is sorted, which is then no
+/// slower than a binary search for each changed name.
 constexpr std::size_t searchedShare = 16;
 
-/// Only the extension counts: hidden names and folders are frames too, other cases of the
-/// extension are not.
+/// Only the extension counts, and its case matters: hidden files and folders are frames too, ".PNG"
+/// is not.
 bool isFrameName(std::string_view name) {
     return pathExtension(name) == "png";
 }
@@ -39,15 +39,15 @@ Paths framePaths(const std::string& folder, const SomeNames& names) {
     return paths;
 }
 
-/// The names that are in one of two listings and not in the other, in the order of their bytes. A
-/// name that a listing has twice, because of a change while it was made, counts twice.
+/// The names that only one of two listings has, in byte order. A listing may have a name twice, if
+/// the folder changed meanwhile; such a name counts twice.
 struct Difference {
     Names removed;
     Names added;
 };
 
-/// A file system lists unchanged names in an unchanged order, so only the names between the first
-/// and the last change are compared.
+/// Compares only the names between the first and the last change: a file system lists unchanged
+/// names in an unchanged order.
 Difference difference(const FileNames& before, const FileNames& after) {
     const auto [oldStart, newStart] =
         std::mismatch(before.begin(), before.end(), after.begin(), after.end());
@@ -74,7 +74,7 @@ auto frameOrder(const NSLocale& locale) {
     };
 }
 
-/// The sorted `paths` without the sorted `removed`; nothing when one of these is not found.
+/// The sorted `paths` without the sorted `removed`; nothing if `paths` lacks one of them.
 std::optional<Paths> without(const Paths& removed, const Paths& paths, const NSLocale& locale) {
     Paths rest;
     rest.reserve(paths.size());

@@ -27,8 +27,8 @@ void sortFrames(std::vector<std::string>& paths, const NSLocale& locale) {
 }
 
 void AppDelegate::startMonitoringFolder(NSObject*) {
-    // The only place that starts the timer: a folder chosen after a start without one is listed
-    // from the next launch on. That is on purpose.
+    // Only this starts the timer: if the program started without a folder, one that is chosen later
+    // is not listed until the next launch. That is on purpose.
     if (!chosenFolder(*outfolderB)) {
         return;
     }

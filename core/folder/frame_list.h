@@ -7,8 +7,8 @@
 
 namespace vistrane {
 
-/// The order of frames: digit runs by value, case and width ignored; two different names never
-/// compare equal.
+/// The order of frames: digit runs are compared by value, case and width are ignored. Two different
+/// names never compare equal.
 NSComparisonResult frameNameCompare(const std::string& first, const std::string& second,
                                     const NSLocale& locale);
 

@@ -10,8 +10,8 @@ namespace vistrane {
 
 namespace {
 
-/// The only tests that a choice must pass. On purpose neither the volume nor the access rights are
-/// checked, whatever the alert says.
+/// The only checks of a choice. Neither the volume nor the access rights are checked, on purpose,
+/// whatever the alert says.
 bool isWorkingFolder(const std::optional<std::string>& path) {
     return path && !path->empty() && *path != "/";
 }
@@ -59,8 +59,8 @@ std::optional<std::string> chosenFolder(const NSButton& outfolderB) {
 }
 
 void AppDelegate::outputFolder(NSObject*) {
-    // A cancel or a rejection clears the folder in use but not the saved one: the next launch
-    // restores the last confirmed folder. That is on purpose.
+    // Cancelling or rejecting a choice clears the current folder but not the saved one: the next
+    // launch restores the last confirmed folder. That is on purpose.
     const auto clearFolder = [this] {
         outfolderB->setTitle(noFolderTitle);
         gotFolder = noFolderTitle;
@@ -119,8 +119,8 @@ void AppDelegate::checkUserFolder(NSObject*) {
 
     platform_.foundation.startAccessingSecurityScopedResource(*bookmarkFileURL);
     outfolderB->setTitle(bookmarkFileURL->path());
-    // Preset to true and not written for a missing path: a folder that has vanished is dropped, so
-    // that frames are not lost silently. Any existing path is accepted, a file too.
+    // `isDirectory` keeps its initial value if the path does not exist: a folder that has vanished
+    // is cleared, so that no frame is lost silently. Any existing path is accepted, even a file.
     bool isDirectory = true;
     const bool exists =
         platform_.foundation.defaultManager().fileExistsAtPath(outfolderB->title(), isDirectory);

@@ -7,8 +7,7 @@ namespace vistrane {
 
 class NSButton;
 
-/// The folder button's title while no folder is chosen. Both a text to read and the marker of that
-/// state.
+/// The folder button's title while no folder is chosen. It is both shown and compared with.
 inline constexpr char noFolderTitle[] = "click to select the output folder";
 
 /// The project folder's path, absolute, without a trailing slash: the folder button's title.

@@ -8,8 +8,8 @@ namespace vistrane {
 
 namespace {
 
-// On purpose the version that the text names is always the running one. Its irregular words and
-// the blanks at the ends of its lines stay as they are.
+// The text always names the running version, on purpose. Its spelling and its trailing blanks stay
+// as they are.
 constexpr char autostartText[] =
     "To save the reserved resource of your macOS under sandbox, we've stopped using hidden "
     "helper agent on loading 'Auto open at login (Auto start)' function from version %@. You "

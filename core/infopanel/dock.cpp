@@ -22,7 +22,8 @@ void mantisQRXpanel::dockIconSwitching(NSObject*) {
     } else {
         application.setActivationPolicy(NSApplicationActivationPolicyRegular);
     }
-    // The change puts the program behind others. It is activated once the click has been handled.
+    // Changing the policy puts the program behind others, so it is activated after the click is
+    // handled.
     dispatch_async(platform_.dispatch.dispatch_get_main_queue(),
                    [&application] { application.activateIgnoringOtherApps(true); });
 }

@@ -26,7 +26,7 @@ void mantisQRXpanel::featureRequest(NSObject*) {
     const NSModalResponse answer = alert->runModal();
     if (answer == NSAlertFirstButtonReturn) {
         open(ownStorePage);
-        // The store application starts first.
+        // Gives the store application time to start first.
         platform_.foundation.currentRunLoop().runUntilDate(
             platform_.foundation.dateWithTimeIntervalSinceNow(0.1));
         openMail("%@ %@ - frature request", "\nmy request:\n\n\n\n\nmyname:\nmycountry:");

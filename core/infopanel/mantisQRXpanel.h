@@ -32,8 +32,8 @@ class NSUserDefaults;
 ///   links .............. infopanel/links.cpp, the addresses in infopanel/promotions.cpp
 ///   mails .............. infopanel/mails.cpp
 ///
-/// Main thread only. The panel outlives its menus and queued work: it lives as long as the process.
-/// Actions take the sender and, but for `excuteMyPromo`, ignore it.
+/// Main thread only. The panel lives as long as the process, so it outlives its menus and queued
+/// work. Actions ignore their sender, except `excuteMyPromo`.
 ///
 /// Several names are misspelled on purpose: they are part of the interface.
 class mantisQRXpanel : public NSPanel {
@@ -41,7 +41,7 @@ public:
     explicit mantisQRXpanel(const Platform& platform);
 
     // ---- Outlets: filled from the interface file, never replaced ------------------------------
-    // Each gets a submenu of its own: S and M with pictures, D without.
+    // Each gets a submenu: S and M with pictures, D without.
     std::shared_ptr<NSMenuItem> mantisSubmenuS;
     std::shared_ptr<NSMenuItem> mantisSubmenuD;
     std::shared_ptr<NSMenuItem> mantisSubmenuM;
@@ -65,20 +65,20 @@ public:
     std::string appVersion;
 
     // ---- Written by all that uses the settings -------------------------------------------------
-    /// Fetched anew before each use.
+    /// Fetched again before each use.
     NSUserDefaults* defaults = nullptr;
 
     // ---- Written by the tips -------------------------------------------------------------------
-    /// The check box as last read or saved: 1 does not show the tips at the start.
+    /// The check box as last read or saved: 1 hides the tips at the start.
     std::int64_t neverTip = 0;
-    /// The page; 1 to 4 once the tips were opened.
+    /// The page number; 1 to 4 once the tips have been opened.
     std::int32_t demoCount = 0;
 
     // ---- Set-up --------------------------------------------------------------------------------
-    /// Takes the window, fills the outlets and offers the actions. Returns the names of the
+    /// Takes the window, fills the outlets and registers the actions. Returns the names of the
     /// required outlets that the interface file lacks.
     std::vector<std::string> connectInterface(NSNib& nib);
-    /// Once, when the outlets are filled. Opens the tips unless the user did not want them again.
+    /// Call once, after `connectInterface`. Opens the tips unless the user has switched them off.
     void awakeFromNib();
 
     // ---- Tips ----------------------------------------------------------------------------------
@@ -88,14 +88,14 @@ public:
     /// Shows the page of `demoCount`.
     void changePictures(NSObject* sender);
     void tipButtonChanged(NSObject* sender);
-    /// The tips window closes.
+    /// Called when the tips window closes.
     void windowWillClose(NSObject* sender);
 
     // ---- Promotion menus -----------------------------------------------------------------------
     /// Replaces the three submenus.
     void addingPromoAppsOfmantisQRX(const std::vector<std::string>& titles);
-    /// Opens the store page of the application that the sender, a menu's item, stands for; the
-    /// list of all applications when it stands for none.
+    /// The sender is a menu item. Opens the store page of its application, or the list of all
+    /// applications if it has none.
     void excuteMyPromo(NSObject* sender);
 
     // ---- Dock icon -----------------------------------------------------------------------------

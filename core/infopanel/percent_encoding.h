@@ -5,11 +5,11 @@
 
 namespace vistrane {
 
-/// Whether the byte stays as it is in the host of an address: letters and digits of ASCII and the
+/// Whether the byte needs no encoding in the host of an address: ASCII letters and digits and the
 /// characters "!$&'()*+,-.:;=[]_~".
 bool isURLHostAllowed(char byte);
 
-/// Every other byte becomes "%" and its two hexadecimal digits, in capitals.
+/// Replaces every other byte by "%" and two upper-case hexadecimal digits.
 std::string addingPercentEncoding(std::string_view text);
 
 } // namespace vistrane

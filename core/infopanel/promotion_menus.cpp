@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// The address that a title opens: the store page of its promotion, else the list of all
+/// The address that a title opens: the store page of its promotion, otherwise the list of all
 /// applications.
 std::string addressOf(const std::optional<std::string>& title) {
     const std::vector<Promotion>& rows = promotions();

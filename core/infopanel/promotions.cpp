@@ -2,7 +2,8 @@
 
 namespace vistrane {
 
-// These are placeholders on domains reserved for examples. Replace them to publish the program.
+// Placeholders on domains that are reserved for examples. Replace them before publishing the
+// program.
 
 const char developerSearchLink[] = "https://store.example.com/search?developer=mantisQRX";
 const char ownStorePage[] = "https://store.example.com/app/vistrane";

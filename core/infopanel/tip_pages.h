@@ -13,7 +13,8 @@ struct TipPage {
     std::string text;
 };
 
-/// The page of that number, from 1 to `tipPageCount`; any other number has a page without text.
+/// The page with that number, from 1 to `tipPageCount`. Any other number returns a page without
+/// text.
 const TipPage& tipPage(std::int32_t number);
 
 } // namespace vistrane

@@ -14,7 +14,7 @@ struct ButtonFaces {
     bool operator==(const ButtonFaces&) const = default;
 };
 
-/// The light appearance swaps the pair that the dark one uses; the "-s" faces stand for playing.
+/// The light appearance swaps the two pictures of the dark one. The "-s" pictures are for playing.
 ButtonFaces buttonFaces(bool dark, bool playing);
 
 void setButtonFaces(AppKit& appKit, NSButton& button, bool dark, bool playing);

@@ -9,8 +9,8 @@ namespace vistrane {
 
 class AppKit;
 
-/// The cell of a slider with a picture as its knob and no tick marks. All else is the standard
-/// slider's. The name is misspelled on purpose: it is part of the interface.
+/// Draws a slider's knob as a picture and no tick marks. Everything else is drawn as usual. The
+/// name is misspelled on purpose: it is part of the interface.
 class hidenSlidercell final : public NSSliderCell {
 public:
     explicit hidenSlidercell(AppKit& appKit) : appKit_(appKit) {}
@@ -21,7 +21,7 @@ public:
     void drawKnob(NSRect knobRect) override;
     void awakeFromNib() override;
 
-    /// Null before the cell is awake, and when the resources have no such picture.
+    /// Null before `awakeFromNib`, and if the resources lack the picture.
     std::shared_ptr<NSImage> knobImage;
 
 private:

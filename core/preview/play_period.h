@@ -4,8 +4,8 @@
 
 namespace vistrane {
 
-/// Seconds from one frame to the next at that many frames a second, at least 1. On purpose the
-/// division is one of 32-bit numbers, widened afterwards.
+/// Seconds between two frames at `rate` frames per second. `rate` is at least 1. Divides in single
+/// precision and widens the result, on purpose.
 constexpr NSTimeInterval playPeriod(float rate) {
     return static_cast<NSTimeInterval>(1.0F / rate);
 }

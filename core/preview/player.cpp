@@ -11,12 +11,12 @@ namespace vistrane {
 
 namespace {
 
-/// Whether there is a frame of that index. A negative one counts as past the end.
+/// Whether the list has a frame at `index`. A negative index counts as past the end.
 bool isWithin(const std::vector<std::string>& frames, std::int64_t index) {
     return static_cast<std::uint64_t>(index) < frames.size();
 }
 
-/// The read-out's text for the slider's frame.
+/// The text for the slider's frame.
 std::string frameReadOut(const NSSlider& slider, std::size_t count) {
     return stringWithFormat(
         "Displaying frame %d of %d",
@@ -29,7 +29,7 @@ void AppDelegate::sliderDisplaying(NSObject*) {
     const auto frames = pictureArray.load();
     if (frames && !frames->empty()) {
         playing = photoSlider->integerValue();
-        // The slider ends at the last frame; should it ever not, there is no picture.
+        // The slider normally ends at the last frame. Beyond it, no picture is shown.
         myDisplay->setImage(isWithin(*frames, playing)
                                 ? platform_.appKit.imageWithContentsOfFile(
                                       (*frames)[static_cast<std::size_t>(playing)])
@@ -45,7 +45,7 @@ void AppDelegate::playPictures(NSObject*) {
         return;
     }
     setButtonFaces(platform_.appKit, *previewPlayButton, isDark(), true);
-    // A running playback keeps this period whatever happens to the rate slider.
+    // A later move of the rate slider does not change this period.
     const NSTimeInterval period = playPeriod(fpsS->floatValue());
     playing = 0;
     playTimer = platform_.foundation.scheduledTimerWithTimeInterval(
@@ -54,7 +54,7 @@ void AppDelegate::playPictures(NSObject*) {
 }
 
 void AppDelegate::startPlayTimer(NSTimer*) {
-    // The list may have been replaced since the last tick, and `playing` with it.
+    // Both the list and `playing` may have been replaced since the last tick.
     const auto frames = pictureArray.load();
     if (!frames || !isWithin(*frames, playing)) {
         if (playTimer) {
@@ -68,7 +68,7 @@ void AppDelegate::startPlayTimer(NSTimer*) {
         photoSlider->setIntegerValue(playing);
         currentS->setStringValue(frameReadOut(*photoSlider, frames->size()));
     }
-    // On purpose after the end too, which leaves 1: the next start sets it to 0.
+    // Incremented after the end too, on purpose. That leaves 1; the next start sets it to 0.
     ++playing;
 }
 

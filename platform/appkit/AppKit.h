@@ -28,27 +28,27 @@ public:
     /// Any thread.
     virtual NSWorkspace& sharedWorkspace() = 0;
 
-    /// An empty alert. Any thread.
+    /// A new, empty alert. Any thread.
     virtual std::unique_ptr<NSAlert> alert() = 0;
     /// The platform's standard alert for an error, complete.
     virtual std::unique_ptr<NSAlert> alertWithError(const NSError& error) = 0;
     virtual std::unique_ptr<NSOpenPanel> openPanel() = 0;
 
-    /// An empty menu.
+    /// A new, empty menu.
     virtual std::shared_ptr<NSMenu> menu() = 0;
 
-    /// A picture of the program's resources; null when there is none of that name.
+    /// A picture of the program's resources; null if there is none with that name.
     virtual std::shared_ptr<NSImage> imageNamed(const std::string& name) = 0;
-    /// A picture file; null when it cannot be read. Does not block on a file that is not regular.
-    /// Any thread.
+    /// Reads a picture file; null if that fails. Does not block on a file that is not regular. Any
+    /// thread.
     virtual std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) = 0;
-    /// A picture from the bytes of a file; null without data or when they are not a picture.
+    /// A picture from the bytes of a file; null without data or if they are not a picture.
     virtual std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) = 0;
-    /// Null without data or when they are not a picture.
+    /// Null without data or if they are not a picture.
     virtual std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) = 0;
 
-    // The graphics state of the calling thread. Any thread. The graphics context wraps `context`
-    // and must not be current any more when that is released.
+    // The graphics state of the calling thread. Any thread. The graphics context wraps `context`;
+    // it must not be current when `context` is released.
     virtual std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
                                                                             bool flipped) = 0;
     virtual void saveGraphicsState() = 0;

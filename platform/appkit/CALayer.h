@@ -15,7 +15,7 @@ public:
     virtual void setFrame(CGRect frame) = 0;
     virtual void setBackgroundColor(CGColor color) = 0;
 
-    /// Adds `layer` above the existing sublayers. This layer shares the ownership.
+    /// Adds `layer` above the existing sublayers and shares its ownership.
     virtual void addSublayer(std::shared_ptr<CALayer> layer) = 0;
 };
 

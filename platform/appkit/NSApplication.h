@@ -11,7 +11,7 @@ public:
     virtual void applicationDidFinishLaunching() = 0;
     /// Called once, right before the process ends normally.
     virtual void applicationWillTerminate() = 0;
-    /// Whether the program ends when its last window was closed.
+    /// Whether the program ends when its last window is closed.
     virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
 
 protected:
@@ -25,7 +25,7 @@ enum NSApplicationActivationPolicy : NSInteger {
     NSApplicationActivationPolicyAccessory = 1
 };
 
-/// The program as its desktop sees it. Main thread only.
+/// The program as the desktop sees it. Main thread only.
 class NSApplication : public NSObject {
 public:
     virtual void miniaturizeAll(NSObject* sender) = 0;

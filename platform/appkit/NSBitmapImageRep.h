@@ -11,7 +11,7 @@ enum NSBitmapImageFileType { NSBitmapImageFileTypePNG = 4 };
 
 /// Settings of an encoder.
 struct NSBitmapImageProperties {
-    /// "NSImageCompressionFactor", from 0 to 1; lossless forms ignore it.
+    /// "NSImageCompressionFactor", from 0 to 1; lossless formats ignore it.
     float NSImageCompressionFactor = 1.0F;
     bool operator==(const NSBitmapImageProperties&) const = default;
 };
@@ -19,7 +19,7 @@ struct NSBitmapImageProperties {
 /// Decoded pixels. Immutable; any thread.
 class NSBitmapImageRep : public NSObject {
 public:
-    /// The picture as a file of that type; null when it cannot be encoded.
+    /// Encodes the picture as a file of that type; null if that fails.
     virtual std::shared_ptr<NSData>
     representationUsingType(NSBitmapImageFileType type,
                             const NSBitmapImageProperties& properties) const = 0;

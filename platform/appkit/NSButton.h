@@ -13,7 +13,7 @@ enum NSControlStateValue : NSInteger { NSControlStateValueOff = 0, NSControlStat
 /// A push button, toggle or check box. Main thread only, except `setEnabled`.
 class NSButton : public NSObject {
 public:
-    /// Returns the bytes that were set, valid UTF-8 or not.
+    /// Returns exactly the bytes that were set, even if they are not valid UTF-8.
     virtual std::string title() const = 0;
     virtual void setTitle(const std::string& title) = 0;
 

@@ -16,24 +16,24 @@ enum NSCompositingOperation {
 /// A picture. Immutable; any thread.
 class NSImage : public NSObject {
 public:
-    /// In points: pixels x 72 / dpi where the file has a physical density, else pixels.
+    /// In points: pixels x 72 / dpi if the file has a physical density, otherwise pixels.
     virtual NSSize size() const = 0;
 
-    /// The picture at its own pixel size, decoded, for `AppKit::imageRepWithData`; null when it
-    /// cannot be decoded. The program reads no bytes of the result, so a back end may return data
-    /// that carries the pixels and whose bytes are of another lossless file format than TIFF.
+    /// Decodes the picture at its pixel size, for `AppKit::imageRepWithData`; null if that fails.
+    /// The program never reads the bytes, so a back end may return data that carries the pixels and
+    /// uses another lossless file format than TIFF.
     virtual std::shared_ptr<NSData> TIFFRepresentation() const = 0;
 
-    /// Draws into the thread's current graphics context with the picture's bottom left corner at
-    /// `point`, at the picture's size in points. A zero `fromRect` means the whole picture.
+    /// Draws into the thread's current graphics context, with the bottom left corner at `point`, at
+    /// the picture's size in points. A zero `fromRect` means the whole picture.
     ///
-    /// Nothing is thrown for a picture whose data turn out to be damaged: a pixel buffer that it
-    /// was drawn into is marked, and a movie writer refuses it with the reason.
+    /// If decoding finds that the data are damaged, nothing is thrown: the target pixel buffer is
+    /// marked, and a movie writer refuses it with the reason.
     virtual void drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                              double fraction) const = 0;
 
-    /// Draws into the thread's current graphics context, stretched to fill `rect` whatever the
-    /// picture's own shape. A zero `fromRect` means the whole picture.
+    /// Draws into the thread's current graphics context, stretched to fill `rect`. A zero
+    /// `fromRect` means the whole picture.
     virtual void drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
                             double fraction) const = 0;
 };

@@ -18,18 +18,18 @@
 
 namespace vistrane {
 
-/// A loaded interface file, while one of its objects is connected to it. Main thread only.
+/// Connects one object with the loaded interface file. Main thread only.
 ///
-/// An object asks for its outlets and offers its actions, each by name. The file decides which
-/// control an outlet means and which control sends which action. Each object has names of its own:
-/// one outlet name may mean different controls to two objects.
+/// An object requests its outlets and registers its actions, each by name. The file says which
+/// control an outlet is and which controls send an action. Names are per object: the same outlet
+/// name may refer to different controls of two objects.
 class NSNib {
 public:
     virtual ~NSNib() = default;
     NSNib(const NSNib&) = delete;
     NSNib& operator=(const NSNib&) = delete;
 
-    /// Fills `field` with the control of that outlet name; leaves it null when the file has none.
+    /// Sets `field` to the control of that outlet name; leaves it null if the file has none.
     virtual void outlet(const std::string& name, std::shared_ptr<NSWindow>& field) = 0;
     virtual void outlet(const std::string& name, std::shared_ptr<NSTextField>& field) = 0;
     virtual void outlet(const std::string& name, std::shared_ptr<NSSlider>& field) = 0;
@@ -41,16 +41,16 @@ public:
     virtual void outlet(const std::string& name, std::shared_ptr<NSMenu>& field) = 0;
     virtual void outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) = 0;
 
-    /// Gives an object that is itself a panel the window that the file describes for it.
+    /// For an object that is itself a panel: gives it the window that the file describes.
     virtual void window(NSPanel& panel) = 0;
 
-    /// Offers a class of slider cells under its name. The file creates and wakes one for each
-    /// slider that names the class.
+    /// Registers a class of slider cells. The file creates one for each slider that names the
+    /// class, and calls its `awakeFromNib`.
     virtual void sliderCell(const std::string& className,
                             std::function<std::shared_ptr<NSSliderCell>()> make) = 0;
 
-    /// Offers an action under its selector, for instance "startRunning:", or a message to a
-    /// window's delegate, for instance "windowWillClose:".
+    /// Registers an action under its selector, such as "startRunning:", or a message to a window's
+    /// delegate, such as "windowWillClose:".
     virtual void action(const std::string& selector, NSAction method) = 0;
 
 protected:

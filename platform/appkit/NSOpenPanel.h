@@ -23,7 +23,7 @@ public:
     /// `NSModalResponseOK` when the user confirmed. Timers do not fire meanwhile.
     virtual NSModalResponse runModal() = 0;
 
-    /// The choice; nothing before the user has confirmed.
+    /// The chosen item; nothing until the user confirms.
     virtual std::optional<NSURL> URL() const = 0;
 };
 

@@ -8,8 +8,8 @@
 
 namespace vistrane {
 
-/// A window that is an object of the program. `NSNib::window` gives it the window that the backend
-/// made from the interface file, and the panel forwards all messages to that. Main thread only.
+/// A window that is an object of the program. `NSNib::window` gives it the window that the back end
+/// made from the interface file; the panel forwards all messages to it. Main thread only.
 class NSPanel : public NSWindow {
 public:
     void setContents(std::shared_ptr<NSWindow> contents) { contents_ = std::move(contents); }

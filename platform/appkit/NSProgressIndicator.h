@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// A bar from 0 to its maximum, 100 at first. Values beyond the maximum fill it. Main thread only.
+/// A bar from 0 to its maximum, initially 100. Values above the maximum fill it. Main thread only.
 class NSProgressIndicator : public NSObject {
 public:
     virtual void setMaxValue(double value) = 0;

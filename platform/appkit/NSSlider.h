@@ -8,7 +8,7 @@ namespace vistrane {
 
 /// A value between a minimum and a maximum. Main thread only.
 ///
-/// Values are clamped to the range; a change of the range clamps the current value.
+/// Values are clamped to the range. Changing the range clamps the current value.
 class NSSlider : public NSObject {
 public:
     virtual void setMinValue(double value) = 0;

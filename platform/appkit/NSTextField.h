@@ -12,7 +12,7 @@ class NSTextField : public NSObject {
 public:
     virtual void setStringValue(const std::string& text) = 0;
 
-    /// The leading integer of the text, else 0; clamped to the type's range.
+    /// The leading integer of the text, clamped to the type's range; 0 if there is none.
     virtual std::int32_t intValue() const = 0;
     virtual NSInteger integerValue() const = 0;
 

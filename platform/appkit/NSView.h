@@ -15,7 +15,7 @@ public:
     virtual NSRect bounds() const = 0;
 
     virtual void setWantsLayer(bool wanted) = 0;
-    /// Null unless a layer is wanted. The view owns it.
+    /// Null until `setWantsLayer(true)`. Owned by the view.
     virtual std::shared_ptr<CALayer> layer() = 0;
 
     virtual void setNeedsDisplay(bool needed) = 0;

@@ -9,7 +9,7 @@ namespace vistrane {
 /// A window. Main thread only; an alert's window belongs to the thread of its alert.
 class NSWindow : public NSObject {
 public:
-    /// Null ends any edit: the edited field commits its text and sends its action. Returns whether
+    /// Null ends editing: the edited field commits its text and sends its action. Returns whether
     /// the first responder changed.
     virtual bool makeFirstResponder(NSObject* responder) = 0;
     virtual void makeKeyAndOrderFront(NSObject* sender) = 0;

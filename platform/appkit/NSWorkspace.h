@@ -8,9 +8,9 @@ namespace vistrane {
 /// The user's other programs. Any thread.
 class NSWorkspace : public NSObject {
 public:
-    /// Opens an address with its default program and returns at once. A movie that is still being
-    /// written is opened when it is complete, and not at all if writing fails. Returns false only
-    /// when no program can open the address.
+    /// Opens an address with its default program and returns immediately. A movie that is still
+    /// being written is opened when it is complete; if writing fails, it is not opened. Returns
+    /// false only if no program can open the address.
     virtual bool openURL(const NSURL& url) = 0;
 };
 

@@ -34,11 +34,11 @@ public:
 /// A query for devices and its result. Main thread only.
 class AVCaptureDeviceDiscoverySession : public NSObject {
 public:
-    /// In the platform's order.
+    /// In the order of the system.
     virtual std::vector<std::shared_ptr<AVCaptureDevice>> devices() const = 0;
 };
 
-/// One device as a source of a session. Main thread only.
+/// A device as the source of a session. Main thread only.
 class AVCaptureDeviceInput : public NSObject {
 public:
     virtual std::shared_ptr<AVCaptureDevice> device() const = 0;

@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// An output that records a stream into a file. The program attaches none.
+/// An output that records a stream into a file. The program uses none.
 class AVCaptureFileOutput : public NSObject {};
 
 class AVCaptureFileOutputDelegate {

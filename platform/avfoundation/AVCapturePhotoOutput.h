@@ -13,17 +13,17 @@ namespace vistrane {
 
 class AVCapturePhotoOutput;
 
-/// The settings of one still. An object serves one capture only.
+/// The settings of one still. Use an object for one capture only.
 class AVCapturePhotoSettings : public NSObject {
 public:
-    /// Differs for every settings object of the process.
+    /// Unique within the process.
     virtual std::int64_t uniqueID() const = 0;
 };
 
 /// A still.
 class AVCapturePhoto : public NSObject {
 public:
-    /// File data for `AppKit::imageWithData`; null when there are none.
+    /// File data for `AppKit::imageWithData`; null if there are none.
     virtual std::shared_ptr<NSData> fileDataRepresentation() const = 0;
 };
 
@@ -46,12 +46,12 @@ class AVCaptureConnection : public NSObject {};
 /// Takes stills from a running session. Main thread only.
 class AVCapturePhotoOutput : public NSObject {
 public:
-    /// The connection for that media type; null while the session has no such input.
+    /// The connection for that media type; null if the session has no such input.
     virtual std::shared_ptr<AVCaptureConnection> connectionWithMediaType(AVMediaType type) = 0;
 
-    /// Requests one still: the first picture taken after this call, at full size. Never blocks.
-    /// The delegate is called later, never from within this call, also with errors and when the
-    /// session is not running. The delegate outlives the output.
+    /// Requests one still: the first picture taken after this call, at full size. Never blocks. The
+    /// delegate is always called later, never from within this call, even if the request fails or
+    /// the session is not running. The delegate outlives the output.
     virtual void capturePhotoWithSettings(std::shared_ptr<AVCapturePhotoSettings> settings,
                                           AVCapturePhotoCaptureDelegate& delegate) = 0;
 };

@@ -23,11 +23,11 @@ public:
     virtual void addInput(std::shared_ptr<AVCaptureDeviceInput> input) = 0;
     virtual void removeInput(const AVCaptureDeviceInput& input) = 0;
 
-    /// Synchronous: on return the session runs, unless it has no input.
+    /// Synchronous: when it returns, the session runs, unless it has no input.
     virtual void startRunning() = 0;
     virtual void stopRunning() = 0;
 
-    /// Stays true while the session waits for a camera that vanished.
+    /// Stays true while the session waits for a disconnected camera.
     virtual bool isRunning() const = 0;
 };
 

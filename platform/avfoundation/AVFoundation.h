@@ -24,19 +24,19 @@ public:
     virtual std::shared_ptr<AVCaptureDeviceDiscoverySession>
     discoverySessionWithDeviceTypes(const std::vector<std::optional<AVCaptureDeviceType>>& types,
                                     AVMediaType mediaType, AVCaptureDevicePosition position) = 0;
-    /// Without a device, and for one that is gone, busy or refused, the result is an error.
+    /// The result is an error if there is no device, or if it is gone, busy or not permitted.
     virtual AVCaptureDeviceInputResult
     deviceInputWithDevice(const std::shared_ptr<AVCaptureDevice>& device) = 0;
     virtual std::shared_ptr<AVCaptureSession> captureSession() = 0;
     virtual std::shared_ptr<AVCapturePhotoOutput> photoOutput() = 0;
     virtual std::shared_ptr<AVCapturePhotoSettings> photoSettings() = 0;
-    /// A copy with an id of its own.
+    /// A copy with a new id.
     virtual std::shared_ptr<AVCapturePhotoSettings>
     photoSettingsFromPhotoSettings(const AVCapturePhotoSettings& settings) = 0;
     virtual std::shared_ptr<AVCaptureVideoPreviewLayer>
     layerWithSession(std::shared_ptr<AVCaptureSession> session) = 0;
 
-    /// Fails when a file of that name exists or the folder cannot be written.
+    /// Fails if a file of that name exists or the folder is not writable.
     virtual AVAssetWriterResult assetWriterWithURL(const NSURL& url, AVFileType fileType) = 0;
     virtual std::shared_ptr<AVAssetWriterInput>
     assetWriterInputWithMediaType(AVMediaType mediaType, const NSDictionary& outputSettings) = 0;

@@ -2,7 +2,7 @@
 
 namespace vistrane {
 
-/// Lengths and places in points. The origin of a view or context is its bottom left corner.
+/// Lengths and positions in points. The origin of a view or context is its bottom left corner.
 struct CGPoint {
     double x = 0.0;
     double y = 0.0;

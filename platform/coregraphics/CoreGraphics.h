@@ -5,7 +5,7 @@
 
 namespace vistrane {
 
-/// A colour space; made and released by `CoreGraphics`.
+/// A colour space, created and released by `CoreGraphics`.
 class CGColorSpace {
 public:
     CGColorSpace(const CGColorSpace&) = delete;
@@ -19,7 +19,7 @@ using CGColorSpaceRef = CGColorSpace*;
 
 enum CGColorSpaceName { kCGColorSpaceGenericRGB };
 
-/// A bitmap to draw into; made and released by `CoreGraphics`.
+/// A bitmap context to draw into, created and released by `CoreGraphics`.
 class CGContext {
 public:
     CGContext(const CGContext&) = delete;
@@ -31,7 +31,7 @@ protected:
 };
 using CGContextRef = CGContext*;
 
-/// Where the alpha component of a pixel lies. 6: it comes first and is skipped.
+/// The position of a pixel's alpha component. 6: it comes first and is ignored.
 enum CGBitmapInfo : std::uint32_t { kCGImageAlphaNoneSkipFirst = 6 };
 
 /// Functions of the CoreGraphics kit. Any thread; one object by one thread at a time.
@@ -43,20 +43,20 @@ public:
 
     /// The caller owns the result.
     virtual CGColorSpaceRef CGColorSpaceCreateWithName(CGColorSpaceName name) = 0;
-    /// Null is legal.
+    /// Null is allowed.
     virtual void CGColorSpaceRelease(CGColorSpaceRef space) = 0;
 
-    /// A context that draws straight into the caller's memory: `height` rows of `width` pixels,
-    /// the top row first, rows `bytesPerRow` bytes apart. With `kCGImageAlphaNoneSkipFirst` a
-    /// pixel is 4 bytes: one ignored, red, green, blue.
+    /// A context that draws directly into the caller's memory: `height` rows of `width` pixels, the
+    /// top row first, with a row stride of `bytesPerRow`. With `kCGImageAlphaNoneSkipFirst` a pixel
+    /// is 4 bytes: one ignored, red, green, blue.
     ///
-    /// The memory outlives the context. Null without memory, without pixels, or for a form that
-    /// cannot be drawn into. The caller owns the result.
+    /// The memory outlives the context. Null without memory, without pixels, or for an unsupported
+    /// layout. The caller owns the result.
     virtual CGContextRef CGBitmapContextCreate(void* data, std::size_t width, std::size_t height,
                                                std::size_t bitsPerComponent,
                                                std::size_t bytesPerRow, CGColorSpaceRef space,
                                                std::uint32_t bitmapInfo) = 0;
-    /// Releases a context. Null is legal.
+    /// Releases a context. Null is allowed.
     virtual void CFRelease(CGContextRef context) = 0;
 
 protected:

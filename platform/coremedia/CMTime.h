@@ -22,8 +22,8 @@ constexpr CMTime CMTimeMake(std::int64_t value, std::int32_t timescale) {
     return {value, timescale};
 }
 
-/// The exact sum where the least common timescale fits 32 bits, else rounded down on the finer of
-/// the two timescales. Equal timescales are kept. An invalid time makes the sum invalid.
+/// The exact sum if the least common timescale fits in 32 bits, otherwise rounded down to the finer
+/// of the two timescales. Equal timescales are kept. An invalid time makes the sum invalid.
 constexpr CMTime CMTimeAdd(CMTime a, CMTime b) {
     if (!CMTimeIsValid(a) || !CMTimeIsValid(b)) {
         return {};

@@ -48,35 +48,35 @@ inline constexpr char kCVPixelBufferCGImageCompatibilityKey[] = "CGImageCompatib
 inline constexpr char kCVPixelBufferCGBitmapContextCompatibilityKey[] =
     "CGBitmapContextCompatibility";
 
-/// Functions of the CoreVideo kit. Any thread; each buffer by one thread at a time. Null buffers
-/// are legal everywhere and do nothing.
+/// Functions of the CoreVideo kit. Any thread; each buffer by one thread at a time. With a null
+/// buffer every function does nothing.
 class CoreVideo {
 public:
     virtual ~CoreVideo() = default;
     CoreVideo(const CoreVideo&) = delete;
     CoreVideo& operator=(const CoreVideo&) = delete;
 
-    /// Creates a buffer of `width` x `height` pixels with one reference, the caller's. On failure
-    /// `*buffer` is not changed.
+    /// Creates a buffer of `width` x `height` pixels; the caller owns its one reference. On failure
+    /// `*buffer` is unchanged.
     virtual CVReturn CVPixelBufferCreate(std::size_t width, std::size_t height,
                                          std::uint32_t pixelFormat, const NSDictionary& attributes,
                                          CVPixelBufferRef* buffer) = 0;
 
-    /// The pixels may be accessed between lock and unlock only.
+    /// The pixels may be accessed only between lock and unlock.
     virtual CVReturn CVPixelBufferLockBaseAddress(CVPixelBufferRef buffer, std::uint64_t flags) = 0;
     virtual CVReturn CVPixelBufferUnlockBaseAddress(CVPixelBufferRef buffer,
                                                     std::uint64_t flags) = 0;
 
-    /// The first byte of the top row; null when the buffer is not locked.
+    /// The first byte of the top row; null if the buffer is not locked.
     virtual void* CVPixelBufferGetBaseAddress(CVPixelBufferRef buffer) = 0;
-    /// The row stride in bytes; may exceed four times the width.
+    /// The row stride in bytes: at least four times the width.
     virtual std::size_t CVPixelBufferGetBytesPerRow(CVPixelBufferRef buffer) = 0;
 
     /// Releases one reference; the last one frees the buffer.
     virtual void CVBufferRelease(CVPixelBufferRef buffer) = 0;
 
-    /// Frees the pool's idle buffers. The adaptor keeps the pool itself, so that a release without
-    /// a retain is harmless.
+    /// Frees the pool's idle buffers. The adaptor owns the pool, so an unbalanced release is
+    /// harmless.
     virtual void CVPixelBufferPoolRelease(CVPixelBufferPoolRef pool) = 0;
 
 protected:

@@ -13,7 +13,7 @@ public:
     DispatchQueue(const DispatchQueue&) = delete;
     DispatchQueue& operator=(const DispatchQueue&) = delete;
 
-    /// Appends `work` and returns. Items that are still queued when the process ends are dropped.
+    /// Appends `work` and returns. Items that are still queued when the process ends are discarded.
     virtual void async(std::function<void()> work) = 0;
 
 protected:
@@ -29,12 +29,12 @@ public:
     Dispatch(const Dispatch&) = delete;
     Dispatch& operator=(const Dispatch&) = delete;
 
-    /// Runs on a thread other than the main one. Items run one after another in the order in which
-    /// they were added, so the work that they post keeps that order.
+    /// Runs items one at a time, in the order in which they were added, on a thread other than the
+    /// main thread. So the work that they post keeps that order.
     virtual DispatchQueue& dispatch_get_global_queue(std::intptr_t priority,
                                                      std::uintptr_t flags) = 0;
 
-    /// Runs on the main thread, from its run loop, in the order in which items were added.
+    /// Runs items on the main thread, from its run loop, in the order in which they were added.
     virtual DispatchQueue& dispatch_get_main_queue() = 0;
 
 protected:

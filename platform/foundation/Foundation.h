@@ -72,17 +72,17 @@ public:
     virtual std::unique_ptr<NSDateFormatter> dateFormatter() = 0;
     virtual std::shared_ptr<const NSLocale> currentLocale() = 0;
 
-    /// A thread for `entry`, not started yet.
+    /// A thread for `entry` that has not been started.
     virtual std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) = 0;
     /// The calling thread's object. Only on a thread made by `threadWithEntry`.
     virtual std::shared_ptr<NSThread> currentThread() = 0;
 
-    /// Opaque bytes from which `url` can be found again after a restart.
+    /// Opaque bytes that identify `url` across restarts.
     virtual BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) = 0;
     /// The address of a bookmark. Does not check that it exists.
     virtual BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
                                                          std::uint64_t options) = 0;
-    /// Opens access to the address for the rest of the process's life.
+    /// Grants the process access to the address until it ends.
     virtual bool startAccessingSecurityScopedResource(const NSURL& url) = 0;
 
     /// Writes one message to the system log. Any thread.

@@ -10,8 +10,8 @@ namespace vistrane {
 /// The program's build information. Any thread.
 class NSBundle : public NSObject {
 public:
-    /// "CFBundleShortVersionString" is the version without its last number, "CFBundleVersion" that
-    /// number. Nothing for another key.
+    /// "CFBundleShortVersionString" is the version without its last number, "CFBundleVersion" is
+    /// that number. Nothing for any other key.
     virtual std::optional<std::string> objectForInfoDictionaryKey(const std::string& key) const = 0;
 };
 

@@ -11,14 +11,14 @@ namespace vistrane {
 /// Immutable bytes. Any thread.
 class NSData : public NSObject {
 public:
-    /// Valid as long as this object.
+    /// Valid as long as this object exists.
     virtual const std::uint8_t* bytes() const = 0;
     virtual std::size_t length() const = 0;
 
     /// Writes the bytes to the file at `path`, in place, replacing its content. The program always
-    /// passes false for `atomically`, and no back end implements the other way.
+    /// passes false for `atomically`; no back end implements true.
     ///
-    /// Returns whether every byte was written. A path that is not a regular file is refused without
+    /// Returns whether all bytes were written. Refuses a path that is not a regular file, without
     /// blocking.
     virtual bool writeToFile(const std::string& path, bool atomically) const = 0;
 };

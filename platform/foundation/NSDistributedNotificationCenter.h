@@ -7,11 +7,11 @@
 
 namespace vistrane {
 
-/// Notices between the system and its programs. Main thread only.
+/// Notifications between the system and its programs. Main thread only.
 class NSDistributedNotificationCenter : public NSObject {
 public:
-    /// Calls `observer` on the main run loop each time any sender posts `name`, until the process
-    /// ends: there is no way to unsubscribe, and the observer's captures must live that long.
+    /// Calls `observer` on the main run loop each time any sender posts `name`. There is no way to
+    /// unsubscribe, so the observer's captures must live as long as the process.
     virtual void addObserver(std::function<void()> observer, const std::string& name) = 0;
 };
 

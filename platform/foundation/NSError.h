@@ -8,7 +8,7 @@ namespace vistrane {
 
 /// Why an operation failed. Expected failures are values, never exceptions.
 struct NSError {
-    /// The family of codes, for instance "NSPOSIXErrorDomain".
+    /// The family of codes, such as "NSPOSIXErrorDomain".
     std::string domain;
     std::int64_t code = 0;
     /// For users: what failed, where, and what to do about it. One line.
@@ -23,7 +23,7 @@ struct NSError {
     bool operator==(const NSError&) const = default;
 };
 
-/// The text of "%@" for an error that may be missing.
+/// The text for "%@". The error may be missing.
 inline std::string describe(const std::optional<NSError>& error) {
     return error ? error->description() : "(null)";
 }

@@ -11,11 +11,11 @@ namespace vistrane {
 /// The file system. Paths are bytes. Any thread.
 class NSFileManager : public NSObject {
 public:
-    /// Follows links. `isDirectory` is written only for a path that exists.
+    /// Follows links. `isDirectory` is set only if the path exists.
     virtual bool fileExistsAtPath(const std::string& path, bool& isDirectory) const = 0;
 
-    /// The names of a folder's entries as bytes, with hidden ones and without "." and "..", in any
-    /// order. Nothing when the folder cannot be listed.
+    /// The names of a folder's entries as bytes, including hidden ones, without "." and "..", in
+    /// any order. Nothing if the folder cannot be listed.
     virtual std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const = 0;
 };
 

@@ -15,8 +15,8 @@ enum NSComparisonResult : int {
     NSOrderedDescending = 1
 };
 
-/// Options of a string comparison; combine them with "|". The program always passes all four, so a
-/// backend need not implement any other combination.
+/// Options of a string comparison; combine them with "|". The program always passes all four, so
+/// back ends need not implement other combinations.
 enum NSStringCompareOptions : std::uint32_t {
     NSCaseInsensitiveSearch = 1,
     NSNumericSearch = 64,
@@ -33,14 +33,14 @@ struct NSRange {
 /// The user's language rules for comparing strings. Immutable; any thread.
 class NSLocale : public NSObject {
 public:
-    /// Compares the `range` of `first` with the whole of `second` (`compare:options:range:locale:`
-    /// of a string). With `NSForcedOrderingSearch` only equal byte strings are the same: strings
-    /// that the other options call equal are ordered by code point. The result is a strict weak
-    /// order over any bytes, valid UTF-8 or not.
+    /// Compares the `range` of `first` with all of `second` (`compare:options:range:locale:` of a
+    /// string). With `NSForcedOrderingSearch` only identical byte strings are equal: strings that
+    /// are equal by the other options are ordered by code point. The result is a strict weak order
+    /// over any bytes, valid UTF-8 or not.
     virtual NSComparisonResult compare(const std::string& first, const std::string& second,
                                        std::uint32_t options, NSRange range) const = 0;
 
-    /// Sorts the texts, compared whole, by `compare`. The sort is stable.
+    /// Sorts the texts by `compare`, over their whole length. The sort is stable.
     virtual void sort(std::vector<std::string>& texts, std::uint32_t options) const = 0;
 };
 

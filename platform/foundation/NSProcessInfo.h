@@ -6,10 +6,10 @@
 
 namespace vistrane {
 
-/// What the program runs on. Any thread.
+/// The system that the program runs on. Any thread.
 class NSProcessInfo : public NSObject {
 public:
-    /// The system's name and version for users; may hold any characters.
+    /// The system's name and version, for users. May contain any characters.
     virtual std::string operatingSystemVersionString() const = 0;
 };
 

@@ -8,8 +8,8 @@ namespace vistrane {
 /// The main thread's run loop. Main thread only.
 class NSRunLoop : public NSObject {
 public:
-    /// Runs timers, the main queue and input until the date has come, then returns. May be called
-    /// from within a timer or an action.
+    /// Processes timers, the main queue and input until `date`, then returns. May be called from
+    /// within a timer or an action.
     virtual void runUntilDate(NSDate date) = 0;
 };
 

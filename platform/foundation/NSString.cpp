@@ -24,7 +24,7 @@ std::int64_t integerValue(std::string_view text) {
         ++at;
     }
     using Limits = std::numeric_limits<std::int64_t>;
-    // Counted on the negative side, which reaches one further.
+    // Accumulates a negative number, because the lowest integer has no positive counterpart.
     std::int64_t value = 0;
     for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
         const std::int64_t digit = text[at] - '0';

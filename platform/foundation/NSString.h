@@ -8,20 +8,19 @@
 
 namespace vistrane {
 
-/// The leading integer of a text as a text field reads it: white space is skipped, one sign is
-/// taken, digits are read up to the first other character. No digits give 0; a number out of range
-/// gives the nearest value in range.
+/// The leading integer of a text, as a text field reads it: optional white space, an optional sign,
+/// digits up to the first other character. 0 without digits; numbers out of range are clamped.
 std::int32_t intValue(std::string_view text);
 std::int64_t integerValue(std::string_view text);
 
 /// The part after the last dot of the last path component; empty without a dot.
 std::string_view pathExtension(std::string_view path);
 
-/// The value for a placeholder of a format: a text for "%@", a number for "%d".
+/// The argument for a placeholder of a format: a text for "%@", a number for "%d".
 using FormatArgument = std::variant<std::string_view, std::int32_t>;
 
-/// Fills the placeholders of `format`, "%@" and "%d", with the arguments in their order. The
-/// arguments are taken byte for byte. Placeholders and arguments agree in number and kind.
+/// Replaces the placeholders of `format`, "%@" and "%d", by the arguments, in order and byte for
+/// byte. Placeholders and arguments must agree in number and kind.
 std::string stringWithFormat(std::string_view format,
                              std::initializer_list<FormatArgument> arguments);
 

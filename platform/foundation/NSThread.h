@@ -4,10 +4,10 @@
 
 namespace vistrane {
 
-/// A thread with one entry function, run once. Every method may be called from any thread.
+/// A thread that runs one entry function once. Every method may be called from any thread.
 ///
-/// A running thread keeps its own object alive. It is never joined and ends with the process at the
-/// latest.
+/// A running thread keeps its own object alive. It is never joined, and ends with the process at
+/// the latest.
 class NSThread : public NSObject {
 public:
     /// Call once.

@@ -11,10 +11,10 @@ namespace vistrane {
 /// only. The run loop keeps a reference to a valid timer and drops it after `invalidate`.
 class NSTimer : public NSObject {
 public:
-    /// Ticks at once, without moving the grid. Does nothing once invalid.
+    /// Ticks immediately, without moving the grid. Does nothing on an invalid timer.
     virtual void fire() = 0;
 
-    /// No tick starts after this returns. Legal inside the tick.
+    /// No tick starts after this returns. May be called within a tick.
     virtual void invalidate() = 0;
 
     virtual bool isValid() const = 0;

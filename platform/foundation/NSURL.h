@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// An address. File addresses carry a path as the bytes that the file system has.
+/// An address. A file address holds the path in the bytes of the file system.
 class NSURL {
 public:
     /// `path` is absolute.
