@@ -19,7 +19,7 @@ namespace vistrane {
 
 namespace {
 
-/// The limit of ICU's calendars: milliseconds before and after 1970.
+/// The range of ICU's calendars, in milliseconds before and after 1970.
 constexpr double farthestMoment = 8.64e15;
 
 double millisecondsOf(NSDate date) {
@@ -70,7 +70,7 @@ struct IcuDateFormatter::State {
         format = std::move(made);
     }
 
-    /// A zone whose offset is right at that time.
+    /// A zone with the C library's offset at that time.
     std::unique_ptr<icu::TimeZone> zoneAt(double milliseconds) const {
         const std::optional<std::int32_t> offset = systemOffset(milliseconds);
         if (!offset || (zone && offsetInZone(*zone, milliseconds) == offset)) {

@@ -20,8 +20,8 @@ namespace vistrane {
 
 namespace {
 
-/// The rules of the POSIX locale belong to no language: they sort all capitals before all small
-/// letters. The root's rules replace them.
+/// The POSIX locale sorts all capitals before all small letters, which suits no language. The rules
+/// of ICU's root locale replace it.
 icu::Locale collationLocale(const std::string& icuLocale) {
     return icuLocale == "en_US_POSIX" ? icu::Locale::getRoot()
                                       : icu::Locale::createCanonical(icuLocale.c_str());
@@ -33,10 +33,10 @@ std::unique_ptr<const icu::Collator> makeCollator(const icu::Locale& locale) {
     if (U_FAILURE(status) != 0) {
         return nullptr;
     }
-    // Letters and accents count. Case and width are the third level.
+    // Letters and accents count; case and width, the third level, do not.
     collator->setStrength(icu::Collator::SECONDARY);
     collator->setAttribute(UCOL_NUMERIC_COLLATION, UCOL_ON, status);
-    // Some locales ignore punctuation by default: "a-b" and "ab" would be equal.
+    // Some locales ignore punctuation by default, so that "a-b" would equal "ab".
     collator->setAttribute(UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, status);
     // Some file systems store names decomposed, others composed.
     collator->setAttribute(UCOL_NORMALIZATION_MODE, UCOL_ON, status);
@@ -83,8 +83,8 @@ NSComparisonResult resultOf(int difference) {
     return difference < 0 ? NSOrderedAscending : NSOrderedDescending;
 }
 
-/// The length of what all texts begin with, up to and including a slash, hyphen or underscore. No
-/// collation has a rule that reaches across one of these, so the rest decides by itself.
+/// The length of the common prefix of all texts that ends in a slash, hyphen or underscore. No
+/// collation has a rule that spans one of these, so comparing the rests gives the same order.
 std::size_t commonStart(const std::vector<std::string>& texts) {
     std::string_view common = texts.empty() ? std::string_view() : texts.front();
     for (const std::string& text : texts) {
@@ -95,12 +95,12 @@ std::size_t commonStart(const std::vector<std::string>& texts) {
     return common.find_last_of("/-_") + 1;
 }
 
-/// Collation keys in one buffer: byte strings whose order is that of their texts.
+/// Collation keys in one buffer: byte strings that sort like their texts.
 class SortKeys {
 public:
     explicit SortKeys(const icu::Collator& collator) : collator_(collator), bytes_(1 << 16) {}
 
-    /// Where the text's key begins; nothing when the collation has no key for it.
+    /// Returns the position of the text's key; nothing if the collation has no key for it.
     std::optional<std::size_t> add(std::string_view text) {
         const icu::UnicodeString characters = charactersOf(text);
         std::size_t length = write(characters);
@@ -117,7 +117,7 @@ public:
         return start;
     }
 
-    /// The first bytes of a key as a number that has their order.
+    /// The first bytes of a key, as a number that sorts like them.
     std::uint64_t start(std::size_t key) const {
         std::uint64_t value = 0;
         bool ended = false;
@@ -149,7 +149,7 @@ private:
 };
 
 struct KeyedText {
-    /// The key's first bytes, which decide most comparisons without a look at the key itself.
+    /// The key's first bytes. They decide most comparisons without reading the key.
     std::uint64_t start;
     std::size_t key;
     /// The text's index in the list.
@@ -170,7 +170,7 @@ std::optional<std::vector<KeyedText>> keyed(const std::vector<std::string>& text
     return result;
 }
 
-/// False, with nothing changed, when a text has no key.
+/// Returns false, and changes nothing, if a text has no key.
 bool sortByKeys(std::vector<std::string>& texts, const icu::Collator& collator) {
     SortKeys keys(collator);
     auto order = keyed(texts, commonStart(texts), keys);
@@ -202,14 +202,14 @@ struct IcuLocale::Collation {
             collator && collator->getAttribute(UCOL_FRENCH_COLLATION, status) == UCOL_ON;
     }
 
-    /// Zero for texts that the collation calls equal.
+    /// Zero for texts that are equal by the collation.
     int compare(std::string_view first, std::string_view second) const {
         if (!collator) {
             return 0;
         }
-        // ICU skips what two texts have in common. In many languages it then takes a digit of
-        // another script for the start of a number, not for a part of one, and contradicts itself.
-        // Keys are made of whole numbers.
+        // ICU skips the common prefix of two texts. In many languages it then reads a digit of
+        // another script in the middle of a number as the start of one, and contradicts itself.
+        // Keys are made from whole numbers.
         if (!readsFromTheEnd && (hasDigitBeyondAscii(first) || hasDigitBeyondAscii(second))) {
             return keyOrder(*collator, first, second);
         }
@@ -217,10 +217,10 @@ struct IcuLocale::Collation {
         return collator->compareUTF8(pieceOf(first), pieceOf(second), status);
     }
 
-    /// Null when ICU has none; texts then have the order of their bytes.
+    /// Null if ICU has none; texts are then sorted by their bytes.
     std::unique_ptr<const icu::Collator> collator;
-    /// Whether the last accent counts first. Keys and comparisons then disagree about marks with
-    /// characters without weight between them, so keys are not used.
+    /// Whether accents are compared from the end. Keys and comparisons then disagree about accents
+    /// that are separated by ignored characters, so keys are not used.
     bool readsFromTheEnd = false;
 };
 

@@ -55,7 +55,7 @@ std::string icuLocaleOfPosixName(const std::string& name) {
     const std::string modifier = at == std::string::npos ? std::string() : name.substr(at + 1);
     std::string language = name.substr(0, at);
     language = language.substr(0, language.find('.'));
-    // The C library takes a name with a slash for the path of a locale file.
+    // For the C library, a name with a slash is the path of a locale file.
     if (language.empty() || language == "C" || language == "POSIX" ||
         language.find('/') != std::string::npos) {
         return posixLocale;

@@ -15,8 +15,8 @@ enum class LocaleCategory { time, collation };
 /// "en_US_POSIX".
 std::string userLocale(LocaleCategory category);
 
-/// The ICU identifier for a POSIX locale name such as "de_DE.UTF-8@euro". ICU's own keywords
-/// ("th_TH@calendar=gregorian") are kept.
+/// Converts a POSIX locale name, such as "de_DE.UTF-8@euro", to an ICU identifier. ICU's own
+/// keywords ("th_TH@calendar=gregorian") are kept.
 std::string icuLocaleOfPosixName(const std::string& name);
 
 } // namespace vistrane

@@ -19,14 +19,14 @@ inline std::uint64_t loadLittleEndian(const std::uint8_t* bytes) {
     return word;
 }
 
-/// Reads a deflate stream bit by bit. It does no bounds checks: callers make sure that 8 bytes can
-/// be read at `in`, and check afterwards how far `in` has moved.
+/// Reads a deflate stream bit by bit. Without bounds checks: callers make sure that 8 bytes can be
+/// read at `in`, and check afterwards how far `in` has moved.
 ///
-/// Everything here is inlined, also into functions that are compiled for newer processors. Decoding
-/// loops work on a local copy, which the compiler keeps in registers.
+/// Everything here is inlined, including into functions that are compiled for newer processors.
+/// Decoding loops use a local copy, which the compiler keeps in registers.
 struct BitReader {
     const std::uint8_t* in = nullptr;
-    /// Bits that were loaded and not used yet, the next one lowest. Bits above the first
+    /// Bits that are loaded but not used yet; the next one is the lowest. Bits above the first
     /// `bitCount` may already hold the first bits of the byte at `in`.
     std::uint64_t bits = 0;
     unsigned bitCount = 0;
@@ -52,7 +52,8 @@ struct BitReader {
         return value;
     }
 
-    /// Skips to the next byte boundary and returns whole unused bytes: `in` is the next byte.
+    /// Skips to the next byte boundary and puts back unused whole bytes: afterwards `in` is the
+    /// next byte.
     void alignToByte() { startAt(in - bitCount / 8); }
 };
 

@@ -10,7 +10,7 @@
 
 namespace vistrane {
 
-/// A drawing context on memory laid out as in a `PixelBuffer`. One thread at a time.
+/// A drawing context on memory with the layout of a `PixelBuffer`. One thread at a time.
 class BitmapContext final : public CGContext {
 public:
     /// `target` is the pixel buffer that owns the memory, or null. The context retains it.

@@ -10,13 +10,13 @@
 
 namespace vistrane {
 
-/// A dynamic array of bytes. Unlike a vector it does not clear its memory, because pictures are
-/// overwritten whole, and it reports the lack of memory without an exception.
+/// A dynamic array of bytes. Unlike a vector, it does not clear its memory, because pictures are
+/// overwritten completely, and it does not throw if there is not enough memory.
 class ByteArray {
 public:
     ByteArray() = default;
 
-    /// `length` bytes of unspecified content; null without the memory for them.
+    /// `length` bytes of unspecified content; nothing if there is not enough memory.
     static std::optional<ByteArray> ofLength(std::size_t length) {
         ByteArray result;
         if (!result.reserve(length)) {
@@ -39,7 +39,7 @@ public:
     std::size_t length() const { return length_; }
     std::span<const std::uint8_t> bytes() const { return {memory_.get(), length_}; }
 
-    /// Returns false and changes nothing when there is no memory.
+    /// Returns false, and changes nothing, if there is not enough memory.
     [[nodiscard]] bool append(std::span<const std::uint8_t> more) {
         if (more.empty()) {
             return true;
@@ -52,7 +52,7 @@ public:
         return true;
     }
 
-    /// Removes the bytes from `length` on. Never adds any.
+    /// Removes the bytes from `length` on. Never adds bytes.
     void shorten(std::size_t length) {
         if (length < length_) {
             length_ = length;
@@ -68,7 +68,7 @@ private:
         if (length <= capacity_ && memory_) {
             return true;
         }
-        // The first allocation is exact; later ones leave room to grow.
+        // The first allocation is exact; later ones leave room for growth.
         std::size_t wanted = capacity_ == 0 ? length : length + length / 2;
         wanted = wanted < 1 ? 1 : wanted;
         auto* larger = static_cast<std::uint8_t*>(std::realloc(memory_.get(), wanted));

@@ -14,11 +14,11 @@ namespace vistrane {
 /// Bytes in memory as `NSData`. Immutable; any thread.
 class DataBytes final : public NSData {
 public:
-    /// Every `writeToFile` reports its outcome to `observer`, if there is one, on the calling
-    /// thread and before it returns. The observer outlives this object.
+    /// Each `writeToFile` reports its outcome to `observer`, if there is one, on the calling
+    /// thread, before it returns. The observer outlives this object.
     explicit DataBytes(ByteArray bytes, PictureObserver* observer = nullptr);
 
-    /// Null without the memory for the copy.
+    /// Null if there is not enough memory for the copy.
     static std::shared_ptr<DataBytes> copyOf(std::span<const std::uint8_t> bytes,
                                              PictureObserver* observer = nullptr);
 

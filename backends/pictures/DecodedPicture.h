@@ -14,7 +14,7 @@ namespace vistrane {
 /// A picture whose pixels are in memory.
 class DecodedPicture final : public PictureSource {
 public:
-    /// `pixels` are sRGB values in the shape's `compactForm`: rows without gaps, the top row first.
+    /// `pixels` are sRGB values in the shape's `compactForm`: contiguous rows, the top row first.
     DecodedPicture(PictureShape shape, std::string name, ByteArray pixels);
 
     std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
@@ -25,7 +25,7 @@ private:
     ByteArray pixels_;
 };
 
-/// Decodes `picture` into memory. Returns `picture` itself when its pixels are there already.
+/// Decodes `picture` into memory. Returns `picture` itself if its pixels are already in memory.
 PictureSourceResult decodedPicture(std::shared_ptr<const PictureSource> picture);
 
 } // namespace vistrane

@@ -10,14 +10,14 @@ namespace {
 
 constexpr unsigned longestCode = 15;
 constexpr std::size_t endOfBlock = 256;
-/// Bits that are not a code.
+/// The entry for bits that are not a code.
 constexpr DeflateEntry noCode = isRare;
 
 constexpr DeflateEntry valueEntry(std::uint32_t value, std::uint32_t extraBits) {
     return value << 16 | extraBits;
 }
 
-/// What the symbols stand for; the length of their code is added for each block.
+/// The meaning of each symbol. The length of its code is added for each block.
 constexpr std::array<DeflateEntry, 288> makeLiteralValues() {
     std::array<DeflateEntry, 288> values{};
     for (std::uint32_t i = 0; i < endOfBlock; ++i) {
@@ -50,14 +50,15 @@ constexpr std::array<DeflateEntry, 32> makeDistanceValues() {
 constexpr auto literalValues = makeLiteralValues();
 constexpr auto distanceValues = makeDistanceValues();
 
-/// The next code of the same length, or what longer codes go on from. Codes count up from their
-/// first bit, which is the lowest one here. After the last code, all ones, there is none.
+/// The next code of the same length, or the prefix of the first longer code. Codes are
+/// bit-reversed: the first bit of a code is the lowest bit here, so a plain increment does not
+/// work. The last code, all ones, has no successor.
 std::uint32_t nextCode(std::uint32_t code, unsigned length) {
     const std::uint32_t highestZero = std::bit_floor(code ^ ((1U << length) - 1));
     return (code & (highestZero - 1)) | highestZero;
 }
 
-/// Symbols by code length, then by value: the order in which codes are assigned.
+/// Symbols sorted by code length, then by value: the order in which codes are assigned.
 struct CodeOrder {
     std::array<std::uint16_t, longestCode + 2> count{};
     std::array<std::uint16_t, 288> symbols{};
@@ -108,12 +109,12 @@ DeflateEntry entryOf(DeflateEntry value, unsigned codeBits) {
     if ((value & isLiteral) != 0) {
         return value | 1U << 8 | codeBits;
     }
-    // The extra bits are already there.
+    // the extra bits are already included
     return (value | codeBits << 8) + codeBits;
 }
 
-/// Builds the table of a complete code. Codes of at most `tableBits` are in the table itself; the
-/// first bits of a longer one lead to a subtable.
+/// Builds the table of a complete code. The table itself has the codes of at most `tableBits`; the
+/// first bits of a longer code lead to a subtable.
 void buildTable(const CodeOrder& order, const DeflateEntry* values, DeflateEntry* table,
                 unsigned tableBits) {
     const std::uint32_t tableSize = 1U << tableBits;
@@ -129,7 +130,7 @@ void buildTable(const CodeOrder& order, const DeflateEntry* values, DeflateEntry
             code = nextCode(code, length);
         }
     }
-    // Short codes repeat: copying is quicker than filling in each.
+    // Short codes repeat; copying is faster than filling in each entry.
     for (; filled < tableSize; filled *= 2) {
         std::memcpy(table + filled, table, filled * sizeof table[0]);
     }
@@ -140,8 +141,7 @@ void buildTable(const CodeOrder& order, const DeflateEntry* values, DeflateEntry
         for (unsigned left = order.count[length]; left > 0; --left) {
             if ((code & (tableSize - 1)) != prefix) {
                 prefix = code & (tableSize - 1);
-                // Codes that begin with the same bits are complete among themselves, so they fill
-                // a subtable.
+                // Codes with the same first bits form a complete code, so they fill a subtable.
                 unsigned bits = length - tableBits;
                 for (std::uint32_t used = left; used < 1U << bits;) {
                     ++bits;
@@ -161,9 +161,10 @@ void buildTable(const CodeOrder& order, const DeflateEntry* values, DeflateEntry
     }
 }
 
-/// Lets a lookup yield two literals where its bits hold both codes.
+/// Combines two literals into one entry if its bits hold both codes.
 void pairLiterals(DeflateEntry* table, unsigned tableBits) {
-    // Backwards: an entry is combined with one before it, which must still be a single literal.
+    // Backwards, because an entry is combined with an earlier one, which must still be a single
+    // literal.
     for (std::uint32_t i = 1U << tableBits; i-- > 0;) {
         const DeflateEntry first = table[i];
         const DeflateEntry second = table[i >> (first & 31U)];
@@ -174,7 +175,7 @@ void pairLiterals(DeflateEntry* table, unsigned tableBits) {
     }
 }
 
-/// The code in which the lengths of a block's codes are written: their table, read with 7 bits.
+/// The table of the code in which a block's code lengths are written. Read with 7 bits.
 class LengthCodes {
 public:
     static constexpr unsigned tableBits = 7;
@@ -209,7 +210,7 @@ private:
     std::array<DeflateEntry, 1U << tableBits> table_{};
 };
 
-/// Reads the lengths of both codes, of which repeats may cross from one to the other.
+/// Reads the lengths of both codes. A repeat may continue from one to the other.
 bool readLengths(BitReader& reader, const LengthCodes& codes, std::span<std::uint8_t> lengths) {
     for (std::size_t known = 0; known < lengths.size();) {
         const std::uint32_t symbol = codes.next(reader);
@@ -279,8 +280,8 @@ bool DeflateCodes::build(std::span<const std::uint8_t> literalLengths,
         buildTable(distanceOrder, distanceValues.data(), distances.data(), distanceBits);
         return true;
     }
-    // Two incomplete codes are valid: none, of a block without matches, and a single code of one
-    // bit, which is 0.
+    // Two incomplete codes are valid: no code at all, in a block without matches, and a single code
+    // of one bit, which is 0.
     const std::size_t symbols = distanceOrder.symbolCount();
     std::fill_n(distances.begin(), 1U << distanceBits, noCode);
     if (symbols == 1 && distanceOrder.count[1] == 1) {

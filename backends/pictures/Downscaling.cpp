@@ -17,7 +17,7 @@ void Downscaling::begin() {
 }
 
 void Downscaling::take(const std::uint8_t* row) {
-    // An old row may be part of two new rows.
+    // A source row may contribute to two target rows.
     while (newRow_ < height_ && down_.firsts[newRow_] <= oldRow_) {
         const std::size_t tap = oldRow_ - down_.firsts[newRow_];
         addWeighted(row, static_cast<unsigned>(down_.weightsOf(newRow_)[tap]), sums_.data(),

@@ -9,14 +9,14 @@
 
 namespace vistrane {
 
-/// Scales a picture down, row by row while it is decoded: each row is still in the processor's
-/// cache, and the large picture is never in memory as a whole.
+/// Scales a picture down row by row while it is decoded: each row is still in the cache, and memory
+/// never holds the whole large picture.
 ///
-/// A new pixel is the average of the area that falls on it, of the sRGB values as they are. Alpha
-/// is ignored. One thread.
+/// Each target pixel is the average of the source area that it covers, computed on the sRGB values.
+/// Alpha is ignored. One thread.
 class Downscaling final : public PictureRows {
 public:
-    /// `shape` and `form` describe the rows to take. `width` and `height` are from 1 to the
+    /// `shape` and `form` describe the source rows. `width` and `height` are from 1 to the
     /// picture's own. The result is written to `pixels` as 0xFFRRGGBB; `stride` is in bytes.
     Downscaling(const PictureShape& shape, PixelForm form, std::size_t width, std::size_t height,
                 std::uint32_t* pixels, std::ptrdiff_t stride);
@@ -37,7 +37,7 @@ private:
 
     std::size_t oldRow_ = 0;
     std::size_t newRow_ = 0;
-    /// The weighted sum of the old rows of the current new row.
+    /// The weighted sum of the source rows of the current target row.
     std::vector<std::uint16_t> sums_;
 };
 

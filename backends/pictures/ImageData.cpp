@@ -12,7 +12,7 @@ constexpr std::size_t chunkChecksum = 4;
 
 } // namespace
 
-/// Enters the next chunk that has data, if the current one has none left.
+/// Goes to the next chunk that has data if the current one is exhausted.
 bool ImageData::findData() {
     while (data_.empty() && !chunks_.empty()) {
         const std::size_t length = static_cast<std::size_t>(chunks_[0]) << 24 |

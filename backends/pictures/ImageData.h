@@ -6,28 +6,28 @@
 
 namespace vistrane {
 
-/// The data of consecutive IDAT chunks as one stream of bytes.
+/// The data of consecutive IDAT chunks, as one stream of bytes.
 class ImageData {
 public:
-    /// `chunks`: whole chunks with length, type and checksum, and no gap between them, as
-    /// `readPngHeader` has checked them. `chunksVisited` is incremented for each chunk that is
-    /// entered, also by copies; both must outlive this object.
+    /// `chunks`: contiguous whole chunks with length, type and checksum, checked by
+    /// `readPngHeader`. `chunksVisited` is incremented for each chunk that this object or a copy
+    /// enters. Both outlive this object.
     ImageData(std::span<const std::uint8_t> chunks, std::size_t& chunksVisited)
         : chunks_(chunks), chunksVisited_(&chunksVisited) {}
 
-    /// Copies the next bytes, at most `room`. Returns how many: fewer only at the end.
+    /// Copies up to `room` bytes. Returns how many; fewer only at the end.
     std::size_t read(std::uint8_t* to, std::size_t room);
 
-    /// Skips the next bytes, at most up to the end.
+    /// Skips bytes, up to the end.
     void skip(std::size_t length);
 
-    /// How many bytes were read or skipped.
+    /// The number of bytes read or skipped so far.
     std::size_t position() const { return position_; }
 
-    /// The next bytes that lie in one chunk; empty at the end.
+    /// The unread rest of the current chunk; empty at the end.
     std::span<const std::uint8_t> restOfChunk();
 
-    /// How many bytes of the file are known to follow the current chunk.
+    /// How many bytes of the file follow the current chunk, at least.
     std::size_t bytesAfterChunk() const { return chunks_.size(); }
 
 private:

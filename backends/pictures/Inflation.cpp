@@ -11,12 +11,12 @@ namespace vistrane {
 namespace {
 
 constexpr std::size_t farthestMatch = 32768;
-/// How much is made before it is taken: it fits into the caches, and moving the last 32 KiB to the
-/// front costs little beside it.
+/// The size of a part. It fits into the caches, and is large compared with the 32 KiB of history
+/// that are moved to the front for each part.
 constexpr std::size_t part = std::size_t{128} * 1024;
-/// What each of two literal chunks may become: a slab of `encodeByIgzip`.
+/// Room for the decompressed bytes of a literal chunk: a slab of `encodeByIgzip`.
 constexpr std::size_t literalRoom = std::size_t{132} * 1024;
-/// How many bytes of the file must follow a pair of chunks, which is read without checking for the
+/// How many bytes of the file must follow a pair of chunks: decoding them does not check for the
 /// end at every step.
 constexpr std::size_t readMargin = 24;
 
@@ -59,7 +59,7 @@ Inflation::Outcome Inflation::more() {
     return Outcome::Going;
 }
 
-/// Makes room: what matches can still reach, or was not taken, moves to the front.
+/// Makes room: moves the bytes that were not taken, or that matches can still reach, to the front.
 void Inflation::slide() {
     if (out_ < outLimit_) {
         return;
@@ -74,7 +74,7 @@ void Inflation::slide() {
 }
 
 void Inflation::fillInput() {
-    // Up to 8 bytes that are in the reader's bits may have to be returned.
+    // Keeps 8 bytes, because the reader may have to put back up to 8 bytes of its bits.
     const std::ptrdiff_t gone = std::max<std::ptrdiff_t>(reader_.in - input_.data() - 8, 0);
     const auto kept = static_cast<std::size_t>(inEnd_ - input_.data() - gone);
     std::memmove(input_.data(), input_.data() + gone, kept);
@@ -87,7 +87,7 @@ void Inflation::fillInput() {
     }
 }
 
-/// Whether bits were used that are not in the file.
+/// Whether the reader has used bits beyond the end of the data.
 bool Inflation::isOverrun() const {
     return drained_ && reader_.in - reader_.bitCount / 8 > inEnd_;
 }
@@ -103,13 +103,13 @@ bool Inflation::readStreamHeader() {
     reader_.in += 2;
     const unsigned windowBits = (method >> 4) + 8;
     constexpr unsigned dictionary = 0x20;
-    // No match can reach beyond a window that holds all of the bytes.
+    // A window that holds all bytes is large enough for every match.
     const bool reachesAll = windowBits == 15 || (windowBits < 15 && length_ >> windowBits == 0);
     return (method & 15U) == 8 && (method << 8 | flags) % 31 == 0 && (flags & dictionary) == 0 &&
            reachesAll;
 }
 
-/// Reads a block's header or some of its contents, or two chunks.
+/// Reads a block's header, a part of its contents, or two literal chunks.
 bool Inflation::step() {
     ++steps_;
     if (step_ == Step::BlockHeader && decodeTwoChunks()) {
@@ -193,8 +193,8 @@ void Inflation::endBlock() {
     step_ = lastBlock_ ? Step::Checksum : Step::BlockHeader;
 }
 
-/// True when the next two chunks held only literals and are done. Otherwise nothing has changed,
-/// and the blocks are to be read one by one.
+/// Decodes the next two chunks if both are literal chunks. Otherwise returns false and changes
+/// nothing; the caller then reads block by block.
 bool Inflation::decodeTwoChunks() {
     if (reader_.bitCount % 8 != 0) {
         return false;
@@ -231,7 +231,7 @@ bool Inflation::decodeTwoChunks() {
     return true;
 }
 
-/// The checksum of the stream, after which the data must end.
+/// Checks the checksum of the stream, which must be at the end of the data.
 bool Inflation::readChecksum() {
     if (!drained_) {
         fillInput();

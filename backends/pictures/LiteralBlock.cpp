@@ -11,20 +11,20 @@ namespace {
 constexpr std::size_t mostSymbols = 288;
 constexpr std::size_t endOfBlock = 256;
 
-/// `Inflation` finds mostly two of these in one lookup, and never needs a subtable. Longer codes
-/// would make noise smaller by less than a thousandth.
+/// With this limit `Inflation` usually finds two literals in one lookup and never needs a subtable.
+/// Longer codes would shrink noise by less than a thousandth.
 constexpr unsigned longestLiteral = 11;
 constexpr unsigned longestLength = 7;
 
-/// Code lengths are written in a code of their own: 0 to 15 stand for themselves, 16 repeats the
-/// last length, 17 and 18 repeat 0.
+/// Code lengths are written in another code: 0 to 15 are literal lengths, 16 repeats the last
+/// length, 17 and 18 repeat 0.
 constexpr std::size_t lengthSymbols = 19;
 constexpr std::array<std::uint8_t, lengthSymbols> lengthOrder = {16, 17, 18, 0, 8,  7, 9,  6, 10, 5,
                                                                  11, 4,  12, 3, 13, 2, 14, 1, 15};
 /// There are no matches, but some decoders require codes for distances.
 constexpr std::size_t distanceSymbols = 2;
 
-/// More than the header and the end of a block take.
+/// An upper bound for the header and the end of a block.
 constexpr std::size_t headerRoom = 512;
 
 std::uint16_t reversed(unsigned code, unsigned length) {
@@ -35,7 +35,8 @@ std::uint16_t reversed(unsigned code, unsigned length) {
     return static_cast<std::uint16_t>(result);
 }
 
-/// Calls `assign(symbol, code, length)` for each symbol: its canonical code, first bit lowest.
+/// Calls `assign(symbol, code, length)` for each symbol with its canonical code, whose first bit is
+/// the lowest.
 template <typename Assign>
 void assignCodes(std::span<const std::uint8_t> lengths, const Assign& assign) {
     unsigned code = 0;
@@ -57,7 +58,7 @@ void storeWord(std::uint8_t* to, std::uint64_t word) {
     std::memcpy(to, &word, sizeof word);
 }
 
-/// Writes bits, the lowest first. Overwrites up to 8 bytes past the end.
+/// Writes bits, the lowest first. May overwrite up to 8 bytes past the end.
 class BitWriter {
 public:
     explicit BitWriter(std::uint8_t* to) : to_(to) {}
@@ -80,7 +81,7 @@ public:
         flush();
     }
 
-    /// Pads to a byte boundary and returns it.
+    /// Pads to a byte boundary and returns the end.
     std::uint8_t* end() {
         count_ = (count_ + 7) / 8 * 8;
         flush();
@@ -138,7 +139,7 @@ private:
         std::uint8_t extraBits = 0;
     };
 
-    /// Adds an item for the lengths from `at` on. Returns how many it stands for.
+    /// Adds an item for the lengths from `at` on. Returns how many lengths it covers.
     std::size_t addItem(std::size_t at) {
         const std::uint8_t length = all_[at];
         std::size_t times = 1;
@@ -188,7 +189,8 @@ void chooseCodeLengths(std::span<const std::uint32_t> counts, unsigned limit,
                   return counts[a] != counts[b] ? counts[a] < counts[b] : a < b;
               });
 
-    // Each list has, by weight, the symbols and the packages: pairs of neighbours in the last list.
+    // Each list holds the symbols and the packages (pairs of neighbours in the previous list),
+    // sorted by weight.
     std::array<std::uint64_t, 2 * mostSymbols> list{};
     std::array<std::uint64_t, 2 * mostSymbols> next{};
     std::array<std::array<bool, 2 * mostSymbols>, 15> isSymbol{};
@@ -212,8 +214,8 @@ void chooseCodeLengths(std::span<const std::uint32_t> counts, unsigned limit,
         length = pairs + used;
         std::swap(list, next);
     }
-    // The length of a symbol's code is the number of times that it is among the first items of the
-    // last list, alone or in a package.
+    // The length of a symbol's code is the number of its occurrences in the first items of the last
+    // list, alone or in a package.
     std::size_t taken = 2 * used - 2;
     for (unsigned level = limit; level-- > 0;) {
         const auto first = isSymbol[level].begin();
@@ -227,7 +229,7 @@ void chooseCodeLengths(std::span<const std::uint32_t> counts, unsigned limit,
 }
 
 LiteralBlock::LiteralBlock(std::span<const std::uint8_t> bytes) : bytes_(bytes) {
-    // Four sets of counters: incrementing the same one twice in a row would wait for the first.
+    // Four sets of counters, because incrementing the same counter twice in a row stalls.
     std::array<std::array<std::uint32_t, 256>, 4> parts{};
     std::size_t i = 0;
     for (; i + 4 <= bytes.size(); i += 4) {

@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// A picture to be encoded. The data that it returns report their writing to the observer, which
+/// A picture to encode. The data that it returns report their writing to the observer, which
 /// outlives them.
 class MediaBitmapImageRep final : public NSBitmapImageRep {
 public:

@@ -9,14 +9,14 @@ namespace vistrane {
 
 namespace {
 
-/// There is one space only: it has nothing to hold.
+/// The only colour space, so it holds no state.
 class GenericRgb final : public CGColorSpace {
 public:
     GenericRgb() = default;
     ~GenericRgb() = default;
 };
 
-/// Ends what the search for the buffer has counted up.
+/// Releases the reference that `retainLockedBufferAt` has added.
 class Held {
 public:
     explicit Held(PixelBuffer* buffer) : buffer_(buffer) {}

@@ -14,7 +14,7 @@ namespace vistrane {
 class MediaCoreVideo final : public CoreVideo {
 public:
     MediaCoreVideo() = default;
-    /// Releases the references that outstanding locks hold.
+    /// Releases the references of outstanding locks.
     ~MediaCoreVideo() override;
 
     CVReturn CVPixelBufferCreate(std::size_t width, std::size_t height, std::uint32_t pixelFormat,
@@ -28,8 +28,8 @@ public:
     /// Does nothing: the pool keeps no idle buffers and belongs to its adaptor.
     void CVPixelBufferPoolRelease(CVPixelBufferPoolRef pool) override;
 
-    /// The locked buffer whose top row starts at that address, retained for the caller, or null. A
-    /// bitmap context finds its buffer by it.
+    /// The locked buffer whose top row starts at that address, retained for the caller; null if
+    /// there is none. Bitmap contexts find their buffer with it.
     PixelBuffer* retainLockedBufferAt(const void* baseAddress);
 
 private:

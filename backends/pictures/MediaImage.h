@@ -9,7 +9,7 @@ namespace vistrane {
 
 struct Drawing;
 
-/// A picture of this folder. Its pixels are decoded each time it is drawn.
+/// A picture of this back end. Its pixels are decoded each time it is drawn.
 class MediaImage final : public NSImage {
 public:
     explicit MediaImage(std::shared_ptr<const PictureSource> source);

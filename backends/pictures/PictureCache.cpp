@@ -6,7 +6,7 @@
 
 namespace vistrane {
 
-/// Scope of a load: its end, also by an exception, wakes those who wait for the picture.
+/// The scope of a load. Its end, even by an exception, wakes the threads that wait for the picture.
 class PictureCache::Turn {
 public:
     Turn(PictureCache& cache, const std::string& path, const FileState& state)

@@ -13,15 +13,15 @@
 
 namespace vistrane {
 
-/// Shares a file's picture between all who have loaded the same state of that file. Holds weak
-/// references only: a picture lives as long as one of its users. Any thread.
+/// Shares a file's picture between all users that have loaded the same state of the file. Holds
+/// only weak references: a picture lives as long as one of its users. Any thread.
 class PictureCache {
 public:
     using Loading = std::function<PictureSourceResult()>;
 
-    /// The picture of the file at `path` in `state`: shared with another user, waiting for one who
-    /// is loading it, else loaded by `load`. A failure or an exception of `load` concerns this call
-    /// only; those who wait load the file themselves.
+    /// Returns the picture of the file at `path` in `state`. Shares that of another user, waits for
+    /// a thread that is loading it, or calls `load`. A failure or exception of `load` affects only
+    /// this call; waiting threads then load the file themselves.
     PictureSourceResult picture(const std::string& path, const FileState& state,
                                 const Loading& load);
 
@@ -44,7 +44,7 @@ private:
 
     std::mutex mutex_;
     std::condition_variable changed_;
-    /// Few: the pictures in use, and some that were until lately.
+    /// Few entries: the pictures in use, and some that were in use recently.
     std::vector<Entry> entries_;
 };
 

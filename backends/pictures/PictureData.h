@@ -12,12 +12,11 @@
 
 namespace vistrane {
 
-/// File data that carries its picture, so that a still reaches its PNG file without being written
-/// to and parsed from another format in between. `Pictures` takes the picture out again.
+/// File data that carries its decoded picture, so that a still becomes a PNG file without an
+/// intermediate format. `Pictures` takes the picture out again.
 ///
-/// Any other reader finds the bytes of a PNG file, whatever message returned the data. They are
-/// encoded with the first call that needs them; the program makes no such call. Without the memory
-/// to encode them there are no bytes.
+/// `bytes` is a PNG file, whichever call returned the data. It is encoded by the first call that
+/// needs it; the program makes no such call. Empty if there is not enough memory to encode it.
 class PictureData final : public NSData {
 public:
     explicit PictureData(std::shared_ptr<const PictureSource> picture);

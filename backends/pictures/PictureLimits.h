@@ -4,11 +4,11 @@
 
 namespace vistrane {
 
-/// The largest sizes that are accepted before memory is allocated.
+/// The largest accepted sizes, checked before memory is allocated.
 struct PictureLimits {
     /// In pixels.
     std::uint32_t largestSide = 32768;
-    /// Width times height; 1 GiB at 4 bytes a pixel.
+    /// Width times height; 1 GiB at 4 bytes per pixel.
     std::uint64_t mostPixels = 256ULL * 1024 * 1024;
     /// In bytes.
     std::uint64_t largestFile = 1024ULL * 1024 * 1024;

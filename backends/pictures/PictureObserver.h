@@ -7,19 +7,18 @@
 namespace vistrane {
 
 /// Receives outcomes and reasons that the kits do not report to the program, for a front end to
-/// show. Called on any thread; returns soon and throws nothing. Outlives every picture object.
+/// show. Called on any thread; must return quickly and not throw. Outlives every picture object.
 class PictureObserver {
 public:
-    /// The file at `path` is not a picture that can be read. With an empty path: a picture in
-    /// memory could not be decoded or encoded. Called before the null result is returned, on the
-    /// thread that asked for it.
+    /// The picture file at `path` could not be read. With an empty path: a picture in memory could
+    /// not be decoded or encoded. Called on the calling thread, before the null result is returned.
     virtual void imageCouldNotBeRead(const std::string& path, const NSError& reason) {
         (void)path, (void)reason;
     }
 
     /// `NSData::writeToFile` begins. One of the two calls below follows.
     virtual void fileIsBeingWritten(const std::string& path) { (void)path; }
-    /// Every byte was written.
+    /// All bytes were written.
     virtual void fileWasWritten(const std::string& path) { (void)path; }
     virtual void fileCouldNotBeWritten(const std::string& path, const NSError& reason) {
         (void)path, (void)reason;

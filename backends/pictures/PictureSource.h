@@ -15,7 +15,7 @@
 
 namespace vistrane {
 
-/// The order of a pixel's components in memory, one byte each, colour not multiplied by alpha.
+/// The order of a pixel's components in memory: one byte each, alpha not premultiplied.
 enum class PixelForm { ARGB, RGBA, RGB };
 
 constexpr std::size_t bytesPerPixel(PixelForm form) {
@@ -33,28 +33,28 @@ struct PixelDensity {
 struct PictureShape {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
-    /// Only a density that `densityMakesSense`.
+    /// Set only if `densityMakesSense`.
     std::optional<PixelDensity> density;
     /// If false, every pixel is opaque.
     bool mayBeTransparent = false;
 
-    /// The form that keeps every value in the fewest bytes.
+    /// The smallest form that keeps all values.
     PixelForm compactForm() const { return mayBeTransparent ? PixelForm::RGBA : PixelForm::RGB; }
 
-    /// In points: pixels x 72 / dpi where there is a density, else pixels.
+    /// In points: pixels x 72 / dpi if there is a density, otherwise pixels.
     NSSize sizeInPoints() const;
 };
 
 /// Converts a density in whole pixels per metre to dots per inch.
 ///
-/// A density to which some whole number of dpi rounds, up or down, gives that number: 144 dpi is
-/// stored as 5669 pixels per metre, which is 143.9926 dpi exactly, and 72 dpi as 2835, which is
-/// 72.009. Else 1280 pixels would become 1279.8 points and lose a column.
+/// If a whole number of dpi rounds to this density, up or down, the result is that number. 144 dpi
+/// is stored as 5669 pixels per metre, which is 143.9926 dpi, and 72 dpi as 2835, which is 72.009.
+/// Without this rule, 1280 pixels would become 1279.8 points and lose a column.
 double dotsPerInch(std::uint32_t pixelsPerMetre);
 
-/// Whether a picture of that size has from one point to `PictureLimits::largestSide` points in both
-/// directions. Other densities, such as an aspect ratio of 1:1 marked as pixels per metre, are
-/// ignored.
+/// Whether both sides of a picture of that size are from one point to `PictureLimits::largestSide`
+/// points long. Other densities are ignored, such as an aspect ratio of 1:1 that is stored as
+/// pixels per metre.
 bool densityMakesSense(PixelDensity density, std::uint32_t width, std::uint32_t height);
 
 /// Receives the rows of a picture while they are decoded.
@@ -64,16 +64,18 @@ public:
     PictureRows(const PictureRows&) = delete;
     PictureRows& operator=(const PictureRows&) = delete;
 
-    /// Called before the top row. Called again if decoding starts anew: all rows follow once more.
+    /// Called before the top row. Called again if decoding starts over; all rows are then passed
+    /// again.
     virtual void begin() = 0;
-    /// Called for each row from the top. The row is valid during the call.
+    /// Called for each row, from the top. The row is valid during the call.
     virtual void take(const std::uint8_t* row) = 0;
 
 protected:
     PictureRows() = default;
 };
 
-/// A picture whose structure is valid and whose pixels can be decoded. Immutable; any thread.
+/// A picture whose file structure is valid and whose pixels are decoded on request. Immutable; any
+/// thread.
 class PictureSource {
 public:
     virtual ~PictureSource() = default;
@@ -85,30 +87,30 @@ public:
     /// A path or a description, for messages.
     const std::string& name() const { return name_; }
 
-    /// Writes all pixels as sRGB values: the top row at `rows`, rows `stride` bytes apart (a
-    /// negative stride turns the picture upside down). RGB drops alpha. Writes nothing between the
-    /// rows. After a failure their content is unspecified.
+    /// Writes all pixels as sRGB values: the top row at `rows`, with a row stride of `stride` bytes
+    /// (a negative stride turns the picture upside down). The form RGB drops alpha. Writes nothing
+    /// between the rows. After a failure the content of the rows is unspecified.
     virtual std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
                                               std::ptrdiff_t stride) const = 0;
 
-    /// Passes the same rows on one by one, without the memory for all of them where that is
-    /// possible. After a failure the rows that were passed are invalid.
+    /// Passes the same rows one by one, if possible without memory for all of them. After a failure
+    /// the passed rows are invalid.
     virtual std::optional<NSError> passRows(PixelForm form, PictureRows& rows) const;
 
-    /// Scales an opaque picture down for a view, by area averaging, to 0xFFRRGGBB. `width` and
-    /// `height` are from 1 to the picture's own; `stride` is in bytes. After a failure the pixels
-    /// are unspecified.
+    /// Scales an opaque picture down for a view, by area averaging, to 0xFFRRGGBB pixels. `width`
+    /// and `height` are from 1 to the picture's own; `stride` is in bytes. After a failure the
+    /// pixels are unspecified.
     virtual std::optional<NSError> readSmaller(std::size_t width, std::size_t height,
                                                std::uint32_t* pixels, std::ptrdiff_t stride) const;
 
-    /// Announces a `readSmaller` of that size, so that an earlier decoding can prepare it.
+    /// Announces a `readSmaller` of that size, so that a decoding before it can prepare the result.
     virtual void expectSmaller(std::size_t width, std::size_t height) const {
         (void)width;
         (void)height;
     }
 
-    /// The top row, if all rows are in memory in that form without gaps; else null. Valid as long
-    /// as this object.
+    /// The top row, if memory holds all rows in that form, contiguously; otherwise null. Valid as
+    /// long as this object exists.
     virtual const std::uint8_t* pixelsInMemory(PixelForm form) const {
         (void)form;
         return nullptr;
@@ -122,11 +124,11 @@ private:
     std::string name_;
 };
 
-/// A picture, or the reason why there is none.
+/// A picture, or why there is none.
 using PictureSourceResult = std::variant<std::shared_ptr<const PictureSource>, NSError>;
 
-/// The picture of a PNG file. Validates the file except for the compressed pixels, which are
-/// decoded each time they are read.
+/// Opens a PNG file. Validates everything but the compressed pixels, which are decoded each time
+/// they are read.
 PictureSourceResult pictureFromPng(ByteArray file, std::string name, const PictureLimits& limits);
 PictureSourceResult pictureFromPng(std::shared_ptr<const NSData> file, std::string name,
                                    const PictureLimits& limits);

@@ -16,31 +16,31 @@ class PictureCache;
 
 /// Implements the picture messages of `AppKit`. Any thread.
 ///
-/// Picture files are PNG files of every form. They are checked when loaded and decoded when drawn,
-/// into sRGB: untagged ones count as sRGB, an embedded profile is converted. Data may also carry a
-/// decoded picture (`PictureData`), as the stills of cameras do.
+/// Picture files are PNG files of every kind. They are validated when loaded, and decoded to sRGB
+/// when drawn: untagged pictures are taken as sRGB, an embedded profile is converted. Data may also
+/// carry a decoded picture (`PictureData`), as camera stills do.
 class Pictures {
 public:
-    /// The observer outlives every object that is made here.
+    /// The observer outlives every object that this one returns.
     explicit Pictures(PictureObserver& observer, PictureLimits limits = {});
     Pictures(const Pictures&) = delete;
     Pictures& operator=(const Pictures&) = delete;
     ~Pictures();
 
-    /// Reports to the observer why it returns null. The file name's extension does not matter.
-    /// Images of the same state of a file share what was read.
+    /// Reports to the observer why it returns null. Ignores the file name's extension. Images of
+    /// the same state of a file share its data.
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) const;
-    /// A PNG file or `PictureData`. Reports to the observer why it returns null, unless `data` is
-    /// null.
+    /// `data` is a PNG file or a `PictureData`. Reports to the observer why it returns null, unless
+    /// `data` is null.
     std::shared_ptr<NSImage> imageWithData(const std::shared_ptr<NSData>& data) const;
-    /// A PNG file or `PictureData`, which `NSImage::TIFFRepresentation` returns. The data that the
-    /// result encodes report their writing to the observer.
+    /// `data` is a PNG file or the `PictureData` that `NSImage::TIFFRepresentation` returns. Data
+    /// that the result encodes report their writing to the observer.
     std::shared_ptr<NSBitmapImageRep> imageRepWithData(const std::shared_ptr<NSData>& data) const;
 
-    /// Null without a context. The context is one of `MediaCoreGraphics`.
+    /// Null without a context. `context` comes from `MediaCoreGraphics`.
     std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
                                                                     bool flipped) const;
-    /// The graphics state is the calling thread's, not this object's.
+    /// The graphics state belongs to the calling thread, not to this object.
     void saveGraphicsState() const;
     void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) const;
     void restoreGraphicsState() const;

@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// A cache line, and the widest vector register.
+/// The size of a cache line and of the widest vector register.
 constexpr std::size_t rowAlignment = 64;
 
 std::size_t roundUp(std::size_t value) {
@@ -27,7 +27,7 @@ PixelBuffer* PixelBuffer::make(std::size_t width, std::size_t height) {
         return nullptr;
     }
     const std::size_t bytesPerRow = roundUp(4 * width);
-    // calloc returns large blocks cleared by the system, without the cost of a memset.
+    // For large blocks, calloc gets cleared memory from the system and needs no memset.
     Memory memory(std::calloc(bytesPerRow * height + rowAlignment - 1, 1));
     if (!memory) {
         return nullptr;

@@ -13,17 +13,17 @@
 namespace vistrane {
 
 /// The pixel buffer of `MediaCoreVideo`: `height` rows of `width` pixels, the top row first, 4
-/// bytes a pixel: one ignored, red, green, blue. sRGB values, opaque. Rows start at multiples of 64
-/// bytes.
+/// bytes per pixel: one ignored, red, green, blue. sRGB values, opaque. Rows start at multiples of
+/// 64 bytes.
 ///
 /// One thread at a time, except for `retain` and `release`.
 class PixelBuffer final : public CVPixelBuffer {
 public:
     /// A black buffer with a reference count of one, owned by the caller. Null for sizes that
-    /// `PictureLimits` does not allow, and without memory.
+    /// `PictureLimits` does not allow, or if there is not enough memory.
     static PixelBuffer* make(std::size_t width, std::size_t height);
 
-    /// Every buffer of this process comes from `make`.
+    /// Every buffer of this process comes from `make`, so the cast is safe.
     static PixelBuffer* from(CVPixelBufferRef buffer) { return static_cast<PixelBuffer*>(buffer); }
 
     void retain();
@@ -36,8 +36,8 @@ public:
     const std::uint8_t* bytes() const { return rows_; }
     std::uint8_t* bytes() { return rows_; }
 
-    /// Why the pixels must not be used: a picture drawn here could not be decoded. The first reason
-    /// is kept.
+    /// Why the pixels must not be used: a picture that was drawn here could not be decoded. The
+    /// first reason is kept.
     const std::optional<NSError>& damage() const { return damage_; }
     void markDamaged(NSError reason);
 
@@ -62,8 +62,8 @@ private:
     std::optional<NSError> damage_;
 };
 
-/// The pool of a pixel buffer adaptor, without idle buffers: buffers are made with
-/// `CVPixelBufferCreate`. Its adaptor alone owns it; `CVPixelBufferPoolRelease` does not free it.
+/// The pool of a pixel buffer adaptor. It holds no buffers: they are created with
+/// `CVPixelBufferCreate`. Only its adaptor owns it; `CVPixelBufferPoolRelease` does not free it.
 class PixelBufferPool final : public CVPixelBufferPool {
 public:
     PixelBufferPool() = default;

@@ -14,7 +14,7 @@ namespace vistrane {
 
 namespace {
 
-/// Profiles of cameras and screens have some kilobytes, those with large tables up to two
+/// Profiles of cameras and screens have a few kilobytes, those with large tables up to two
 /// megabytes.
 constexpr std::size_t largestProfile = std::size_t{8} << 20;
 /// The length of a profile's header.
@@ -86,7 +86,7 @@ Transform makeTransform(cmsContext context, const Profile& from, cmsUInt32Number
     if (!to) {
         return nullptr;
     }
-    // Relative colorimetric keeps the colours that both spaces have. A cache is no gain for
+    // Relative colorimetric keeps the colours that both spaces have. A cache does not help with
     // pictures.
     return Transform(cmsCreateTransformTHR(
         context, from.get(), fromType, to.get(), toType, INTENT_RELATIVE_COLORIMETRIC,
@@ -104,7 +104,7 @@ struct ProfileConversion::Tables {
     // Declared in this order, because the transform must be destroyed before its context.
     Context context;
     Transform transform;
-    /// For a grey profile: the colour of each value.
+    /// For a grey profile: the sRGB colour of each value.
     std::optional<std::array<std::uint8_t, 768>> greys;
 
     bool changesAGrey() const {
@@ -118,7 +118,7 @@ struct ProfileConversion::Tables {
 
     bool changesAColour(const Profile& profile) const {
         const Transform plain = makeTransform(context.get(), profile, TYPE_RGB_8, TYPE_RGB_8);
-        // 9 values of each component, 0 and 255 among them.
+        // 9 values of each component, including 0 and 255.
         constexpr int steps = 9;
         for (int i = 0; plain && i < steps * steps * steps; ++i) {
             const auto step = [](int n) {
@@ -144,7 +144,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
     const auto bytes = profileBytes(chunk);
     auto tables = std::make_shared<Tables>();
     tables->form = form;
-    // A private context, because the default one is shared by all threads.
+    // A private context, because all threads share the default one.
     tables->context.reset(cmsCreateContext(nullptr, nullptr));
     if (!bytes || !tables->context) {
         return std::nullopt;
@@ -155,7 +155,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
         return std::nullopt;
     }
     if (grey) {
-        // The optimised transform is less exact in dark values and gains nothing for 256 of them.
+        // The optimised transform is less exact in dark colours, and not faster for 256 values.
         const Transform transform = makeTransform(tables->context.get(), profile, TYPE_GRAY_8,
                                                   TYPE_RGB_8, cmsFLAGS_NOOPTIMIZE);
         if (!transform) {
@@ -180,7 +180,7 @@ std::optional<ProfileConversion> ProfileConversion::fromChunk(std::span<const st
 
 void ProfileConversion::convert(std::uint8_t* pixels, std::size_t count) const {
     if (!tables_->greys) {
-        // In place, the library leaves the bytes beside the colour unchanged.
+        // Converting in place, the library leaves alpha unchanged.
         cmsDoTransform(tables_->transform.get(), pixels, pixels,
                        static_cast<cmsUInt32Number>(count));
         return;

@@ -10,13 +10,13 @@ namespace vistrane {
 
 namespace {
 
-/// How long a view waits for another user to begin decoding, which usually takes microseconds,
-/// before it decodes the picture itself.
+/// How long a view waits for another user to start decoding before it decodes the picture itself.
+/// The other user usually starts within microseconds.
 constexpr std::chrono::milliseconds decodingTimeout(20);
 
 } // namespace
 
-/// Scope of a decoding: its end, also by an exception, wakes those who wait for it.
+/// The scope of a decoding. Its end, even by an exception, wakes the threads that wait for it.
 class SharedDecoding::Turn {
 public:
     explicit Turn(SharedDecoding& decoding) : decoding_(decoding) {
@@ -56,7 +56,7 @@ std::optional<NSError> SharedDecoding::readPixels(PixelForm form, std::uint8_t* 
     try {
         makeSmaller(form, rows, stride);
     } catch (const std::bad_alloc&) {
-        // The pixels were read, which is all that this caller needs. The view decodes for itself.
+        // This caller has its pixels. The view will decode the picture itself.
         return std::nullopt;
     }
     return std::nullopt;
@@ -108,7 +108,7 @@ bool SharedDecoding::takeSmaller(std::size_t width, std::size_t height, std::uin
         std::copy_n(smaller_->pixels.data() + y * width, width,
                     reinterpret_cast<std::uint32_t*>(row));
     }
-    // The view has it now, or makes it itself.
+    // The view has the smaller picture now, or will make it itself.
     smaller_.reset();
     return made;
 }

@@ -14,8 +14,8 @@
 
 namespace vistrane {
 
-/// The state that all users of the same picture share. While one of them decodes it, the smaller
-/// picture that a view has asked for is made from the same rows. Any thread.
+/// The state that all users of a picture share. While one of them decodes it, the smaller picture
+/// that a view has requested is made from the same rows. Any thread.
 class SharedDecoding {
 public:
     explicit SharedDecoding(std::shared_ptr<const PictureSource> picture)
@@ -23,7 +23,7 @@ public:
 
     const PictureSource& picture() const { return *picture_; }
 
-    /// Count the users that have loaded the picture and not read it yet.
+    /// Count the users that have loaded the picture but not read it yet.
     void join();
     void leave();
 
@@ -37,7 +37,7 @@ private:
     struct Smaller {
         std::size_t width = 0;
         std::size_t height = 0;
-        /// Rows without gaps; empty until the picture is made.
+        /// Contiguous rows; empty until the picture is made.
         std::vector<std::uint32_t> pixels;
         bool hasSize(std::size_t w, std::size_t h) const { return width == w && height == h; }
     };
@@ -52,7 +52,7 @@ private:
     std::condition_variable changed_;
     std::size_t unread_ = 0;
     std::size_t decoding_ = 0;
-    /// The last request of a view.
+    /// The last size that a view requested.
     std::optional<Smaller> smaller_;
 };
 

@@ -12,7 +12,7 @@ namespace vistrane {
 
 namespace {
 
-/// Sums are halved, so that they fit into signed 16 bits.
+/// Sums are halved to fit into signed 16 bits.
 constexpr int valueBits = 7 + 14;
 constexpr std::int32_t half = 1 << (valueBits - 1);
 
@@ -49,7 +49,7 @@ __m128i twoPixels(const std::uint16_t* sums) {
     return _mm_srli_epi16(_mm_unpacklo_epi16(first, second), 1);
 }
 
-/// `red` is its position in a pixel.
+/// `red` is the position of red in a pixel.
 template <std::size_t components, int red>
 void averagePixelsBySse2(const std::uint16_t* sums, const AveragedParts& parts,
                          std::uint32_t* pixels) {
@@ -86,7 +86,7 @@ AddWeighted chooseAddWeighted() {
 } // namespace
 
 AveragedParts::AveragedParts(std::size_t from, std::size_t to, int sum) {
-    // The unit of length is 1/`to` of an old pixel, which is 1/`from` of a new one.
+    // The unit of length is 1/`to` of a source pixel, which is 1/`from` of a target pixel.
     firsts.resize(to);
     ends.resize(to);
     for (std::size_t i = 0; i < to; ++i) {
@@ -100,7 +100,7 @@ AveragedParts::AveragedParts(std::size_t from, std::size_t to, int sum) {
         std::int16_t* weight = weights.data() + i * taps;
         std::uint64_t given = 0;
         for (std::size_t old = firsts[i]; old < ends[i]; ++old) {
-            // Rounds the running total, so that rounding errors do not add up.
+            // Rounds the running total, so that rounding errors do not accumulate.
             const std::uint64_t end =
                 std::min<std::uint64_t>(std::uint64_t{old + 1} * to, std::uint64_t{i + 1} * from);
             const std::uint64_t upTo =

@@ -10,8 +10,8 @@ namespace {
 constexpr unsigned literalBits = DeflateCodes::literalBits;
 constexpr unsigned distanceBits = DeflateCodes::distanceBits;
 
-/// Copies a match with a distance below 8. Each word is computed from the one before, because
-/// reading back bytes that were just written stalls the processor.
+/// Copies a match with a distance below 8. Computes each word from the previous one, because
+/// reading bytes that were just written stalls the processor.
 inline void repeatShortly(std::uint8_t* to, std::size_t distance, std::size_t length) {
     std::uint8_t first[8];
     const std::uint8_t* from = to - distance;
@@ -41,7 +41,7 @@ inline void copyBy(std::uint8_t* to, std::size_t distance, std::size_t length) {
     }
 }
 
-/// Writes up to 15 bytes more than `length`.
+/// May write up to 15 bytes more than `length`.
 inline void copyMatch(std::uint8_t* to, std::size_t distance, std::size_t length) {
     if (distance >= 16) {
         copyBy<16>(to, distance, length);
@@ -54,8 +54,8 @@ inline void copyMatch(std::uint8_t* to, std::size_t distance, std::size_t length
     }
 }
 
-/// The state that changes at every turn, apart from the caller's object: the compiler keeps it in
-/// registers.
+/// The state that changes in every iteration. Separate from the caller's object, so that the
+/// compiler keeps it in registers.
 struct Loop {
     BitReader reader;
     std::uint8_t* out;
@@ -71,7 +71,7 @@ struct Loop {
         reader.use(entry & 31U);
     }
 
-    /// The value of an entry with its extra bits.
+    /// The value of an entry including its extra bits.
     [[gnu::always_inline]] inline std::uint32_t value(DeflateEntry entry) {
         const std::uint32_t extra = lowBits(reader.bits, entry & 31U) >> (entry >> 8 & 15U);
         reader.use(entry & 31U);
@@ -166,7 +166,7 @@ DeflateBlockState decodeOnAnyProcessor(DeflateBlock& block, const DeflateCodes& 
 }
 
 #if defined(__x86_64__)
-/// BMI2 shifts take their count from any register and leave the flags alone.
+/// BMI2 shifts take their count from any register and do not change the flags.
 __attribute__((target("bmi,bmi2"))) DeflateBlockState decodeWithBmi2(DeflateBlock& block,
                                                                      const DeflateCodes& codes) {
     return decode(block, codes);

@@ -21,12 +21,13 @@ struct Range {
     bool isEmpty() const { return !(from < to); }
 };
 
-/// One axis of a drawing, counted from the surface's left or top edge.
+/// One axis of a drawing. Positions count from the surface's left or top edge.
 struct Axis {
     /// The pixels to draw.
     std::size_t first = 0;
     std::size_t count = 0;
-    /// Where pixel `first` begins in the picture, and the length of a pixel, in picture pixels.
+    /// Where surface pixel `first` begins in the picture, and the length of a surface pixel, in
+    /// picture pixels.
     double origin = 0.0;
     double step = 1.0;
     /// The part of the picture that may be drawn, in picture pixels.
@@ -41,7 +42,7 @@ struct Axis {
     }
 };
 
-/// The first pixel whose middle is not before `edge`, within 0 and `size`.
+/// The first pixel whose centre is not before `edge`, clamped to 0 and `size`.
 std::size_t pixelFrom(double edge, std::size_t size) {
     return static_cast<std::size_t>(
         std::clamp(std::ceil(edge - 0.5), 0.0, static_cast<double>(size)));
@@ -61,7 +62,7 @@ Axis axisOf(double place, Range part, double points, std::size_t pixels, std::si
     return axis;
 }
 
-// Beyond this, doubles do not hold fractions of a point precisely enough.
+// Beyond this, a double does not hold fractions of a point exactly enough.
 constexpr double farthest = 1e9;
 
 NSSize scaled(NSSize size, NSSize scale) {
@@ -106,7 +107,7 @@ void premultiplyOntoBlack(std::uint8_t* row, std::size_t count) {
     }
 }
 
-/// The usual case: decodes straight into the surface.
+/// The usual case: decodes directly into the surface.
 std::optional<NSError> decodeInto(const PictureSource& picture, std::uint8_t* rows,
                                   std::ptrdiff_t stride) {
     if (auto error = picture.readPixels(PixelForm::ARGB, rows, stride)) {
@@ -126,7 +127,7 @@ public:
         : fraction_(static_cast<float>(std::min(fraction, 1.0))),
           over_(operation == NSCompositingOperationSourceOver) {}
 
-    /// Where the cubic overshoots, alpha stays within its range and colour within alpha.
+    /// The cubic may overshoot: clamps alpha to its range and colour to alpha.
     void drawPixel(const float* from, std::uint8_t* to) const {
         const float alpha = std::clamp(from[0], 0.0F, 255.0F);
         const float kept = over_ ? 1.0F - alpha * fraction_ / 255.0F : 0.0F;

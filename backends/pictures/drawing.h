@@ -11,9 +11,9 @@
 
 namespace vistrane {
 
-/// Memory to draw into: `height` rows of `width` pixels, the top row first, rows `stride` bytes
-/// apart; 4 bytes a pixel: one ignored, red, green, blue; sRGB values. One point is one pixel; the
-/// origin is the bottom left corner.
+/// Memory to draw into: `height` rows of `width` pixels, the top row first, with a row stride of
+/// `stride` bytes. 4 bytes per pixel: one ignored, red, green, blue; sRGB values. One point is one
+/// pixel; the origin is the bottom left corner.
 struct Surface {
     std::uint8_t* rows = nullptr;
     std::size_t width = 0;
@@ -32,17 +32,17 @@ struct Drawing {
     NSSize scale{1.0, 1.0};
 };
 
-/// Draws a picture, clipped to the surface. Numbers that are not finite or out of range draw
-/// nothing. The ignored byte of each drawn pixel becomes 255.
+/// Draws a picture, clipped to the surface. Draws nothing if a number is out of range or not
+/// finite. The ignored byte of each drawn pixel becomes 255.
 ///
-/// A picture that is drawn at its size in pixels keeps its values. Others are scaled down by area
-/// averaging and up by the Catmull-Rom cubic (see `resampling.h`), on sRGB values multiplied by
-/// alpha. A pixel is drawn when its middle lies in the picture.
+/// A picture that is drawn at its size in pixels keeps its values. Otherwise it is scaled down by
+/// area averaging or up by the Catmull-Rom cubic (see `resampling.h`), on premultiplied sRGB
+/// values. A pixel is drawn if its centre lies in the picture.
 ///
-/// The surface has no alpha: copying leaves a transparent picture multiplied by its alpha, that is
-/// over black; compositing leaves it over the previous content.
+/// The surface has no alpha: copying draws a transparent picture over black, compositing draws it
+/// over the previous content.
 ///
-/// Returns the reason if the picture could not be decoded. The surface may then hold a part of it.
+/// Returns the reason if the picture cannot be decoded. The surface may then hold a part of it.
 std::optional<NSError> drawPicture(const PictureSource& picture, const Surface& surface,
                                    const Drawing& drawing);
 

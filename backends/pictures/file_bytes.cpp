@@ -23,7 +23,7 @@ constexpr char readAdvice[] = "check that the file is there and may be read";
 constexpr char writeAdvice[] = "check that the folder is there and may be written to, and that "
                                "the disk has room";
 
-/// The system would cut a path at a zero byte and open another file.
+/// The system would truncate the path at a zero byte and open another file.
 bool canBeAPath(const std::string& path) {
     return path.find('\0') == std::string::npos;
 }
@@ -50,7 +50,7 @@ std::int64_t nanosecondsOf(const struct timespec& time) {
     return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
-/// Removes the file that was opened at `path`, also through links, and no other file.
+/// Removes the file that was opened at `path`, even through links, but no other file.
 void removeOpened(const std::string& path, const struct stat& opened) {
     const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
                                                            &std::free);
@@ -94,7 +94,7 @@ OpenFile::OpenFile(Descriptor descriptor, std::string path, const FileState& sta
 
 FileBytesResult OpenFile::read() {
     FileBytesResult result;
-    // Read, not mapped: truncating a mapped file kills its reader.
+    // Reads instead of mapping: truncating a mapped file kills its readers.
     auto bytes = ByteArray::ofLength(static_cast<std::size_t>(state_.length));
     if (!bytes) {
         result.error = outOfMemory(path_);
@@ -125,7 +125,7 @@ std::optional<NSError> writeFileInPlace(const std::string& path,
                                         std::span<const std::uint8_t> bytes) {
     Descriptor file(openRetrying(path, O_WRONLY | O_CREAT | O_TRUNC));
     struct stat state {};
-    // A pipe without a reader, or a socket.
+    // a pipe without a reader, or a socket
     if (file.number() < 0 && errno == ENXIO) {
         return notAFile(path);
     }

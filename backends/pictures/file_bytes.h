@@ -17,18 +17,18 @@ struct FileState {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
     std::uint64_t length = 0;
-    /// The last changes of the content and of the inode, in nanoseconds since 1970.
+    /// The last changes of the content and of the inode (mtime, ctime), in nanoseconds since 1970.
     std::int64_t changed = 0;
     std::int64_t touched = 0;
 
     bool operator==(const FileState&) const = default;
 
-    /// Whether another change is sure to give another state. Some file systems count in seconds, so
-    /// a second change within moments may not.
+    /// Whether any further change gives a different state. Some file systems count in seconds, so
+    /// two changes in quick succession may give the same state.
     bool isSettled() const;
 };
 
-/// The bytes of a file, or the reason why they could not be read.
+/// The bytes of a file, or why they could not be read.
 struct FileBytesResult {
     ByteArray bytes;
     std::optional<NSError> error;
@@ -37,14 +37,15 @@ struct FileBytesResult {
 /// A regular file, open for reading.
 class OpenFile {
 public:
-    /// Never blocks on a pipe or a device. Refuses files of more than `largestFile` bytes.
+    /// Opens a file. Never blocks on a pipe or a device. Refuses files of more than `largestFile`
+    /// bytes.
     static std::variant<OpenFile, NSError> at(const std::string& path, std::uint64_t largestFile);
 
-    /// The state when it was opened.
+    /// The state when the file was opened.
     const FileState& state() const { return state_; }
 
-    /// Reads the whole file. Call it once. If the file is truncated meanwhile, the result is
-    /// shorter; the parser then refuses it.
+    /// Reads the whole file. Call once. If the file is truncated meanwhile, the result is shorter,
+    /// which the parser refuses.
     FileBytesResult read();
 
 private:
@@ -55,9 +56,9 @@ private:
     FileState state_;
 };
 
-/// Writes a file in place, replacing its content; a new file gets mode 0666 less the umask. A file
-/// that could not be written whole is removed, so that no partial picture is left. Refuses paths
-/// that are not regular files, without blocking. Follows links.
+/// Writes a file in place, replacing its content; a new file gets mode 0666 minus the umask. If
+/// writing fails, the file is removed, so that no partial picture is left. Refuses paths that are
+/// not regular files, without blocking. Follows links.
 std::optional<NSError> writeFileInPlace(const std::string& path,
                                         std::span<const std::uint8_t> bytes);
 

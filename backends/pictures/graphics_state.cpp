@@ -12,7 +12,7 @@ struct GraphicsState {
     std::vector<std::shared_ptr<NSGraphicsContext>> saved;
 };
 
-/// Per thread, as in the kit: drawing calls do not name their target.
+/// Per thread, because drawing calls do not name their target.
 GraphicsState& stateOfThisThread() {
     thread_local GraphicsState state;
     return state;

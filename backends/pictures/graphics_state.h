@@ -12,7 +12,7 @@ std::shared_ptr<NSGraphicsContext> currentGraphicsContext();
 void setCurrentGraphicsContext(std::shared_ptr<NSGraphicsContext> context);
 
 void pushGraphicsContext();
-/// Does nothing without a saved context.
+/// Does nothing if no context is saved.
 void popGraphicsContext();
 
 } // namespace vistrane

@@ -19,11 +19,11 @@ namespace vistrane {
 
 namespace {
 
-/// About the length of what is filtered at once, and of the chunks of pixels: both fit into the
-/// caches.
+/// The approximate size of the slabs that are filtered at a time, and of the IDAT chunks. Both fit
+/// into the caches.
 constexpr std::size_t slab = std::size_t{128} * 1024;
 
-/// The level that searches least for matches. Its files are still smaller than those of zlib
+/// The level with the shortest search for matches. Its files are still smaller than those of zlib
 /// at level 1: the matches that it misses in noise are not worth their codes.
 constexpr std::uint32_t level = 1;
 constexpr std::size_t levelMemory = ISAL_DEF_LVL1_LARGE;
@@ -77,7 +77,8 @@ bool appendHeader(ByteArray& file, const PictureShape& shape) {
     return appendChunk(file, "pHYs", density);
 }
 
-/// Where many words are zero the row above was the same, for which matches take less than a bit.
+/// Many zero words mean that the row equals the one above. Matches then take less than a bit per
+/// byte.
 bool hasManyZeros(std::span<const std::uint8_t> bytes) {
     const std::size_t words = bytes.size() / sizeof(std::uint64_t);
     std::size_t zeros = 0;
@@ -89,10 +90,10 @@ bool hasManyZeros(std::span<const std::uint8_t> bytes) {
     return zeros > words / 16;
 }
 
-/// An igzip stream without header and checksum, and its memory.
+/// An igzip stream, without header and checksum, and its memory.
 class Deflation {
 public:
-    /// False when there is no memory.
+    /// Returns false if there is not enough memory.
     bool begin() {
         stream_.reset(new (std::nothrow) isal_zstream);
         auto memory = ByteArray::ofLength(levelMemory);
@@ -118,7 +119,7 @@ public:
         stream_->end_of_stream = last ? 1 : 0;
     }
 
-    /// Compresses what was given. Returns the number of bytes written, nothing on an error.
+    /// Compresses the given bytes. Returns the number of bytes written; nothing after an error.
     std::optional<std::size_t> make(std::span<std::uint8_t> room) {
         stream_->next_out = room.data();
         stream_->avail_out = static_cast<std::uint32_t>(room.size());
@@ -139,13 +140,13 @@ private:
     ByteArray memory_;
 };
 
-/// Compresses bytes into IDAT chunks: each slab by igzip, or as a block of literals where matches
-/// would hardly make it smaller.
+/// Compresses bytes into IDAT chunks: each slab by igzip, or as a literal block if matches would
+/// hardly make it smaller.
 class PixelChunks {
 public:
     explicit PixelChunks(ByteArray& file) : file_(file) {}
 
-    /// False when there is not enough memory, as of the functions below.
+    /// Returns false if there is not enough memory, like the functions below.
     bool begin() {
         auto chunk = ByteArray::ofLength(chunkHeader + chunkRoom + chunkChecksum);
         auto piece = ByteArray::ofLength(2 * pieceLength);
@@ -172,9 +173,10 @@ public:
 private:
     static constexpr std::array<std::uint8_t, 2> zlibHeader = {0x78, 0x01};
     static constexpr std::size_t pieceLength = std::size_t{8} * 1024;
-    /// A slab of literals, and what may stand before and after it in its chunk.
+    /// A slab of literals, and what may precede and follow it in its chunk.
     static constexpr std::size_t chunkRoom = slab + std::size_t{2} * 1024;
-    // A slab has at least one row. Its literals take at most a thousandth more and a header.
+    // A slab has at least one row. Its literals take at most 0.1 % more than the row, plus a
+    // header.
     static constexpr std::size_t longestRow =
         1 + bytesPerPixel(PixelForm::RGBA) * PictureLimits().largestSide;
     static_assert(longestRow + longestRow / 1000 + 1024 <= chunkRoom);
@@ -187,7 +189,7 @@ private:
         return matchesHelp(bytes, block) ? addMatches(bytes, last) : addLiterals(block, last);
     }
 
-    /// Compares the lengths of two pieces of the slab.
+    /// Compares the compressed sizes of two pieces of the slab.
     bool matchesHelp(std::span<std::uint8_t> bytes, const LiteralBlock& block) {
         const std::size_t length = std::min(pieceLength, bytes.size() / 2);
         std::size_t literals = 0;
@@ -198,7 +200,7 @@ private:
             literals += block.bitsOf(piece);
             matches += 8 * lengthOfMatches(piece);
         }
-        // Literals are decoded in half the time, which is worth some bytes.
+        // Literals decode in half the time, which is worth a few bytes more.
         return matches + matches / 32 < literals;
     }
 
@@ -223,7 +225,7 @@ private:
 
     bool addLiterals(const LiteralBlock& block, bool last) {
         if (hasMatches_) {
-            // Matches that follow must not refer to bytes that igzip has not seen.
+            // Later matches must not refer to bytes that igzip has not seen.
             if (!deflate({}, SYNC_FLUSH, false)) {
                 return false;
             }

@@ -9,12 +9,13 @@
 
 namespace vistrane {
 
-/// `encodePng` with igzip, the fastest deflate library: 75 to 90 ms for a picture of 3840 x 2160,
-/// where libdeflate took 135 and libpng 254. Slabs of noise become literals, see LiteralBlock.h.
+/// `encodePng` with igzip, the fastest deflate library: 75 to 90 ms for a picture of 3840 x 2160;
+/// libdeflate took 135 ms and libpng 254 ms. Slabs of noise become literal blocks, see
+/// LiteralBlock.h.
 ///
-/// `rows`: RGBA if the shape may be transparent, else RGB; `stride`: bytes from row to row. The
-/// file has the chunks and the filter of `encodeByLibpng`, its reference implementation (tests
-/// `PngWriting.*`). Nothing when there is not enough memory.
+/// `rows`: RGBA if the shape may be transparent, otherwise RGB; `stride` is in bytes. The file has
+/// the chunks and the filter of `encodeByLibpng`, its reference implementation (tests
+/// `PngWriting.*`). Nothing if there is not enough memory.
 std::optional<ByteArray> encodeByIgzip(const PictureShape& shape, const std::uint8_t* rows,
                                        std::size_t stride);
 

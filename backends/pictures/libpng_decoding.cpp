@@ -9,8 +9,8 @@ namespace vistrane {
 
 namespace {
 
-/// Everything that the library's callbacks use. Errors leave by a long jump, which skips
-/// destructors: only plain data.
+/// Everything that the library's callbacks use. Plain data only: errors leave by a long jump, which
+/// skips destructors.
 struct Decoding {
     const std::uint8_t* file = nullptr;
     std::size_t length = 0;
@@ -29,7 +29,7 @@ void keepFault(Decoding& decoding, const char* message) {
 }
 
 /// Data after the last pixel are harmless. Any other warning while pixels are read means that they
-/// are wrong, above all that the checksum of the compressed data is.
+/// are wrong; usually the checksum of the compressed data is.
 void onWarning(png_structp png, png_const_charp message) {
     Decoding& decoding = *static_cast<Decoding*>(png_get_error_ptr(png));
     const bool harmless = std::strstr(message, "Too much image data") != nullptr ||
@@ -48,8 +48,8 @@ void onRead(png_structp png, png_bytep bytes, std::size_t length) {
     decoding.position += length;
 }
 
-/// Only size, palette, transparency and pixels are needed. For other chunks a hostile file could
-/// make libpng take any amount of time and memory.
+/// Skips all chunks but size, palette, transparency and pixels. With others, a hostile file could
+/// make libpng use any amount of time and memory.
 void skipOtherChunks(png_structp png) {
     static const png_byte names[] = "bKGD\0cHRM\0eXIf\0gAMA\0hIST\0iCCP\0iTXt\0oFFs\0pCAL\0pHYs\0"
                                     "sBIT\0sCAL\0sPLT\0sRGB\0tEXt\0tIME\0zTXt";
@@ -78,7 +78,7 @@ void askForForm(png_structp png, png_infop info, PixelForm form) {
     }
 }
 
-/// An interlaced picture has several passes, each of which fills in some pixels of the rows.
+/// An interlaced picture has several passes; each fills in some pixels of the rows.
 void readRows(png_structp png, const PngHeader& header, std::uint8_t* rows, std::ptrdiff_t stride,
               int passes) {
     for (int pass = 0; pass < passes; ++pass) {

@@ -9,8 +9,8 @@
 
 namespace vistrane {
 
-/// `encodePng` by libpng alone, for systems without igzip, and the reference implementation.
-/// `rows`: RGBA if the shape may be transparent, else RGB; `stride`: bytes from row to row.
+/// `encodePng` by libpng alone: for systems without igzip, and the reference implementation.
+/// `rows`: RGBA if the shape may be transparent, otherwise RGB; `stride` is in bytes.
 std::optional<ByteArray> encodeByLibpng(const PictureShape& shape, const std::uint8_t* rows,
                                         std::size_t stride);
 

@@ -10,7 +10,7 @@ namespace vistrane {
 
 namespace {
 
-/// An empty stored block behind its three header bits and the padding.
+/// An empty stored block, after its three header bits and the padding.
 constexpr std::array<std::uint8_t, 4> emptyStoredBlock = {0, 0, 0xFF, 0xFF};
 
 /// One of the two chunks.
@@ -21,7 +21,7 @@ struct Lane {
     std::uint8_t* out;
     const std::uint8_t* outEnd;
 
-    /// A turn of four lookups reads at most 7 bytes and writes at most 8.
+    /// An iteration of four lookups reads at most 7 bytes and writes at most 8.
     [[gnu::always_inline]] inline std::ptrdiff_t turns() const {
         return std::min(inEnd - reader.in, outEnd - out) / 8;
     }
@@ -38,7 +38,7 @@ struct Lane {
     }
 };
 
-/// Stops at the first code that is no short literal, or when a turn might not fit.
+/// Stops at the first code that is not a short literal, or if an iteration might not fit.
 [[gnu::always_inline]] inline void decodeTogether(Lane& a, Lane& b) {
     for (;;) {
         std::ptrdiff_t left = std::min(a.turns(), b.turns());
@@ -62,7 +62,7 @@ struct Lane {
     }
 }
 
-/// Decodes up to the end of the block. False when there is a match, or no end.
+/// Decodes up to the end of the block. Returns false if there is a match, or no end.
 [[gnu::always_inline]] inline bool decodeRest(Lane& lane) {
     while (lane.reader.in <= lane.inEnd + 8 && lane.outEnd - lane.out >= 2) {
         lane.reader.refill();
@@ -95,7 +95,7 @@ bool decodeOnAnyProcessor(Lane& first, Lane& second) {
 }
 
 #if defined(__x86_64__)
-/// BMI2 shifts take their count from any register and leave the flags alone.
+/// BMI2 shifts take their count from any register and do not change the flags.
 __attribute__((target("bmi,bmi2"))) bool decodeWithBmi2(Lane& first, Lane& second) {
     return decodeBoth(first, second);
 }
@@ -124,7 +124,7 @@ bool endsWithEmptyBlock(Lane& lane) {
 } // namespace
 
 bool mayBeLiteralChunk(std::span<const std::uint8_t> data) {
-    // A block that is not the last one, with codes of its own for 257 literals: no lengths.
+    // Not the last block, with its own codes, of 257 symbols: no match lengths.
     constexpr std::uint8_t literalsOnly = 4;
     return data.size() >= DeflateCodes::longestHeader && data.front() == literalsOnly &&
            std::equal(emptyStoredBlock.begin(), emptyStoredBlock.end(),

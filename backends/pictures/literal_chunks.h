@@ -9,24 +9,24 @@
 
 namespace vistrane {
 
-/// Whether the data of a chunk may be one `LiteralBlock` and the empty stored block after it, as
-/// far as its first byte and its last four tell.
+/// Whether, by its first byte and its last four, a chunk may hold one `LiteralBlock` and the empty
+/// stored block after it.
 bool mayBeLiteralChunk(std::span<const std::uint8_t> data);
 
-/// Decodes two chunks of literals together, one code of each in turn: a code has to wait for the
-/// one before it in its own chunk, but not for those of another.
+/// Decodes two chunks of literals together, alternating between them: a code depends on the
+/// previous one of its own chunk, but not on those of the other chunk.
 ///
-/// The noise of a sensor is written in such chunks (see LiteralBlock.h). A frame of 1920 x 1080 of
-/// it takes 7 ms to decompress instead of 15.
+/// Sensor noise is written in such chunks (see LiteralBlock.h). A noisy frame of 1920 x 1080 takes
+/// 7 ms to decompress instead of 15.
 class LiteralChunkPair {
 public:
-    /// 24 bytes more can be read past the end of both. Returns the end of the decoded bytes, all of
-    /// them together; null when a chunk turns out to hold anything else, or its bytes do not fit
-    /// into half the room. Then the bytes at `out` are undefined.
+    /// 24 bytes past the end of each chunk must be readable. Writes the bytes of both to `out`, one
+    /// after the other, and returns their end. Null if a chunk holds anything else or decodes to
+    /// more than half the room; then the bytes at `out` are undefined.
     std::uint8_t* decode(std::span<const std::uint8_t> first, std::span<const std::uint8_t> second,
                          std::uint8_t* out, std::size_t room);
 
-    /// For tests that count work.
+    /// How many tables were built, for tests that count work.
     std::size_t codesBuilt() const { return codes_[0].timesBuilt() + codes_[1].timesBuilt(); }
 
 private:

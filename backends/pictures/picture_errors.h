@@ -6,7 +6,7 @@
 
 namespace vistrane {
 
-/// The domain of this folder's errors.
+/// The error domain of this folder.
 inline constexpr char pictureErrorDomain[] = "VistranePictureErrorDomain";
 
 enum class PictureFault {
@@ -21,7 +21,7 @@ enum class PictureFault {
 /// "The picture <name> <what>", one line. `name` is a path or a description.
 NSError pictureError(PictureFault fault, const std::string& name, const std::string& what);
 
-/// The picture does not fit into memory.
+/// There is not enough memory for the picture.
 NSError outOfMemory(const std::string& name);
 
 /// "<what> <path>: <the system's reason>; <advice>", with the system's error number as the code.

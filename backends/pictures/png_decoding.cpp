@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::size_t longestRow = std::size_t{1} << 24;
 
-/// libpng refuses chunks that are longer than their pixels can be, unless they are short. Pixels
-/// that cannot be compressed are stored in blocks of some 32 KiB, each with a header of 5 bytes.
+/// libpng refuses chunks that are longer than the pixels could need, unless they are short.
+/// Incompressible pixels are stored in blocks of about 32 KiB, each with a header of 5 bytes.
 std::size_t longestChunk(std::size_t length) {
     constexpr std::size_t shortChunk = 1'000'000;
     constexpr std::size_t block = 32566;
@@ -67,14 +67,14 @@ private:
     std::uint8_t* other_ = nullptr;
 };
 
-/// Turns decompressed bytes into rows of the form asked for.
+/// Converts decompressed bytes to rows of the requested form.
 template <typename Rows>
 class RowWriting {
 public:
     RowWriting(const PngExpansion& expansion, Rows& rows)
         : expansion_(expansion), length_(expansion.rowBytes()), rows_(rows) {}
 
-    /// `length`: of a resulting row. False when there is not enough memory.
+    /// `length`: of a resulting row. Returns false if there is not enough memory.
     bool begin(std::size_t length) {
         const std::size_t room = length_ + filterMargin;
         auto lines = ByteArray::ofLength(expansion_.isCopy() ? room : 2 * room);
@@ -88,7 +88,7 @@ public:
         return true;
     }
 
-    /// One row with its filter's number before it. False when the number is not valid.
+    /// Takes one row, preceded by its filter number. Returns false if the number is invalid.
     bool write(const std::uint8_t* filtered) {
         if (filtered[0] > lastPngFilter) {
             return false;

@@ -7,12 +7,12 @@
 
 namespace vistrane {
 
-/// The picture as a PNG file in its own size in pixels, with its density: 8 bits a component, RGB
-/// if all of it is opaque, else RGBA. Lossless. Nothing when the picture cannot be decoded or there
-/// is not enough memory.
+/// Encodes the picture as a PNG file at its pixel size, with its density: 8 bits per component, RGB
+/// if all pixels are opaque, otherwise RGBA. Lossless. Nothing if the picture cannot be decoded or
+/// there is not enough memory.
 ///
-/// Made for speed, because the next picture may come soon: one filter, Up, and the fastest level of
-/// compression. A photograph's file is a tenth shorter than that of libpng at level 1.
+/// Tuned for speed, because the next picture may come soon: one filter (Up) and the fastest
+/// compression level. A photograph's file is a tenth smaller than with libpng at level 1.
 std::optional<ByteArray> encodePng(const PictureSource& picture);
 
 } // namespace vistrane

@@ -16,7 +16,7 @@ std::size_t componentsOf(PngColour colour) {
     return components[static_cast<std::size_t>(colour)];
 }
 
-/// The offset of a pixel's first colour; alpha is at the other end.
+/// The offset of a pixel's first colour component; alpha is at the other end.
 std::size_t colourOffset(PixelForm form) {
     return form == PixelForm::ARGB ? 1 : 0;
 }
@@ -156,7 +156,7 @@ void PngExpansion::fillWithGreys() {
     }
 }
 
-/// Values beyond the palette are black, as libpng makes them.
+/// Values beyond the palette are black, like in libpng.
 bool PngExpansion::fillWithPalette(std::span<const std::uint8_t> palette,
                                    std::span<const std::uint8_t> alpha) {
     kind_ = Kind::Table;

@@ -33,7 +33,7 @@ void addUp(const std::uint8_t* filtered, const std::uint8_t* above, std::uint8_t
     }
 }
 
-// The following begin at the byte `first`, which is 0 or has a pixel to its left.
+// The following start at the byte `first`, which is 0 or has a pixel to its left.
 
 void addLeft(const std::uint8_t* filtered, std::uint8_t* row, std::size_t first, std::size_t length,
              std::size_t pixelBytes) {
@@ -61,7 +61,7 @@ void addNearest(const std::uint8_t* filtered, const std::uint8_t* above, std::ui
                 std::size_t first, std::size_t length, std::size_t pixelBytes) {
     std::size_t i = first;
     for (; i < std::min(pixelBytes, length); ++i) {
-        // Left of the row everything is 0, so the byte above is the nearest.
+        // Bytes left of the row are 0, so the byte above is the nearest.
         row[i] = sum(filtered[i], above[i]);
     }
     for (; i < length; ++i) {
@@ -71,7 +71,7 @@ void addNearest(const std::uint8_t* filtered, const std::uint8_t* above, std::ui
 
 #if defined(__SSE2__)
 
-/// Reads and writes 4 bytes, also of pixels that have three.
+/// Reads and writes 4 bytes, even for pixels of three.
 __m128i loadPixel(const std::uint8_t* bytes) {
     int word = 0;
     std::memcpy(&word, bytes, sizeof word);
@@ -83,7 +83,7 @@ void storePixel(std::uint8_t* bytes, __m128i pixel) {
     std::memcpy(bytes, &word, sizeof word);
 }
 
-/// How many bytes of a row can be done in words without accessing any past its end.
+/// How many bytes of a row can be processed in words without accessing bytes past its end.
 std::size_t inWords(std::size_t length, std::size_t pixelBytes) {
     const std::size_t pixels = length / pixelBytes;
     return pixelBytes == 4 ? length : pixels < 2 ? 0 : (pixels - 1) * pixelBytes;
@@ -142,7 +142,7 @@ void addNearestFast(const std::uint8_t* filtered, const std::uint8_t* above, std
         const __m128i least = _mm_min_epi16(toAboveLeft, _mm_min_epi16(toLeft, toAbove));
         const __m128i predicted = choose(_mm_cmpeq_epi16(least, toLeft), left,
                                          choose(_mm_cmpeq_epi16(least, toAbove), up, aboveLeft));
-        // Added bytewise: the upper halves of the words stay 0.
+        // Adds bytes, so the upper halves of the words stay 0.
         left = _mm_add_epi8(added, predicted);
         aboveLeft = up;
         storePixel(row + i, _mm_packus_epi16(left, left));

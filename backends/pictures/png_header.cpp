@@ -25,7 +25,7 @@ std::uint32_t number(const std::uint8_t* bytes) {
 struct Chunk {
     std::string_view type;
     std::span<const std::uint8_t> data;
-    /// The place of its length field in the file.
+    /// The position of its length field in the file.
     std::size_t offset = 0;
 
     bool isCritical() const { return (static_cast<unsigned char>(type[0]) & 0x20U) == 0; }
@@ -113,15 +113,15 @@ std::uint64_t bitsPerPixel(const PngHeader& header) {
     return components[static_cast<std::size_t>(header.colour)] * header.bitDepth;
 }
 
-/// Deflate makes at most 1032 bytes of one. A file that claims more pixels than its data can hold
-/// is refused before memory is allocated for them.
+/// Deflate expands a byte to at most 1032 bytes. A file that claims more pixels than its data can
+/// hold is refused before memory is allocated for them.
 bool canHoldPixels(const PngHeader& header) {
     const std::uint64_t pixelBytes =
         static_cast<std::uint64_t>(header.width) * header.height * bitsPerPixel(header) / 8;
     return pixelBytes / 1032 <= header.imageBytes;
 }
 
-/// Reads the chunks one after the other.
+/// Reads the chunks in order.
 class HeaderReading {
 public:
     HeaderReading(std::span<const std::uint8_t> file, const PictureLimits& limits)

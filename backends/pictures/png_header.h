@@ -21,7 +21,7 @@ struct ByteRange {
 /// Colour types of a PNG file: 1 palette, 2 colour, 4 alpha, added up.
 enum class PngColour : std::uint8_t { Grey = 0, Rgb = 2, Palette = 3, GreyAlpha = 4, RgbAlpha = 6 };
 
-/// What the chunks of a PNG file say, except the pixels.
+/// Everything that the chunks of a PNG file say, except the pixels.
 struct PngHeader {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
@@ -29,20 +29,20 @@ struct PngHeader {
     PngColour colour = PngColour::Rgb;
     bool interlaced = false;
     bool hasTransparencyChunk = false;
-    /// Set where the unit is the metre; zero in either direction counts as absent.
+    /// Set only if the unit is the metre. Zero in either direction counts as absent.
     std::optional<PixelDensity> density;
     /// The data of an iCCP chunk.
     std::optional<ByteRange> profile;
     /// The data of the PLTE and tRNS chunks before the pixels, if there are any.
     ByteRange palette;
     ByteRange transparency;
-    /// Whether these two are where the format has them, and not more than once. Decoders disagree
-    /// about others.
+    /// Whether these two are where the format requires them and occur at most once. Decoders
+    /// disagree about other files.
     bool hasPlainColours = true;
-    /// The IDAT chunks, which follow each other without a gap, and the total length of their data.
+    /// The IDAT chunks, which are contiguous, and the total length of their data.
     ByteRange imageChunks;
     std::size_t imageBytes = 0;
-    /// The length of the data of the longest of them.
+    /// The data length of the longest of them.
     std::size_t longestImageChunk = 0;
 
     bool hasAlpha() const {
@@ -60,10 +60,9 @@ struct PngRefusal {
 
 /// The first step of reading: allocates nothing for pixels and decodes nothing.
 ///
-/// Checks the signature, the IHDR fields, the limits, each chunk's place, length and checksum up
-/// to the end chunk, and that the image data can hold that many pixels at all. So a file that is
-/// truncated anywhere, or has a wrong bit anywhere, is refused here unless its checksums are right.
-/// Bytes after the end chunk do not matter.
+/// Checks the signature, the IHDR fields, the limits, each chunk's order, length and checksum up to
+/// IEND, and that the image data can hold that many pixels. So a truncated file, or one with a
+/// wrong bit, is refused here unless its checksums are right. Bytes after IEND are ignored.
 std::variant<PngHeader, PngRefusal> readPngHeader(std::span<const std::uint8_t> file,
                                                   const PictureLimits& limits);
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t channels = 4;
 
-/// Narrower strips of a pixel are rounding errors.
+/// Narrower parts of a pixel are rounding errors.
 constexpr double leastCover = 1e-9;
 
 double catmullRom(double distance) {
@@ -21,13 +21,13 @@ double catmullRom(double distance) {
     return x < 2.0 ? ((-0.5 * x + 2.5) * x - 4.0) * x + 2.0 : 0.0;
 }
 
-/// The old pixel at `position`, or the outermost one beside it.
+/// The source pixel at `position`, clamped to the picture.
 std::size_t index(double position, double low, double high) {
     const double last = std::max(std::ceil(high) - 1.0, std::floor(low));
     return static_cast<std::size_t>(std::clamp(std::floor(position), std::floor(low), last));
 }
 
-/// Adds an old row with its weight; `sums` begins with pixel `first`.
+/// Adds a source row with its weight; `sums` begins with pixel `first`.
 void addRow(std::vector<float>& sums, const std::uint8_t* row, std::size_t first, float weight) {
     const std::uint8_t* values = row + first * channels;
     for (std::size_t i = 0; i < sums.size(); ++i) {
@@ -51,7 +51,7 @@ Resampling::Resampling(double origin, double step, std::size_t count, double low
 }
 
 void Resampling::addAverage(double from, double to, double low, double high) {
-    // A sliver of a pixel that only rounding errors leave is skipped.
+    // Skips parts of a pixel that are only rounding errors.
     const double nearest = std::round(from);
     const double start =
         std::clamp(std::abs(nearest - from) < leastCover ? nearest : from, low, high);

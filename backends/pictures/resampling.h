@@ -8,17 +8,16 @@
 
 namespace vistrane {
 
-/// How a picture is made smaller. Larger ones are always made with the Catmull-Rom cubic (Keys
-/// 1981, a = -1/2).
+/// The filter for scaling down. Scaling up always uses the Catmull-Rom cubic (Keys 1981, a = -1/2).
 enum class Shrinking {
-    /// The average of the area that falls on a new pixel.
+    /// The average of the source area of each target pixel.
     ByArea,
-    /// The cubic, widened by the ratio, so that fine detail does not alias.
+    /// The cubic, widened by the scale, so that fine detail does not alias.
     ByCubic,
 };
 
-/// Which pixels of an old row, or column, each pixel of a new one is made of, and with which
-/// weights. The weights of a new pixel add up to 1.
+/// The source pixels of each target pixel of a row or column, with their weights, which add up to
+/// 1.
 class Resampling {
 public:
     struct Part {
@@ -26,10 +25,10 @@ public:
         std::span<const float> weights;
     };
 
-    /// New pixel i covers the old pixels from `origin` + i * `step` to `origin` + (i + 1) * `step`,
-    /// any part of which may lie outside. Old pixels are taken from `low` to `high` only; beyond
+    /// Target pixel i covers the source from `origin` + i * `step` to `origin` + (i + 1) * `step`,
+    /// which may lie outside in part. Only source pixels from `low` to `high` are used; beyond
     /// these edges the cubic repeats the outermost pixel. `low` <= `high`, both from 0 to the
-    /// number of old pixels. `step` > 0. All numbers are finite.
+    /// number of source pixels. `step` > 0. All numbers are finite.
     Resampling(double origin, double step, std::size_t count, double low, double high,
                Shrinking shrinking);
 
@@ -39,7 +38,7 @@ public:
         return {pixel.first, std::span(weights_).subspan(pixel.offset, pixel.count)};
     }
 
-    /// The range of old pixels that are used at all: `end` is not among them.
+    /// The range of source pixels that are used, excluding `end`.
     std::size_t first() const { return first_; }
     std::size_t end() const { return end_; }
 
@@ -60,16 +59,16 @@ private:
     std::size_t end_ = 0;
 };
 
-/// The nearest value of a byte. `value` is of an `int`'s range. Clamps integers, because compilers
-/// do not vectorise the clamping of floating-point numbers.
+/// Rounds and clamps to the range of a byte. `value` is in the range of an `int`. Clamps after the
+/// conversion to an integer, because compilers do not vectorise clamping of floating-point numbers.
 inline std::uint8_t nearestByte(float value) {
     // NOLINTNEXTLINE(bugprone-incorrect-roundings): negative values become 0
     const int nearest = static_cast<int>(value + 0.5F);
     return static_cast<std::uint8_t>(std::clamp(nearest, 0, 255));
 }
 
-/// Resamples pictures of 4-byte pixels, all four bytes alike, in one pass over the new rows. One
-/// thread at a time.
+/// Resamples pictures of 4-byte pixels, treating all four bytes the same, in one pass over the
+/// target rows. One thread at a time.
 class RowResampler {
 public:
     RowResampler(Resampling columns, Resampling rows);
@@ -77,9 +76,9 @@ public:
     std::size_t width() const { return columns_.count(); }
     std::size_t height() const { return rows_.count(); }
 
-    /// New row `y`, not rounded and not clamped: the cubic overshoots 0 and 255. Four numbers a
-    /// pixel, valid until the next call. The old picture's top row is at `pixels`, its rows are
-    /// `stride` bytes apart.
+    /// Target row `y`, neither rounded nor clamped: the cubic may overshoot 0 and 255. Four numbers
+    /// per pixel, valid until the next call. The source picture's top row is at `pixels`, with a
+    /// row stride of `stride` bytes.
     std::span<const float> row(std::size_t y, const std::uint8_t* pixels, std::size_t stride);
 
 private:

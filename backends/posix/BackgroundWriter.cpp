@@ -9,7 +9,7 @@
 
 namespace vistrane {
 
-/// Owned by the writer and its thread.
+/// Shared by the writer and its thread.
 struct BackgroundWriter::Shared {
     const int descriptor;
     const std::function<void(int)> failed;

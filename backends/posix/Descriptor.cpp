@@ -10,7 +10,7 @@
 namespace vistrane {
 
 int Descriptor::close() {
-    // An interrupted close has closed.
+    // close() has released the descriptor even if a signal interrupted it.
     return isOpen() && ::close(release()) != 0 && errno != EINTR ? errno : 0;
 }
 

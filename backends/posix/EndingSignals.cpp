@@ -13,8 +13,8 @@ namespace vistrane {
 
 namespace {
 
-/// How long the main thread may take to respond, in seconds. It responds at once unless a camera or
-/// a reader of its output blocks it.
+/// How long the main thread may take to respond, in seconds. It responds immediately unless a
+/// camera or a reader of its output blocks it.
 constexpr std::time_t timeout = 1;
 
 bool isIgnored(int signal) {
@@ -27,14 +27,14 @@ sigset_t endingSignals() {
     ::sigemptyset(&signals);
     ::sigaddset(&signals, SIGINT);
     ::sigaddset(&signals, SIGTERM);
-    // sigwait would receive the signal although it is ignored.
+    // sigwait would receive the signal even though it is ignored.
     if (!isIgnored(SIGHUP)) {
         ::sigaddset(&signals, SIGHUP);
     }
     return signals;
 }
 
-/// The handlers. Never destroyed: the waiting thread lasts as long as the process.
+/// The current handlers. Never destroyed, because the waiting thread runs as long as the process.
 struct Current {
     std::mutex mutex;
     EndingSignals::Handlers handlers{{}, [](int status) { std::_Exit(status); }};
@@ -70,7 +70,7 @@ void waitForSignals() {
 void EndingSignals::block() {
     const sigset_t signals = endingSignals();
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    // Writing to a closed pipe or beyond a size limit fails with an error number instead.
+    // Writing to a closed pipe or beyond the file size limit then fails with an error number.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     if (!startDetachedThread(waitForSignals)) {

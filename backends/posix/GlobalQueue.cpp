@@ -10,7 +10,7 @@
 
 namespace vistrane {
 
-/// Owned by the queue and its thread.
+/// Shared by the queue and its thread.
 struct GlobalQueue::Shared {
     void runItems() {
         while (const std::optional<std::function<void()>> work = take()) {
@@ -56,7 +56,7 @@ void GlobalQueue::async(std::function<void()> work) {
     startThread();
 }
 
-/// When the system grants no thread, the next item tries again.
+/// If the system refuses a thread, the next item tries again.
 void GlobalQueue::startThread() {
     if (!shared_->started) {
         shared_->started = startDetachedThread([shared = shared_] { shared->runItems(); });

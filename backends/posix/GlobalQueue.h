@@ -9,12 +9,12 @@ namespace vistrane {
 
 /// Runs items one at a time, in the order in which they were added, on one thread.
 ///
-/// The thread is never joined. A queue that other threads may still use when the program ends is
-/// made with `new` and never deleted. The destructor drops the waiting items and does not wait for
-/// the running one.
+/// The thread is never joined. Create a queue that other threads may still use when the program
+/// ends with `new`, and never delete it. The destructor discards the waiting items and does not
+/// wait for the running one.
 class GlobalQueue final : public DispatchQueue {
 public:
-    /// Starts the thread, so that a later shortage of threads stops nothing.
+    /// Starts the thread, so that a later shortage of threads does not matter.
     GlobalQueue();
     ~GlobalQueue() override;
 

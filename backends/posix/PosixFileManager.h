@@ -7,13 +7,13 @@
 
 namespace vistrane {
 
-/// The POSIX file system. A path that contains a zero byte names nothing.
+/// The POSIX file system. A path that contains a zero byte does not exist.
 class PosixFileManager final : public NSFileManager {
 public:
     bool fileExistsAtPath(const std::string& path, bool& isDirectory) const override;
 
-    /// Also nothing when an error ends the listing early: half a listing would look as if files
-    /// had been removed.
+    /// Also nothing if an error ends the listing early: an incomplete listing would look as if
+    /// files had been removed.
     std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const override;
 };
 

@@ -13,8 +13,8 @@
 
 namespace vistrane {
 
-/// The part of the Foundation kit that both front ends share. A derived class adds run loop,
-/// settings, notifications and log.
+/// The part of the Foundation kit that does not depend on the run loop. A derived class adds run
+/// loop, settings, notifications and log.
 class PosixFoundation : public Foundation {
 public:
     explicit PosixFoundation(const std::string& version) : bundle_(version) {}
@@ -27,10 +27,10 @@ public:
     NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds) override;
 
     std::unique_ptr<NSDateFormatter> dateFormatter() override;
-    /// The same object for the whole run.
+    /// Always the same object.
     std::shared_ptr<const NSLocale> currentLocale() override { return locale_; }
 
-    /// `handler` is called within `start` when a thread cannot be started.
+    /// `handler` is called within `start` if a thread cannot be started.
     void setThreadFailureHandler(std::function<void()> handler) {
         threadFailed_ = std::move(handler);
     }

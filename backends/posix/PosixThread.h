@@ -9,16 +9,16 @@
 
 namespace vistrane {
 
-/// A detached thread. It destroys the entry and its captures right after the entry has returned.
+/// A detached thread. It destroys the entry and its captures as soon as the entry has returned.
 class PosixThread final : public NSThread, public std::enable_shared_from_this<PosixThread> {
 public:
-    /// `failed` is called within `start` when the system grants no thread; the entry then never
-    /// runs. A second `start` does nothing.
+    /// `failed` is called within `start` if the system refuses a thread; the entry then never runs.
+    /// A second `start` does nothing.
     static std::shared_ptr<PosixThread> withEntry(std::function<void()> entry,
                                                   std::function<void(const NSError&)> failed = {});
 
-    /// The object of the running thread. A thread that was started in another way gets its own on
-    /// the first call.
+    /// The object of the calling thread. A thread that was started in another way gets an object
+    /// with the first call.
     static std::shared_ptr<NSThread> current();
 
     void start() override;

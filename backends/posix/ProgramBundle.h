@@ -8,7 +8,7 @@
 namespace vistrane {
 
 /// The bundle information for a version "MAJOR.MINOR.PATCH": the short version is the part before
-/// the last point, the bundle version the part after it.
+/// the last dot, the bundle version is the part after it.
 class ProgramBundle final : public NSBundle {
 public:
     explicit ProgramBundle(std::string version) : version_(std::move(version)) {}

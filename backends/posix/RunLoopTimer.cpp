@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// More than a hundred years: within it every date fits the clock's 64 bits.
+/// More than a hundred years. With it, every date fits in the clock's 64 bits.
 constexpr double longestInterval = 4e9;
 
 } // namespace
@@ -31,14 +31,14 @@ void RunLoopTimer::invalidate() {
         return;
     }
     // The loop's reference may be the last one, and destroying the tick's captures may call this
-    // timer again. Both are kept until its state is consistent.
+    // timer again. Keeps both until the state is consistent.
     const std::shared_ptr<RunLoopTimer> self = shared_from_this();
     const auto tick = std::move(tick_);
     std::exchange(timers_, nullptr)->remove(*this);
 }
 
 void RunLoopTimer::tick(std::int64_t now) {
-    // Before the call, so that a tick longer than the interval is followed by one late tick.
+    // Before the call, so that one late tick follows a tick that takes longer than the interval.
     grid_.passUpTo(now);
     callOut();
 }

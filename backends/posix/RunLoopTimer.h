@@ -11,8 +11,8 @@ namespace vistrane {
 
 class RunLoopTimers;
 
-/// A timer of a run loop. It does not tick again within a tick that runs the loop: the dates that
-/// pass meanwhile merge into the next tick.
+/// A timer of a run loop. It does not tick within its own tick, even if that runs the loop: the
+/// dates that pass meanwhile merge into the next tick.
 class RunLoopTimer final : public NSTimer, public std::enable_shared_from_this<RunLoopTimer> {
 public:
     /// `now` is in nanoseconds of the loop's clock.
@@ -26,7 +26,7 @@ public:
     /// When it is due next.
     std::int64_t nextDate() const { return grid_.next(); }
     bool isTicking() const { return ticking_ > 0; }
-    /// Ticks for every date up to `now`.
+    /// Ticks once for all dates up to `now`.
     void tick(std::int64_t now);
 
 private:
@@ -35,7 +35,7 @@ private:
     /// Null once invalid.
     RunLoopTimers* timers_;
     TimerGrid grid_;
-    /// Shared with a running tick, which must outlive an invalidation from within.
+    /// Shared with a running tick, so that it survives an invalidation from within.
     std::shared_ptr<const std::function<void(NSTimer&)>> tick_;
     bool repeats_;
     int ticking_ = 0;

@@ -15,7 +15,7 @@ class RunLoopTimer;
 /// The timers of one run loop, on the monotonic clock. One thread only.
 class RunLoopTimers {
 public:
-    /// `dateChanged`, unless empty, is called whenever `nextDate` may have changed.
+    /// `dateChanged` is called, unless it is empty, whenever `nextDate` may have changed.
     explicit RunLoopTimers(std::function<void()> dateChanged = {});
     /// Invalidates all timers.
     ~RunLoopTimers();
@@ -26,14 +26,14 @@ public:
     std::shared_ptr<NSTimer> schedule(double interval, std::function<void(NSTimer&)> tick,
                                       bool repeats);
 
-    /// When the next timer is due, in nanoseconds of the monotonic clock. Nothing while no timer
-    /// may tick.
+    /// When the next timer is due, in nanoseconds of the monotonic clock. Nothing if no timer may
+    /// tick.
     std::optional<std::int64_t> nextDate() const;
 
     /// Ticks each timer that is due at the moment of the call, at most once.
     void runDue();
 
-    /// No timer ticks while one exists: a modal alert is shown on the main thread.
+    /// Suspends all timers while it exists, for a modal alert on the main thread.
     class ModalScope {
     public:
         explicit ModalScope(RunLoopTimers& timers) : timers_(timers) { timers_.addModal(1); }

@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// The value as a shell reads it: without quotes, escapes resolved.
+/// The value as a shell reads it: unquoted and unescaped.
 std::string unquoted(const std::string& value) {
     std::string text;
     char quote = 0;

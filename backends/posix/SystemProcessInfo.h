@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// The distribution's name and version, else the kernel's.
+/// The distribution's name and version, otherwise the kernel's.
 class SystemProcessInfo final : public NSProcessInfo {
 public:
     /// `osRelease` is the path of a file in os-release(5) format.

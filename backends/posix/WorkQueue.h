@@ -13,13 +13,14 @@ namespace vistrane {
 /// Work items for the thread of a run loop, run in the order in which they were added.
 class WorkQueue final : public DispatchQueue {
 public:
-    /// `wake` ends the loop's sleep. It is called on any thread, once until the next `awake`.
+    /// `wake` ends the loop's sleep. It is called on any thread, at most once between two calls of
+    /// `awake`.
     explicit WorkQueue(std::function<void()> wake);
 
     /// Any thread.
     void async(std::function<void()> work) override;
 
-    /// Any thread. Store what the loop must see before this call.
+    /// Any thread. Store everything that the loop must see before this call.
     void wake();
 
     // ---- The loop's thread ---------------------------------------------------------------------
@@ -28,8 +29,8 @@ public:
 
     std::size_t size() const;
 
-    /// Runs the items that wait at the moment of the call, but not those that they add, so that
-    /// timers get their turn. Destroys each item after it has run.
+    /// Runs the items that are queued at the time of the call, but not those that they add, so that
+    /// timers are not starved. Destroys each item after it has run.
     void runWaiting();
 
 private:

@@ -8,11 +8,11 @@
 
 namespace vistrane {
 
-/// Encodes a file address as a signature, a version and the bytes of its path. An error for an
-/// address that is not a file's, or whose path is not absolute or contains a zero byte.
+/// Encodes a file address as a signature, a version and the bytes of its path. Returns an error for
+/// other addresses, and for a path that is not absolute or contains a zero byte.
 BookmarkDataResult makeBookmark(const NSURL& url);
 
-/// Decodes such bytes; an error for any others. Does not check that the file exists.
+/// Decodes such bytes. Returns an error for any others. Does not check that the file exists.
 BookmarkURLResult resolveBookmark(const std::vector<std::uint8_t>& data);
 
 } // namespace vistrane

@@ -16,7 +16,7 @@ struct DirectoryCloser {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 
-/// Duplicates the descriptor: closing the result closes only the duplicate.
+/// Duplicates the descriptor, because closing the result closes its descriptor.
 std::unique_ptr<DIR, DirectoryCloser> opened(int folder) {
     const int own = fcntl(folder, F_DUPFD_CLOEXEC, 0);
     if (own < 0) {

@@ -12,7 +12,7 @@ namespace vistrane {
 
 namespace {
 
-/// The size of the C library's own buffer. Larger ones were measured and are not faster.
+/// The size of the C library's own buffer. Larger buffers were measured to be no faster.
 constexpr std::size_t pieceSize = 32768;
 
 void append(FileNames& names, const char* entry) {

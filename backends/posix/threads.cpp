@@ -13,7 +13,7 @@ namespace vistrane {
 
 namespace {
 
-/// Blocks all signals in its scope. A thread inherits the mask of the thread that starts it.
+/// Blocks all signals while it exists. A thread inherits the mask of the thread that starts it.
 class SignalsBlocked {
 public:
     SignalsBlocked() {
@@ -67,7 +67,7 @@ bool runWithin(std::chrono::milliseconds timeout, std::function<void()> work) {
 void giveWayToOtherThreads() {
 #ifdef __linux__
     constexpr int nicer = 10;
-    // On Linux each thread has its own priority. A refused one is no error.
+    // On Linux each thread has its own priority. Failure to change it is not an error.
     const auto thread = static_cast<id_t>(::gettid());
     ::setpriority(PRIO_PROCESS, thread, ::getpriority(PRIO_PROCESS, thread) + nicer);
 #endif

@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// The variable's value if it is an absolute path, else an empty string.
+/// The variable's value if it is an absolute path, otherwise an empty string.
 std::string folderOf(const char* variable) {
     const char* const value = std::getenv(variable);
     return value && *value == '/' ? value : "";
