@@ -37,7 +37,7 @@ std::string firstOf(std::initializer_list<std::string> texts) {
     return {};
 }
 
-/// "046d:0825" from the two numbers as udev and GStreamer print them, with or without "0x".
+/// Joins the two numbers to "046d:0825". udev and GStreamer print them with or without "0x".
 std::string usbId(std::string vendor, std::string product) {
     for (std::string* number : {&vendor, &product}) {
         if (number->starts_with("0x")) {
@@ -54,13 +54,13 @@ CameraFacts factsOf(GstDevice* device, const std::string& provider) {
     facts.provider = provider;
     facts.name = text(gst_device_get_display_name(device));
     if (provider == pipeWireProvider) {
-        // The name is derived from the place in the machine; a node's number is never reused.
+        // The node's name is derived from the camera's port; the node's number is never reused.
         facts.identity = get("node.name") + " " + facts.name;
         facts.instance = firstOf({get("object.serial"), get("object.id")});
         facts.devicePath = get("api.v4l2.path");
         facts.libcameraId = get("api.libcamera.path");
     } else if (provider == v4l2Provider) {
-        // The kernel may assign another number after a replug; the place stays the same.
+        // The kernel may assign another device number after a replug; the bus path stays the same.
         facts.devicePath = get("device.path");
         facts.identity =
             firstOf({get("device.bus_path"), get("v4l2.device.bus_info"), facts.devicePath}) + " " +
@@ -88,7 +88,7 @@ Camera cameraOf(GstDevice* device, const std::string& provider) {
     return camera;
 }
 
-/// Else each listing prints libcamera's version. The first call is on the main thread, which is the
+/// Without this, each listing prints libcamera's version. The first call is on the main thread, the
 /// only one that reads the environment.
 void quietLibcamera() {
     static const bool isQuiet = setenv("LIBCAMERA_LOG_LEVELS", "*:ERROR", 0) == 0;
@@ -104,7 +104,7 @@ struct CameraList::Provider {
     std::condition_variable freed;
     bool busy = false;
 
-    /// A provider answers one thread at a time. Empty when it is still busy at `deadline`.
+    /// Queries the provider, one thread at a time. Empty if it is still busy at `deadline`.
     std::vector<Camera> askBefore(std::chrono::steady_clock::time_point deadline) {
         std::unique_lock lock(mutex);
         if (!freed.wait_until(lock, deadline, [this] { return !busy; })) {
@@ -135,7 +135,7 @@ struct CameraList::Provider {
 
 namespace {
 
-/// The answers to one listing. Late answers outlive the listing.
+/// The answers to one listing. Shared, because late answers outlive the listing.
 struct Answers {
     std::mutex mutex;
     std::condition_variable changed;
@@ -208,7 +208,7 @@ std::vector<Camera> CameraList::listOf(const std::string& name, std::chrono::mil
             answers->changed.notify_all();
         });
         if (!asked) {
-            --answers->missing; // Without a thread there is no answer.
+            --answers->missing; // without a thread there is no answer
         }
     }
     answers->changed.wait_until(lock, deadline, [&] { return answers->missing == 0; });

@@ -21,25 +21,25 @@ struct Camera {
     bool isDemo() const { return device == nullptr; }
 };
 
-/// Lists the cameras of this system's providers. Any thread.
+/// Lists the cameras of GStreamer's device providers. Any thread.
 ///
-/// Each listing queries all providers anew and in parallel. Monitoring them instead would miss the
+/// Each listing queries all providers again, in parallel. Monitoring them instead would miss the
 /// cameras of a restarted PipeWire, and PipeWire's monitor, at least up to 0.3.65, corrupts the
-/// heap when it is stopped. A provider that hangs costs the timeout and one thread at a time.
+/// heap when it is stopped. A provider that hangs costs the timeout and at most one thread.
 class CameraList : public std::enable_shared_from_this<CameraList> {
 public:
-    /// Does not start GStreamer: `prepare` or the first listing does.
+    /// Does not initialise GStreamer; `prepare` or the first listing does.
     CameraList();
     ~CameraList();
     CameraList(const CameraList&) = delete;
     CameraList& operator=(const CameraList&) = delete;
 
     /// Loads the providers in the background, which takes longer than a listing. A listing that is
-    /// requested meanwhile waits for it. Main thread only.
+    /// requested meanwhile waits. Main thread only.
     void prepare();
 
-    /// Every camera once, in the platform's order, without the demo camera. Leaves out providers
-    /// that take longer than `timeout`.
+    /// Every camera once, in the order of `offeredOnce`, without the demo camera. Leaves out
+    /// providers that take longer than `timeout`.
     std::vector<Camera> list(std::chrono::milliseconds timeout);
 
     /// Every camera of one provider.
@@ -57,7 +57,7 @@ private:
 /// The moving test picture.
 Camera demoCamera();
 
-/// Initialises GStreamer with the first call, without the program's arguments. Returns whether that
+/// The first call initialises GStreamer, without the program's arguments. Returns whether that
 /// succeeded.
 bool startGStreamer();
 

@@ -4,11 +4,12 @@
 
 namespace vistrane {
 
-/// Receives what the kit does not report to the program, for a front end to show. Called on any
-/// thread; returns soon and throws nothing. Outlives every camera object.
+/// Receives events that the kit does not report to the program, for a front end to show. Called on
+/// any thread; must return quickly and not throw. Outlives every camera object.
 class CameraObserver {
 public:
-    /// The camera in use stopped giving pictures, or gives them again. `message` is one line.
+    /// The current camera has stopped delivering pictures, or delivers them again. `message` is one
+    /// line.
     virtual void cameraChanged(const std::string& message) { (void)message; }
 
 protected:

@@ -6,27 +6,28 @@ namespace vistrane {
 
 inline constexpr char demoCameraName[] = "Demo Camera";
 
-/// Settings of `Cameras`. Tests set shorter times. Timeouts that wait for a picture are extended to
+/// Settings of `Cameras`. Tests set shorter times. Timeouts that wait for a picture are at least
 /// three periods of a slow camera.
 struct CameraOptions {
-    /// Looks for the machine's own cameras. Without it nothing is listed and nothing waited for.
+    /// Whether to list the machine's cameras. If false, no provider is queried.
     bool findsCameras = true;
 
-    /// Lists a moving test picture, `demoCameraName`, after the real cameras.
+    /// Whether to list a moving test picture, `demoCameraName`, after the real cameras.
     bool demoCamera = false;
 
     /// How long a listing waits for the slowest provider.
     std::chrono::milliseconds listing{1500};
-    /// How long an input waits for a camera that is not listed: some virtual cameras restart when
-    /// their last reader leaves.
+    /// How long an input waits for a camera that is not listed. Some virtual cameras restart when
+    /// their last reader disconnects.
     std::chrono::milliseconds reappear{1000};
     /// How long a call on the main thread waits for the camera's driver.
     std::chrono::milliseconds driverTimeout{3000};
     /// How long a started camera may take for its first picture.
     std::chrono::milliseconds firstPicture{8000};
-    /// After this time without a picture, a start is repeated once. Less than `firstPicture`.
+    /// After this time without a first picture, the start is repeated once. Less than
+    /// `firstPicture`.
     std::chrono::milliseconds secondTry{3000};
-    /// After this time without a picture, a camera is looked for in a fresh listing.
+    /// After this time without a picture, check in a new listing whether the camera is still there.
     std::chrono::milliseconds doubt{700};
     /// After this time without a picture, a camera counts as gone, even if it is still listed.
     std::chrono::milliseconds silence{3000};

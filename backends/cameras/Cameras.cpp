@@ -24,7 +24,7 @@ private:
     std::vector<std::shared_ptr<AVCaptureDevice>> devices_;
 };
 
-/// The camera in a fresh listing. Waits for one that is restarting.
+/// Finds the camera in a new listing. Waits for a camera that is restarting.
 std::optional<Camera> listedNow(CameraList& list, const CameraFacts& wanted,
                                 const CameraOptions& options) {
     const auto deadline = std::chrono::steady_clock::now() + options.reappear;

@@ -16,13 +16,13 @@ namespace vistrane {
 class CameraList;
 class MainThreadGate;
 
-/// The capture half of the AVFoundation kit, on GStreamer: v4l2, PipeWire and libcamera cameras,
-/// as far as this system has them. The methods fulfil the contract of `AVFoundation`; the file data
-/// of a still carries its picture (`PictureData`).
+/// The capture half of the AVFoundation kit, on GStreamer: v4l2, PipeWire and libcamera cameras, as
+/// far as the system has them. The methods fulfil the contract of `AVFoundation`; the file data of
+/// a still carries its decoded picture (`PictureData`).
 ///
-/// Main thread only. The program is called through the main queue, the observer on threads of this
-/// object. `dispatch` and `observer` outlive this object. The objects that it returned may outlive
-/// it: then sessions have stopped and no outcome arrives.
+/// Main thread only. Calls the program through the main queue, and the observer on its own threads.
+/// `dispatch` and `observer` outlive this object. The objects that it returns may outlive it; their
+/// sessions are then stopped and no outcome arrives.
 class Cameras {
 public:
     Cameras(Dispatch& dispatch, CameraObserver& observer, CameraOptions options = {});
@@ -33,9 +33,9 @@ public:
     /// Prepares the first listing in the background.
     void prepare();
 
-    /// Lists the cameras that are connected now; waits at most `CameraOptions::listing`. The types
-    /// make no difference, as long as there is one: whether a camera is built in cannot be told
-    /// reliably. A query for video finds muxed sources too.
+    /// Lists the connected cameras; waits at most `CameraOptions::listing`. The types are ignored
+    /// unless there is none, because built-in cameras cannot be recognised reliably. A query for
+    /// video also finds muxed sources.
     std::shared_ptr<AVCaptureDeviceDiscoverySession>
     discoverySessionWithDeviceTypes(const std::vector<std::optional<AVCaptureDeviceType>>& types,
                                     AVMediaType mediaType, AVCaptureDevicePosition position);
@@ -54,7 +54,7 @@ public:
     layerWithSession(const std::shared_ptr<AVCaptureSession>& session);
 
 private:
-    /// Made on first use, because starting GStreamer takes time.
+    /// Made on first use, because initialising GStreamer takes time.
     std::shared_ptr<CameraList> cameraList();
 
     CameraObserver& observer_;

@@ -57,7 +57,7 @@ void CaptureCore::serveTarget(Lock& lock) {
     changed.notify_all();
 }
 
-/// Makes and starts a pipeline if the camera is listed.
+/// Creates and starts a pipeline if the camera is listed.
 void CaptureCore::attempt(Lock& lock) {
     nextAttempt = Clock::now() + (phase == Phase::starting ? startRetry : options.retry);
     if (stuck && !stuck->hasEnded()) {
@@ -108,8 +108,8 @@ void CaptureCore::attempt(Lock& lock) {
         request.deadline = std::max(request.deadline, Clock::now() + forCamera(options.still));
     }
     nextLook = Clock::now() + forCamera(options.doubt);
-    // Some cameras deliver nothing after one start in many, others are only slow: a short attempt
-    // is followed by a long one.
+    // Some cameras occasionally deliver nothing after a start, others are only slow. So short and
+    // long attempts alternate.
     const bool isShort = ++attempts % 2 == 1;
     attemptEnd = Clock::now() +
                  forCamera(isShort ? options.secondTry : options.firstPicture - options.secondTry);
@@ -143,7 +143,7 @@ std::optional<Camera> CaptureCore::lookForCamera(const Target& wanted) {
     return std::move(cameras[found]);
 }
 
-/// Whether the open camera itself is listed; nothing when the target changed meanwhile.
+/// Whether the open camera itself is listed. Nothing if the target has changed meanwhile.
 std::optional<bool> CaptureCore::isStillListed(Lock& lock) {
     const Target wanted = *target;
     const std::uint64_t number = targetNumber;
@@ -157,8 +157,9 @@ std::optional<bool> CaptureCore::isStillListed(Lock& lock) {
     return camera && camera->facts.instance == instance;
 }
 
-/// Called after the first picture. If the target's camera vanished between listing and opening, the
-/// stream may have been linked to another camera. One that is still listed never vanished.
+/// Called after the first picture. If the target's camera was disconnected between listing and
+/// opening, the stream may be linked to another camera. If it is still listed, it was not
+/// disconnected.
 void CaptureCore::confirm(Lock& lock) {
     const auto listed = isStillListed(lock);
     if (listed && *listed) {
@@ -168,7 +169,7 @@ void CaptureCore::confirm(Lock& lock) {
     }
 }
 
-/// The camera does not count as lost yet: a virtual camera that restarts is back within moments.
+/// Does not report the camera as lost: a virtual camera that restarts is back within moments.
 void CaptureCore::tryAgain(Lock& lock) {
     dropPipeline(lock);
     nextAttempt = Clock::now() + (phase == Phase::starting ? startRetry : options.retry);
@@ -182,7 +183,7 @@ void CaptureCore::goLive() {
     changed.notify_all();
 }
 
-/// Handles failures and what is due by the clock.
+/// Handles failures and timeouts.
 void CaptureCore::watch(Lock& lock) {
     if (servedTarget != targetNumber || !target || quitting) {
         return;
@@ -238,7 +239,7 @@ void CaptureCore::lose(Lock& lock, const std::string& reason) {
 void CaptureCore::serveStill(Lock& lock) {
     const GstPointer<GstSample> sample = std::move(taken);
     const GstClockTime time = GST_BUFFER_PTS(gst_sample_get_buffer(sample.get()));
-    // The request that it was taken for may have had its outcome meanwhile.
+    // The request that the sample was taken for may already have its outcome.
     if (requests.empty() || !isLaterThan(requests.front().after, time)) {
         return;
     }

@@ -23,9 +23,8 @@
 
 namespace vistrane {
 
-/// The state of a `CaptureEngine`, which the main thread, the engine's thread and GStreamer's
-/// threads share. Lives until the last of them has released it; with a hanging driver that is after
-/// the engine.
+/// The state of a `CaptureEngine`, shared by the main thread, the engine's thread and GStreamer's
+/// threads. Lives until the last of them releases it; if a driver hangs, it outlives the engine.
 struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     using Clock = std::chrono::steady_clock;
 
@@ -38,7 +37,7 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
         gone,
     };
 
-    /// The camera that is to run.
+    /// The camera that should run.
     struct Target {
         Camera camera;
         AVCaptureSessionPreset preset = AVCaptureSessionPresetPhoto;
@@ -68,34 +67,34 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     bool quitting = false;
     bool threadHasEnded = false;
     std::optional<Target> target;
-    /// Counts the changes of the target. Each pipeline belongs to one number.
+    /// Counts changes of the target. Each pipeline belongs to one number.
     std::uint64_t targetNumber = 0;
     std::uint64_t servedTarget = 0;
     Phase phase = Phase::idle;
     std::deque<StillRequest> requests;
     bool previewWanted = false;
-    /// Counts the pipelines, to recognise late events of an old one.
+    /// Counts pipelines, to recognise late events of an old one.
     std::uint64_t run = 0;
     bool pictureCame = false;
     Clock::time_point lastPicture;
     GstClockTime lastPictureTime = GST_CLOCK_TIME_NONE;
     std::optional<std::string> failure;
     GstPointer<GstSample> taken;
-    /// The time between two pictures in the camera's mode; 0 when unknown.
+    /// The time between two pictures in the camera's mode; 0 if unknown.
     std::chrono::milliseconds period{0};
     std::shared_ptr<CapturePipeline> pipeline;
 
     // Used by the engine's thread only.
-    /// A pipeline that hangs in its driver. No other is made until it has ended.
+    /// A pipeline that hangs in its driver. No new one is created until it has ended.
     std::shared_ptr<CapturePipeline> stuck;
-    /// The other cameras that were listed when the target's was last seen.
+    /// The other cameras in the last listing that had the target's camera.
     std::vector<std::string> others;
     CameraFacts current;
-    /// The number of pipelines made for the target.
+    /// The number of pipelines created for the target.
     std::uint64_t attempts = 0;
-    /// When the present pipeline must have delivered its first picture.
+    /// The deadline for the first picture of the current pipeline.
     Clock::time_point attemptEnd;
-    /// When a camera without any picture counts as gone.
+    /// The deadline for the first picture of any pipeline; then the camera counts as gone.
     Clock::time_point startEnd;
     Clock::time_point nextAttempt;
     Clock::time_point nextLook;
@@ -105,7 +104,7 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
         return std::max(timeout, 3 * period);
     }
 
-    // The engine's thread. Methods that take the lock release it around calls that may block.
+    // The engine's thread. Methods with a `Lock` argument release it around calls that may block.
     using Lock = std::unique_lock<std::mutex>;
     void work();
     void serveTarget(Lock& lock);

@@ -14,7 +14,7 @@ CaptureEngine::CaptureEngine(std::shared_ptr<CameraList> list, CameraObserver& o
     : core_(
           std::make_shared<CaptureCore>(std::move(list), observer, options, std::move(receiver))) {
     thread_ = startThread([core = core_] { core->work(); });
-    // Without a thread every still fails as if the camera were not running.
+    // Without a thread, every still fails as if the camera were not running.
     core_->threadHasEnded = !thread_.joinable();
 }
 

@@ -18,7 +18,7 @@
 
 namespace vistrane {
 
-/// The outcome of a request: exactly one of the two is set.
+/// The outcome of a request. Exactly one of the two is set.
 struct StillOutcome {
     std::shared_ptr<const PictureSource> picture;
     std::optional<NSError> error;
@@ -26,14 +26,14 @@ struct StillOutcome {
 
 struct CaptureCore;
 
-/// Keeps one camera running on its own thread: opens it, notices when it is gone, reopens it when
-/// it is back, and serves stills from it. Never uses another camera in its place. The methods are
-/// for the main thread.
+/// Runs one camera on its own thread: opens it, detects its disconnection, reopens it when it
+/// returns, and serves stills. Never uses another camera instead. Call the methods on the main
+/// thread.
 class CaptureEngine {
 public:
-    /// Called on threads of the engine, `still` also from within `requestStill` and `stop`; both
-    /// return soon. `still` is called once for each request, in the order of the requests. A
-    /// preview sample is borrowed; null means that no picture is to be shown any more.
+    /// Called on threads of the engine; `still` also from within `requestStill` and `stop`. Both
+    /// must return quickly. `still` is called once for each request, in the order of the requests.
+    /// The preview sample is borrowed; null: show no picture any more.
     struct Receiver {
         std::function<void(std::uint64_t request, StillOutcome outcome)> still;
         std::function<void(GstSample* sample)> preview;
@@ -41,22 +41,22 @@ public:
 
     CaptureEngine(std::shared_ptr<CameraList> list, CameraObserver& observer, CameraOptions options,
                   Receiver receiver);
-    /// Stops. No call of the receiver or the observer begins after this. Waits for a hanging driver
-    /// no longer than `CameraOptions::driverTimeout`.
+    /// Stops. No call of the receiver or the observer begins after this returns. Waits for a
+    /// hanging driver for at most `CameraOptions::driverTimeout`.
     ~CaptureEngine();
     CaptureEngine(const CaptureEngine&) = delete;
     CaptureEngine& operator=(const CaptureEngine&) = delete;
 
-    /// Waits for the first picture, at most `CameraOptions::driverTimeout`; the engine keeps trying
+    /// Waits for the first picture, at most `CameraOptions::driverTimeout`. The engine keeps trying
     /// after that.
     void start(Camera camera, AVCaptureSessionPreset preset);
 
-    /// Every pending request has its outcome when this returns.
+    /// When this returns, every pending request has its outcome.
     void stop();
 
     bool isRunning() const;
 
-    /// The outcome comes on a thread of the engine, or from within this call.
+    /// The outcome is delivered on a thread of the engine, or from within this call.
     void requestStill(std::uint64_t request);
 
     void wantPreview(bool wanted);

@@ -19,11 +19,11 @@ namespace {
 constexpr int previewSide = 640;
 constexpr int previewRate = 30;
 
-/// The user data of GStreamer callbacks; freed by `forget`.
+/// The user data of GStreamer callbacks. Freed by `forget`.
 using SharedEvents = std::shared_ptr<const PipelineEvents>;
 
-/// GStreamer passes the user data to its threads with a synchronisation that ThreadSanitizer cannot
-/// see. This counter makes it visible.
+/// ThreadSanitizer cannot see how GStreamer synchronises passing the user data to its threads. This
+/// counter makes it visible.
 std::atomic<unsigned> handovers{0};
 
 gpointer keep(const SharedEvents& events) {
@@ -46,8 +46,8 @@ GstPadProbeReturn onPicture(GstPad*, GstPadProbeInfo* info, gpointer kept) {
     return GST_PAD_PROBE_OK;
 }
 
-/// A valve that opens makes the elements before it renegotiate their format. The format before the
-/// tee is fixed, and PipeWire's source would release its camera to renegotiate.
+/// Discards the request to renegotiate the format that a valve sends when it opens. The format
+/// before the tee is fixed, and PipeWire's source would release its camera to renegotiate.
 GstPadProbeReturn onUpstreamEvent(GstPad*, GstPadProbeInfo* info, gpointer) {
     return GST_EVENT_TYPE(GST_PAD_PROBE_INFO_EVENT(info)) == GST_EVENT_RECONFIGURE
                ? GST_PAD_PROBE_DROP
@@ -85,7 +85,7 @@ GstBusSyncReply onMessage(GstBus*, GstMessage* message, gpointer kept) {
     } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
         eventsOf(kept).failed("the stream has ended");
     }
-    // The bus has no reader: messages that are not dropped here would pile up.
+    // Nothing reads the bus, so messages that are not dropped here would pile up.
     gst_message_unref(message);
     return GST_BUS_DROP;
 }
@@ -106,7 +106,7 @@ class Builder {
 public:
     explicit Builder(GstElement* pipeline) : pipeline_(GST_BIN(pipeline)) {}
 
-    /// The pipeline owns the element. Null when this system has no such factory.
+    /// The pipeline owns the element. Null if the system lacks the factory.
     GstElement* add(const char* factory) {
         GstElement* element = gst_element_factory_make(factory, nullptr);
         if (element == nullptr) {
@@ -161,7 +161,7 @@ bool hasProperty(GstElement* element, const char* name) {
 
 /// A camera's element and the connection that must outlive it.
 struct Source {
-    /// Floating; null when it cannot be made.
+    /// Floating; null if it cannot be made.
     GstElement* element = nullptr;
     std::shared_ptr<PipeWireConnection> connection;
 };
@@ -189,7 +189,7 @@ Source sourceOf(const Camera& camera) {
     }
     if (camera.facts.provider == pipeWireProvider) {
         source.connection = std::make_shared<PipeWireConnection>();
-        // Else the session manager would move the stream to another camera.
+        // Otherwise the session manager would move the stream to another camera.
         const GstPointer<GstStructure> properties(gst_structure_new(
             "props", "node.dont-reconnect", G_TYPE_STRING, "true", "node.dont-fallback",
             G_TYPE_STRING, "true", "node.dont-move", G_TYPE_STRING, "true", nullptr));
@@ -239,7 +239,7 @@ struct CapturePipeline::Elements {
     std::shared_ptr<PipeWireConnection> connection;
     GstPointer<GstElement> pipeline;
     GstPointer<GstElement> source;
-    /// Null when stills need no decoder.
+    /// Null if stills need no decoder.
     GstPointer<GstElement> stillValve;
     GstPointer<GstElement> previewValve;
 
@@ -252,7 +252,7 @@ struct CapturePipeline::Elements {
 
     void start();
     void end();
-    void hurrySource();
+    void unblockSource();
 };
 
 void CapturePipeline::Elements::start() {
@@ -275,7 +275,7 @@ void CapturePipeline::Elements::end() {
     std::unique_lock lock(mutex);
     stopping = true;
     while (starting) {
-        hurrySource();
+        unblockSource();
         changed.wait_for(lock, std::chrono::milliseconds(10), [this] { return !starting; });
     }
     lock.unlock();
@@ -283,13 +283,13 @@ void CapturePipeline::Elements::end() {
     ended = true;
 }
 
-/// PipeWire's source blocks its start for up to half a minute, until it is linked to its camera,
-/// and holds the lock that every change of state takes. Called repeatedly, because the source
-/// clears the request when its start proceeds.
-void CapturePipeline::Elements::hurrySource() {
+/// Unblocks the start of PipeWire's source, which waits for the link to its camera for up to half a
+/// minute and holds the lock that every change of state needs. Call it repeatedly, because the
+/// source clears the request when its start proceeds.
+void CapturePipeline::Elements::unblockSource() {
     if (source && GST_IS_BASE_SRC(source.get()) && GST_STATE(source.get()) >= GST_STATE_READY) {
         auto* base = GST_BASE_SRC(source.get());
-        // Sources that never block, such as the demo's, have no such method.
+        // Sources that never block, such as the demo's, lack this method.
         if (const auto unlock = GST_BASE_SRC_GET_CLASS(base)->unlock) {
             unlock(base);
         }
@@ -358,7 +358,7 @@ CapturePipeline::CapturePipeline(std::shared_ptr<Elements> elements)
     : elements_(std::move(elements)) {}
 
 CapturePipeline::~CapturePipeline() {
-    // Elements cannot be freed while they run.
+    // Elements must not be freed while they run.
     if (!elements_->wasStarted) {
         elements_->end();
     } else if (!elements_->stopping &&
@@ -392,7 +392,7 @@ std::shared_ptr<CapturePipeline> CapturePipeline::create(const Camera& camera,
     }
 
     elements->source = retained(source);
-    // The camera's clock stops when the camera goes.
+    // The camera's clock stops when the camera is disconnected.
     const GstPointer<GstClock> clock(gst_system_clock_obtain());
     gst_pipeline_use_clock(GST_PIPELINE(elements->pipeline.get()), clock.get());
     const GstPointer<GstPad> pad(gst_element_get_static_pad(tee, "sink"));

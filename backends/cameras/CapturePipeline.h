@@ -11,15 +11,15 @@
 
 namespace vistrane {
 
-/// The callbacks of a pipeline, on its threads. None is called after `stop` returned true. Each
-/// returns soon. Samples are borrowed.
+/// The callbacks of a pipeline, called on its threads. None is called after `stop` has returned
+/// true. Each must return quickly. Samples are borrowed.
 struct PipelineEvents {
-    /// The camera delivered a picture. `time` is comparable with that of a still from the same
+    /// The camera has delivered a picture. `time` is comparable with that of a still from the same
     /// pipeline; `GST_CLOCK_TIME_NONE` if unknown.
     std::function<void(GstClockTime time)> pictureArrived;
     /// A raw picture at full size.
     std::function<void(GstSample* sample)> still;
-    /// A small picture, 32 bits a pixel.
+    /// A small picture, 32 bits per pixel.
     std::function<void(GstSample* sample)> preview;
     /// No more pictures will come. The reason is one line.
     std::function<void(const std::string& reason)> failed;
@@ -30,28 +30,28 @@ struct PipelineEvents {
 ///     source, mode filter -> tee -> [valve, queue, JPEG decoder] -> stills
 ///                                -> valve, queue, [JPEG decoder], scaler -> preview
 ///
-/// JPEG pictures are decoded only for a still or the preview; encoded streams are decoded before
-/// the tee. Each branch keeps at most two pictures and drops what is not fetched. One thread at a
-/// time, except for the valves.
+/// JPEG pictures are decoded only for a still or the preview. Encoded streams are decoded before
+/// the tee. Each branch keeps at most two pictures and drops older ones. One thread at a time,
+/// except for the valves.
 class CapturePipeline {
 public:
-    /// Null, with a reason, when an element is missing. Does not open the camera.
+    /// Returns null, and sets the reason, if an element is missing. Does not open the camera.
     static std::shared_ptr<CapturePipeline> create(const Camera& camera, const CameraMode& mode,
                                                    PipelineEvents events, std::string& reason);
     ~CapturePipeline();
     CapturePipeline(const CapturePipeline&) = delete;
     CapturePipeline& operator=(const CapturePipeline&) = delete;
 
-    /// Opens and runs the camera in the background. False when no thread can be started.
+    /// Opens and runs the camera in the background. Returns false if no thread can be started.
     bool start();
 
-    /// Stops and closes the camera. False when the driver takes longer than `timeout`: stopping
-    /// continues in the background until `hasEnded`.
+    /// Stops and closes the camera. Returns false if the driver takes longer than `timeout`;
+    /// stopping then continues in the background until `hasEnded`.
     bool stop(std::chrono::milliseconds timeout);
     bool hasEnded() const;
 
-    /// Open and close the valves. Any thread. While no stills of a JPEG camera are wanted, none is
-    /// decoded.
+    /// Open and close the valves. Any thread. A closed valve also saves the decoding of JPEG
+    /// pictures.
     void wantStills(bool wanted);
     void wantPreview(bool wanted);
 

@@ -71,7 +71,7 @@ private:
         std::weak_ptr<AVCapturePhotoOutput> output;
         AVCapturePhotoCaptureDelegate* delegate = nullptr;
     };
-    /// State for the engine's threads and the main queue, which may outlive the session.
+    /// State that the engine's threads and the main queue use. It may outlive the session.
     struct Shared;
 
     void preview(bool wanted);

@@ -8,13 +8,13 @@
 
 namespace vistrane {
 
-/// Posts work to the main thread until it is closed: a thread that returns late from a camera
-/// driver must not use a queue that is gone. Any thread.
+/// Posts work to the main thread until it is closed, because a thread that returns late from a
+/// camera driver must not use a destroyed queue. Any thread.
 class MainThreadGate {
 public:
     explicit MainThreadGate(Dispatch& dispatch) : dispatch_(&dispatch) {}
 
-    /// Drops the work after `close`.
+    /// Discards the work after `close`.
     void post(std::function<void()> work) {
         std::lock_guard lock(mutex_);
         if (dispatch_ != nullptr) {

@@ -10,23 +10,23 @@
 
 namespace vistrane {
 
-/// A small picture for the live preview: the top row first, four bytes a pixel: blue, green, red,
-/// one ignored. Full-range RGB. All fields 0 or null: no picture.
+/// A small picture for the live preview: the top row first, four bytes per pixel: blue, green, red,
+/// one ignored. Full-range RGB. If all fields are 0 or null, there is no picture.
 struct PreviewPicture {
-    /// The top row. Rows are `stride` bytes apart. Immutable. Holding it costs the camera a buffer,
-    /// so release it soon.
+    /// The top row. The row stride is `stride` bytes. Immutable. It occupies a buffer of the
+    /// camera, so release it soon.
     std::shared_ptr<const std::uint8_t> pixels;
     int width = 0;
     int height = 0;
     std::size_t stride = 0;
 };
 
-/// A layer whose pictures a front end draws, aspect kept. Main thread only.
+/// A layer whose pictures a front end draws, keeping the aspect ratio. Main thread only.
 class MediaPreviewLayer final : public AVCaptureVideoPreviewLayer {
 public:
     using PictureHandler = std::function<void(PreviewPicture)>;
 
-    /// `wanted` is called with whether there is a handler.
+    /// `wanted` is called with true when a handler is set, with false when it is removed.
     explicit MediaPreviewLayer(std::function<void(bool)> wanted);
 
     void setFrame(CGRect frame) override;
@@ -37,10 +37,10 @@ public:
     CGColor backgroundColor() const;
     const std::vector<std::shared_ptr<CALayer>>& sublayers() const;
 
-    /// The handler is called through the main queue with each picture, at most 640 pixels a side.
-    /// While one waits there, further ones are dropped. An empty picture comes when the session
-    /// stops or the camera is gone. Without a handler no preview is made. The handler may replace
-    /// itself.
+    /// The handler is called through the main queue with each picture, of at most 640 pixels a
+    /// side. While one is queued, later ones are dropped. An empty picture follows when the session
+    /// stops or the camera is disconnected. Without a handler no preview is made. The handler may
+    /// replace itself.
     void setPictureHandler(PictureHandler handler);
 
     /// Calls the handler.

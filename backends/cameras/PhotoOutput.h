@@ -28,7 +28,7 @@ private:
     std::int64_t uniqueID_;
 };
 
-/// An output that is attached to at most one session, which it may outlive.
+/// An output of at most one session, which it may outlive.
 class PhotoOutput final : public AVCapturePhotoOutput,
                           public std::enable_shared_from_this<PhotoOutput> {
 public:

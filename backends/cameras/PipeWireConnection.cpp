@@ -17,7 +17,7 @@ std::string environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
-/// Follows the rules of PipeWire's own clients.
+/// Finds the socket by the rules of PipeWire's own clients.
 std::string socketPath() {
     std::string name = environment("PIPEWIRE_REMOTE");
     name = name.empty() ? "pipewire-0" : name;

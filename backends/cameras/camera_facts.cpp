@@ -19,7 +19,8 @@ int rankOf(const CameraFacts& camera) {
                                            : 3;
 }
 
-/// PipeWire reports the device file that it reads, but only v4l2 reports which device that is.
+/// PipeWire reports only the device file that it reads. v4l2 reports the USB model behind that
+/// file.
 std::map<std::string, std::string> usbIdsByPath(const std::vector<CameraFacts>& cameras) {
     std::map<std::string, std::string> ids;
     for (const CameraFacts& camera : cameras) {
@@ -96,8 +97,8 @@ std::string usbIdOfLibcamera(const std::string& libcameraId) {
 std::vector<std::size_t> offeredOnce(const std::vector<CameraFacts>& cameras) {
     std::vector<std::size_t> kept = withoutKnownDoubles(cameras);
     for (const auto& [id, offers] : usbOffers(cameras, kept)) {
-        // libcamera and the kernel share no identifier. If both list equally many cameras of one
-        // model, they are the same cameras; else they cannot be matched.
+        // libcamera and the kernel share no identifier. If both list the same number of cameras of
+        // a model, they are the same cameras; otherwise they cannot be matched.
         if (offers.byPath.size() != offers.byLibcamera.size()) {
             continue;
         }

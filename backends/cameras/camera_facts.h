@@ -16,9 +16,9 @@ struct CameraFacts {
     std::string provider;
     /// The display name, one line of valid UTF-8 (see `shownText`).
     std::string name;
-    /// Unchanged after the camera was unplugged and plugged in again at the same place.
+    /// Stays the same when the camera is unplugged and plugged into the same port again.
     std::string identity;
-    /// Differs between all listed cameras, and changes when a camera comes back.
+    /// Unique among the listed cameras; changes when a camera returns.
     std::string instance;
     /// The kernel's device file, such as "/dev/video0".
     std::string devicePath;
@@ -31,19 +31,20 @@ struct CameraFacts {
 };
 
 /// The indices of the cameras to offer, sorted by provider (PipeWire, libcamera, v4l2, others),
-/// else in the given order. A camera that several providers offer is kept once, from the first of
-/// these providers. Cameras that are not known to be the same are all kept, also with equal names.
+/// otherwise in the given order. A camera that several providers offer is kept once, from the first
+/// of these providers. Cameras that are not known to be the same are all kept, even if their names
+/// are equal.
 std::vector<std::size_t> offeredOnce(const std::vector<CameraFacts>& cameras);
 
 /// The index of the camera that was `lost`, or `npos`. `others` are the instances that were listed
-/// beside it: none of them is the lost one. Of two candidates that cannot be told apart, neither is
-/// taken.
+/// together with it, so none of them is the lost one. If two candidates cannot be distinguished,
+/// neither is taken.
 std::size_t findAgain(const CameraFacts& lost, const std::vector<std::string>& others,
                       const std::vector<CameraFacts>& cameras);
 
 inline constexpr std::size_t npos = static_cast<std::size_t>(-1);
 
-/// The vendor and product at the end of the libcamera name of a USB camera; empty for others.
+/// The vendor and product at the end of a USB camera's libcamera name; empty for other cameras.
 std::string usbIdOfLibcamera(const std::string& libcameraId);
 
 } // namespace vistrane

@@ -12,7 +12,7 @@ namespace {
 
 using Kind = CameraMode::Kind;
 
-/// A range beyond this belongs to a source that can produce any size.
+/// A range beyond this means that the source can produce any size.
 constexpr int largestSide = 16384;
 constexpr double smoothRate = 24.0;
 constexpr std::pair<int, int> usualRate{30, 1};
@@ -57,7 +57,7 @@ std::optional<Kind> kindOf(const GstStructure* structure) {
     return std::nullopt;
 }
 
-/// The largest of the offered lengths; `usual` where any length is offered.
+/// The largest of the offered lengths; `usual` if any length is offered.
 int largestLength(const GValue* value, int usual) {
     if (value == nullptr) {
         return 0;
@@ -81,7 +81,7 @@ std::pair<int, int> fractionOf(const GValue* value) {
     return {gst_value_get_fraction_numerator(value), gst_value_get_fraction_denominator(value)};
 }
 
-/// The highest of the offered rates. From a range, the usual rate if it lies inside, because more
+/// The highest of the offered rates. Of a range, the usual rate if it lies inside, because more
 /// pictures only cost power.
 std::pair<int, int> bestRate(const GValue* value) {
     if (value == nullptr) {
@@ -126,7 +126,7 @@ CameraMode modeOf(const GstStructure* structure, Kind kind) {
     return mode;
 }
 
-/// Pictures in memory that only a graphics processor reads are of no use here.
+/// Skips pictures in memory that only a graphics processor can read.
 bool isInPlainMemory(const GstCaps* caps, guint index) {
     const GstCapsFeatures* features = gst_caps_get_features(caps, index);
     return features == nullptr ||

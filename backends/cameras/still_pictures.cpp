@@ -9,7 +9,7 @@ namespace vistrane {
 
 namespace {
 
-/// Maps a picture's memory as long as it lives.
+/// Maps a picture's memory while it exists.
 class MappedFrame {
 public:
     MappedFrame(const GstVideoInfo& info, GstBuffer* buffer, GstMapFlags flags)
@@ -35,7 +35,7 @@ struct BufferRelease {
 };
 using BufferPointer = std::unique_ptr<GstBuffer, BufferRelease>;
 
-/// A view of `pixels` as a buffer of RGB rows without gaps, whose size `info` states.
+/// Wraps `pixels` as a buffer of contiguous RGB rows, of the size in `info`.
 BufferPointer tightBuffer(const GstVideoInfo& info, ByteArray& pixels) {
     BufferPointer buffer(gst_buffer_new_wrapped_full(static_cast<GstMemoryFlags>(0), pixels.data(),
                                                      pixels.length(), 0, pixels.length(), nullptr,

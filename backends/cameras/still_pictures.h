@@ -7,9 +7,9 @@
 
 namespace vistrane {
 
-/// Converts the sample's picture to 8-bit full-range RGB, with its own primaries and transfer
-/// curve. Null when the picture cannot be read, is larger than `PictureLimits` allows, or there is
-/// no memory for it.
+/// Converts the sample's picture to 8-bit full-range RGB, keeping its primaries and transfer curve.
+/// Null if the picture cannot be read, is larger than `PictureLimits` allows, or does not fit in
+/// memory.
 std::shared_ptr<const PictureSource> stillPicture(GstSample* sample);
 
 } // namespace vistrane

@@ -40,7 +40,7 @@ bool isUsable(const AVCodec& codec) {
            (codec.capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0;
 }
 
-/// The encoders to try, the best first. Some need certain hardware and fail when they are opened.
+/// The encoders to try, the best first. Some need certain hardware; without it, opening them fails.
 std::vector<const AVCodec*> findEncoders() {
     std::vector<const AVCodec*> encoders;
     const AVCodec* const best = avcodec_find_encoder_by_name("libx264");
@@ -81,8 +81,8 @@ void describePictures(AVCodecContext& context, int width, int height, std::int32
     context.chroma_sample_location = AVCHROMA_LOC_LEFT;
 }
 
-/// libx264's preset veryfast with a coarser motion search. The time that this saves goes into what
-/// gains more when most pictures are alike, as those of a still camera are:
+/// libx264's preset veryfast with a coarser motion search. The time that this saves is spent on
+/// settings that gain more if most pictures are alike, like those of a stationary camera:
 /// - three reference pictures and a longer look-ahead;
 /// - more bits for the pictures that others refer to;
 /// - a lower quantiser for chroma, as the slower presets have;
@@ -99,8 +99,8 @@ void describePictures(AVCodecContext& context, int width, int height, std::int32
 ///     these with 5 B-pictures, 2 refs                22     7.11 MB  0.9549   4.2 s
 ///     these with 2 refs                              22     7.50 MB  0.9560   4.0 s
 ///
-/// Adaptive quantisation by variance, a look-ahead of 40 and other partitions gain less than they
-/// cost.
+/// Variance-based adaptive quantisation, a look-ahead of 40 and other partitions gain less than
+/// they cost.
 void chooseOwnSettings(AVDictionary** settings) {
     av_dict_set(settings, "preset", "veryfast", 0);
     av_dict_set(settings, "x264-params",
@@ -109,7 +109,7 @@ void chooseOwnSettings(AVDictionary** settings) {
                 0);
 }
 
-/// For encoders without constant quality: a fifth of a bit a pixel.
+/// For encoders without constant quality: a fifth of a bit per pixel.
 std::int64_t ampleBitRate(int width, int height, std::int32_t timescale) {
     constexpr std::int64_t limit = 400'000'000;
     return std::min(std::int64_t{width} * height * std::min(timescale, 60) / 5, limit);
@@ -127,7 +127,7 @@ void forEachUnit(const std::uint8_t* bytes, std::size_t count, const Take& take)
         const std::uint8_t* const first = at + 3;
         at = startCode(first);
         const std::uint8_t* last = at;
-        while (last != first && last[-1] == 0) { // trailing zero bytes belong to no unit
+        while (last != first && last[-1] == 0) { // trailing zero bytes are not part of the unit
             --last;
         }
         if (last != first) {
@@ -142,7 +142,7 @@ void appendBigEndian(std::vector<std::uint8_t>& bytes, std::size_t value, int wi
     }
 }
 
-/// Profiles whose configuration record has the chroma format and the bit depths as well.
+/// Profiles whose configuration record also has the chroma format and the bit depths.
 bool isHighProfile(unsigned profile) {
     return profile == 100 || profile == 110 || profile == 122 || profile == 144;
 }
@@ -229,10 +229,10 @@ std::optional<NSError> H264Encoder::openWith(const AVCodec& codec, int width, in
         return encodingError(AVERROR(ENOMEM));
     }
     describePictures(*context, width, height, timescale);
-    // The library's messages are for developers; the results tell what has failed.
+    // The library's messages are for developers. Its results say what has failed.
     context->log_level_offset = AV_LOG_TRACE;
     context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    context->thread_count = 0; // as many as the encoder thinks best
+    context->thread_count = 0; // the encoder chooses
 
     AVDictionary* settings = nullptr;
     if (std::string_view(codec.name) == "libx264") {
@@ -316,8 +316,7 @@ void H264Encoder::takeParameterSets(const std::uint8_t* bytes, std::size_t count
     });
 }
 
-/// Replaces start codes by lengths. Parameter sets belong in the configuration record, and are left
-/// out here.
+/// Replaces start codes by lengths. Omits parameter sets, which belong in the configuration record.
 void H264Encoder::repackage() {
     const std::uint8_t* bytes = packet_->data;
     const auto count = static_cast<std::size_t>(packet_->size);

@@ -18,7 +18,7 @@ struct AVPacket;
 
 namespace vistrane {
 
-/// Frees what libavutil and libavcodec have allocated.
+/// Frees objects of libavutil and libavcodec.
 struct LibavDeleter {
     void operator()(AVCodecContext* context) const;
     void operator()(AVFrame* frame) const;
@@ -27,7 +27,7 @@ struct LibavDeleter {
 template <typename Object>
 using LibavPointer = std::unique_ptr<Object, LibavDeleter>;
 
-/// A frame whose planes are reference-counted, so that the encoder can keep them without a copy.
+/// A frame with reference-counted planes, so that the encoder can keep them without a copy.
 class LibavFrame final : public VideoFrame {
 public:
     explicit LibavFrame(LibavPointer<AVFrame> frame) : frame_(std::move(frame)) {}
@@ -41,11 +41,11 @@ private:
     LibavPointer<AVFrame> frame_;
 };
 
-/// The encoder by libavcodec: libx264 where it is there, else the first H.264 encoder that can be
+/// The encoder, on libavcodec: libx264 if available, otherwise the first H.264 encoder that can be
 /// opened.
 class H264Encoder final : public VideoEncoder {
 public:
-    /// Why there is none; nothing when there is one.
+    /// Why no encoder is available; nothing if one is.
     static std::optional<NSError> availability();
 
     explicit H264Encoder(MovieOptions options) : options_(std::move(options)) {}

@@ -46,9 +46,9 @@ std::string nameHash(const std::string& name) {
     return text;
 }
 
-/// The hidden name depends on the movie's name only, so that it reserves that name. A long name is
-/// shortened, in UTF-8 between two characters: the hidden name is longer than the movie's, and some
-/// file systems allow far less than 255 bytes.
+/// The hidden name depends only on the movie's name, so it reserves that name. A long name is
+/// shortened, at a UTF-8 character boundary, because the hidden name adds bytes and some file
+/// systems allow far fewer than 255.
 std::string hiddenNameFor(const std::string& name) {
     constexpr std::size_t longest = 100;
     constexpr std::size_t kept = 64;
@@ -81,7 +81,7 @@ bool isSameFile(int folder, const std::string& name, int file) {
            named.st_ino == opened.st_ino;
 }
 
-/// Removes a hidden file that no process has locked: a lock ends with its process.
+/// Removes a hidden file that no process has locked. A lock ends with its process.
 void removeIfLeftover(int folder, const std::string& name) {
     const Descriptor file(
         ::openat(folder, name.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY));
@@ -109,11 +109,11 @@ void removeLeftovers(int folder) {
 
 struct Reservation {
     Descriptor file;
-    int error = 0; // the error number when there is no file
+    int error = 0; // the error number if there is no file
 };
 
-/// Creates and locks the hidden file. In between another process may take the file for a leftover
-/// and remove it: EAGAIN then.
+/// Creates and locks the hidden file. Between these steps another process may take the file for a
+/// leftover and remove it; the result is then EAGAIN.
 Reservation reserveOnce(int folder, const std::string& hiddenName) {
     Descriptor file(::openat(folder, hiddenName.c_str(),
                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
@@ -183,7 +183,7 @@ MovieFileResult MovieFile::create(const std::string& path) {
     }
     std::unique_ptr<MovieFile> file(new MovieFile(
         path, std::move(folder), std::move(reservation.file), hiddenName, parts.name));
-    // Another writer may have finished a movie of that name since the first look.
+    // Another writer may have finished a movie of that name since the first check.
     if (isNameTaken(file->folder_.number(), file->name_)) {
         return {nullptr, nameTakenError(path)};
     }
@@ -220,7 +220,7 @@ std::optional<NSError> MovieFile::publish() {
     if (auto error = rename()) {
         return error;
     }
-    // The movie is complete either way: some file systems refuse this for folders.
+    // Ignores failures: the movie is complete, and some file systems cannot flush folders.
     syncToDisk(folder_.number());
     return std::nullopt;
 }

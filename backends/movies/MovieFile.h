@@ -16,33 +16,33 @@ struct MovieFileResult;
 
 /// The file of an unfinished movie.
 ///
-/// It is a hidden file beside its later name, and is renamed in one step when it is complete, so
-/// that under the name there is a complete movie or nothing. The hidden file is locked: the lock
-/// reserves the name against every other writer, and an unlocked file is the leftover of a process
-/// that died. The destructor removes an unpublished file. One thread, except for `discard`.
+/// A hidden file in the movie's folder, renamed atomically when it is complete, so that the final
+/// name never refers to an incomplete movie. The lock on the hidden file reserves the name against
+/// other writers; an unlocked file is the leftover of a process that died. The destructor removes
+/// an unpublished file. One thread, except for `discard`.
 class MovieFile {
 public:
-    /// Reserves the name. Fails when anything of that name exists, when another writer has reserved
-    /// it, and when the folder is missing or cannot be written. Removes leftovers from the folder.
+    /// Reserves the name. Fails if anything of that name exists, if another writer has reserved it,
+    /// or if the folder is missing or not writable. Removes leftovers from the folder.
     static MovieFileResult create(const std::string& path);
 
     ~MovieFile();
     MovieFile(const MovieFile&) = delete;
     MovieFile& operator=(const MovieFile&) = delete;
 
-    /// Bytes written so far: the offset of the next `write`.
+    /// The number of bytes written so far, which is the offset of the next `write`.
     std::uint64_t size() const { return size_; }
 
     std::optional<NSError> write(const void* bytes, std::size_t count);
 
-    /// Overwrites bytes that have been written.
+    /// Overwrites bytes that were written before.
     std::optional<NSError> writeAt(std::uint64_t offset, const void* bytes, std::size_t count);
 
-    /// Brings the complete file to the disk and renames it to the movie's name.
+    /// Flushes the complete file to the disk and renames it to the movie's name.
     std::optional<NSError> publish();
 
-    /// Removes the hidden file at once: it is never published. Does nothing once it has been. Any
-    /// thread.
+    /// Removes the hidden file immediately, so that it is never published. Does nothing after
+    /// publishing. Any thread.
     void discard();
 
 private:
@@ -66,7 +66,7 @@ private:
     Place place_ = Place::hidden;
 };
 
-/// A file, or why there is none.
+/// A file, or the reason why there is none.
 struct MovieFileResult {
     std::unique_ptr<MovieFile> file;
     std::optional<NSError> error;

@@ -7,7 +7,7 @@ namespace vistrane {
 
 namespace {
 
-/// Appends big-endian numbers and boxes, whose sizes are filled in when they end.
+/// Appends big-endian numbers and boxes. Fills in the size of a box at its end.
 class BoxWriter {
 public:
     void u8(unsigned value) { bytes_.push_back(static_cast<std::uint8_t>(value)); }
@@ -53,7 +53,7 @@ private:
     std::vector<std::uint8_t> bytes_;
 };
 
-/// Consecutive samples with the same value: an entry of a time table.
+/// An entry of a time table: consecutive samples with the same value.
 struct Run {
     std::uint32_t count;
     std::int64_t value;
@@ -272,7 +272,7 @@ private:
         const auto isLess = [](const Run& a, const Run& b) { return a.value < b.value; };
         const auto [least, greatest] = std::minmax_element(offsets.begin(), offsets.end(), isLess);
         out_.versionAndFlags(0, 0);
-        out_.i32(-least->value); // shift after which no picture is presented before its decoding
+        out_.i32(-least->value); // shift after which no picture is presented before it is decoded
         out_.i32(least->value);
         out_.i32(greatest->value);
         out_.i32(0);

@@ -13,7 +13,8 @@ namespace vistrane {
 
 namespace {
 
-/// Pictures that wait for the encoder: enough to keep it busy, few enough to keep memory flat.
+/// The longest queue of pictures for the encoder: enough to keep it busy, few enough to bound
+/// memory.
 constexpr std::size_t queueLimit = 3;
 constexpr auto roomTimeout = std::chrono::milliseconds(100);
 
@@ -21,7 +22,7 @@ int evenUp(std::size_t side) {
     return static_cast<int>(side + side % 2);
 }
 
-/// Threads that `work` starts inherit the low priority; the waiting thread keeps its own.
+/// Threads that `work` starts inherit the low priority. The waiting thread keeps its own.
 void runAtLowPriority(const std::function<void()>& work) {
     std::thread thread = startThread([&work] {
         giveWayToOtherThreads();
@@ -46,8 +47,8 @@ bool MovieJob::start() {
         const std::lock_guard lock(mutex_);
         isStarted_ = true;
     }
-    // A thread of `startDetachedThread` gets no signal: they are the main thread's business. A file
-    // size limit, whose signal goes to the thread that writes, so becomes an error number.
+    // `startDetachedThread` blocks all signals, so exceeding the file size limit, whose signal goes
+    // to the writing thread, becomes an error number.
     if (startDetachedThread([self = shared_from_this()] { self->run(); })) {
         return true;
     }
@@ -173,7 +174,7 @@ void MovieJob::run() {
     conclude();
 }
 
-/// Nothing when all pictures are encoded, or the job was cancelled.
+/// Nothing if all pictures are encoded or the job was cancelled.
 std::optional<MovieJob::Item> MovieJob::next() {
     std::optional<Item> item;
     {
@@ -237,7 +238,7 @@ void MovieJob::recycle(std::unique_ptr<VideoFrame> frame) {
     }
 }
 
-/// Ends the job, whatever the outcome. Only the first call counts.
+/// Ends the job with its outcome. Only the first call counts.
 void MovieJob::conclude() {
     std::optional<NSError> error;
     {

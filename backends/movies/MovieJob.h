@@ -19,7 +19,7 @@
 
 namespace vistrane {
 
-/// Size and timescale of the track, known with the first pictures.
+/// Size and timescale of the track. Known after the first pictures.
 struct TrackShape {
     /// In pixels, each at least 1.
     std::size_t width = 0;
@@ -31,9 +31,9 @@ struct TrackShape {
 /// Makes one movie file: a short queue of converted pictures, and a thread that encodes them,
 /// writes the file and reports the outcome.
 ///
-/// The thread keeps the job alive until it has ended, and is never joined: the process may end at
-/// any moment. What is left then is a hidden file, which the next movie in that folder removes.
-/// Any thread, unless a method says otherwise.
+/// The thread keeps the job alive until it ends. It is never joined, because the process may end at
+/// any moment; that leaves a hidden file, which the next movie in that folder removes. Any thread,
+/// unless a method says otherwise.
 class MovieJob : public std::enable_shared_from_this<MovieJob> {
 public:
     MovieJob(std::string path, std::unique_ptr<MovieFile> file, const EncoderModule& module,
@@ -41,35 +41,37 @@ public:
     MovieJob(const MovieJob&) = delete;
     MovieJob& operator=(const MovieJob&) = delete;
 
-    /// Starts the thread. False when the system grants none: the job has failed then.
+    /// Starts the thread. Returns false if the system refuses one; the job has then failed.
     bool start();
 
-    /// Before the first `push`.
+    /// Call before the first `push`.
     void setShape(const TrackShape& shape);
 
-    /// A frame to fill and push, of the shape's size rounded up to even. Null without memory.
+    /// A frame to fill and push, of the shape's size rounded up to even. Null if there is not
+    /// enough memory.
     std::unique_ptr<VideoFrame> takeFrame(int width, int height);
 
-    /// Waits for room in the queue, for a tenth of a second at most. Whether there is some; true
-    /// also for a job that has failed or was cancelled, where a push is refused.
+    /// Waits for room in the queue for up to 0.1 s. Returns whether there is room; also true if the
+    /// job has failed or was cancelled, since `push` then refuses at once.
     bool waitForRoom();
 
-    /// Queues a picture, and waits for room. Ticks rise. An error when the job takes no pictures.
+    /// Waits for room and queues a picture. Ticks must increase. Returns an error if the job takes
+    /// no pictures.
     std::optional<NSError> push(std::unique_ptr<VideoFrame> frame, std::int64_t ticks);
 
-    /// The first failure is kept.
+    /// Only the first failure is kept.
     void fail(NSError reason);
     std::optional<NSError> failure() const;
 
-    /// The writer's `error` as long as nothing has failed.
+    /// The writer's `error`, unless something has failed.
     void setLastRefusal(const NSError& reason);
     std::optional<NSError> lastError() const;
 
-    /// No picture follows. Returns at once; later calls `handler`, then the observer, then the
-    /// callbacks of `MovieJobs`. A second call does nothing.
+    /// Call after the last picture. Returns immediately; later calls `handler`, then the observer,
+    /// then the callbacks of `MovieJobs`. A second call does nothing.
     void finish(std::function<void()> handler);
 
-    /// Cancels the movie: stops the work and removes the hidden file at once.
+    /// Cancels the movie: stops the work and removes the hidden file immediately.
     void abandon();
 
     MovieJobs& jobs() { return *jobs_; }
@@ -80,7 +82,7 @@ private:
         std::int64_t ticks = 0;
     };
 
-    // On the thread, in the order of the calls.
+    // Called on the job's thread, in this order.
     void run();
     std::optional<Item> next();
     std::optional<NSError> encode(Item& item);
@@ -116,7 +118,7 @@ private:
     std::optional<NSError> outcome_;
     bool hasEndedEarly_ = false; // concluded before `finish`
 
-    // The thread's own.
+    // Used by the job's thread only.
     std::unique_ptr<VideoEncoder> encoder_;
     MovieTrack track_;
 };

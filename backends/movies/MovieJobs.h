@@ -17,7 +17,7 @@ class MovieJob;
 
 /// Registry of the active jobs; dispatches their completion callbacks. Any thread.
 ///
-/// The jobs' threads share it, so it may outlive the `Movies` that made it. After `close` it calls
+/// Shared by the jobs' threads, so it may outlive the `Movies` that made it. After `close` it calls
 /// neither the observer nor any callback.
 class MovieJobs {
 public:
@@ -27,10 +27,10 @@ public:
     MovieJobs(const MovieJobs&) = delete;
     MovieJobs& operator=(const MovieJobs&) = delete;
 
-    /// Held while a movie is being created, so that `abandonAll` misses none.
+    /// Lock this while creating a movie, so that `abandonAll` misses none.
     std::unique_lock<std::mutex> lockCreation() { return std::unique_lock(creation_); }
 
-    /// `abandonAll` was called: no movie may begin. Requires the creation lock.
+    /// Whether `abandonAll` was called, so that no movie may begin. Requires the creation lock.
     bool isEnded() const;
 
     void add(const std::string& path, const std::shared_ptr<MovieJob>& job);
@@ -38,13 +38,13 @@ public:
     /// See `Movies::whenFinished`.
     bool whenFinished(const std::string& path, Finished callback);
 
-    /// Removes the job, which has ended, and calls its callbacks with the outcome.
+    /// Removes an ended job and calls its callbacks with the outcome.
     void ended(const MovieJob& job, const std::optional<NSError>& error);
 
     /// See `Movies::abandonAll`.
     void abandonAll();
 
-    /// Waits for calls in progress; none is made afterwards.
+    /// Waits for calls in progress. No call begins afterwards.
     void close();
 
     /// Calls `call` with the observer, unless closed.

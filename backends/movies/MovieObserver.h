@@ -7,15 +7,16 @@
 namespace vistrane {
 
 /// Receives outcomes and reasons that the kit does not report to the program, for a front end to
-/// show. Called on any thread; returns soon and throws nothing. Outlives every movie object.
+/// show. Called on any thread; must return quickly and not throw. Outlives every movie object.
 class MovieObserver {
 public:
-    /// An append was accepted or refused. Called on the thread that appends, before it returns.
+    /// An append was accepted or refused. Called on the appending thread, before the append
+    /// returns.
     virtual void pictureWasAppended() {}
     virtual void pictureWasRefused(const NSError& reason) { (void)reason; }
 
-    /// The outcome of a movie whose finishing was requested: the whole file is at `path`, or there
-    /// is no file.
+    /// The outcome of a movie after `finishWriting...`: the complete file is at `path`, or there is
+    /// no file.
     virtual void movieIsWhole(const std::string& path) { (void)path; }
     virtual void movieFailed(const std::string& path, const NSError& reason) {
         (void)path, (void)reason;

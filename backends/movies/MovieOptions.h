@@ -4,14 +4,14 @@
 
 namespace vistrane {
 
-/// How movies are compressed. The defaults reach the quality and size of libx264's own (preset
-/// medium, constant rate factor 23) in a third of the time: see `H264Encoder.cpp`.
+/// How movies are compressed. The defaults reach the quality and size of libx264's defaults (preset
+/// medium, constant rate factor 23) in a third of the time, see `H264Encoder.cpp`.
 struct MovieOptions {
     /// One of libx264's presets; empty for this program's own settings.
     std::string preset;
-    /// 0 to 51. Lower is better and larger.
+    /// Constant rate factor, 0 to 51. A lower value means better quality and a larger file.
     double constantRateFactor = 21.75;
-    /// The encoder's threads run at low priority, so that the program's other threads go first.
+    /// Runs the encoder's threads at low priority, so that the program's other threads go first.
     bool isLowPriority = false;
 };
 

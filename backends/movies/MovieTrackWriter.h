@@ -15,27 +15,27 @@
 namespace vistrane {
 
 /// The appending side of a track: checks each picture and its time, converts it to the track's size
-/// and colour space and queues it in the job. The writer's thread only.
+/// and colour space, and queues it in the job. The writer's thread only.
 class MovieTrackWriter {
 public:
     /// A track without a size (either side is 0 or less) takes that of its first picture.
     MovieTrackWriter(std::shared_ptr<MovieJob> job, std::int64_t width, std::int64_t height);
 
-    /// Why a track cannot have that size; nothing when it can.
+    /// Why a track cannot have that size; nothing if it can.
     static std::optional<NSError> sizeError(std::int64_t width, std::int64_t height);
 
-    /// Writing has started.
+    /// Call when writing has started.
     void begin() { isBegun_ = true; }
     bool isBegun() const { return isBegun_; }
     void startSession(CMTime time) { clock_.startSession(time); }
 
-    /// Why the picture is refused; nothing when it is taken. Reports either to the observer.
+    /// Why the picture is refused; nothing if it is accepted. Reports either to the observer.
     std::optional<NSError> append(CVPixelBufferRef buffer, CMTime time);
 
-    /// May wait for room, for a tenth of a second at most.
+    /// May wait for room for up to 0.1 s.
     bool isReady();
 
-    /// No picture follows.
+    /// Call after the last picture.
     void end() { isEnded_ = true; }
 
     /// Queues the held frame, and asks the job to finish.
@@ -53,7 +53,7 @@ private:
     std::int64_t height_;
     std::optional<PictureFitter> fitter_; // once the size is known
     TrackClock clock_;
-    /// The frame at time zero, until a later time decides the timescale.
+    /// The frame at time zero, held until a later time determines the timescale.
     std::unique_ptr<VideoFrame> heldFrame_;
     bool isShapeSet_ = false;
     bool isBegun_ = false;

@@ -42,7 +42,7 @@ MovieInput::MovieInput(AVMediaType mediaType, const NSDictionary& outputSettings
       height_(numberFor(outputSettings, AVVideoHeightKey)) {}
 
 bool MovieInput::isReadyForMoreMediaData() {
-    // Without a track every append is refused; there is nothing to wait for.
+    // Without a track every append is refused, so there is nothing to wait for.
     return !track_ || track_->isReady();
 }
 

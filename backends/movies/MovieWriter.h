@@ -12,7 +12,7 @@
 
 namespace vistrane {
 
-/// A video track, which takes pictures once it is added to a `MovieWriter` that has started.
+/// A video track. It accepts pictures once it is added to a `MovieWriter` that has started.
 class MovieInput final : public AVAssetWriterInput {
 public:
     MovieInput(AVMediaType mediaType, const NSDictionary& outputSettings);
@@ -22,7 +22,7 @@ public:
     bool isReadyForMoreMediaData() override;
     void markAsFinished() override;
 
-    /// Makes the track. Why it cannot be made; nothing when it can.
+    /// Creates the track. Returns the reason if that fails.
     std::optional<NSError> attach(std::shared_ptr<MovieJob> job);
 
     /// Null before `attach`.

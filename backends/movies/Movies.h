@@ -16,16 +16,15 @@ class MovieJobs;
 
 /// The movie half of the AVFoundation kit: H.264 in QuickTime files. Any thread.
 ///
-/// Pixel buffers are those of `MediaCoreVideo`. An unfinished movie is a hidden file beside its
-/// later name (".<name>.vistrane-part"). It is removed when the movie is cancelled or fails; after
-/// a crash, the next writer in that folder removes it.
+/// Pixel buffers are those of `MediaCoreVideo`. An unfinished movie is a hidden file in the movie's
+/// folder (".<name>.vistrane-part"). It is removed if the movie is cancelled or fails; after a
+/// crash, the next writer in that folder removes it.
 ///
-/// The destructor cancels every unfinished movie. It waits for calls of handlers and of the
-/// observer that are in progress, and for nothing else; none is made afterwards. It must not run
-/// within one.
+/// The destructor cancels every unfinished movie. It waits only for calls of handlers and of the
+/// observer that are in progress; no call begins afterwards. It must not run within one.
 class Movies {
 public:
-    /// Receives nothing for a complete movie, else the reason.
+    /// Its argument is nothing for a complete movie, otherwise the reason.
     using Finished = std::function<void(std::optional<NSError>)>;
 
     explicit Movies(MovieObserver& observer, MovieOptions options = {});
@@ -33,27 +32,28 @@ public:
     Movies(const Movies&) = delete;
     Movies& operator=(const Movies&) = delete;
 
-    /// Loads the encoder module with the first call. Fails when anything of that name exists or is
-    /// being written, when the folder is missing or cannot be written, and without H.264 encoder.
+    /// The first call loads the encoder module. Fails if anything of that name exists or is being
+    /// written, if the folder is missing or not writable, or if there is no H.264 encoder.
     AVAssetWriterResult assetWriterWithURL(const NSURL& url, AVFileType fileType);
 
-    /// The settings' width and height are the track's exact size, also when they are odd. A track
-    /// of size zero takes the size of the first picture that can be appended.
+    /// The settings' width and height are the track's exact size, even if they are odd. A track of
+    /// size zero takes the size of the first picture that can be appended.
     std::shared_ptr<AVAssetWriterInput>
     assetWriterInputWithMediaType(AVMediaType mediaType, const NSDictionary& outputSettings);
 
-    /// The attributes are ignored: they describe the pool's buffers, and the pool has none.
+    /// The attributes are ignored: they describe the buffers of the pool, which has none.
     std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor>
     assetWriterInputPixelBufferAdaptorWithAssetWriterInput(
         std::shared_ptr<AVAssetWriterInput> input, const NSDictionary& attributes);
 
     /// Calls `callback` once, on any thread and after the observer, when the movie that is being
-    /// written at `path` is complete or has failed. False, without a call, when none is being
-    /// written there.
+    /// written at `path` is complete or has failed. Returns false, and never calls it, if no movie
+    /// is being written there.
     bool whenFinished(const std::string& path, Finished callback);
 
-    /// Cancels every unfinished movie, for a process that is about to end: their hidden files are
-    /// removed, they are never published, and no new writer is made. Waits for no encoding thread.
+    /// Cancels every unfinished movie, for a process that is about to end: removes their hidden
+    /// files, so that they are never published, and refuses new writers. Does not wait for encoding
+    /// threads.
     void abandonAll();
 
 private:

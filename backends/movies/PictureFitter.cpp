@@ -6,7 +6,7 @@ namespace vistrane {
 
 namespace {
 
-/// a * b / c, rounded; the sizes of pictures stay far below the overflow.
+/// a * b / c, rounded. Picture sizes are far too small to overflow.
 std::size_t proportion(std::size_t a, std::size_t b, std::size_t c) {
     const std::uint64_t doubled = 2 * static_cast<std::uint64_t>(a) * b;
     return static_cast<std::size_t>((doubled + c) / (2 * static_cast<std::uint64_t>(c)));

@@ -10,7 +10,7 @@
 
 namespace vistrane {
 
-/// Where a picture lies inside a frame of another size.
+/// The area of a picture inside a frame of another size.
 struct FittedArea {
     std::size_t x = 0;
     std::size_t y = 0;
@@ -19,19 +19,19 @@ struct FittedArea {
     bool operator==(const FittedArea&) const = default;
 };
 
-/// The largest area of the picture's aspect ratio in the middle of the frame, at least one pixel
-/// in either direction. All sizes are at least 1.
+/// The largest centred area with the picture's aspect ratio, at least one pixel in each direction.
+/// All sizes are at least 1.
 FittedArea fittedArea(std::size_t width, std::size_t height, std::size_t frameWidth,
                       std::size_t frameHeight);
 
 /// Scales pictures of any size to one size: aspect kept, centred on black, with the Catmull-Rom
-/// cubic over the picture's values as they are (see `resampling.h`). One thread.
+/// cubic on the sRGB values (see `resampling.h`). One thread.
 class PictureFitter {
 public:
     PictureFitter(std::size_t frameWidth, std::size_t frameHeight)
         : frameWidth_(frameWidth), frameHeight_(frameHeight) {}
 
-    /// Returns the picture itself when it has the size already; else one that is valid until the
+    /// Returns the picture itself if it already has the size, otherwise one that is valid until the
     /// next call. Neither side of the picture is 0.
     PictureView fit(const PictureView& picture);
 
@@ -41,12 +41,12 @@ private:
     std::size_t frameWidth_;
     std::size_t frameHeight_;
 
-    // For the size of the last picture: neighbouring frames mostly have the same.
+    // For the size of the last picture, because consecutive frames usually have the same size.
     std::size_t width_ = 0;
     std::size_t height_ = 0;
     FittedArea area_;
     std::optional<RowResampler> resampler_;
-    std::vector<std::uint8_t> frame_; // black around the area
+    std::vector<std::uint8_t> frame_; // black outside the area
 };
 
 } // namespace vistrane

@@ -8,12 +8,12 @@ namespace vistrane {
 
 namespace {
 
-/// The time in ticks of `timescale`; nothing when it is between two ticks or too large.
+/// The time in ticks of `timescale`; nothing if it is between two ticks or too large.
 std::optional<std::int64_t> exactTicks(CMTime time, std::int32_t timescale) {
     const std::int32_t common = std::gcd(time.timescale, timescale);
     const std::int64_t divisor = time.timescale / common;
     const std::int64_t factor = timescale / common;
-    if (divisor < 1 || factor < 1) { // never with valid times; for the analyser
+    if (divisor < 1 || factor < 1) { // never true for valid times; for the static analyser
         return std::nullopt;
     }
     if (time.value % divisor != 0) {

@@ -10,9 +10,9 @@ namespace vistrane {
 
 /// Converts the times of appends to ticks of the track. One thread.
 ///
-/// The first time other than zero decides the track's timescale (zero fits every timescale). A
-/// movie whose only taken time is zero has the timescale of the refused pictures, else that of the
-/// zero itself, or 25 where that is 1, as in `kCMTimeZero`: no time tells the rate then.
+/// The first time other than zero determines the track's timescale (zero fits every timescale). If
+/// zero is the only accepted time, no time tells the frame rate: the timescale is then that of the
+/// refused pictures, otherwise that of the zero, or 25 if that is 1, as in `kCMTimeZero`.
 class TrackClock {
 public:
     /// `ticks` since the session's start, or why the time is refused.
@@ -26,16 +26,16 @@ public:
 
     void startSession(CMTime time) { start_ = time; }
 
-    /// Times must rise strictly and be whole ticks. A refused time changes nothing.
+    /// Times must increase strictly and be whole ticks. A refused time changes nothing.
     Reading take(CMTime time);
 
-    /// Notes the timescale of a picture that may be refused, for `finalTimescale`.
+    /// Remembers the timescale of a picture that may be refused, for `finalTimescale`.
     void noteRate(CMTime time);
 
-    /// Nothing as long as no time but zero was taken.
+    /// Nothing until a time other than zero is accepted.
     std::optional<std::int32_t> timescale() const { return timescale_; }
 
-    /// The timescale of a movie that ends here.
+    /// The timescale if the movie ends now.
     std::int32_t finalTimescale() const;
 
 private:

@@ -9,7 +9,8 @@ namespace vistrane {
 
 namespace {
 
-/// The sum of a channel over two rows and three columns weighted 1, 2, 1: eightfold the mean.
+/// The sum of a channel over two rows and three columns with the weights 1, 2, 1: eight times the
+/// mean.
 std::int32_t sumOfEight(const std::uint8_t* top, const std::uint8_t* bottom, std::size_t left,
                         std::size_t middle, std::size_t right) {
     return top[left] + 2 * top[middle] + top[right] + bottom[left] + 2 * bottom[middle] +

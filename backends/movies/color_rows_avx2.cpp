@@ -9,12 +9,12 @@
 
 #include "backends/movies/color_weights.h"
 
-// A pixel is read as two 16-bit numbers, the ignored byte below green and red below blue, so that
-// one multiply-and-add weights red and blue and another one green.
+// A pixel is split into two pairs of 16-bit numbers, (0, green) and (red, blue), the first one low.
+// One multiply-and-add weights red and blue, another one weights green.
 //
-// The weights of chroma fit into signed 16 bits. The weight of green in luma does not: 65536 is
-// subtracted from it, and green is added once more where it lies in the pixel, which is the same as
-// 65536 times green.
+// The weights of chroma fit into signed 16 bits. The weight of green in luma does not, so 65536 is
+// subtracted from it. Adding green in its place in the pixel, which is 65536 times green,
+// compensates.
 
 namespace vistrane {
 
@@ -22,7 +22,7 @@ namespace {
 
 static_assert(lumaWeights.green > INT16_MAX && lumaWeights.green - 65536 >= INT16_MIN);
 
-/// Two 16-bit numbers as they lie in a pixel.
+/// Two 16-bit numbers in the order of a pixel.
 constexpr int pair(std::int32_t low, std::int32_t high) {
     return static_cast<int>(static_cast<std::uint32_t>(high) << 16 |
                             (static_cast<std::uint32_t>(low) & 0xFFFFU));
@@ -36,7 +36,7 @@ constexpr int redRedBlue = pair(redWeights.red, redWeights.blue);
 constexpr int redGreen = pair(0, redWeights.green);
 constexpr int greenPlace = 0x00FF0000;
 
-/// Selections of a shuffle of two vectors of pixels.
+/// Operands of a shuffle of two vectors of pixels.
 constexpr int evenOnes = 0x88;
 constexpr int oddOnes = 0xDD;
 
@@ -67,7 +67,7 @@ constexpr std::size_t step = 32;
 
 [[gnu::target("avx2")]] void convertLuma(const std::uint8_t* pixels, std::size_t width,
                                          std::uint8_t* luma) {
-    // Packing works within each half of a vector; this restores the order of the groups of four.
+    // Packing works within each half of a vector. This restores the order of the groups of four.
     const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
     std::size_t x = 0;
     for (; x + step <= width; x += step) {
@@ -81,7 +81,7 @@ constexpr std::size_t step = 32;
     convertLumaPlainly(pixels + 4 * x, width - x, luma + x);
 }
 
-/// The even or the odd ones of 16 pixels, their pairs in the order 0, 2, 1, 3.
+/// The even or the odd ones of 16 pixels, with their pairs in the order 0, 2, 1, 3.
 template <int selection>
 [[gnu::target("avx2")]] __m256i everySecondOf16(const std::uint8_t* from) {
     return _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(load8(from)),

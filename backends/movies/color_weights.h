@@ -35,7 +35,7 @@ constexpr ChannelWeights lumaWeights{fixedPoint(redShare * lumaScale),
                                      fixedPoint(greenShare* lumaScale),
                                      fixedPoint(blueShare* lumaScale)};
 
-// Each row of weights adds up to 0, so that every grey gives exactly 128.
+// Each row of weights adds up to 0, so every grey gives exactly 128.
 constexpr std::int32_t blueFromRed = fixedPoint(-redShare / 1.8556 * chromaScale);
 constexpr std::int32_t blueFromBlue = fixedPoint((1 - blueShare) / 1.8556 * chromaScale);
 constexpr ChannelWeights blueWeights{blueFromRed, -blueFromRed - blueFromBlue, blueFromBlue};
@@ -46,7 +46,7 @@ constexpr ChannelWeights redWeights{redFromRed, -redFromRed - redFromBlue, redFr
 /// Added to a weighted sum of luma: black's 16, and a half for rounding.
 constexpr std::int32_t lumaOffset = (16 << fractionBits) + (1 << (fractionBits - 1));
 
-/// Chroma is weighted from sums of a total weight of eight.
+/// Chroma is computed from sums with a total weight of eight.
 constexpr int chromaBits = fractionBits + 3;
 constexpr std::int32_t chromaOffset = (128 << chromaBits) + (1 << (chromaBits - 1));
 

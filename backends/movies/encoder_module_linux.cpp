@@ -11,8 +11,7 @@ namespace vistrane {
 
 namespace {
 
-/// Right after the failure: the dynamic linker's message is the thread's last one, and names the
-/// file.
+/// Call right after the failure. Contains the dynamic linker's last message, which names the file.
 NSError loadingError() {
     const char* const reason = ::dlerror();
     return movieError(AVErrorEncoderNotFound,
