@@ -9,7 +9,7 @@
 
 namespace vistrane::bench {
 
-/// The real file system and collation; the rest comes from the simulated platform.
+/// The real file system and collation. Everything else is simulated.
 class RealFiles final : public PosixFoundation {
 public:
     explicit RealFiles(Foundation& sim) : PosixFoundation("0.0.0"), sim_(sim) {}

@@ -7,7 +7,7 @@ namespace vistrane::bench {
 
 namespace {
 
-/// Fast, and the same on every system.
+/// A random number generator: fast, and the same on every system.
 class Random {
 public:
     explicit Random(std::uint64_t seed) : state_(seed * 2 + 1) {}
@@ -19,7 +19,7 @@ public:
 
     int below(int limit) { return static_cast<int>(next() % static_cast<std::uint32_t>(limit)); }
 
-    /// Roughly normal, with a standard deviation of about 3.2.
+    /// Approximately normal, with a standard deviation of about 3.2.
     int sensorNoise() {
         const std::uint32_t bits = next();
         const int sum = static_cast<int>((bits & 7U) + (bits >> 3 & 7U));

@@ -6,7 +6,7 @@
 
 namespace vistrane::bench {
 
-/// A generated picture: pixels of three bytes, rows without gaps.
+/// A generated picture: pixels of three bytes, contiguous rows.
 struct SamplePicture {
     std::string kind;
     std::uint32_t width = 0;
@@ -17,7 +17,7 @@ struct SamplePicture {
 /// noise: a scene with sensor noise. gradient: smooth. screen: windows with text. flat: one colour.
 inline const std::vector<std::string> sampleKinds = {"noise", "gradient", "screen", "flat"};
 
-/// The same picture in every run. `frame` moves its content, as from frame to frame of a movie.
+/// The same picture in every run. `frame` moves its content, like between the frames of a movie.
 SamplePicture samplePicture(const std::string& kind, std::uint32_t width, std::uint32_t height,
                             unsigned frame = 0);
 

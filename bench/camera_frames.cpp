@@ -39,7 +39,7 @@ private:
     std::uint64_t state_;
 };
 
-/// Smooth noise of several octaves, 0 to 1, that repeats after `side` in both directions.
+/// Smooth noise of several octaves, from 0 to 1, with the period `side` in both directions.
 class Texture {
 public:
     Texture(std::size_t octaves, double decay, std::uint64_t seed) : values_(side * side) {
@@ -121,7 +121,7 @@ public:
         if (const auto passer = passerBy(x, y, time)) {
             return *passer;
         }
-        // The wind comes in gusts: it sways grass and leaves, and turns leaves over.
+        // Gusts of wind sway grass and turn leaves over.
         const float wind = clouds_.at(400 * x + 37 * time, 400 * y + 11 * time) - 0.5F;
         const double sway = 12 * static_cast<double>(wind) * (y - horizon + 0.05);
         const float ground = contrast(ground_.at(1000 * x + sway, 1000 * y), 3);
@@ -170,8 +170,8 @@ private:
     Texture leaves_{9, 1.25, 3};
 };
 
-/// Adds what a sensor adds: more of it in the light than in the dark, and the same for two
-/// neighbouring pixels by a part, as it is when two of three values were interpolated.
+/// Adds sensor noise: more of it in bright areas, and correlated between neighbouring pixels,
+/// because two of three values are interpolated.
 class Sensor {
 public:
     explicit Sensor(std::uint64_t seed) : random_(seed) {}
@@ -182,7 +182,7 @@ public:
         for (int shift = 0; shift < 64; shift += 8) {
             sum += static_cast<int>(bits >> shift & 0xFF);
         }
-        // Eight bytes: mean 1020, standard deviation 209.
+        // The sum of eight random bytes: mean 1020, standard deviation 209.
         const float own = static_cast<float>(sum - 1020) / 209;
         const float mixed = 0.8F * own + 0.6F * neighbour;
         neighbour = own;

@@ -1,4 +1,4 @@
-// The peer of the program's start: an empty window. Ends when it is exposed.
+// The peer of the row `start`: an empty window. Ends when it is exposed.
 
 #include <cstdlib>
 

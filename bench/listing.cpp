@@ -8,9 +8,9 @@
 //   first-listing  a controller's first tick; QDir lists and QCollator compares
 //   first-listing  kind "sort-keys": the same, sorted by QCollator's keys
 //   kept-bytes     not times but thousands of bytes that stay in use: ours, and QDir's list
-// Each is a row as `printTurns` prints it. The folders are made in FOLDER, or in the folder for
-// temporary files, and removed. --short leaves out a million names. --cpu measures processor time,
-// for a machine that others are using.
+// Each is a row as `printTurns` prints it. The folders are created in FOLDER, or in the folder for
+// temporary files, and removed. --short omits a million names. --cpu measures processor time, for a
+// machine that is busy.
 
 #include <QCollator>
 #include <QCollatorSortKey>

@@ -5,7 +5,7 @@
 
 namespace vistrane::bench {
 
-/// Of a clock that never goes back.
+/// The time of a monotonic clock.
 double milliseconds();
 /// The processor time of this process.
 double processorMilliseconds();
@@ -17,7 +17,7 @@ double timeOf(const Work& work, double (*clock)() = milliseconds) {
     return clock() - started;
 }
 
-/// `part`: 0 to 1, 0.5 for the median. 0 of no values.
+/// The quantile `part`, from 0 to 1; 0.5 is the median. 0 if there are no values.
 double quantile(std::vector<double> values, double part);
 
 /// The first columns of a row.
@@ -35,8 +35,8 @@ struct Turns {
 
 /// Prints a row to standard output, separated by tabs:
 ///   name  kind  size  ours  peer  ratio  spread
-/// `ours` and `peer` are medians, `ratio` is the median of the turns' ratios, and `spread` the
-/// distance of its quartiles.
+/// `ours` and `peer` are medians, `ratio` is the median of the ratios, and `spread` is their
+/// interquartile range.
 void printTurns(const Label& label, const Turns& turns);
 
 /// Exits with the message `what` unless `holds`.

@@ -1,10 +1,10 @@
 // Reads and writes PNG files with this program and its peers: png_bench [--short] [WORD...]
 //
-// Ours and the peer take turns, and both results are compared. Each pair is a row as `printTurns`
-// prints it, in milliseconds of processor time: other work on the machine matters little, and all
-// of this runs on one thread. Of rows whose name ends in "-bytes" the numbers are file lengths in
-// thousands of bytes. WORD selects rows by a part of their name, kind or size; --short leaves out
-// what takes very long.
+// Ours and the peer take turns, and their results are compared. Each pair is a row as `printTurns`
+// prints it, in milliseconds of processor time: everything runs on one thread, and other work on
+// the machine matters little. In rows whose name ends in "-bytes" the numbers are file sizes in
+// thousands of bytes. WORD selects rows by a part of their name, kind or size; --short omits the
+// slowest ones.
 
 #include <QBuffer>
 #include <QImage>
@@ -61,7 +61,7 @@ public:
 
     bool wants(const Label& label) const { return matches(label, words_); }
 
-    /// Whether any row of these pictures is asked for, which take a while to make.
+    /// Whether any row of these pictures is requested. Generating them takes a while.
     bool wantsAnyOf(const std::string& kind, const std::string& size) const {
         return std::all_of(words_.begin(), words_.end(), [&](const std::string& word) {
             const bool isKind =
@@ -193,7 +193,7 @@ void compareSaving(const Table& table, const SamplePicture& picture, const std::
     checkPixels(picture, rgba);
 }
 
-/// Files that take long to read for what is in them.
+/// Files that take long to read in relation to their contents.
 void compareHostile(const Table& table) {
     for (const std::string& kind : hostileKinds) {
         for (const std::size_t length : {300'000U, 3'000'000U}) {

@@ -86,7 +86,7 @@ Bytes writeByLibpng(const SamplePicture& picture, int level) {
 
 namespace {
 
-/// The rows of a usual file, filtered as they are decompressed.
+/// Receives the decompressed rows of a usual file and unfilters them.
 class UsualRows {
 public:
     UsualRows(const Bytes& file, Bytes& rgba)
@@ -98,10 +98,11 @@ public:
     }
 
     const PngHeader& header() const { return header_; }
-    /// With the number of the filter.
+    /// The length of a row including the filter number.
     std::size_t rowBytes() const { return expansion_->rowBytes() + 1; }
 
-    /// Takes whole rows; `filtered` has 16 bytes more. Returns how many bytes that were.
+    /// Takes whole rows. 16 bytes past the end of `filtered` must be readable. Returns the number
+    /// of bytes taken.
     std::size_t write(const std::uint8_t* filtered, std::size_t length) {
         std::size_t taken = 0;
         for (; length - taken >= rowBytes(); taken += rowBytes()) {
@@ -170,7 +171,7 @@ void readByUsWithLibdeflate(const Bytes& file, Bytes& rgba) {
         data.insert(data.end(), some.begin(), some.end());
     });
     const std::size_t length = rows.rowBytes() * rows.header().height;
-    // Not cleared first, which would be the benchmark's own cost.
+    // Not cleared, because that would be a cost of the benchmark.
     const std::unique_ptr<std::uint8_t[]> made(new std::uint8_t[length + filterMargin]);
     libdeflate_decompressor* const decompressor = libdeflate_alloc_decompressor();
     require(libdeflate_zlib_decompress(decompressor, data.data(), data.size(), made.get(), length,
@@ -201,7 +202,7 @@ private:
     std::size_t count_ = 0;
 };
 
-/// With codes for 255, the end of the block, and no distance.
+/// A block with codes for 255 and the end of the block, and none for distances.
 void putEmptyDynamicBlock(BitWriter& out) {
     out.put(4, 3);
     out.put(14 << 10, 14);

@@ -1,4 +1,4 @@
-// Runs the program in its window on a virtual display, and works its controls from the inside:
+// Runs the program in its window on a virtual display, and operates its controls:
 //
 //   session_bench start FOLDER             ends when the window is exposed and handles events
 //   session_bench launch FOLDER            ends when the settings are in the controls and the
@@ -64,7 +64,7 @@ Widget& control(const char* name) {
     std::abort();
 }
 
-/// Polls `condition` and then calls `then`. `period`: in milliseconds.
+/// Polls `condition` every `period` milliseconds and then calls `then`.
 void when(const std::function<bool()>& condition, const std::function<void()>& then,
           int period = 5) {
     auto* const look = new QTimer(qApp);
@@ -147,7 +147,7 @@ private:
 void play(const std::string& folder) {
     whenListed(folder, [=] {
         control<QSlider>("fpsS").setValue(60);
-        // By then the newest frame has been painted.
+        // By now the newest frame has been painted.
         QTimer::singleShot(500, qApp, [] {
             auto* const watch = new PaintWatch(control<QSlider>("photoSlider"));
             control<QWidget>("myDisplay").installEventFilter(watch);
@@ -205,7 +205,7 @@ void capture(const std::string& folder, double seconds) {
             tell(watch->longest());
         });
     };
-    // By then the camera delivers pictures.
+    // By now the camera delivers pictures.
     QTimer::singleShot(2000, qApp, begin);
 }
 

@@ -1,4 +1,4 @@
-// Runs two shell commands in turn, ours and the peer's:
+// Runs two shell commands alternately, ours and the peer's:
 //   take_turns [--told] [--memory NAME] TURNS NAME KIND SIZE OURS PEER
 //
 // Prints a row of wall-clock times in milliseconds, or with --told of the numbers that the commands

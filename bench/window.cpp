@@ -45,7 +45,7 @@ namespace {
 /// The size of the picture view in a new window.
 constexpr QSize viewSize(530, 372);
 
-/// The real pictures; the rest comes from the simulated platform.
+/// The real pictures. Everything else is simulated.
 class RealPictures final : public PictureAppKit {
 public:
     RealPictures(AppKit& sim, const Pictures& pictures) : PictureAppKit(pictures), sim_(sim) {}
@@ -137,7 +137,7 @@ std::vector<std::uint8_t> rgbOf(const QImage& image) {
     return bytes;
 }
 
-/// The picture as cameras deliver it.
+/// The picture in the form in which cameras deliver it.
 std::shared_ptr<NSData> stillOf(const QImage& image) {
     auto pixels = ByteArray::copyOf(rgbOf(image));
     require(pixels.has_value(), "there is no memory for the still");
@@ -147,7 +147,7 @@ std::shared_ptr<NSData> stillOf(const QImage& image) {
         std::make_shared<DecodedPicture>(shape, "still", std::move(*pixels)));
 }
 
-/// The picture as a binary PPM file, which is the quickest for the peer to read.
+/// The picture as a binary PPM file, which the peer reads fastest.
 std::vector<std::uint8_t> ppmOf(const QImage& image) {
     const std::string header =
         "P6\n" + std::to_string(image.width()) + " " + std::to_string(image.height()) + "\n255\n";
@@ -161,7 +161,7 @@ std::string sizeOf(const QImage& image) {
     return std::to_string(image.width()) + "x" + std::to_string(image.height());
 }
 
-/// Waits for a file, which is written by another thread.
+/// Waits for a file that another thread writes.
 QImage readWhenWritten(const std::string& folder) {
     for (int attempt = 0; attempt < 500; ++attempt) {
         const std::vector<std::string> paths = filesIn(folder);
@@ -174,7 +174,7 @@ QImage readWhenWritten(const std::string& folder) {
     return {};
 }
 
-/// QImage compares colour spaces too, which the files do not all have.
+/// Compares only the pixels. QImage also compares colour spaces, which not all files have.
 bool haveSamePixels(QImage one, QImage other) {
     one.setColorSpace({});
     other.setColorSpace({});
@@ -242,8 +242,8 @@ private:
     QImage image_;
 };
 
-/// The mean difference in the middle, where both show the picture. Two good ways to scale differ a
-/// little.
+/// The mean difference in the centre, where both show the picture. Two good scaling methods differ
+/// a little.
 double meanDifference(const QImage& one, const QImage& other) {
     double sum = 0.0;
     int count = 0;

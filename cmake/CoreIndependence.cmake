@@ -1,10 +1,9 @@
-# The core is what moves to another system unchanged, so it links nothing: everything it asks of a
-# system goes through the interfaces under platform/. A library that slips into its link properties
-# is refused here, when the tree is configured.
+# The core must move to another system unchanged, so it links nothing: it reaches the system through
+# the interfaces under platform/. Configuring fails if a library gets into its link properties.
 
 # vistrane_require_independence(TARGET [ALLOWED...]): ends the configuration if TARGET has a link
 # property other than the targets in ALLOWED, an include folder other than the tree's root, or a
-# source from outside CORE_FOLDERS. To be called when every folder has been added.
+# source from outside CORE_FOLDERS. Call it after all folders have been added.
 function(vistrane_require_independence target)
     set(allowed ${ARGN})
     foreach(property LINK_LIBRARIES INTERFACE_LINK_LIBRARIES INTERFACE_LINK_LIBRARIES_DIRECT
@@ -16,7 +15,7 @@ function(vistrane_require_independence target)
             continue()
         endif()
         foreach(value IN LISTS values)
-            # The sanitizers come with the compiler and are set for the whole tree.
+            # Sanitizers are set for the whole tree and come with the compiler.
             if(value MATCHES "^-f(no-)?sanitize")
                 continue()
             endif()

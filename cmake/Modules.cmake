@@ -1,10 +1,10 @@
-# A module is a shared object that programs load while they run. They look for it beside themselves,
-# so that a build folder and an installation can both be moved. The build folder has the folders of
-# an installation for this: the programs in bin/, the modules where they are from there.
+# A module is a shared object that programs load at run time. Its path is relative to the program,
+# so that a build folder and an installation can be moved. For this the build folder is laid out
+# like an installation: programs in bin/, modules at the same relative path.
 include(GNUInstallDirs)
 
 set(VISTRANE_PROGRAMS ${PROJECT_BINARY_DIR}/bin)
-# For instance ../lib/vistrane.
+# For example ../lib/vistrane.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
            OUTPUT_VARIABLE VISTRANE_MODULES_FROM_PROGRAMS)
 string(APPEND VISTRANE_MODULES_FROM_PROGRAMS /vistrane)
@@ -16,7 +16,7 @@ function(vistrane_module target)
     install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vistrane)
 endfunction()
 
-# vistrane_loads_modules(PROGRAM...): builds the programs where they find the modules.
+# vistrane_loads_modules(PROGRAM...): puts the programs where they find the modules.
 function(vistrane_loads_modules)
     set_target_properties(${ARGN} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${VISTRANE_PROGRAMS})
 endfunction()

@@ -1,8 +1,7 @@
-# The headers that nearly every source includes, compiled once: half of the time that most sources
-# take is spent on them. A source still includes what it uses, which the preset asan-ubsan shows: it
-# builds everything without this.
+# Precompiles the headers that nearly every source includes, which take half of the compile time of
+# most sources. Sources must still include what they use: the preset asan-ubsan builds without this.
 #
-# A precompiled header fits only sources that are compiled with the same options and macros.
+# A precompiled header requires the same options and macros in all sources that use it.
 
 set(standard_headers <algorithm> <atomic> <chrono> <cstdint> <functional> <map> <memory> <mutex>
                      <optional> <string> <string_view> <utility> <variant> <vector>)
@@ -11,7 +10,7 @@ set(qt_headers <QtCore/QObject> <QtCore/QPointer> <QtCore/QString> <QtCore/QTime
                <QtWidgets/QLabel> <QtWidgets/QMainWindow> <QtWidgets/QPushButton>)
 
 # vistrane_precompile(FIRST [OTHER...] HEADERS HEADER...): compiles the headers with the first
-# target, and uses them in all.
+# target and uses them in all targets.
 function(vistrane_precompile first)
     cmake_parse_arguments(arg "" "" "HEADERS" ${ARGN})
     target_precompile_headers(${first} PRIVATE ${arg_HEADERS})

@@ -6,7 +6,7 @@
 
 namespace vistrane {
 
-/// The AVFoundation kit on real cameras and movies. Both outlive it.
+/// The AVFoundation kit with real cameras and movies. Both outlive it.
 class MediaAVFoundation final : public AVFoundation {
 public:
     MediaAVFoundation(Cameras& cameras, Movies& movies) : cameras_(cameras), movies_(movies) {}

@@ -12,7 +12,7 @@ namespace vistrane {
 
 namespace {
 
-/// How long the end may wait for the main thread and for the folder's disk, which may not respond.
+/// The timeout for ending the process. The main thread or the folder's disk may not respond.
 constexpr std::chrono::seconds endTimeout{5};
 
 void waitWhile(const std::function<bool()>& condition) {
@@ -53,7 +53,7 @@ void SessionBackend::handleSignals(const Endings& endings) {
                            [this, endings](int status) { endWithoutMainThread(status, endings); }});
 }
 
-/// A frame that is being written is waited for, and unfinished movies are removed.
+/// Waits until a frame that is being written is complete, and removes unfinished movies.
 void SessionBackend::endWithoutMainThread(int status, const Endings& endings) {
     startDetachedThread([status] {
         std::this_thread::sleep_for(endTimeout);

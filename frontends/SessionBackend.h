@@ -17,11 +17,11 @@
 
 namespace vistrane {
 
-/// What both front ends share: the kits on real media, and how signals end the process.
+/// What both front ends share: the kits with real media, and ending the process on signals.
 ///
-/// One for the process; main thread only. The references given to the constructor outlive it. A
-/// front end creates it with `new` and never deletes it, because threads may still be running when
-/// the process ends.
+/// One for the process; main thread only. The constructor's references outlive it. A front end
+/// creates it with `new` and never deletes it, because threads may still be running when the
+/// process ends.
 class SessionBackend {
 public:
     struct Options {
@@ -31,33 +31,33 @@ public:
         MovieOptions movies = {};
     };
 
-    /// `log` takes one message without a line end, on any thread, and returns at once.
+    /// `log` gets one message without a newline, on any thread, and must return immediately.
     SessionBackend(QtRunLoop& loop, NSUserDefaults& defaults,
                    std::function<void(const std::string&)> log, SessionObserver& observer,
                    const Options& options);
 
-    /// All kits, with the front end's own AppKit kit.
+    /// All kits, with the front end's AppKit kit.
     Platform platform(AppKit& appKit);
 
     /// Stores the folder in the settings as if the user had just confirmed it. Returns the reason
-    /// if no bookmark of it can be made.
+    /// if that fails.
     std::optional<NSError> rememberFolder(const std::string& path);
 
     /// How a front end ends the process after a signal. `status` is 128 + the signal.
     struct Endings {
         /// Ends the process. Called on the main thread.
         std::function<void(int status)> end;
-        /// Whether the main thread is already ending the process and should be given time to
-        /// finish. Called on another thread when the main thread does not respond.
+        /// Whether the main thread is already ending the process and needs time to finish. Called
+        /// on another thread if the main thread does not respond.
         std::function<bool()> isEnding = [] { return false; };
-        /// Called last, on another thread, when the main thread does not respond.
+        /// Called last, on another thread, if the main thread does not respond.
         std::function<void()> cleanUp = [] {};
     };
 
-    /// From now on signals end the process this way.
+    /// From now on signals end the process with these functions.
     void handleSignals(const Endings& endings);
 
-    // In the order in which they need each other.
+    // in the order of their dependencies
     QtDispatch dispatch;
     NotificationCenter notificationCenter;
     QtFoundation foundation;

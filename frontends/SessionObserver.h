@@ -11,11 +11,11 @@
 
 namespace vistrane {
 
-/// Writes what the media report into the front end's log. A front end that needs more overrides
-/// the methods.
+/// Writes the reports of cameras, pictures and movies to the front end's log. A front end that
+/// needs more overrides the methods.
 class SessionObserver : public PictureObserver, public MovieObserver, public CameraObserver {
 public:
-    /// `log` takes one message without a line end, on any thread, and returns at once.
+    /// `log` gets one message without a newline, on any thread, and must return immediately.
     explicit SessionObserver(std::function<void(const std::string&)> log) : log_(std::move(log)) {}
     virtual ~SessionObserver() = default;
 

@@ -5,7 +5,8 @@
 
 #include "backends/posix/bookmark.h"
 
-// Any bytes as a bookmark: refused, or resolved to a URL whose own bookmark resolves to it.
+// Reads any bytes as a bookmark. They are refused, or resolve to a URL whose bookmark resolves to
+// it again.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vistrane;

@@ -37,7 +37,7 @@ Bytes linearProfile() {
     cmsFreeToneCurve(curve);
     Bytes packed(compressBound(length));
     uLongf packedLength = packed.size();
-    // Stored, so that the fuzzer can change the profile itself.
+    // Stored without compression, so that the fuzzer can change the profile.
     compress2(packed.data(), &packedLength, bytes.data(), length, 0);
     packed.resize(packedLength);
     packed.insert(packed.begin(), {'p', 0, 0});

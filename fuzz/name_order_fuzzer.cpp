@@ -8,8 +8,8 @@
 #include "backends/icu/IcuLocale.h"
 #include "core/folder/frame_list.h"
 
-// Any three names, separated by NUL bytes: comparing them is a total order in which only equal
-// names are equal. Sorting, which compares differently, agrees with it.
+// Takes any three names, separated by NUL bytes. Comparing them is a total order in which only
+// identical names are equal. Sorting, which compares differently, gives the same order.
 
 namespace {
 

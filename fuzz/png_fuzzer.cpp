@@ -1,5 +1,5 @@
-// Any bytes as a picture: it is refused, or it can be drawn and saved, and the saved picture is the
-// same. What is decoded without libpng equals what libpng decodes.
+// Reads any bytes as a picture. It is refused, or it can be drawn and saved, and the saved picture
+// is the same. Pictures that are decoded without libpng equal those of libpng.
 
 #include <cstdint>
 #include <cstdlib>
@@ -23,7 +23,7 @@ using testing::Bytes;
 
 class SilentObserver final : public PictureObserver {};
 
-/// Small pictures find as much in less time.
+/// Small pictures find the same defects in less time.
 constexpr PictureLimits limits{1024, 1U << 16, 1U << 20};
 
 void require(bool holds) {
@@ -32,8 +32,8 @@ void require(bool holds) {
     }
 }
 
-/// Gives the pixel stream the checksum of what zlib makes of it, if it gets as far: otherwise
-/// hardly any change of a stream would be accepted. True if the checksum was another.
+/// Corrects the checksum of the pixel stream, if zlib can decompress it; otherwise hardly any
+/// change of a stream would be accepted. Returns whether the checksum was wrong.
 bool repairStreamChecksum(Bytes& file) {
     Bytes stream;
     std::vector<std::size_t> places;
@@ -62,7 +62,7 @@ struct Kits {
     MediaCoreGraphics graphics{video};
 };
 
-/// The pixels drawn; nothing when the picture is damaged.
+/// The drawn pixels; nothing if the picture is damaged.
 Bytes draw(Kits& kits, const NSImage& image, std::size_t width, std::size_t height, NSPoint point,
            NSCompositingOperation operation) {
     CVPixelBufferRef buffer = nullptr;
@@ -141,7 +141,7 @@ void tryPicture(const Bytes& bytes) {
 } // namespace vistrane
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // Each time with right checksums: the fuzzer hardly ever finds one.
+    // Corrects the checksums every time, because the fuzzer hardly ever finds one.
     vistrane::testing::Bytes bytes(data, data + size);
     vistrane::tryPicture(bytes);
     bytes = vistrane::testing::withRightChecksums(bytes);

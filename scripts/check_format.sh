@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# check_format.sh: tells how to format every source and header that clang-format would change, and
-# fails if there is one.
+# check_format.sh: fails if clang-format would change a source or header, and prints the commands
+# that format them.
 set -eu
 cd "$(dirname "$(dirname "$(readlink -f "$0")")")"
 clang-format-14 --version >/dev/null

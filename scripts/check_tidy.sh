@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# check_tidy.sh BUILD: runs clang-tidy over every source of the program and its backends that
-# BUILD/compile_commands.json names, two at a time, and fails if it finds anything. A source is
-# passed over that was clean before and has not changed since, nor any header or setting.
+# check_tidy.sh BUILD: runs clang-tidy over every source of the program and its back ends in
+# BUILD/compile_commands.json, two at a time, and fails if it finds anything. Skips sources that
+# were clean before, if neither they nor any header or setting have changed since.
 set -eu
 export LC_ALL=C
 root=$(dirname "$(dirname "$(readlink -f "$0")")")

@@ -1,26 +1,26 @@
 # shellcheck shell=bash disable=SC2154
-# Shared by run and test; sourced, with root set to the folder of the tree and log to the file
-# that takes what the tools say.
+# Functions that run, test and bench/run share. Before sourcing it, set root to the folder of the
+# tree and log to the file for the output of the tools.
 
 say() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
 }
 
-# fail MESSAGE: ends the script with the end of the log, which holds the reason.
+# fail MESSAGE [LINES]: prints the message and the last lines of the log, and ends the script.
 fail() {
     say "$1"
     if [ -s "$log" ]; then
         tail -n "${2:-40}" "$log" >&2
-        say "the whole log is $log"
+        say "the whole log is in $log"
     fi
     exit 1
 }
 
-# lockBuild / unlockBuild: two calls at the same time install and build one after the other. The
-# lock ends with the process at the latest.
+# lockBuild, unlockBuild: make concurrent calls install and build one after the other. The lock ends
+# with the process at the latest.
 lockBuild() {
     if ! { mkdir -p "$root/build" && exec 9>>"$root/build/lock"; } 2>/dev/null; then
-        say "cannot write in $root/build: remove it, or give it to the user $(id -un)"
+        say "cannot write to $root/build: remove it, or make $(id -un) its owner"
         exit 1
     fi
     flock 9
@@ -34,12 +34,12 @@ startLog() {
     : >"$log"
 }
 
-# packagesOf LIST...: the names in the lists, one a line.
+# packagesOf LIST...: prints the names in the lists, one per line.
 packagesOf() {
     sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$@"
 }
 
-# missingPackages LIST...: the names in the lists that are not installed.
+# missingPackages LIST...: prints the names in the lists that are not installed.
 missingPackages() {
     local wanted
     mapfile -t wanted < <(packagesOf "$@")
@@ -53,8 +53,8 @@ missingPackages() {
             }'
 }
 
-# installPackages LIST...: installs what is missing and nothing else. Where the package tools are
-# absent the build itself will tell what it misses.
+# installPackages LIST...: installs the missing packages, without recommended ones. Does nothing
+# without apt-get; the build will then report what is missing.
 installPackages() {
     local missing become=()
     command -v dpkg-query >/dev/null && command -v apt-get >/dev/null || return 0
@@ -63,7 +63,7 @@ installPackages() {
 
     if [ "$(id -u)" -ne 0 ]; then
         if ! command -v sudo >/dev/null; then
-            say "these packages are missing and installing them needs root:"
+            say "these packages are missing, and installing them requires root:"
             printf '  %s\n' "${missing[@]}" >&2
             say "as root: apt-get update && apt-get install --no-install-recommends ${missing[*]}"
             exit 1
@@ -73,13 +73,13 @@ installPackages() {
     say "installing ${#missing[@]} packages (log: $log)"
     local apt=("${become[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600)
     "${apt[@]}" update >>"$log" 2>&1 9>&- ||
-        fail "could not fetch the package lists; wanted: ${missing[*]}"
+        fail "could not fetch the package lists; missing: ${missing[*]}"
     "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >>"$log" 2>&1 9>&- </dev/null ||
         fail "could not install: ${missing[*]}"
 }
 
-# useCompilerCache: where ccache is installed, what was compiled before, in this tree or in another
-# one of the same contents, is not compiled again. The tree's own place must not count.
+# useCompilerCache: uses ccache, if it is installed. The results do not depend on the path of the
+# tree, so that another tree with the same contents can use them.
 compilerCache=()
 useCompilerCache() {
     command -v ccache >/dev/null || return 0
@@ -88,8 +88,7 @@ useCompilerCache() {
     compilerCache=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 }
 
-# configure PRESET OPTION...: prepares build/PRESET. A folder that was configured for a tree in
-# another place starts afresh.
+# configure PRESET OPTION...: configures build/PRESET, from scratch if the tree has been moved.
 configure() {
     local preset=$1 cache="$root/build/$1/CMakeCache.txt" fresh=()
     shift
@@ -99,7 +98,8 @@ configure() {
     (cd "$root" && cmake "${fresh[@]}" --preset "$preset" "${compilerCache[@]}" "$@") >>"$log" 2>&1 9>&-
 }
 
-# build PRESET TARGET...: through the launcher, if the tests that are asked for their names need one.
+# build PRESET TARGET...: builds. Uses the launcher, if there is one, because test programs are run
+# to list their tests.
 launcher=()
 build() {
     local preset=$1

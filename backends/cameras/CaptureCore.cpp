@@ -80,7 +80,7 @@ void CaptureCore::attempt(Lock& lock) {
         mode = mode != nullptr ? mode : movingPictureMode(modes);
         made = mode != nullptr ? CapturePipeline::create(*camera, *mode, events(newRun), reason)
                                : nullptr;
-        reason = mode != nullptr ? reason : "its pictures are of no known form";
+        reason = mode != nullptr ? reason : "its picture format is not supported";
     }
 
     lock.lock();
@@ -117,7 +117,7 @@ void CaptureCore::attempt(Lock& lock) {
         startEnd = std::max(startEnd, Clock::now() + forCamera(options.firstPicture));
     }
     if (!pipeline->start()) {
-        failure = "the system grants no more threads";
+        failure = "the system refuses more threads";
     }
 }
 
@@ -177,7 +177,7 @@ void CaptureCore::tryAgain(Lock& lock) {
 
 void CaptureCore::goLive() {
     if (phase == Phase::gone) {
-        report("The camera '" + target->camera.facts.name + "' is back. Capturing goes on.");
+        report("The camera '" + target->camera.facts.name + "' is back. Capturing continues.");
     }
     phase = Phase::live;
     changed.notify_all();

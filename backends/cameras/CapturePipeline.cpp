@@ -132,11 +132,11 @@ public:
         GstElement* before = nullptr;
         for (GstElement* element : chain) {
             if (element == nullptr) {
-                note("an element could not be made");
+                note("an element could not be created");
                 return;
             }
             if (before != nullptr && !gst_element_link(before, element)) {
-                note("the elements do not fit together");
+                note("its elements cannot be linked");
                 return;
             }
             before = element;
@@ -448,7 +448,7 @@ std::optional<std::string> whyNotOpen(const Camera& camera, std::chrono::millise
             const GstPointer<GstBus> bus(gst_element_get_bus(pipeline.get()));
             const GstPointer<GstMessage> message(
                 gst_bus_pop_filtered(bus.get(), GST_MESSAGE_ERROR));
-            *reason = message ? errorText(message.get()) : "it does not say why";
+            *reason = message ? errorText(message.get()) : "it gives no reason";
         }
         gst_element_set_state(pipeline.get(), GST_STATE_NULL);
     });

@@ -63,7 +63,7 @@ NSError cameraGivesNoPictures(const std::string& camera, const std::string& reas
     return captureError(AVErrorDeviceWasDisconnected,
                         "The camera '" + camera + "' gives no pictures" +
                             (reason.empty() ? "" : " (" + reason + ")") +
-                            ": check that it is connected. Capturing goes on when it is back.");
+                            ": check that it is connected. Capturing continues when it is back.");
 }
 
 } // namespace vistrane

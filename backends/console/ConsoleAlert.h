@@ -12,10 +12,10 @@
 namespace vistrane {
 
 /// What alerts need from the front end. Both functions are called on the thread that runs the
-/// alert, also on several threads at the same time.
+/// alert, possibly on several threads at the same time.
 struct ConsoleAlertRules {
     QtRunLoop& loop;
-    /// Gets the text of an alert: its message, a newline, its informative text. No final newline.
+    /// Shows the text of an alert: its message, a newline, its informative text. No final newline.
     std::function<void(const std::string& text)> show;
     /// Returns `NSAlertFirstButtonReturn` plus the index of the button that the user would press.
     /// May block, and need not return on a thread other than the main thread.
@@ -35,7 +35,7 @@ public:
     void setAccessoryView(std::shared_ptr<NSView>) override {}
     NSWindow& window() override { return window_; }
 
-    /// On the main thread, timers do not tick until the answer is there.
+    /// On the main thread, timers do not tick until the alert is answered.
     NSModalResponse runModal() override;
 
 private:

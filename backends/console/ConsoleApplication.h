@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// An application without windows: there is nothing to miniaturise or to bring to the front.
+/// An application without windows: nothing to minimise or to bring to the front.
 class ConsoleApplication final : public NSApplication {
 public:
     void miniaturizeAll(NSObject*) override {}

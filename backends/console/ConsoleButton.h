@@ -10,7 +10,7 @@
 
 namespace vistrane {
 
-/// A button without a screen. `performClick` does what a user's click does.
+/// A button without a screen. `performClick` acts like a user's click.
 class ConsoleButton final : public NSButton {
 public:
     enum class Kind {

@@ -13,13 +13,13 @@
 
 namespace vistrane {
 
-/// The main window's controls as an interface file would create them. The front end operates them
-/// in the user's place.
+/// The main window's controls, as an interface file would create them. The front end operates them
+/// instead of a user.
 struct ConsoleInterface {
     /// New controls with their initial titles, ranges and values.
     ConsoleInterface();
 
-    /// Registers every control as an outlet and, where it has one, as the sender of its action.
+    /// Registers every control as an outlet and, if it has an action, as its sender.
     void addTo(ConsoleNib& nib) const;
 
     std::shared_ptr<ConsoleWindow> myWindow;

@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// A panel that is always cancelled: there is no user who could choose.
+/// A panel that is always cancelled, because there is no user.
 class ConsoleOpenPanel final : public NSOpenPanel {
 public:
     void setTitle(const std::string&) override {}

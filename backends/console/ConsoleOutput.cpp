@@ -46,7 +46,7 @@ void ConsoleOutput::showProgress(double value, double maximum) {
 std::string ConsoleOutput::barFor(double value, double maximum) const {
     const double part = std::min(value / maximum, 1.0);
     const std::string percent = std::to_string(static_cast<int>(part * 100.0)) + " %";
-    // The last column stays free: a full line would wrap.
+    // The last column stays free, because a full line would wrap.
     const std::size_t used = std::string_view("[] 100 %").size() + 1;
     const std::size_t available = columns();
     if (available <= used) {

@@ -8,8 +8,8 @@ namespace vistrane {
 
 /// Writes lines and a progress bar to standard error. Any thread.
 ///
-/// Lines of several threads are never mixed. On a terminal the bar is the last line, and is redrawn
-/// below each new line. Elsewhere there is no bar.
+/// Lines of several threads are never mixed. On a terminal the bar is the last line and is redrawn
+/// below each new line. Without a terminal there is no bar.
 class ConsoleOutput {
 public:
     /// The caller keeps `descriptor` open. Whether it is a terminal is checked once, here.
@@ -17,7 +17,7 @@ public:
     ConsoleOutput(const ConsoleOutput&) = delete;
     ConsoleOutput& operator=(const ConsoleOutput&) = delete;
 
-    /// Writes the text unchanged, then a newline. Waits while the descriptor is full; ignores other
+    /// Writes the text unchanged, then a newline. Waits while the descriptor is full. Ignores other
     /// errors.
     void writeLine(std::string_view text);
 

@@ -18,8 +18,8 @@ public:
     void setAction(NSAction action) { action_ = std::move(action); }
     const std::vector<std::string>& itemTitles() const { return titles_; }
 
-    /// Selects an item, even if it is the selected one, and sends the action. Returns false, and
-    /// does nothing, when there is no such item.
+    /// Selects an item, even if it is already selected, and sends the action. Returns false, and
+    /// does nothing, if there is no such item.
     bool userPicks(NSInteger index);
 
 private:

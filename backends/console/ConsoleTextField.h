@@ -9,7 +9,7 @@
 
 namespace vistrane {
 
-/// A text field without a screen. `userTypes` does what a user would do.
+/// A text field without a screen. `userTypes` acts like a user.
 class ConsoleTextField final : public NSTextField {
 public:
     void setStringValue(const std::string& text) override { text_ = text; }

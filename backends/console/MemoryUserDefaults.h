@@ -9,7 +9,7 @@
 
 namespace vistrane {
 
-/// Settings in memory, for one run. They start empty; a front end stores what the program should
+/// Settings in memory, for one run. Initially empty; a front end stores what the program should
 /// find.
 class MemoryUserDefaults final : public NSUserDefaults {
 public:

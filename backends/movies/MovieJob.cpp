@@ -54,7 +54,7 @@ bool MovieJob::start() {
     }
     const std::lock_guard lock(mutex_);
     isStarted_ = false;
-    failure_ = movieError(AVErrorUnknown, "The system grants no thread to write the movie with. "
+    failure_ = movieError(AVErrorUnknown, "The system refuses a thread for writing the movie. "
                                           "Close some programs and compile again");
     return false;
 }
@@ -280,7 +280,7 @@ std::optional<NSError> MovieJob::completeFile() {
     }
     track_.configuration = encoder_->configuration();
     if (track_.samples.empty() || track_.configuration.empty()) {
-        return movieError(AVErrorUnknown, "The H.264 encoder gave no usable picture. Install "
+        return movieError(AVErrorUnknown, "The H.264 encoder delivered no usable picture. Install "
                                           "libavcodec with libx264");
     }
     const auto mediaSize = mediaBoxSize(file_->size());

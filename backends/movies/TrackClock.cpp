@@ -43,7 +43,7 @@ TrackClock::Reading TrackClock::take(CMTime time) {
     const auto ticks = exactTicks(time, scale);
     const auto startTicks = exactTicks(start_, scale);
     if (!ticks || !startTicks) {
-        return refusal("The picture's time is no multiple of the movie's frame period");
+        return refusal("The picture's time is not a multiple of the movie's frame period");
     }
     const std::int64_t sinceStart = *ticks - *startTicks;
     if (sinceStart < 0) {

@@ -16,8 +16,8 @@ NSError loadingError() {
     const char* const reason = ::dlerror();
     return movieError(AVErrorEncoderNotFound,
                       "The movie cannot be made: the H.264 encoder cannot be loaded (" +
-                          shownText(reason != nullptr ? reason : "no reason is known") +
-                          "). Install libavcodec with libx264, or Vistrane again");
+                          shownText(reason != nullptr ? reason : "unknown reason") +
+                          "). Install libavcodec with libx264, or reinstall Vistrane");
 }
 
 } // namespace

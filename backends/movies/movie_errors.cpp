@@ -15,7 +15,7 @@ const char* adviceFor(int number) {
     case EDQUOT:
         return "Free some space on that disk and compile again";
     case EFBIG:
-        return "The file has reached the largest size allowed there: raise that limit, or use "
+        return "The file has reached the size limit: raise the limit, or use "
                "another disk";
     case EACCES:
     case EPERM:

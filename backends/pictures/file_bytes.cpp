@@ -19,8 +19,8 @@ namespace vistrane {
 
 namespace {
 
-constexpr char readAdvice[] = "check that the file is there and may be read";
-constexpr char writeAdvice[] = "check that the folder is there and may be written to, and that "
+constexpr char readAdvice[] = "check that the file exists and that you may read it";
+constexpr char writeAdvice[] = "check that the folder exists, that you may write to it, and that "
                                "the disk has room";
 
 /// The system would truncate the path at a zero byte and open another file.
@@ -82,7 +82,7 @@ std::variant<OpenFile, NSError> OpenFile::at(const std::string& path, std::uint6
     }
     if (static_cast<std::uint64_t>(state.st_size) > largestFile) {
         return pictureError(PictureFault::TooLarge, path,
-                            "is too large a file; make it smaller or remove it");
+                            "is too large; make the file smaller or remove it");
     }
     return OpenFile(std::move(file), path,
                     {state.st_dev, state.st_ino, static_cast<std::uint64_t>(state.st_size),

@@ -102,7 +102,7 @@ bool decode(png_structp png, png_infop info, Decoding& decoding, const PngHeader
     if (png_get_image_width(png, info) != header.width ||
         png_get_image_height(png, info) != header.height ||
         png_get_rowbytes(png, info) != header.width * bytesPerPixel(form)) {
-        png_error(png, "its form is not the one announced");
+        png_error(png, "its pixel format differs from its header");
     }
     decoding.inPixels = true;
     readRows(png, header, rows, stride, passes);

@@ -14,7 +14,7 @@ NSError pictureError(PictureFault fault, const std::string& name, const std::str
 
 NSError outOfMemory(const std::string& name) {
     return pictureError(PictureFault::NoMemory, name,
-                        "needs more memory than there is; close other programs");
+                        "needs more memory than is available; close other programs");
 }
 
 NSError systemError(int number, const std::string& what, const std::string& path,

@@ -86,7 +86,7 @@ bool isColourForm(std::uint8_t colour, std::uint8_t depth) {
 std::optional<PngRefusal> readSizeAndForm(const Chunk& chunk, const PictureLimits& limits,
                                           PngHeader& header) {
     if (chunk.type != "IHDR" || chunk.data.size() != 13) {
-        return damaged("it does not start with its size");
+        return damaged("its header is missing");
     }
     const std::uint8_t* data = chunk.data.data();
     header.width = number(data);
@@ -96,7 +96,7 @@ std::optional<PngRefusal> readSizeAndForm(const Chunk& chunk, const PictureLimit
     if (header.width == 0 || header.height == 0 || header.width > largestNumber ||
         header.height > largestNumber || !isColourForm(colour, header.bitDepth) || data[10] != 0 ||
         data[11] != 0 || data[12] > 1) {
-        return damaged("its size or form is not valid");
+        return damaged("its size or pixel format is not valid");
     }
     header.colour = static_cast<PngColour>(colour);
     header.interlaced = data[12] == 1;
@@ -182,7 +182,7 @@ private:
             return damaged("it has no palette");
         }
         if (range.length > 0 && range.offset + range.length != chunk.offset) {
-            return damaged("its pixels are in several places");
+            return damaged("its IDAT chunks are not consecutive");
         }
         if (range.length == 0) {
             range.offset = chunk.offset;

@@ -34,7 +34,7 @@ void PosixThread::start() {
     }
     if (!startDetachedThread([self = shared_from_this()] { self->run(); }) && failed_) {
         failed_({"NSPOSIXErrorDomain", EAGAIN,
-                 "A thread could not be started because the system grants no more of them; end "
+                 "A thread could not be started because the system refuses more of them; end "
                  "other programs and try again"});
     }
 }

@@ -29,7 +29,7 @@ BookmarkDataResult makeBookmark(const NSURL& url) {
     if (!isUsable(path)) {
         return {{},
                 invalid("The address \"" + shownText(url.absoluteString()) +
-                        "\" cannot be remembered because it is no absolute file path; choose a "
+                        "\" cannot be remembered because it is not an absolute file path; choose a "
                         "folder of the file system")};
     }
     BookmarkDataResult result;

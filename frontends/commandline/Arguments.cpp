@@ -22,13 +22,14 @@ namespace {
 constexpr std::array presets = {"ultrafast", "superfast", "veryfast", "faster",   "fast",
                                 "medium",    "slow",      "slower",   "veryslow", "placebo"};
 
-/// Says what is wrong with the arguments. No error of CLI11, which would change its text.
+/// Says what is wrong with the arguments. Not derived from CLI11's errors, because CLI11 would
+/// change its text.
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Adds an option with a value. `take` gets the value of each occurrence, in order, and throws a
-/// `UsageError` if it is wrong.
+/// Adds an option with a value. Calls `take` with the value of each occurrence, in order. It throws
+/// a `UsageError` if the value is wrong.
 CLI::Option* addOption(CLI::App& app, const std::string& name,
                        const std::function<void(const std::string& value)>& take) {
     return app.add_option(name)->take_last()->each(take);
@@ -60,7 +61,7 @@ void addMovieOptions(CLI::App& app, MovieArguments& movie) {
     });
 }
 
-/// Replaces "--name=value" by "--name", "value" and refuses it for a flag. CLI11 by itself reads
+/// Replaces "--name=value" by "--name", "value", and refuses it for a flag. CLI11 itself reads
 /// "--fps= 5" as "--fps 5" and "--null=true" as "--null".
 std::vector<std::string> splitAtEquals(const CLI::App& app,
                                        const std::vector<std::string>& arguments) {
@@ -98,7 +99,7 @@ std::vector<std::string> parseOptions(CLI::App& app, const std::vector<std::stri
     try {
         app.parse(std::move(reversed));
     } catch (const CLI::ArgumentMismatch&) {
-        // Every option but the last argument is followed by its value.
+        // Only the last argument can lack a value.
         throw UsageError(arguments.back() + " needs a value.");
     }
 
@@ -248,7 +249,7 @@ std::optional<IntervalTexts> parseInterval(const std::string& text) {
         if (integerValue(text) <= 0) {
             return IntervalTexts{"0", "0", text};
         }
-        // Limited before it is split: limiting each field would give another time.
+        // Limited before it is split, because limiting each field would give a different time.
         constexpr std::int64_t longest =
             totalSeconds(highestHours, highestSixtieths, highestSixtieths);
         const std::int64_t seconds = std::min(integerValue(text), longest);

@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// The texts of the interval's three fields (hours, minutes, seconds) as a user would type them.
+/// The texts for the interval's three fields (hours, minutes, seconds), as a user would type them.
 using IntervalTexts = std::array<std::string, 3>;
 
 /// How to encode a movie.
@@ -17,7 +17,7 @@ struct MovieArguments {
     int framesPerSecond = 30;
     /// An x264 preset. Empty: the program's default.
     std::string preset;
-    /// Constant rate factor, 0 to 51. Nothing: the program's default.
+    /// The constant rate factor, 0 to 51. Nothing: the program's default.
     std::optional<int> rateFactor;
 };
 
@@ -49,7 +49,7 @@ struct CaptureCommand {
     std::string device;
     /// Nothing: the program's default interval.
     std::optional<IntervalTexts> interval;
-    /// How many frames to save. Nothing: until a signal.
+    /// The number of frames to save. Nothing: until a signal.
     std::optional<int> count;
     bool compiles = false;
     MovieArguments movie;
@@ -76,10 +76,10 @@ struct ParsedArguments {
 /// is given twice, the last value counts.
 ParsedArguments parseArguments(const std::vector<std::string>& arguments);
 
-/// "H:M:S" is split at the colons, unchanged. A text without a colon is a number of seconds, read
-/// by its leading integer as a field reads it; it is limited to the longest interval and split into
-/// hours, minutes and seconds. If it is not greater than 0, it becomes the text of the seconds
-/// field unchanged. Nothing for a text with one colon or more than two.
+/// Splits "H:M:S" at the colons and keeps the parts unchanged. A text without a colon is a number
+/// of seconds: its leading integer, as a field reads it, is limited to the longest interval and
+/// split into hours, minutes and seconds. If the integer is not positive, the whole text becomes
+/// the seconds. Nothing for a text with one colon or more than two.
 std::optional<IntervalTexts> parseInterval(const std::string& text);
 
 /// The help text, ending in a newline.

@@ -9,7 +9,8 @@ void CommandObserver::imageCouldNotBeRead(const std::string& path, const NSError
         logLostFrame(reason);
         stillIsLost();
     } else if (!loop_.isMainThread()) {
-        // The main thread loads frames only to show them; the compile thread loads the movie's.
+        // Only the compile thread loads frames for the movie. The main thread loads them to show
+        // them.
         report_.frameCouldNotBeRead(reason);
     }
 }

@@ -11,13 +11,14 @@
 
 namespace vistrane {
 
-/// The result of a compile: a whole movie, or the reason why there is none.
+/// The result of a compile: a complete movie, or the reason why there is none.
 struct MovieOutcome {
     std::string path;
     std::optional<NSError> error;
 };
 
-/// Passes what the media report to the command that runs, and keeps the compile report.
+/// Passes the reports of cameras, pictures and movies to the running command, and keeps the compile
+/// report.
 class CommandObserver final : public SessionObserver {
 public:
     CommandObserver(std::function<void(const std::string&)> log, QtRunLoop& loop,

@@ -22,7 +22,7 @@ void CompileReport::frameWasAppended() {
 
 void CompileReport::frameWasRefused(const NSError& reason) {
     const std::lock_guard lock(mutex_);
-    // The reason why the file could not be read says more than the refusal that follows from it.
+    // The reason why the file could not be read says more than the resulting refusal.
     const std::string& why = reason_.empty() ? reason.localizedDescription : reason_;
     const std::string frame = shownText(path_);
     const bool namesFrame = why.find(frame) != std::string::npos;

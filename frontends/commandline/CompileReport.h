@@ -13,17 +13,17 @@ namespace vistrane {
 /// reports both here. Any thread may read.
 class CompileReport {
 public:
-    /// The next append is this frame's.
+    /// The next append is for this frame.
     void frameIsLoaded(const std::string& path);
     void frameCouldNotBeRead(const NSError& reason);
 
     void frameWasAppended();
     void frameWasRefused(const NSError& reason);
 
-    /// One line for each frame that was left out, then a line with the counts.
+    /// A line for each frame that was left out, then a line with the counts.
     std::vector<std::string> lines() const;
-    /// The lines for a movie that failed. They leave out the frames that were refused for the same
-    /// reason: those frames are not the cause.
+    /// The lines for a movie that failed. Omits frames that were refused for the same reason,
+    /// because they are not the cause.
     std::vector<std::string> linesWithoutMovie(const NSError& reason) const;
 
 private:

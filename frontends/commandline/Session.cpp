@@ -51,7 +51,7 @@ std::string outputError(int number) {
     return std::string("vistrane: Cannot write to standard output: ") + std::strerror(number) + ".";
 }
 
-/// The back end and the controller, in the order in which they need each other.
+/// The back end and the controller, in the order of their dependencies.
 struct Session::Parts {
     explicit Parts(const SessionOptions& options)
         : backend(loop, defaults, log, observer,
@@ -68,8 +68,8 @@ struct Session::Parts {
             alertWasShown = true;
             return NSAlertFirstButtonReturn;
         }
-        // The movie cannot be created. The main thread ends the process; until then the compile
-        // thread waits here.
+        // The movie cannot be created. The compile thread waits here until the main thread ends the
+        // process.
         loop.mainQueue().async([this] { movieWasRefused = true; });
         for (;;) {
             ::pause();
@@ -87,7 +87,7 @@ struct Session::Parts {
     CompileReport report;
     CommandObserver observer{log, loop, report};
     SessionBackend backend;
-    /// The command prints the movie's path. It opens no other program.
+    /// Opens nothing: the command prints the movie's path instead.
     ConsoleWorkspace workspace{[](const NSURL&) { return true; }};
     SessionAppKit appKit{std::make_shared<const ConsoleAlertRules>(
                              ConsoleAlertRules{loop, log, [this] { return answer(); }}),
@@ -128,7 +128,7 @@ void Session::launch() {
         fail("The interface has no control '" + missing.front() + "'.");
     }
     {
-        // The controller gives the interface time to settle, which there is no need for.
+        // The controller runs the loop so that the interface is drawn, which is not needed here.
         const QtRunLoop::HurryScope hurry(parts_.loop);
         parts_.controller.awakeFromNib();
     }
@@ -141,7 +141,7 @@ std::vector<std::string> Session::deviceNames() const {
 }
 
 std::vector<std::string> Session::frames() {
-    // Enough for ten listings: a later one may succeed.
+    // Enough for ten listings, because a later one may succeed.
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
     AppDelegate& controller = parts_.controller;
     waitUntil(
@@ -165,19 +165,19 @@ void Session::pickDevice(const std::string& name) {
         }
         fail(message);
     }
-    // Two cameras of the same name share an item. All items after it then have the index of another
+    // Two cameras of the same name share an item, so all later items have the index of another
     // camera.
     const auto index = static_cast<std::size_t>(found - names.begin());
     if (parts_.controller.allAVdevices.at(index)->localizedName() != name) {
-        fail("Two cameras have the same name, so that the camera '" + name +
-             "' cannot be told from another one. Unplug one of the two.");
+        fail("Two cameras have the same name, so the camera '" + name +
+             "' cannot be distinguished from another one. Unplug one of the two.");
     }
     parts_.interface.AVDevicePopUp->userPicks(static_cast<NSInteger>(index));
     if (parts_.alertWasShown) {
         end(1);
     }
     if (!parts_.controller.aSession->isRunning()) {
-        fail("The camera '" + name + "' does not start. See that no other program uses it.");
+        fail("The camera '" + name + "' does not start. Check that no other program uses it.");
     }
 }
 
@@ -227,8 +227,8 @@ bool Session::capture(std::optional<int> count,
     return failures == 0;
 }
 
-/// Waits until the frame list, which is updated ten times a second, has this frame. Gives up after
-/// a second: the frame may have been deleted.
+/// Waits until the frame list, which is updated ten times a second, has this frame. Stops after a
+/// second, because the frame may have been deleted.
 void Session::waitForListing(const std::string& path) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
     waitUntil([&] {
@@ -261,8 +261,8 @@ std::string Session::compile(int framesPerSecond) {
         fail(outcome->error->localizedDescription);
     }
     if (::access(outcome->path.c_str(), F_OK) != 0) {
-        fail("The movie is whole, but not at '" + shownText(outcome->path) +
-             "': the project folder was moved meanwhile. Look for it there.");
+        fail("The movie is complete, but not at '" + shownText(outcome->path) +
+             "': the project folder was moved meanwhile, and the movie with it.");
     }
     return outcome->path;
 }
@@ -309,8 +309,8 @@ void Session::waitUntil(const std::function<bool()>& condition) {
 }
 
 void Session::waitForStampBoundary() {
-    // Frame names have a resolution of one second, and each still comes a little late. Starting
-    // early in a second keeps every still in its own second.
+    // Frame names have a resolution of one second, and each still arrives a little late. Starting
+    // early in a second gives every still a different second.
     const double now = parts_.backend.foundation.date().timeIntervalSince1970;
     const double fraction = now - std::floor(now);
     const double delay = fraction < 0.1 ? 0.1 - fraction : fraction > 0.4 ? 1.1 - fraction : 0.0;

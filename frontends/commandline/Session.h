@@ -13,7 +13,7 @@ namespace vistrane {
 /// The message for a failure of standard output. `number` is an errno value.
 std::string outputError(int number);
 
-/// What a command needs.
+/// What a command needs from a session.
 struct SessionOptions {
     /// The project folder, already checked. Nothing for a command without one.
     std::optional<std::string> folder = std::nullopt;
@@ -26,11 +26,11 @@ struct SessionOptions {
 };
 
 /// The program without a window: the controller with plain controls and real media. The session
-/// operates the controls as a user would, and looks at the controls and the disk to see what
-/// happened. One for the process; main thread only.
+/// operates the controls like a user, and reads the outcome from the controls and the disk. One for
+/// the process; main thread only.
 ///
-/// The settings are those of a first run in which the user has confirmed the folder. They are kept
-/// in memory only. SIGINT, SIGHUP and SIGTERM end the process at any time, with exit status 128 +
+/// The settings are those of a first run in which the user has confirmed the folder. They exist
+/// only in memory. SIGINT, SIGHUP and SIGTERM end the process at any time, with exit status 128 +
 /// the signal, and leave no unfinished file.
 class Session {
 public:

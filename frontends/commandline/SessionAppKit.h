@@ -14,7 +14,7 @@
 namespace vistrane {
 
 /// The AppKit kit of the command line: alerts as text, real pictures, no panels or menus. Reports
-/// which frame the compile thread loads. The constructor's arguments outlive it.
+/// each frame that the compile thread loads. The constructor's arguments outlive it.
 class SessionAppKit final : public PictureAppKit {
 public:
     SessionAppKit(std::shared_ptr<const ConsoleAlertRules> alertRules, NSWorkspace& workspace,
@@ -33,13 +33,13 @@ public:
     std::unique_ptr<NSOpenPanel> openPanel() override {
         return std::make_unique<ConsoleOpenPanel>();
     }
-    /// Only the info panel creates menus, and the command line has none.
+    /// Only the info panel creates menus, and the command line has no info panel.
     std::shared_ptr<NSMenu> menu() override { return nullptr; }
 
-    /// Every command is a first run, so the beep of a first run says nothing.
+    /// Silent: the program beeps at a first run, which every command is.
     void NSBeep() override {}
 
-    /// Pictures of the interface are not drawn.
+    /// Null, because pictures of the interface are not drawn.
     std::shared_ptr<NSImage> imageNamed(const std::string&) override { return nullptr; }
 
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {

@@ -14,9 +14,9 @@ namespace vistrane {
 
 namespace {
 
-/// Opens /dev/null for each standard stream that is closed. A file that is opened later would get
-/// the stream's number, and output would go into that file. /dev/null is opened for reading, so
-/// that writing fails as it does for a closed stream.
+/// Opens /dev/null for each standard stream that is closed. Otherwise a file that is opened later
+/// would get the stream's number, and output would go into that file. /dev/null is opened for
+/// reading, so that writing fails as on a closed stream.
 void occupyStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(stream, F_GETFD) == -1) {

@@ -6,9 +6,9 @@ namespace vistrane {
 
 /// A project folder that was given on the command line, or why it cannot be used.
 struct ProjectFolderArgument {
-    /// Absolute, without ".", empty components and a trailing slash. Symbolic links are kept.
+    /// Absolute, without ".", empty components or a trailing slash. Symbolic links are kept.
     std::string path;
-    /// A message of one line. Empty if the folder can be used.
+    /// A one-line message. Empty if the folder can be used.
     std::string error;
 };
 

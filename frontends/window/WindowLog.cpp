@@ -23,7 +23,7 @@ void takeMessage(QtMsgType type, const QMessageLogContext&, const QString& messa
     }
     const std::string reason = message.section('\n', 0, 0).toStdString();
     logOfQt->fail(isOpening ? "No window can be opened: " + reason +
-                                  " See that the display is there and that you may use it; "
+                                  " Check that the display exists and that you may use it; "
                                   "'vistrane --help' tells what can be done without one."
                             : reason);
 }

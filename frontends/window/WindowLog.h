@@ -22,10 +22,10 @@ public:
     /// Writes the message, then ends the process with status 1.
     [[noreturn]] void fail(const std::string& message);
 
-    /// From now on Qt's messages go into this log. After a fatal message the process ends with
-    /// status 1 and not, as Qt would end it, with a core dump.
+    /// From now on Qt's messages go to this log. After a fatal message the process ends with status
+    /// 1, instead of Qt's core dump.
     void takeMessagesOfQt();
-    /// A fatal message from now on is not due to a missing display.
+    /// From now on, a fatal message is not caused by a missing display.
     void windowCanBeOpened();
 
 private:

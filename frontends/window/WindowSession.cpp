@@ -51,7 +51,7 @@ CameraOptions cameraOptions(const WindowOptions& options) {
 
 } // namespace
 
-/// The back end and the two objects, in the order in which they need each other.
+/// The back end and the two objects, in the order of their dependencies.
 struct WindowSession::Parts {
     Parts(const WindowOptions& options, WindowLog& theLog)
         : log(theLog), backend(loop, defaults, logLine, observer,
@@ -105,7 +105,7 @@ struct WindowSession::Parts {
 
 namespace {
 
-/// The session to end if Qt calls `exit` itself, for instance when the display is gone.
+/// The session to end if Qt itself calls `exit`, for instance when the display disconnects.
 WindowSession* running = nullptr;
 
 } // namespace
@@ -144,7 +144,7 @@ void WindowSession::launch() {
 }
 
 void WindowSession::run(const std::function<void()>& launched) {
-    // In the loop, so that a request to quit takes effect from now on.
+    // Runs in the loop, so that a request to quit takes effect from now on.
     parts_.loop.mainQueue().async([this, &launched] {
         launch();
         if (launched) {
@@ -200,7 +200,7 @@ void WindowSession::mainWindowIsDrawn() {
 }
 
 void WindowSession::showOtherWindows() {
-    mainWindowIsDrawn(); // Even if it was not: the window may be on another desktop.
+    mainWindowIsDrawn(); // even if it was not: the window may be on another virtual desktop
     parts_.statusIcon = std::make_unique<StatusIcon>(
         parts_.interface.statusMenu(), QApplication::windowIcon(), "Vistrane",
         [this] { parts_.controller.realUnhide(&parts_.controller); });
@@ -275,9 +275,9 @@ bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void WindowSession::end(int status) {
-    // These calls may process events that end the program again.
+    // These calls may process events that end the program recursively.
     if (!parts_.isEnding.exchange(true) && parts_.isLaunched) {
-        // Both save their settings here. Their result is always yes.
+        // Both save their settings here. Their result is always true.
         parts_.panel.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationWillTerminate();

@@ -9,7 +9,7 @@
 
 namespace vistrane {
 
-/// The program in its window: the controller and the info panel with the interface files and real
+/// The program in its window: the controller and the info panel, with the interface files and real
 /// media. One for the process. Main thread only, after `makeApplication`.
 ///
 /// Closing the main window or quitting ends the process at once with status 0, whatever else is
@@ -39,7 +39,8 @@ private:
     /// Does what can wait until the main window is drawn. The second call does nothing.
     void mainWindowIsDrawn();
     void showOtherWindows();
-    /// Waits a short time until all shown windows are exposed: looking for cameras blocks drawing.
+    /// Waits a short time until all visible windows are exposed, because listing cameras blocks
+    /// drawing.
     void awaitDisplay();
     /// Gives the keyboard to the last visible window of the interface.
     void takeKeyboard();

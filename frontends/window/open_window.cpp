@@ -29,7 +29,7 @@ void makeApplication() {
     static char* arguments[] = {name, nullptr};
     QCoreApplication::setApplicationName("vistrane");
     QGuiApplication::setDesktopFileName("vistrane");
-    // The session ends the program itself, after saving.
+    // The session itself ends the program, after saving.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     new QApplication(count, arguments);
 }

@@ -3,14 +3,13 @@
 #
 #   defect NAME PLACE PROGRAMS BEFORE AFTER [BEFORE AFTER]...
 #
-# NAME      says what is wrong once the defect is in.
-# PLACE     is a file of the tree, or a folder to search.
-# PROGRAMS  are the test programs to try first, in one word.
+# NAME      describes the program with the defect.
+# PLACE     is a file, or a folder to search.
+# PROGRAMS  are the test programs to try first, in one argument.
 # BEFORE    is text of the place and becomes AFTER. White space in it matches any white space, and
 #           none after an opening parenthesis. It must occur exactly once in PLACE.
 #
-# Each defect changes what the program does; none is a change that only looks like one. The code
-# with the defect must compile without warnings.
+# Each defect must change the program's behaviour and compile without warnings.
 
 # The core
 

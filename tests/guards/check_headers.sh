@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# check_headers.sh ROOT FOLDERS COMPILER [OPTION...]: compiles every header in the FOLDERS (one word)
-# under ROOT on its own, twice in a row, and fails if one does not stand alone.
+# check_headers.sh ROOT FOLDERS COMPILER [OPTION...]: compiles every header in the FOLDERS (one
+# argument) under ROOT on its own, included twice, and fails if one does not compile.
 set -eu
 cd "$1"
 read -r -a folders <<<"$2"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# check_headers_selftest.sh COMPILER [OPTION...]: check_headers.sh passes a clean tree and finds each
-# planted fault.
+# check_headers_selftest.sh COMPILER [OPTION...]: tests that check_headers.sh accepts a clean tree
+# and finds each planted fault.
 set -eu
 here=$(dirname "$(readlink -f "$0")")
 tree=$(mktemp -d)

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# check_includes_selftest.sh: check_includes.sh passes a clean tree and finds each planted fault.
+# check_includes_selftest.sh: tests that check_includes.sh accepts a clean tree and finds each
+# planted fault.
 set -eu
 here=$(dirname "$(readlink -f "$0")")
 tree=$(mktemp -d)

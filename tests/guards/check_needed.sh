@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# check_needed.sh PROGRAM: tells every shared library that PROGRAM needs beyond the C and C++
-# standard libraries, and fails if there is one.
+# check_needed.sh PROGRAM: fails if PROGRAM needs a shared library other than the C and C++ standard
+# libraries, and names it.
 set -eu
 needed=$(LC_ALL=C readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
 if [ -z "$needed" ]; then

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# core_properties_selftest.sh CMAKE ROOT: configuring a tree passes with a clean core and fails, and
-# says why, with each fault planted into it.
+# core_properties_selftest.sh CMAKE ROOT: tests that configuring a tree succeeds with a clean core,
+# and fails with the reason for each planted fault.
 set -eu
 cmake=$1
 root=$2

@@ -1,3 +1,3 @@
-// Linked with the whole archive of the core, so that all that any part of it needs of the system
-// shows in what this program needs.
+// Linked with the whole archive of the core, so that this program needs every library that any part
+// of the core needs.
 int main() {}

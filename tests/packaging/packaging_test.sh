@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# packaging_test.sh CHECK ARGUMENT...: runs one check of what is installed beside the program. Exit
-# status 77: the tool for it is not installed.
+# packaging_test.sh CHECK ARGUMENT...: runs one check of the packaging. Exit status 77: its tool is
+# not installed.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 
@@ -35,7 +35,8 @@ manualIsWellFormed() {
     [ -z "$found" ] || fail "$found"
 }
 
-# Long options and commands, one per line, each once.
+# optionsIn, commandsIn: print the long options and the commands in standard input, one per line,
+# without duplicates.
 optionsIn() {
     grep -oE -- '--[a-z][a-z0-9-]+' | sort -u
 }
@@ -56,7 +57,7 @@ manualAndHelpAgree() {
         <(sed -n '/^Usage/,$p' <<<"$help" | commandsIn) || fail "the commands differ"
 }
 
-# Mnemonics, with Alt, are visible in the window itself.
+# Skips shortcuts with Alt, which are visible in the window.
 manualNamesEveryKey() {
     local keys key
     keys=$(sed -n '/name="shortcut"/,/<\/property>/s/.*<string>\(.*\)<\/string>.*/\1/p' "$2" | grep -v '^Alt')
@@ -87,7 +88,7 @@ installIsComplete() {
         [ -s "$prefix/$file" ] || fail "$file is not installed"
     done
     "$prefix/bin/vistrane" --version >/dev/null || fail "the installed program does not run"
-    # The entries must name what was installed.
+    # The entries must name the installed files.
     grep -qx 'Exec=vistrane %f' "$prefix/share/applications/vistrane.desktop" ||
         fail "the desktop entry starts something else"
     grep -qx 'Icon=vistrane' "$prefix/share/applications/vistrane.desktop" ||

@@ -18,7 +18,7 @@ TEST(ShownText, ReplacesEachControlCharacter) {
     EXPECT_EQ(shownText("a\nb\tc\r"), "a" REPLACED "b" REPLACED "c" REPLACED);
     EXPECT_EQ(shownText("\x1b[2J\x7f"), REPLACED "[2J" REPLACED);
     EXPECT_EQ(shownText(std::string("a\0b", 3)), "a" REPLACED "b");
-    // The control characters of the upper half, the one that begins a terminal's command included.
+    // The C1 control characters, including the one that starts a terminal command.
     EXPECT_EQ(shownText("\xC2\x80\xC2\x9B\xC2\x9F"), REPLACED REPLACED REPLACED);
 }
 

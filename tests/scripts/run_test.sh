@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# run_test.sh ROOT: what ./run promises its caller, seen with a small program in the program's place.
+# run_test.sh ROOT: tests the interface of ./run, with a small program instead of the real one.
 set -u
 root=$1
 work=$(mktemp -d)

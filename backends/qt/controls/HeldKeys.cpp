@@ -30,7 +30,7 @@ HeldKeys::HeldKeys(QWidget& window) : QObject(&window), window_(window) {
 
 bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
-        // Propagates to the window before shortcuts are matched.
+        // Sent to the window before shortcuts are matched.
         isRepeatedShortcut_ = static_cast<QKeyEvent*>(event)->isAutoRepeat();
     } else if (watched != &window_ && event->type() == QEvent::Shortcut && isRepeatedShortcut_) {
         return true;

@@ -5,18 +5,19 @@
 
 namespace vistrane {
 
-/// Keeps a held key from pressing a button of the window more than once: auto-repeat must not stop
-/// what the first press started.
+/// Prevents a held key from pressing a button more than once: auto-repeat must not stop what the
+/// first press has started.
 class HeldKeys final : public QObject {
 public:
-    /// For the window and the buttons that it has now; owned by the window.
+    /// Applies to the window and its current buttons. Owned by the window.
     explicit HeldKeys(QWidget& window);
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     QWidget& window_;
-    /// The event that a button gets for its shortcut does not tell.
+    /// Whether the last shortcut was an auto-repeat. The event that a button gets for its shortcut
+    /// does not say so.
     bool isRepeatedShortcut_ = false;
 };
 

@@ -28,8 +28,8 @@ bool isRightToLeft(char32_t character) {
     }
 }
 
-/// A path reads from left to right in every language. One that does so anyway is not marked: most
-/// fonts lack the marks, so that all other fonts would be searched for them.
+/// Makes the path read from left to right, as paths do in every language. Adds no marks if it does
+/// so anyway: most fonts lack them, so all other fonts would be searched.
 QString isolated(const QString& path, Qt::LayoutDirection around) {
     const auto characters = path.toUcs4();
     const bool readsByItself = around == Qt::LeftToRight &&
@@ -37,7 +37,7 @@ QString isolated(const QString& path, Qt::LayoutDirection around) {
     return readsByItself ? path : QChar(0x2066) + path + QChar(0x2069);
 }
 
-/// A tool tip interprets text that looks like markup.
+/// Escapes the text, because a tool tip interprets markup.
 QString tipOf(const QString& path) {
     return Qt::mightBeRichText(path)
                ? QStringLiteral("<p style='white-space:pre'>%1</p>").arg(path.toHtmlEscaped())
@@ -47,7 +47,7 @@ QString tipOf(const QString& path) {
 } // namespace
 
 QSize PathButton::sizeHint() const {
-    // A long path must not widen the window; the layout gives the button what room there is.
+    // A long path must not widen the window: the layout gives the button the remaining room.
     constexpr int width = 240;
     return QPushButton::sizeHint().boundedTo(QSize(width, QWIDGETSIZE_MAX));
 }

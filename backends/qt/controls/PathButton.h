@@ -4,8 +4,8 @@
 
 namespace vistrane {
 
-/// A push button whose text may be longer than the button: its middle is left out, and the tool
-/// tip shows it whole.
+/// A push button for long texts: the middle of the text is elided, and the tool tip shows all of
+/// it.
 class PathButton : public QPushButton {
 public:
     using QPushButton::QPushButton;

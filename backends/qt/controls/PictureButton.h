@@ -4,8 +4,8 @@
 
 namespace vistrane {
 
-/// A button that shows a picture and no frame. It draws its own ring for the keyboard focus,
-/// because that of the style is barely visible on dark colours.
+/// A button that shows a picture without a frame. It draws its own focus ring, because the style's
+/// is barely visible on dark colours.
 class PictureButton : public QToolButton {
 public:
     using QToolButton::QToolButton;

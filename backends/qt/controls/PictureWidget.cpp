@@ -16,7 +16,7 @@ namespace {
 
 constexpr double cornerRadius = 6.0;
 
-/// Null when the file is damaged.
+/// Null if the file is damaged.
 QImage decoded(const PictureSource& source) {
     const PictureShape& shape = source.shape();
     constexpr auto most = static_cast<std::uint32_t>(std::numeric_limits<int>::max());
@@ -43,13 +43,13 @@ std::size_t number(int side) {
     return static_cast<std::size_t>(side);
 }
 
-/// Whether it can be scaled down to `size`, which is at least 1 x 1, while it is decoded.
+/// Whether the picture can be scaled down to `size`, which is at least 1 x 1, while it is decoded.
 bool canBeMadeSmaller(const PictureShape& shape, QSize size) {
     return !shape.mayBeTransparent && number(size.width()) <= shape.width &&
            number(size.height()) <= shape.height;
 }
 
-/// Null when the file is damaged.
+/// Null if the file is damaged.
 QImage madeSmaller(const PictureSource& source, QSize size) {
     QImage pixels(size, QImage::Format_RGB32);
     if (pixels.isNull() || source.readSmaller(number(size.width()), number(size.height()),
@@ -83,7 +83,7 @@ QImage scaled(const QImage& image, QSize size) {
     if (isSmaller && image.format() == QImage::Format_RGBX8888) {
         return madeSmaller(image, size);
     }
-    // A format that is painted without conversion.
+    // This format is painted without conversion.
     return image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
         .convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
                                                  : QImage::Format_RGB32);
@@ -166,7 +166,7 @@ void PictureWidget::paintEvent(QPaintEvent*) {
     }
 }
 
-/// Where the picture is.
+/// The area of the picture.
 QRect PictureWidget::place() const {
     QRectF place(QPointF(), shape_.scaled(size(), Qt::KeepAspectRatio));
     place.moveCenter(QRectF(rect()).center());
@@ -183,7 +183,7 @@ void PictureWidget::decode() {
     } else if (const auto* const resource = dynamic_cast<const QtImage*>(picture_.get())) {
         pixels_ = std::get<QImage>(resource->picture());
     }
-    // A damaged file is not read again either.
+    // Also set for a damaged file, so that it is not read again.
     picture_.reset();
 }
 

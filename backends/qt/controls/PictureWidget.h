@@ -12,26 +12,24 @@
 
 namespace vistrane {
 
-/// A place for one picture, fitted into it with its aspect ratio kept, and centred. Main thread
-/// only.
+/// Shows one picture, scaled to fit and centred. Main thread only.
 ///
-/// A picture file is decoded once, when it is first painted, and scaled once for each size and
-/// scale of the screen. A large one is scaled down while it is decoded, so that memory never holds
-/// all its pixels. It is decoded again, in full, when another size is needed. A damaged one shows
-/// as none.
+/// A picture file is decoded when it is first painted, and scaled once for each size and screen
+/// scale. A large picture is scaled down while it is decoded, so memory never holds all its pixels.
+/// If another size is needed, it is decoded again, in full. For a damaged file nothing is shown.
 class PictureWidget : public QWidget {
 public:
     explicit PictureWidget(QWidget* parent = nullptr);
 
-    /// Without a color the place is transparent.
+    /// Without a colour the background is transparent.
     void setBackground(std::optional<QColor> color);
 
-    /// Null empties the place.
+    /// Null removes the picture.
     void setPicture(std::shared_ptr<NSImage> picture);
-    /// Moving pictures: each replaces the last one, painted or not.
+    /// For moving pictures: each replaces the last one, even if that was not painted yet.
     void setFrame(QImage frame);
 
-    /// Called with true when the place becomes visible, with false when it is hidden.
+    /// Called with true when the widget becomes visible, with false when it is hidden.
     void setVisibilityHandler(std::function<void(bool)> handler);
 
     QSize sizeHint() const override { return preferredSize_; }
@@ -51,10 +49,10 @@ private:
     void paintHint(QPainter& painter) const;
 
     std::optional<QColor> background_;
-    /// Reset once it is decoded in full. Vector pictures are kept.
+    /// Reset once the picture is decoded in full. Kept for vector pictures.
     std::shared_ptr<NSImage> picture_;
     bool isMovingPicture_ = false;
-    /// There has been a picture, even an unreadable one: the hint is not shown again.
+    /// Whether there has been a picture, even an unreadable one. The hint is then not shown again.
     bool isInUse_ = false;
     QSizeF shape_;
     QImage pixels_;

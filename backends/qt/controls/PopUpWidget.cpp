@@ -22,7 +22,7 @@ void PopUpWidget::keyPressEvent(QKeyEvent* event) {
         }
         break;
     default:
-        // Letters would search the closed list.
+        // Letters would select items of the closed list.
         event->ignore();
     }
 }

@@ -4,8 +4,8 @@
 
 namespace vistrane {
 
-/// A list that has to be opened to pick an item: neither the wheel nor a key changes the selection
-/// of the closed list, because each change takes effect at once.
+/// A list that must be opened to select an item: neither the wheel nor a key changes the selection
+/// of the closed list, because each change takes effect immediately.
 class PopUpWidget : public QComboBox {
 public:
     using QComboBox::QComboBox;

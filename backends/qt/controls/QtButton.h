@@ -14,24 +14,24 @@
 
 namespace vistrane {
 
-/// A button on a widget. The title is kept byte for byte beside the text that is shown.
+/// A button on a widget. Keeps the title byte for byte in addition to the text that is shown.
 ///
-/// The state of a checkable button is what the user sees. That of any other button is only kept:
-/// the program sets it on at each click, and the button must not keep looking pressed.
+/// A checkable button shows its state. Other buttons only store it: the program sets it on at each
+/// click, and the button must not keep looking pressed.
 ///
-/// The widget's initial shortcut works with every title. When it comes from a mnemonic in the
-/// widget's text, the same letter is underlined in each title that has it.
+/// The widget's initial shortcut works with every title. If it comes from a mnemonic in the
+/// widget's text, the same letter is underlined in each title that contains it.
 class QtButton final : public NSButton {
 public:
-    /// Takes the title and state that the widget has.
+    /// Takes over the widget's title and state.
     explicit QtButton(QAbstractButton& widget);
 
     std::string title() const override { return title_; }
     void setTitle(const std::string& title) override;
     NSInteger state() const override;
     void setState(NSInteger state) override;
-    /// Any thread. When called on another thread than the main one, the widget follows later, but a
-    /// disabled button stops sending its action at once.
+    /// Any thread. On a thread other than the main thread, the widget changes later, but a disabled
+    /// button stops sending its action immediately.
     void setEnabled(bool enabled) override;
     void setImage(std::shared_ptr<NSImage> image) override;
     /// Shown while the button is pressed.
@@ -45,7 +45,7 @@ private:
 
     QPointer<QAbstractButton> widget_;
     QKeySequence shortcut_;
-    /// Null without a mnemonic.
+    /// Null if there is no mnemonic.
     QChar mnemonic_;
     std::string title_;
     NSInteger state_;
@@ -53,7 +53,7 @@ private:
     std::shared_ptr<NSImage> image_;
     std::shared_ptr<NSImage> alternateImage_;
     Action action_;
-    /// Lives in the main thread; receives calls from other threads.
+    /// Lives in the main thread and receives calls from other threads.
     QObject mainThread_;
 };
 

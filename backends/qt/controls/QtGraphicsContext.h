@@ -11,13 +11,12 @@ namespace vistrane {
 /// The graphics context of a widget while it is painted. Must not outlive the painter.
 class QtGraphicsContext final : public NSGraphicsContext {
 public:
-    /// The context's origin is the bottom left corner of `height` points.
+    /// The context is `height` points high. Its origin is the bottom left corner.
     QtGraphicsContext(QPainter& painter, double height) : painter_(painter), height_(height) {}
 
     QPainter& painter() const { return painter_; }
 
-    /// Conversions from the context's coordinates to the painter's, which begin at the top, and
-    /// back.
+    /// Convert between the context's coordinates and the painter's, whose origin is at the top.
     QRectF fromBottomLeft(const NSRect& rect) const {
         return {rect.origin.x, height_ - rect.origin.y - rect.size.height, rect.size.width,
                 rect.size.height};

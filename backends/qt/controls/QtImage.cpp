@@ -13,7 +13,7 @@ namespace vistrane {
 
 namespace {
 
-/// Of the icon of a disabled control.
+/// The opacity of the icon of a disabled control.
 constexpr double disabledOpacity = 0.35;
 
 class PictureIconEngine final : public QIconEngine {

@@ -14,20 +14,20 @@ class QPainter;
 
 namespace vistrane {
 
-/// A picture of the program's resources, made of vectors, which are drawn at any size, or of
-/// pixels. Main thread only.
+/// A picture of the program's resources: vectors, which are drawn at any size, or pixels. Main
+/// thread only.
 class QtImage final : public NSImage {
 public:
-    /// Valid vectors, or pixels.
+    /// Either holds valid data.
     using Picture = std::variant<std::shared_ptr<QSvgRenderer>, QImage>;
 
     explicit QtImage(Picture picture) : picture_(std::move(picture)) {}
 
     NSSize size() const override;
-    /// Null: these pictures are only drawn.
+    /// Null, because these pictures are only drawn.
     std::shared_ptr<NSData> TIFFRepresentation() const override { return nullptr; }
 
-    // Both draw into a current context that is a `QtGraphicsContext`, and nowhere else.
+    // Both draw only if the current context is a `QtGraphicsContext`.
     void drawAtPoint(NSPoint point, NSRect fromRect, NSCompositingOperation operation,
                      double fraction) const override;
     void drawInRect(NSRect rect, NSRect fromRect, NSCompositingOperation operation,
@@ -42,8 +42,8 @@ private:
     Picture picture_;
 };
 
-/// An icon that keeps the aspect ratio and is sharp at every size and scale. Empty for a picture
-/// that is no `QtImage`.
+/// An icon that keeps the aspect ratio and is sharp at every size and scale. Empty if the picture
+/// is not a `QtImage`.
 QIcon iconOf(const NSImage& image);
 
 } // namespace vistrane

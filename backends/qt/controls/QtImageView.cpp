@@ -6,7 +6,7 @@ namespace vistrane {
 
 namespace {
 
-/// A copy: the camera reuses its memory.
+/// A copy, because the camera reuses its memory.
 QImage copyOf(const PreviewPicture& picture) {
     if (!picture.pixels) {
         return {};
@@ -49,7 +49,7 @@ void QtLayer::addSublayer(std::shared_ptr<CALayer> layer) {
 void QtLayer::showPreview(bool isSeen) {
     if (!isSeen) {
         preview_->setPictureHandler(nullptr);
-        // The last picture would be outdated when the place is shown again.
+        // Removes the last picture, which would be outdated when the widget is shown again.
         place_->setFrame({});
         return;
     }

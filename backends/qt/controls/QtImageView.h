@@ -15,8 +15,8 @@ namespace vistrane {
 
 class MediaPreviewLayer;
 
-/// The layer of a view. Its background is the place's own; of the layers in it only a camera's
-/// live preview is shown; it fills the place. It requests pictures only while it is visible.
+/// The layer of a view. Its background is the widget's. Of its sublayers, only a camera's live
+/// preview is shown, filling the widget. Requests pictures only while it is visible.
 class QtLayer final : public CALayer {
 public:
     explicit QtLayer(PictureWidget& place);
@@ -34,7 +34,7 @@ private:
     std::shared_ptr<MediaPreviewLayer> preview_;
 };
 
-/// A view on a widget that outlives it; serves as a view without a picture as well.
+/// A view on a widget that outlives it. Also used for views without a picture.
 class QtImageView final : public NSImageView {
 public:
     explicit QtImageView(PictureWidget& place) : place_(place) {}
@@ -45,7 +45,7 @@ public:
     void setNeedsDisplay(bool needed) override;
     void setImage(std::shared_ptr<NSImage> image) override;
 
-    /// For an alert that borrows the view.
+    /// The widget, for an alert that borrows the view.
     PictureWidget& widget() const { return place_; }
 
 private:
@@ -53,7 +53,7 @@ private:
     std::shared_ptr<QtLayer> layer_;
 };
 
-/// The widget of a view of an interface file; null for any other view.
+/// The widget of a view from an interface file; null for any other view.
 QWidget* widgetOf(NSView& view);
 
 } // namespace vistrane

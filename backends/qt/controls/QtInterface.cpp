@@ -36,7 +36,7 @@ namespace {
 constexpr char controllerName[] = "AppDelegate";
 constexpr char panelName[] = "mantisQRXpanel";
 
-/// Keeps a menu item enabled when a button is, and only then.
+/// Keeps a menu item enabled exactly while a button is.
 class EnabledFollower final : public QObject {
 public:
     EnabledFollower(QAction& item, const QWidget& button) : QObject(&item), item_(item) {
@@ -54,8 +54,8 @@ private:
     QAction& item_;
 };
 
-/// Calls `function` when a menu item is chosen, but not while a dialog is open: a desktop that
-/// draws the menu itself does not know that the dialog blocks it.
+/// Calls `function` when a menu item is chosen, unless a dialog is open: a desktop that draws the
+/// menu itself does not know that the dialog blocks it.
 template <typename Function>
 void whenChosen(QAction& item, QObject& receiver, Function function) {
     QObject::connect(&item, &QAction::triggered, &receiver, [function = std::move(function)] {
@@ -65,7 +65,7 @@ void whenChosen(QAction& item, QObject& receiver, Function function) {
     });
 }
 
-/// Centres a window on the main one when it is first shown, within the screen.
+/// Centres a window on the main window when it is first shown, within the screen.
 class FirstPlace final : public QObject {
 public:
     FirstPlace(QWidget& window, const QWidget& mainWindow)
@@ -103,7 +103,7 @@ public:
     Windows();
 
     QMainWindow mainWindow;
-    // Not children of the main window: a window manager would hide and show them together with it.
+    // Not children of the main window, because a window manager would hide and show them together.
     QWidget infoPanel;
     QWidget tipsWindow;
     QWidget autostartForm;
@@ -153,7 +153,7 @@ void QtInterface::Windows::fillMenus() {
     contextMenu.addSeparator();
     contextSubmenuItem = contextMenu.addAction(submenuTitle);
 
-    // Queued: quitting from a nested loop ends that loop first.
+    // Queued, because quitting from a nested loop must end that loop first.
     QObject::connect(mainFile_.quitItem, &QAction::triggered, qApp, &QCoreApplication::quit,
                      Qt::QueuedConnection);
     QWidget* const central = mainFile_.centralWidget;
@@ -163,7 +163,7 @@ void QtInterface::Windows::fillMenus() {
         [this, central](const QPoint& place) { contextMenu.popup(central->mapToGlobal(place)); });
 }
 
-/// Builds the controls of the widgets and connects them with the objects.
+/// Creates the controls of the widgets and connects them with the objects.
 class QtInterface::Connector {
 public:
     Connector(Windows& windows, const QtResources& resources);
@@ -196,7 +196,7 @@ QtInterface::Connector::Connector(Windows& windows, const QtResources& resources
     addForm(panel, windows.infoPanel);
     addForm(panel, windows.tipsWindow);
     addForm(panel, windows.autostartForm);
-    // The panel shows the version in the main window's title.
+    // The panel puts the version into the main window's title.
     panel.addOutlet("myWindow", controlWindows_.at("myWindow"));
     panel.setPanelWindow(controlWindows_.at("infoPanel"));
     addMenus();
@@ -208,7 +208,7 @@ void QtInterface::Connector::addForm(QtNib& nib, QWidget& root) {
     controlWindows_[name] = window;
     nib.addOutlet(name, window);
     for (QWidget* widget : root.findChildren<QWidget*>()) {
-        // Windows of this one are forms of their own.
+        // Windows inside this one are separate forms.
         if (!widget->objectName().isEmpty() && widget->window() == &root) {
             addWidget(nib, *widget, *window);
         }
@@ -273,7 +273,7 @@ void QtInterface::Connector::addSender(const QObject& widget, const QtNib::Conne
     if (selector.isEmpty()) {
         return;
     }
-    // Whichever object has such an action receives it.
+    // The object that has the action receives it.
     for (auto& [name, nib] : nibs_) {
         nib.addSender(selector.toStdString(), connect);
     }
@@ -305,7 +305,7 @@ void QtInterface::Connector::addMenuAction(QAction& item) {
         whenChosen(item, window->widget(), [window] { window->makeKeyAndOrderFront(nullptr); });
     }
     addSender(item, [&item](const NSAction& action) {
-        // No action of the program uses the sender of a menu item.
+        // A null sender: no action of the program uses it.
         whenChosen(item, item, [action] { action(nullptr); });
     });
 }

@@ -12,11 +12,11 @@
 
 namespace vistrane {
 
-/// The interface files, loaded: the windows with their controls and menus, none of them shown yet.
-/// Main thread only. Needs the QApplication, and outlives the objects that it connects.
+/// The loaded interface files: the windows with their controls and menus, initially hidden. Main
+/// thread only. Needs the QApplication, and outlives the objects that it connects.
 ///
-/// An outlet is the control of that object name. What a control or a menu item sends is its
-/// property "action", a selector. Further properties:
+/// An outlet is the control with that object name. The property "action" is the selector that a
+/// control or menu item sends. Further properties:
 ///
 ///     clicks        menu item: clicks the button of that name instead, and is enabled with it
 ///     opens         menu item: shows the window of that name
@@ -35,20 +35,20 @@ public:
     QtInterface(const QtInterface&) = delete;
     QtInterface& operator=(const QtInterface&) = delete;
 
-    /// What there is for "AppDelegate" or "mantisQRXpanel". No other names.
+    /// The nib of "AppDelegate" or "mantisQRXpanel". There are no others.
     NSNib& nib(const std::string& objectName);
 
     QWidget& mainWindow();
-    /// The main window, the info panel and the tips. They are independent: the latter two stay on
-    /// the screen while the main window is minimised. They first appear centred on it.
+    /// The main window, the info panel and the tips. The latter two are independent windows, which
+    /// stay visible while the main window is minimised. They first appear centred on it.
     std::vector<QWidget*> windows();
 
-    /// Delays showing the small windows, which the objects may request while they awake.
+    /// Delays showing the small windows, which `awakeFromNib` of the objects may request.
     void holdSmallWindows();
-    /// Shows those that were requested, in front of the main window.
+    /// Shows the requested ones, in front of the main window.
     void releaseSmallWindows();
 
-    /// Of the icon in the desktop's status area.
+    /// The menu of the icon in the desktop's status area.
     QMenu& statusMenu();
 
 private:

@@ -12,19 +12,19 @@ namespace vistrane {
 class QtSlider;
 class QtWindow;
 
-/// The interface files as one of their objects sees them: which control an outlet means, and which
-/// controls send an action. Main thread only.
+/// The interface files from the view of one object: the controls of its outlets, and the senders of
+/// its actions. Main thread only.
 class QtNib final : public NibOutlets {
 public:
     using Connection = std::function<void(const NSAction&)>;
 
-    /// Calls `connect` with the action of that selector when the object offers it.
+    /// Calls `connect` with the action of that selector when the object registers it.
     void addSender(const std::string& selector, Connection connect);
 
-    /// A slider that draws itself through a cell of that class.
+    /// Adds a slider that is drawn by a cell of that class.
     void addCellSlider(const std::string& className, std::shared_ptr<QtSlider> slider);
 
-    /// The window of an object that is a panel itself.
+    /// The window of an object that is itself a panel.
     void setPanelWindow(std::shared_ptr<QtWindow> window);
 
     void window(NSPanel& panel) override;

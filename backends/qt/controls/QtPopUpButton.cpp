@@ -8,7 +8,7 @@ namespace vistrane {
 
 QtPopUpButton::QtPopUpButton(PopUpWidget& widget) : widget_(widget) {
     widget.clear();
-    // Emitted for every pick, also of the item that is selected already.
+    // Emitted for every selection, even of the item that is already selected.
     QObject::connect(&widget, &QComboBox::activated, &connections_,
                      [this](int) { action_.send(this); });
 }

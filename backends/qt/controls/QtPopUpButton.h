@@ -12,9 +12,8 @@
 
 namespace vistrane {
 
-/// A list of titles, kept byte for byte, on a widget that outlives it. Picking an item sends the
-/// action, also when it is the selected one. The selection stays with its title when the items
-/// move.
+/// A list of titles, kept byte for byte, on a widget that outlives it. Selecting an item sends the
+/// action, even if it is already selected. The selection follows its title when the items move.
 class QtPopUpButton final : public NSPopUpButton {
 public:
     explicit QtPopUpButton(PopUpWidget& widget);

@@ -9,7 +9,7 @@
 
 namespace vistrane {
 
-/// A bar on a widget that outlives it. An empty range shows as an empty bar.
+/// A bar on a widget that outlives it. The bar of an empty range is empty.
 class QtProgressIndicator final : public NSProgressIndicator {
 public:
     explicit QtProgressIndicator(QProgressBar& widget) : widget_(widget) {
@@ -30,7 +30,7 @@ private:
     static constexpr int steps = 1000;
 
     void show() {
-        // The bar is full at the maximum and not before, however near the value is.
+        // The bar is full only at the maximum, however close the value is.
         const double part = std::floor(std::min(value_, maximum_) * steps / maximum_);
         // The comparison is false for NaN.
         widget_.setValue(maximum_ > 0.0 && part > 0.0

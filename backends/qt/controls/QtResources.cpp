@@ -11,7 +11,7 @@
 
 #include "backends/qt/controls/QtImage.h"
 
-// The macro must be used outside of every namespace. Without it the linker would drop the pictures
+// Outside of any namespace, as the macro requires. Without it the linker would drop the pictures
 // from the static library.
 static void registerPictures() {
     Q_INIT_RESOURCE(interface);
@@ -26,7 +26,7 @@ const QString& folder() {
     return path;
 }
 
-/// The resource's path; empty when there is none.
+/// The resource's path; empty if there is none.
 QString pathOf(const QString& name) {
     if (name.isEmpty() || name.contains(u'/')) {
         return {};

@@ -7,8 +7,8 @@
 
 namespace vistrane {
 
-/// The pictures of the folder frontends/window/interface/pictures, which are part of the program.
-/// Main thread only.
+/// The pictures of frontends/window/interface/pictures, which are built into the program. Main
+/// thread only.
 ///
 /// A name may have an extension, which need not be that of the file: "play1" and "tip1.png" may
 /// both be vector files.
@@ -16,7 +16,7 @@ class QtResources {
 public:
     QtResources();
 
-    /// Null when there is no such picture, or when it is damaged.
+    /// Null if there is no such picture, or if it is damaged.
     std::shared_ptr<NSImage> imageNamed(const std::string& name) const;
 };
 

@@ -10,7 +10,7 @@ namespace vistrane {
 
 namespace {
 
-/// Within what the widget can count, a page step beyond it included.
+/// The widget's positions, limited so that a page step beyond the range does not overflow.
 int position(double value) {
     constexpr double most = std::numeric_limits<int>::max() >> 2;
     return static_cast<int>(std::clamp(value, -most, most));
@@ -45,7 +45,7 @@ void QtSlider::setIntegerValue(NSInteger value) {
 }
 
 void QtSlider::show() {
-    // Only the user's moves send the action.
+    // Only moves by the user send the action.
     const QSignalBlocker blocker(widget_);
     const int first = position(std::round(value_.minimum()));
     const int last =

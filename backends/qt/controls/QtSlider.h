@@ -13,11 +13,10 @@
 namespace vistrane {
 
 /// A slider on a widget that outlives it. The program may set any value of the range; the user
-/// moves in whole steps from the minimum. A press of the mouse sends the action, moved or not, and
-/// so does each move.
+/// moves in whole steps from the minimum. Each mouse press and each move sends the action.
 class QtSlider final : public NSSlider {
 public:
-    /// Takes the range and value that the widget has.
+    /// Takes over the widget's range and value.
     explicit QtSlider(SliderWidget& widget);
     ~QtSlider() override;
     QtSlider(const QtSlider&) = delete;

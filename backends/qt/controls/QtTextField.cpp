@@ -33,7 +33,7 @@ void QtText::setIntegerValue(NSInteger value) {
 }
 
 QtLabel::QtLabel(QLabel& widget) : QtText(widget, widget.text()), widget_(widget) {
-    // The program's texts are never markup.
+    // Never interpret the program's texts as markup.
     widget.setTextFormat(Qt::PlainText);
 }
 
@@ -55,7 +55,7 @@ QtTextField::QtTextField(QLineEdit& widget) : QtText(widget, widget.text()), wid
 }
 
 void QtTextField::endEditing() {
-    // Reset first: the action may end the edit of every field.
+    // Reset first, because the action may end editing in every field.
     if (std::exchange(isEdited_, false)) {
         action_.send(this);
     }

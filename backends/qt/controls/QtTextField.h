@@ -12,7 +12,7 @@
 
 namespace vistrane {
 
-/// A text on a widget that outlives it, kept byte for byte beside what is shown.
+/// A text on a widget that outlives it. Keeps the text byte for byte in addition to what is shown.
 class QtText : public NSTextField {
 public:
     void setNeedsDisplay(bool needed) override;
@@ -47,15 +47,15 @@ private:
     QLabel& widget_;
 };
 
-/// A line that the user edits. Typing changes the field's value at once. Enter sends the action,
-/// and so does losing the focus after an edit. Setting a value discards the edit.
+/// A line that the user edits. Typing changes the field's value immediately. Enter, or losing the
+/// focus after an edit, sends the action. Setting a value discards the edit.
 class QtTextField final : public QtText {
 public:
     explicit QtTextField(QLineEdit& widget);
 
     void setAction(NSAction action) { action_.set(std::move(action)); }
 
-    /// Sends the action if the user was editing.
+    /// Sends the action if the user has edited the text.
     void endEditing();
 
 protected:

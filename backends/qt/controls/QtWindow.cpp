@@ -40,7 +40,7 @@ void QtWindow::takeFocus() {
         noControl_ = new QWidget(&widget_);
         noControl_->setFocusPolicy(Qt::ClickFocus);
         noControl_->resize(1, 1);
-        // Behind all controls, where the mouse does not reach it.
+        // Behind all controls, where the mouse cannot reach it.
         noControl_->lower();
         noControl_->show();
     }

@@ -16,30 +16,31 @@
 
 namespace vistrane {
 
-/// A window on a widget that outlives it, with the controls that can have its keyboard focus.
+/// A window on a widget that outlives it, and the controls that can have its keyboard focus.
 class QtWindow final : public NSWindow, private QObject {
 public:
     explicit QtWindow(QWidget& widget);
 
-    /// `widget` is the control's own, in this window.
+    /// `widget` is the control's widget in this window.
     void addControl(const NSObject& control, QWidget& widget) { controls_[&control] = &widget; }
-    /// A control, added before or after, whose edit the window ends.
+    /// A control whose editing the window ends. Add it before or after `addControl`.
     void addField(std::shared_ptr<QtTextField> field) { fields_.push_back(std::move(field)); }
 
-    /// Ends the edit of every other field and gives the focus to the control; false when the
-    /// window has no such control. With null no control has the focus, so that typing changes no
-    /// field. The tab key then continues from the control that had it.
+    /// Ends editing in every other field and gives the focus to the control. Returns false if the
+    /// window has no such control. With null, no control has the focus, so that typing changes no
+    /// field; the tab key continues from the control that had it.
     bool makeFirstResponder(NSObject* responder) override;
-    /// Shows the window, also when it is minimised. While it is held back, it is shown later.
+    /// Shows the window, even if it is minimised. While showing is delayed, it appears later.
     void makeKeyAndOrderFront(NSObject* sender) override;
     void setTitle(const std::string& title) override;
-    /// Title bars belong to the window manager.
+    /// Does nothing: title bars belong to the window manager.
     void setTitlebarAppearsTransparent(bool) override {}
 
     /// Sent to the window's delegate whenever the window closes.
     void setWillCloseAction(NSAction action) { willClose_.set(std::move(action)); }
 
-    /// When it is released, it is shown if that was requested meanwhile.
+    /// Delays showing the window. At the end of the delay, it is shown if that was requested
+    /// meanwhile.
     void setHeldBack(bool isHeldBack);
 
     QWidget& widget() const { return widget_; }
@@ -49,7 +50,7 @@ private:
     void takeFocus();
 
     QWidget& widget_;
-    /// Has the focus when no control has. The tab key skips it.
+    /// Has the focus if no control has it. The tab key skips it.
     QPointer<QWidget> noControl_;
     std::map<const NSObject*, QPointer<QWidget>> controls_;
     std::vector<std::shared_ptr<QtTextField>> fields_;

@@ -15,7 +15,7 @@ namespace vistrane {
 
 namespace {
 
-/// In points; larger than the style's knob.
+/// The size of the knob in points; larger than the style's.
 constexpr int knobSize = 20;
 
 } // namespace

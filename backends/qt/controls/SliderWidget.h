@@ -13,15 +13,15 @@ class QtGraphicsContext;
 
 /// A slider whose knob jumps to the click and follows the mouse from there.
 ///
-/// A cell, if any, draws the knob and places the tick marks, whose number is the property
-/// "numberOfTickMarks". The style draws everything else.
+/// If there is a cell, it draws the knob and places the tick marks; the property
+/// "numberOfTickMarks" is their number. The style draws everything else.
 class SliderWidget : public QSlider {
 public:
     explicit SliderWidget(QWidget* parent = nullptr);
 
     void setCell(std::shared_ptr<NSSliderCell> cell);
 
-    /// Called, instead of valueChanged(), when a mouse press does not change the value.
+    /// Called instead of valueChanged() if a mouse press does not change the value.
     void setUnmovedPressHandler(std::function<void()> handler);
 
     QSize sizeHint() const override;

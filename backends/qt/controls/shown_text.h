@@ -6,19 +6,19 @@
 
 namespace vistrane {
 
-/// A text for the screen, on one line unless `keepsLines`. Bytes that are not UTF-8 become
+/// Converts a text for the screen, to one line unless `keepsLines`. Bytes that are not UTF-8 become
 /// replacement characters, control characters become blanks.
 QString shownText(const std::string& bytes, bool keepsLines = false);
 
-// Controls take "&" in a text for the mark of a mnemonic, and "&&" for an ampersand.
+// In a control's text "&" marks a mnemonic, and "&&" is an ampersand.
 
-/// Marks nothing in `text`.
+/// Escapes `text`, so that it has no mnemonic.
 QString withoutMnemonic(QString text);
-/// The text that is seen where `marked` is set.
+/// The text that a control shows for `marked`.
 QString withoutMarks(const QString& marked);
-/// The letter that `marked` marks, in upper case; null without one.
+/// The mnemonic of `marked`, in upper case; null if there is none.
 QChar mnemonicOf(const QString& marked);
-/// Marks the first `letter` of `text`, whatever its case, if there is one.
+/// Marks the first occurrence of `letter` in `text`, in either case, if there is one.
 QString withMnemonic(const QString& text, QChar letter);
 
 } // namespace vistrane

@@ -10,7 +10,7 @@
 
 namespace vistrane {
 
-/// Notifications that the back end posts instead of the system. Main thread only.
+/// Notifications, posted by the back end in place of the system. Main thread only.
 class NotificationCenter final : public NSDistributedNotificationCenter {
 public:
     void addObserver(std::function<void()> observer, const std::string& name) override {

@@ -6,8 +6,8 @@
 
 namespace vistrane {
 
-/// The run loop's main queue, and a global queue with one thread. The rules for destroying a
-/// `GlobalQueue` apply to this object too.
+/// The run loop's main queue, and a global queue with one thread. Destroy it by the rules of
+/// `GlobalQueue`.
 class QtDispatch final : public Dispatch {
 public:
     explicit QtDispatch(QtRunLoop& loop) : loop_(loop) {}

@@ -13,7 +13,7 @@ namespace vistrane {
 /// The Foundation kit of both front ends. The arguments of its constructor outlive it.
 class QtFoundation final : public PosixFoundation {
 public:
-    /// `log` takes one message without a line end, on any thread, and returns at once.
+    /// `log` gets one message without a newline, on any thread, and must return immediately.
     QtFoundation(QtRunLoop& loop, NSUserDefaults& defaults, NotificationCenter& notificationCenter,
                  std::function<void(const std::string&)> log, const std::string& version)
         : PosixFoundation(version), loop_(loop), defaults_(defaults),

@@ -13,8 +13,8 @@ namespace vistrane {
 
 namespace {
 
-/// A Qt timer counts milliseconds in an int, which is too short for the longest interval. A date
-/// that is further away than this is checked again after an hour.
+/// A Qt timer counts milliseconds in an int, which is too small for the longest interval. For a
+/// date further away than this, the timer fires after an hour and starts again.
 constexpr int longestAlarm = 3600 * 1000;
 
 } // namespace
@@ -56,7 +56,7 @@ bool QtRunLoop::hasNothingToWaitFor() const {
 void QtRunLoop::customEvent(QEvent*) {
     mainQueue_.awake();
     if (mainQueue_.size() > 1) {
-        // The first item may run the loop. The other items must then run in that nested loop.
+        // The first item may run a nested loop, in which the other items must then run.
         mainQueue_.wake();
     }
     mainQueue_.runWaiting();

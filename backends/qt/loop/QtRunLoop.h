@@ -16,7 +16,7 @@
 
 namespace vistrane {
 
-/// The main thread's run loop, on Qt's event loop. Whatever runs that loop (the application,
+/// The main thread's run loop, on Qt's event loop. Everything that runs that loop (the application,
 /// `runUntilDate`, a modal dialog, a menu) also runs the timers and the main queue.
 ///
 /// Create it on the main thread, after the application object. All methods are for the main thread
@@ -28,7 +28,7 @@ public:
     /// Invalidates the remaining timers and discards the queued work.
     ~QtRunLoop() override;
 
-    /// Makes at least one pass over what is due.
+    /// Makes at least one pass over everything that is due.
     void runUntilDate(NSDate date) override;
 
     /// `tick` gets the timer. An interval of 0 or less counts as 0.0001 s.
@@ -38,17 +38,17 @@ public:
     /// Work for the main thread. Any thread may post to it while the run loop lives.
     DispatchQueue& mainQueue() { return mainQueue_; }
 
-    /// Whether the caller runs on the main thread. Any thread.
+    /// Whether the calling thread is the main thread. Any thread.
     bool isMainThread() const;
 
-    /// While one lives, timers do not tick: the main thread shows a modal alert or dialog.
+    /// Suspends timers while it exists, for a modal alert or dialog on the main thread.
     class ModalScope : public RunLoopTimers::ModalScope {
     public:
         explicit ModalScope(QtRunLoop& loop) : RunLoopTimers::ModalScope(loop.timers_) {}
     };
 
-    /// While one lives, `runUntilDate` also returns when no timer is scheduled and no work is
-    /// queued. Work that another thread posts later waits for the next pass.
+    /// While it exists, `runUntilDate` also returns if no timer is scheduled and no work is queued.
+    /// Work that another thread posts later waits for the next pass.
     class HurryScope {
     public:
         explicit HurryScope(QtRunLoop& loop) : loop_(loop) { loop_.isInAHurry_ = true; }
@@ -61,7 +61,7 @@ public:
     };
 
 protected:
-    /// The main queue has work.
+    /// Called when the main queue has work.
     void customEvent(QEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
 

@@ -12,8 +12,8 @@ void makeCoreApplication() {
     static char name[] = "vistrane";
     static char* arguments[] = {name, nullptr};
 
-    // QCoreApplication sets the environment's locale, which would translate system messages, and
-    // warns about one that is not UTF-8.
+    // QCoreApplication sets the locale of the environment, which would translate system messages,
+    // and warns if it is not UTF-8.
     const std::string locale = std::setlocale(LC_ALL, nullptr);
     const QtMessageHandler handler =
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});

@@ -8,12 +8,12 @@
 
 namespace vistrane {
 
-/// Reports that the user asks the window manager to close a window, also while a modal dialog
-/// blocks it: Qt drops such requests. On X11 only; elsewhere the dialog has to be answered first.
-/// Main thread only.
+/// Reports when the user asks the window manager to close a window, even while a modal dialog
+/// blocks the window: Qt drops such requests. On X11 only; elsewhere the dialog must be answered
+/// first. Main thread only.
 class CloseRequests final : public QAbstractNativeEventFilter {
 public:
-    /// `asked` is called from the event loop and may end the process.
+    /// `asked` is called from the event loop. It may end the process.
     CloseRequests(QWidget& window, std::function<void()> asked);
     ~CloseRequests() override;
 

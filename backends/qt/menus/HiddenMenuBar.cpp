@@ -18,7 +18,8 @@ void addActionsWithin(const QList<QAction*>& actions, QWidget& holder) {
     }
 }
 
-/// In a window that was never shown, isHidden() is true for every child that was not shown itself.
+/// In a window that was never shown, isHidden() is true for every child that was not shown
+/// explicitly.
 bool wasHidden(const QMenuBar& menuBar) {
     return menuBar.isHidden() && menuBar.testAttribute(Qt::WA_WState_ExplicitShowHide);
 }
@@ -32,7 +33,7 @@ HiddenMenuBar::HiddenMenuBar(QMenuBar& menuBar)
     shortcuts_->setAttribute(Qt::WA_TransparentForMouseEvents);
     addActionsWithin(menuBar.actions(), *shortcuts_);
     shortcuts_->show();
-    // A menu bar that the desktop shows elsewhere has to return to the window first.
+    // If the desktop shows the menu bar elsewhere, it must return to the window first.
     menuBar.setNativeMenuBar(false);
     menuBar.hide();
 }

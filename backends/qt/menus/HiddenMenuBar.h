@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// Hides a window's menu bar while it lives; the shortcuts of the menus keep working. Must not
+/// Hides a window's menu bar while this object exists. The menus' shortcuts keep working. Must not
 /// outlive the QApplication.
 class HiddenMenuBar {
 public:
@@ -17,15 +17,15 @@ public:
     HiddenMenuBar(const HiddenMenuBar&) = delete;
     HiddenMenuBar& operator=(const HiddenMenuBar&) = delete;
 
-    /// Null when the window is gone.
+    /// Null once the window is destroyed.
     QMenuBar* menuBar() const;
 
 private:
     QPointer<QMenuBar> menuBar_;
     bool native_;
     bool hidden_;
-    /// An empty visible widget of the window that holds the actions: the shortcuts of a hidden menu
-    /// bar do not work.
+    /// An empty visible widget that holds the actions, because the shortcuts of a hidden menu bar
+    /// do not work.
     QPointer<QWidget> shortcuts_;
 };
 

@@ -16,8 +16,8 @@ namespace vistrane {
 
 namespace {
 
-/// Marks the native windows that this class took out of the task bar. Others, which are not in it
-/// for other reasons, must not be put into it.
+/// Marks the native windows that this class took out of the task bar. Only these may be put back:
+/// others are absent for other reasons.
 constexpr const char* outOfTaskBar = "vistraneOutOfTaskBar";
 
 /// Excludes menus, tool tips, drop-down lists and the embedded window of a status icon.
@@ -116,7 +116,7 @@ bool QtApplication::eventFilter(QObject* watched, QEvent* event) {
     } else if (event->type() == QEvent::WindowActivate && watched->isWidgetType()) {
         nextActive_.clear();
     }
-    // A window manager forgets the states of a hidden window: they are set before each show.
+    // A window manager forgets the states of a hidden window, so they are set before each show.
     if ((event->type() == QEvent::Show || event->type() == QEvent::WindowStateChange) &&
         watched->isWidgetType()) {
         auto& widget = static_cast<QWidget&>(*watched);

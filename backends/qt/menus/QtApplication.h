@@ -14,34 +14,34 @@ namespace vistrane {
 
 class HiddenMenuBar;
 
-/// The program as its desktop sees it, over the QApplication, which outlives it.
+/// The program as the desktop sees it, on the QApplication, which outlives it.
 ///
 /// As an accessory the program has no menu bar and, on X11, no task-bar entry; Wayland has no
-/// request for the latter. Switching moves, resizes and restacks no window. A minimised window
-/// keeps its task-bar entry where no status icon can restore it.
+/// request for that. Switching does not move, resize or restack windows. A minimised window keeps
+/// its task-bar entry if no status icon can restore it.
 class QtApplication final : public QObject, public NSApplication {
 public:
     /// `hasStatusIcon` tells whether the desktop shows the program's status icon.
     explicit QtApplication(std::function<bool()> hasStatusIcon);
     ~QtApplication() override;
 
-    /// The window that comes to the front when the program is activated and none of its windows
-    /// is active. Null for none.
+    /// The window that comes to the front when the program is activated while none of its windows
+    /// is active. Null: none.
     void setMainWindow(QWidget* window);
 
-    /// Shows a window in front of the others, also when it is minimised, and requests the keyboard
-    /// for it. The window system answers later; until then the window counts as the active one.
+    /// Shows a window in front of the others, even if it is minimised, and requests the keyboard
+    /// focus for it. The window system answers later; until then the window counts as active.
     static void orderFront(QWidget& window);
 
-    /// Minimises each window that is shown and has a minimise button.
+    /// Minimises each visible window that has a minimise button.
     void miniaturizeAll(NSObject* sender) override;
 
-    /// Applies to windows that are shown later as well. False where the window system cannot take
-    /// windows out of the task bar; the menu bar is hidden there too.
+    /// Also applies to windows that are shown later. Returns false if the window system cannot take
+    /// windows out of the task bar; the menu bar is hidden anyway.
     bool setActivationPolicy(NSApplicationActivationPolicy policy) override;
 
     /// Brings the main window and then the active one to the front, if the window system allows it.
-    /// Minimised and hidden windows stay so. With `ignoring` off, only alerts the user.
+    /// Minimised and hidden windows stay as they are. If `ignoring` is false, only alerts the user.
     void activateIgnoringOtherApps(bool ignoring) override;
 
 protected:

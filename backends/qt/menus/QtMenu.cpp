@@ -41,7 +41,7 @@ std::shared_ptr<NSMenuItem> QtMenu::addItemWithTitle(const std::string& title, N
     }
     QAction* const entry = menu_->addAction(shownAsItIs(title));
     entry->setShortcut(shortcutFor(keyEquivalent));
-    // By default a title such as "About" moves the entry to another menu on some systems.
+    // By default, some systems move entries with titles such as "About" to another menu.
     entry->setMenuRole(QAction::NoRole);
     items_.push_back(std::make_shared<QtMenuItem>(*entry, iconMaker_, std::move(action)));
     return items_.back();

@@ -12,25 +12,25 @@
 
 namespace vistrane {
 
-/// A menu over a QMenu. Destroyed before the QApplication.
+/// A menu on a QMenu. Destroy it before the QApplication.
 class QtMenu final : public NSMenu {
 public:
     /// A new, empty menu.
     explicit QtMenu(MenuIconMaker iconMaker);
-    /// A menu of the interface file, which keeps it.
+    /// A menu of the interface file, which owns it.
     QtMenu(QMenu& menu, MenuIconMaker iconMaker);
     ~QtMenu() override;
 
     /// No character of the title becomes a mnemonic. A key equivalent is one character, pressed
-    /// with the platform's command key; a capital letter is pressed with shift as well.
+    /// with the platform's command key; a capital letter also needs shift.
     std::shared_ptr<NSMenuItem> addItemWithTitle(const std::string& title, NSAction action,
                                                  const std::string& keyEquivalent) override;
 
-    /// Closes all open menus of which this one is part, submenus first. A menu that the desktop
+    /// Closes all open menus that this one is part of, submenus first. A menu that the desktop
     /// draws, as some status areas do, cannot be closed.
     void cancelTracking() override;
 
-    /// Null when the interface file's menu is gone.
+    /// Null once the interface file's menu is destroyed.
     QMenu* qtMenu() const;
 
 private:

@@ -45,7 +45,7 @@ void QtMenuItem::setSubmenu(std::shared_ptr<NSMenu> submenu) {
     if (item_ != nullptr) {
         item_->setMenu(next != nullptr ? next->qtMenu() : nullptr);
     }
-    // Destroys the previous submenu only now that the action does not point at it.
+    // Destroys the previous submenu only now, because the action no longer points at it.
     submenu_ = std::move(next);
 }
 
@@ -57,7 +57,7 @@ void QtMenuItem::send() {
     // A desktop that draws the menu itself does not know that a dialog blocks it.
     const bool isBlocked = QApplication::activeModalWidget() != nullptr;
     if (target_ != nullptr && sends_ && !isBlocked) {
-        // A copy: the action may destroy this entry.
+        // A copy, because the action may destroy this entry.
         const NSAction action = sends_;
         action(this);
     }

@@ -19,22 +19,22 @@ class QtMenu;
 /// Converts a picture of the program for a menu.
 using MenuIconMaker = std::function<QIcon(const NSImage&)>;
 
-/// An entry of a menu over a QAction: one that a QtMenu made, or one of the interface file. The
-/// action belongs to its menu; the entry does nothing once that is destroyed.
+/// An entry of a menu, on a QAction of a QtMenu or of the interface file. The action belongs to its
+/// menu; once that is destroyed, the entry does nothing.
 class QtMenuItem final : public NSMenuItem {
 public:
-    /// `sends` is called when the user chooses the entry, once it has a target; it may be empty.
+    /// `sends` is called when the user chooses the entry, if it has a target. May be empty.
     QtMenuItem(QAction& item, MenuIconMaker iconMaker, NSAction sends = {});
     ~QtMenuItem() override;
 
     std::optional<std::string> representedObject() const override;
     void setRepresentedObject(const std::string& object) override;
     void setTarget(NSObject* target) override;
-    /// Shown even where the desktop shows no icons in menus.
+    /// Shown even if the desktop shows no icons in menus.
     void setImage(std::shared_ptr<NSImage> image) override;
     void setSubmenu(std::shared_ptr<NSMenu> submenu) override;
 
-    /// Null when the menu is gone.
+    /// Null once the menu is destroyed.
     QAction* qtAction() const;
 
 private:

@@ -9,8 +9,8 @@
 
 namespace vistrane {
 
-/// The program's icon in the desktop's status area, with a menu. Without a status area nothing is
-/// shown; the icon appears when the area does.
+/// The program's icon in the desktop's status area, with a menu. It appears as soon as there is a
+/// status area.
 class StatusIcon {
 public:
     /// `menu` outlives the icon. A plain click on the icon calls `bringBack`, unless the desktop

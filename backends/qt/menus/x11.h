@@ -8,7 +8,7 @@
 
 namespace vistrane {
 
-/// Replies of the X server are freed by their receiver.
+/// The receiver frees replies of the X server.
 template <typename Reply>
 std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply) {
     return {reply, &std::free};

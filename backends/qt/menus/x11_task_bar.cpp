@@ -27,7 +27,7 @@ struct Atoms {
     xcb_atom_t managed;
 };
 
-/// Whether a window manager manages the window: it is shown or minimised, not hidden.
+/// Whether a window manager manages the window, that is, it is visible or minimised.
 bool isManaged(xcb_connection_t* server, xcb_window_t window, const Atoms& atoms) {
     const auto reply = owned(xcb_get_property_reply(
         server, xcb_get_property(server, 0, window, atoms.managed, XCB_GET_PROPERTY_TYPE_ANY, 0, 1),
@@ -77,8 +77,8 @@ std::vector<xcb_atom_t> states(xcb_connection_t* server, xcb_window_t window, co
     return {first, first + reply->value_len};
 }
 
-/// The application itself writes the states that a hidden window will have when it is shown. The
-/// toolkit keeps those that it does not know.
+/// For a hidden window, the application writes the states that it will have when it is shown. Qt
+/// keeps states that it does not know.
 void writeStates(xcb_connection_t* server, xcb_window_t window, const Atoms& atoms, bool skip) {
     std::vector<xcb_atom_t> kept = states(server, window, atoms);
     for (const xcb_atom_t state : atoms.skips) {

@@ -109,7 +109,7 @@ QScrollArea* AlertDialog::makeTexts(const AlertContents& contents) {
         new AlertText(QString::fromStdString(contents.message), bold, width, texts);
     message->setObjectName("message");
     rows->addWidget(message);
-    // Some texts end in a newline, which would be an empty line here.
+    // Some texts end with a newline, which would be an empty line here.
     const QString rest = QString::fromStdString(contents.informative).trimmed();
     if (!rest.isEmpty()) {
         auto* const informative = new AlertText(rest, font(), width, texts);

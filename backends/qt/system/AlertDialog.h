@@ -9,11 +9,11 @@ class QScrollArea;
 
 namespace vistrane {
 
-/// The dialog of an alert. Its result is the index of the pressed button. While it is open it
-/// borrows the accessory view's widget. Long texts scroll, so that the dialog fits the screen.
+/// The dialog of an alert. Its result is the index of the pressed button. It borrows the accessory
+/// view's widget while it is open. Long texts scroll, so that the dialog fits on the screen.
 ///
-/// A message box of the toolkit would reorder the buttons by the desktop's rules, and would not
-/// break a long path.
+/// Not a QMessageBox, which would reorder the buttons by the desktop's rules and would not break a
+/// long path.
 ///
 /// For tests: its object name is "alert", those of its buttons are "button0" and so on.
 class AlertDialog final : public QDialog {
@@ -22,7 +22,7 @@ public:
     ~AlertDialog() override;
 
     void reject() override;
-    /// Gives the accessory view's widget back.
+    /// Returns the accessory view's widget.
     void done(int result) override;
 
 protected:
@@ -32,9 +32,9 @@ private:
     QWidget* makePicture();
     QScrollArea* makeTexts(const AlertContents& contents);
     QWidget* makeButtons(const AlertContents& contents);
-    /// The screen's room for the dialog, without the frame.
+    /// The room on the screen for the dialog, without its frame.
     QSize available() const;
-    /// Makes texts scroll that are too high for the screen. `others` is the height of everything
+    /// Makes texts scroll if they are too high for the screen. `others` is the height of everything
     /// else.
     void fitHeight(QScrollArea& texts, int others);
     void returnAccessory();

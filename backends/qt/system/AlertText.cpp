@@ -10,7 +10,7 @@ namespace vistrane {
 
 namespace {
 
-/// Without the children that a text editor has.
+/// Hides the children of the text editor.
 class AccessibleText final : public QAccessibleWidget {
 public:
     explicit AccessibleText(AlertText& text)

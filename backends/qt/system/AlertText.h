@@ -5,10 +5,10 @@
 
 namespace vistrane {
 
-/// One text of an alert. Nothing in it is markup. It has a fixed width, breaks within words that
-/// are wider, and is as high as it needs to be. It can be selected and copied.
+/// One text of an alert, without markup. It has a fixed width, breaks words that are wider, and is
+/// as high as necessary. It can be selected and copied.
 ///
-/// Assistive programs see a label with that text. A QLabel would not break a long path.
+/// For assistive programs it is a label. Not a QLabel, which would not break a long path.
 class AlertText final : public QTextEdit {
     Q_OBJECT
 

@@ -31,8 +31,8 @@ QPalette darkPalette() {
     const QColor window(0x29, 0x29, 0x2b);
     const QColor text(0xec, 0xec, 0xee);
     const QColor dimmed(0x94, 0x94, 0x98);
-    // Lighter than the window: the style's outlines are darker than the window, so that boxes and
-    // fields would be invisible.
+    // Lighter than the window. By default, the style's outlines would be darker, and boxes and
+    // fields invisible.
     const QColor base(0x5a, 0x5a, 0x60);
     const QColor highlight(0x3d, 0x7d, 0xd8);
     QPalette palette(text, QColor(0x3a, 0x3a, 0x3d), QColor(0x58, 0x58, 0x5c),
@@ -51,7 +51,7 @@ QPalette darkPalette() {
     return palette;
 }
 
-/// In the colour of fields an empty bar would look like a full one.
+/// With the colour of fields, an empty bar would look like a full one.
 QPalette darkBarColours() {
     QPalette palette;
     palette.setColor(QPalette::Base, QColor(0x36, 0x36, 0x39));

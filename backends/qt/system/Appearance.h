@@ -9,8 +9,9 @@
 
 namespace vistrane {
 
-/// Whether the desktop is light or dark, by the desktop portal or, if that has no preference, by
-/// the application's initial palette. Main thread only, while there is an application object.
+/// Whether the desktop is light or dark, according to the desktop portal or, if that has no
+/// preference, the application's initial palette. Main thread only, while there is an application
+/// object.
 class Appearance {
 public:
     /// Asks the portal and waits for the answer for at most 0.3 s. A later answer counts as a
@@ -22,7 +23,7 @@ public:
 
     bool isDark() const;
 
-    /// What the user's settings say under "AppleInterfaceStyle": "Dark", or nothing.
+    /// The value for the key "AppleInterfaceStyle": "Dark", or nothing.
     std::optional<std::string> interfaceStyle() const;
 
     /// Called after each change, from the event loop.
@@ -39,8 +40,7 @@ private:
 /// The program's own colours.
 QPalette ownPalette(bool isDark);
 
-/// Applies the desktop's style and palette if they are as light or dark, otherwise a style and
-/// palette of the program's own.
+/// Applies the desktop's style and palette if they match `isDark`, otherwise the program's own.
 void applyPalette(bool isDark);
 
 } // namespace vistrane

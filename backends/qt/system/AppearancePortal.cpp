@@ -17,13 +17,13 @@ constexpr char interfaceName[] = "org.freedesktop.portal.Settings";
 constexpr char group[] = "org.freedesktop.appearance";
 constexpr char key[] = "color-scheme";
 
-/// The start waits for an answer.
+/// The timeout for the first answer, because the start waits for it.
 constexpr int startMilliseconds = 300;
-/// A portal that is just being started takes long.
+/// The timeout for a portal that is just being started, which takes long.
 constexpr int lateMilliseconds = 30000;
 
 QDBusPendingCall ask(int milliseconds) {
-    // The older of two equivalent methods; every version of the portal has it.
+    // The older of two equivalent methods, which every version of the portal has.
     QDBusMessage question = QDBusMessage::createMethodCall(service, path, interfaceName, "Read");
     question << QString(group) << QString(key);
     return QDBusConnection::sessionBus().asyncCall(question, milliseconds);
@@ -46,7 +46,7 @@ Appearance::Portal::Portal(std::function<void()> changed) {
     }
     // Qt looks the slot up by the type's name, which has to be registered first.
     qRegisterMetaType<QDBusVariant>();
-    // From any sender: a restarted portal has another name.
+    // From any sender, because a restarted portal has another name.
     bus.connect({}, path, interfaceName, "SettingChanged", this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
     QDBusPendingReply<QVariant> reply = ask(startMilliseconds);

@@ -20,14 +20,14 @@ AlertDialog* makeDialog(const QtDialogRules& rules, const AlertContents& content
     return new AlertDialog(contents, accessory, dialogParent(rules));
 }
 
-/// Shows an alert that leaves other windows usable. A modal dialog would block it and be covered by
-/// it: then the alert is shown when that dialog is gone.
+/// Shows an alert that leaves other windows usable. Waits for the end of a modal dialog, which
+/// would block the alert and be covered by it.
 void showBeside(const std::shared_ptr<const QtDialogRules>& rules, const AlertContents& contents,
                 const std::shared_ptr<Answer>& answer) {
     if (const QWidget* const modal = QApplication::activeModalWidget()) {
         QtRunLoop& loop = rules->loop;
         QObject::connect(modal, &QObject::destroyed, &loop, [rules, &loop, contents, answer] {
-            // Not within the dialog's destructor: another dialog may follow it at once.
+            // Not within the dialog's destructor, because another dialog may follow immediately.
             loop.mainQueue().async(
                 [rules, contents, answer] { showBeside(rules, contents, answer); });
         });

@@ -17,17 +17,17 @@ namespace vistrane {
 /// What alerts and panels need from the front end. Outlives them.
 struct QtDialogRules {
     QtRunLoop& loop;
-    /// The parent of dialogs while none is modal; null for none. Main thread.
+    /// The parent of a dialog if no other is modal; null for none. Main thread.
     std::function<QWidget*()> parent;
     /// The widget of a view of the interface file; null for none. Main thread.
     std::function<QWidget*(NSView&)> widgetOf;
 };
 
 /// The parent of a new dialog: the open modal dialog, which would otherwise cover and block the new
-/// one, else the rules' window. Main thread.
+/// one, or else the window of the rules. Main thread.
 QWidget* dialogParent(const QtDialogRules& rules);
 
-/// What an alert shows.
+/// The contents of an alert.
 struct AlertContents {
     std::string title = "Vistrane";
     std::string message;
@@ -37,12 +37,12 @@ struct AlertContents {
     std::shared_ptr<NSView> accessory;
 };
 
-/// An alert as a dialog. On the main thread it is modal, suspends timers and stands in front of an
-/// open modal dialog. On another thread it blocks that thread only: the main window stays usable
-/// beside it, and it waits until no dialog is modal.
+/// An alert as a dialog. On the main thread it is modal, suspends timers and appears in front of an
+/// open modal dialog. On another thread it waits until no dialog is modal and blocks only that
+/// thread; the main window stays usable.
 ///
-/// Closing the dialog by Escape or by its frame counts as its only button, else as the one titled
-/// "Cancel", else as the last.
+/// Closing the dialog by Escape or by its frame answers with its only button, otherwise with the
+/// one titled "Cancel", otherwise with the last one.
 class QtAlert final : public NSAlert {
 public:
     explicit QtAlert(std::shared_ptr<const QtDialogRules> rules);
@@ -61,14 +61,14 @@ public:
     NSModalResponse runModal() override;
 
 private:
-    /// The dialog is made when the alert runs; until then only its title can be set.
+    /// The dialog is created when the alert runs. Until then only its title can be set.
     class Window final : public NSWindow {
     public:
         explicit Window(AlertContents& contents) : contents_(contents) {}
         bool makeFirstResponder(NSObject*) override { return false; }
         void makeKeyAndOrderFront(NSObject*) override {}
         void setTitle(const std::string& title) override { contents_.title = title; }
-        /// Title bars belong to the window manager.
+        /// Does nothing: title bars belong to the window manager.
         void setTitlebarAppearsTransparent(bool) override {}
 
     private:

@@ -12,8 +12,8 @@ namespace vistrane {
 
 namespace {
 
-/// Forbids renaming, moving and deleting what is in the folders, for instance frames. A new folder
-/// can still be made and named.
+/// Prevents renaming, moving and deleting files, such as frames. A new folder can still be created
+/// and named.
 void forbidChanges(QFileDialog& dialog) {
     for (const char* const name : {"qt_rename_action", "qt_delete_action"}) {
         if (auto* const action = dialog.findChild<QAction*>(name)) {
@@ -28,7 +28,7 @@ void forbidChanges(QFileDialog& dialog) {
     for (const char* const name : {"listView", "treeView"}) {
         if (auto* const view = dialog.findChild<QAbstractItemView*>(name)) {
             view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-            // Dropping a folder onto another one would move it.
+            // Disabled, because dropping a folder onto another one would move it.
             view->setDragDropMode(QAbstractItemView::NoDragDrop);
         }
     }
@@ -40,7 +40,8 @@ NSModalResponse QtOpenPanel::runModal() {
     const QtRunLoop::ModalScope modal(rules_->loop);
     QFileDialog dialog(dialogParent(*rules_), QString::fromStdString(title_), QDir::homePath());
     dialog.setObjectName("openPanel");
-    // Qt's own: in the dialogs of desktops the title of the confirming button cannot be set.
+    // Qt's own dialog, because desktop dialogs do not allow setting the title of the confirming
+    // button.
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setOption(QFileDialog::ShowDirsOnly, canChooseDirectories_ && !canChooseFiles_);
     dialog.setOption(QFileDialog::ReadOnly, !canCreateDirectories_);

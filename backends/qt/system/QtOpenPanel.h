@@ -9,8 +9,8 @@
 
 namespace vistrane {
 
-/// A panel for one folder or file. Timers are suspended while it is open. It can make folders, but
-/// not rename, move or delete anything.
+/// A panel for one folder or file. Suspends timers while it is open. It can create folders, but not
+/// rename, move or delete anything.
 ///
 /// Names that are not valid UTF-8 cannot be shown and are not offered.
 class QtOpenPanel final : public NSOpenPanel {

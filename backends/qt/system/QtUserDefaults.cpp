@@ -28,13 +28,13 @@ namespace {
 
 using Values = std::map<std::string, QVariant>;
 
-/// Far more than the program ever writes, and few enough bytes for QSettings, which reads values
-/// that hold values by recursion.
+/// The largest accepted file: far more than the program writes, but small enough for QSettings,
+/// which reads nested values recursively.
 constexpr off_t longestFile = 1 << 16;
 
 /// The file's bytes. Returns 0 or the error number.
 int readFile(const std::string& path, QByteArray& text) {
-    // Anything but a regular file may block.
+    // Reading anything but a regular file may block.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat facts {};
     if (!file.isOpen() || ::fstat(file.number(), &facts) != 0) {
@@ -54,7 +54,7 @@ int readFile(const std::string& path, QByteArray& text) {
     return reader.error() == QFile::NoError ? 0 : EIO;
 }
 
-/// How many values the lines of an INI file have; nothing when a line is none of such a file.
+/// The number of values in an INI file; nothing if a line is not valid.
 std::optional<std::size_t> countValues(const QByteArray& text) {
     std::size_t count = 0;
     for (const QByteArray& each : text.split('\n')) {
@@ -77,12 +77,12 @@ std::optional<Values> parseIni(const std::string& path, const QByteArray& text) 
     for (const QString& key : file.allKeys()) {
         values[key.toStdString()] = file.value(key);
     }
-    // QSettings takes the lines after an open quote for part of the value, and of two lines with
-    // one key the second. Saving would lose such lines.
+    // After an open quote QSettings reads the following lines as part of the value, and of two
+    // lines with one key it reads the second. Saving would lose such lines.
     return countValues(text) == values.size() ? std::optional(std::move(values)) : std::nullopt;
 }
 
-/// The format that the program wrote at first:
+/// The first format of the settings:
 ///
 ///     Vistrane settings 1
 ///     "iData" = <76 02 ff>
@@ -105,7 +105,7 @@ std::optional<Values> parseFirstFormat(const QByteArray& text) {
 }
 
 struct Stored {
-    /// The error number of a file that cannot be read, ENOENT for none at all.
+    /// The error number if the file cannot be read; ENOENT if there is none.
     int error = 0;
     /// Nothing when they are damaged.
     std::optional<Values> values;
@@ -123,22 +123,22 @@ Stored readSettings(const std::string& path) {
     return {0, parseIni(path, text), true};
 }
 
-/// The file that `path` leads to through links, or `path` when there is none.
+/// The file that `path` refers to, with links resolved; `path` if there is none.
 std::filesystem::path behindLinks(const std::string& path) {
     std::error_code error;
     const std::filesystem::path real = std::filesystem::canonical(path, error);
     return error ? std::filesystem::path(path) : real;
 }
 
-/// Makes the file if there is none. QSettings keeps the permissions that it finds; a file that it
-/// makes itself can be read by others.
+/// Creates the file if there is none. QSettings keeps existing permissions, but a file that it
+/// creates can be read by others.
 int makePrivate(const std::string& path) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
     return file.isOpen() && ::fchmod(file.number(), 0600) == 0 ? 0 : errno;
 }
 
 /// Removes the lock of an instance that was stopped while it saved. QSettings would wait for it
-/// without end.
+/// forever.
 void waitForLock(const std::string& path) {
     const QString name = QFile::decodeName((path + ".lock").c_str());
     QLockFile lock(name);
@@ -147,11 +147,11 @@ void waitForLock(const std::string& path) {
     }
 }
 
-/// QSettings promises neither.
-int bringToDisk(const std::filesystem::path& path) {
+/// Flushes the file and its folder to the disk, which QSettings does not guarantee.
+int flushToDisk(const std::filesystem::path& path) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     const int error = file.isOpen() ? syncToDisk(file.number()) : errno;
-    // The new entry is to last as well. Not every file system can promise that.
+    // Flushes the new entry too. Not every file system supports that.
     const Descriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_CLOEXEC));
     syncToDisk(folder.number());
     return error;
@@ -165,10 +165,10 @@ QtUserDefaults::QtUserDefaults(std::string path, Log log)
     if (stored.values) {
         values_ = std::move(*stored.values);
     } else if (stored.error == 0) {
-        setAside("goes on with its first ones");
+        setAside("starts with its default settings");
     } else if (stored.error != ENOENT) {
         log_("The settings in '" + path_ + "' cannot be read: " + std::strerror(stored.error) +
-             ". The program goes on with its first ones and saves none.");
+             ". The program starts with its default settings and does not save them.");
         isReadable_ = false;
     }
 }
@@ -246,7 +246,7 @@ void QtUserDefaults::synchronize() {
 }
 
 int QtUserDefaults::save() {
-    std::error_code ignored; // The file cannot be made then.
+    std::error_code ignored; // creating the file will then fail
     std::filesystem::create_directories(behindLinks(path_).parent_path(), ignored);
     const Stored stored = readSettings(path_);
     if (stored.error != 0 && stored.error != ENOENT) {
@@ -276,9 +276,10 @@ int QtUserDefaults::save() {
         store(key, values_.at(key));
     }
     file.sync();
-    // A file of another format leaves its own status, which hides a failure to replace it.
+    // A file of another format sets an error status, which would hide a failure to replace the
+    // file.
     const bool isSaved = file.status() != QSettings::AccessError && readSettings(path_).isIni;
-    return isSaved ? bringToDisk(behindLinks(path_)) : EIO;
+    return isSaved ? flushToDisk(behindLinks(path_)) : EIO;
 }
 
 void QtUserDefaults::setSystemString(const std::string& key,

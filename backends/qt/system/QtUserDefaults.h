@@ -13,23 +13,25 @@
 
 namespace vistrane {
 
-/// The settings in one INI file, read once; `synchronize` saves what was set since then.
+/// The settings in one INI file, which is read once. `synchronize` saves the keys that were set
+/// since the last save.
 ///
-/// Several instances of the program may share the file: each saves the keys that it set and leaves
-/// the others as they are in the file by then. What another instance saves is seen at the next
-/// start only.
+/// Several instances of the program may share the file: each saves the keys that it has set and
+/// keeps the others as they are in the file. Values that another instance saves are seen only at
+/// the next start.
 ///
-/// A value that cannot be read counts as absent. A file that is no list of settings is set aside
-/// as "NAME.damaged", or "NAME.damaged-2" and so on when that name is taken, and the settings begin
-/// empty. A file or folder that cannot be read or written costs a log line and no more: the
-/// settings then last as long as the process.
+/// An unreadable value counts as absent. A file that is not a list of settings is renamed to
+/// "NAME.damaged", or "NAME.damaged-2" and so on if that name is taken, and the settings start
+/// empty. If the file or folder cannot be read or written, that is logged, and the settings last as
+/// long as the process.
 ///
-/// INI does not tell a number from a text of digits: `stringForKey` returns a number as its digits.
+/// INI does not distinguish a number from a text of digits: `stringForKey` returns the digits of a
+/// number.
 class QtUserDefaults final : public NSUserDefaults {
 public:
     using Log = std::function<void(const std::string& line)>;
 
-    /// `path` is absolute; its folder is made when the first value is written.
+    /// `path` is absolute. Its folder is created when the first value is written.
     QtUserDefaults(std::string path, Log log);
 
     NSInteger integerForKey(const std::string& key) const override;
@@ -37,34 +39,33 @@ public:
     std::optional<std::string> stringForKey(const std::string& key) const override;
     std::optional<std::vector<std::uint8_t>> objectForKey(const std::string& key) const override;
     void setObject(const std::vector<std::uint8_t>& value, const std::string& key) override;
-    /// Waits while another instance saves, for half a second at most: it may have been stopped. A
-    /// lock that a crashed instance left is ignored. The log says when the values could not be
-    /// written.
+    /// If another instance is saving, waits for up to half a second; that instance may have been
+    /// stopped. Ignores the lock of a crashed instance. Logs if the values cannot be written.
     void synchronize() override;
 
-    /// From now on the text of `key` is asked of the system, whatever the file says.
+    /// From now on `answer` supplies the text of `key`, whatever the file says.
     void setSystemString(const std::string& key,
                          std::function<std::optional<std::string>()> answer);
 
 private:
     void set(const std::string& key, const QVariant& value);
-    /// The value if it has that type, else an invalid one.
+    /// The value if it has that type, otherwise an invalid one.
     QVariant find(const std::string& key, QMetaType::Type type) const;
-    /// `remedy` is what the program does without the file.
+    /// `remedy` says, for the log, what the program does without the file.
     void setAside(const std::string& remedy);
-    /// 0, or the error number; the file then still holds what it held.
+    /// Returns 0, or the error number; the file is then unchanged.
     int save();
 
     const std::string path_;
     const Log log_;
-    /// Texts, numbers as texts, and byte arrays; of other types what a file happened to hold.
+    /// Texts, numbers as texts, byte arrays, and any other types that the file happened to hold.
     std::map<std::string, QVariant> values_;
     std::map<std::string, std::function<std::optional<std::string>()>> systemStrings_;
     /// The keys that were set since the last save.
     std::set<std::string> changed_;
-    /// The error of the last save, which is logged once; 0 after one that succeeded.
+    /// The error of the last save, so that it is logged once; 0 after success.
     int reported_ = 0;
-    /// A file that exists and cannot be read may hold what must not be lost.
+    /// If false, nothing is saved: an unreadable file may hold values that must not be lost.
     bool isReadable_ = true;
 };
 

@@ -18,10 +18,10 @@ QtWorkspace::QtWorkspace(WhenFinished whenFinished, std::function<void(const std
     : whenFinished_(std::move(whenFinished)), log_(std::move(log)) {}
 
 bool QtWorkspace::openURL(const NSURL& url) {
-    // A path is passed as bytes, which need not be valid text.
+    // Passes a path as bytes, which need not be valid text.
     const std::string address = url.isFileURL() ? url.path() : url.absoluteString();
     if (!url.isFileURL()) {
-        // Intended: the failure to open an address is not reported.
+        // Failures to open an address are not reported, on purpose.
         launchProgram({"xdg-open", address}, [](int) {});
         return true;
     }
@@ -39,7 +39,7 @@ bool QtWorkspace::openURL(const NSURL& url) {
 void QtWorkspace::openFile(const std::string& path) const {
     launchProgram({"xdg-open", path}, [this, path](int status) {
         if (status == fileIsMissing) {
-            log_("'" + shownText(path) + "' cannot be opened: it is not there.");
+            log_("'" + shownText(path) + "' cannot be opened: it does not exist.");
         } else if (status != 0) {
             log_("No program could be found that opens '" + shownText(path) +
                  "' (xdg-open: " + std::to_string(status) + ").");

@@ -60,7 +60,7 @@ std::function<void()> loginRelease(const QDBusMessage& answer) {
     if (!lock.isValid()) {
         return nullptr;
     }
-    // The inhibition ends with its last descriptor.
+    // Closing the last descriptor ends the inhibition.
     return [lock] {};
 }
 
@@ -112,7 +112,7 @@ void SleepInhibitor::setActive(bool active) {
 }
 
 void SleepInhibitor::ask(std::size_t service) {
-    // A call on a bus that is not connected never ends.
+    // A call on a disconnected bus never finishes.
     while (service < services.size() && !services.at(service).bus().isConnected()) {
         ++service;
     }
@@ -127,7 +127,7 @@ void SleepInhibitor::ask(std::size_t service) {
         });
     } else if (isActive_ && !std::exchange(hasWarned_, true)) {
         log_("The machine cannot be kept awake while frames are captured: no desktop service "
-             "answers. Switch automatic suspend off.");
+             "answers. Disable automatic suspend.");
     }
 }
 
@@ -143,7 +143,7 @@ void SleepInhibitor::answered(std::size_t service, const QDBusMessage& answer) {
     if (isActive_) {
         release_ = std::move(release);
     } else {
-        // Capturing ended in the meantime.
+        // Capturing has ended meanwhile.
         release();
     }
 }

@@ -10,11 +10,11 @@ class QDBusMessage;
 
 namespace vistrane {
 
-/// Keeps the machine awake while the program captures: through the desktop portal, else the login
-/// manager, else the screen saver, asked in this order. Never blocks. Main thread only.
+/// Keeps the machine awake while the program captures, through the desktop portal, the login
+/// manager or the screen saver, tried in this order. Never blocks. Main thread only.
 class SleepInhibitor final : public QObject {
 public:
-    /// `log` takes one line, once, when no service can keep the machine awake.
+    /// `log` gets one line, once, if no service can keep the machine awake.
     explicit SleepInhibitor(std::function<void(const std::string&)> log);
     ~SleepInhibitor() override;
 
