@@ -1,8 +1,8 @@
 // Writes generated time-lapse frames: camera_frames FOLDER COUNT WIDTH HEIGHT [ours|libpng]
 //
-// They show a still ground with detail of every size, drifting clouds, slowly changing light, and
-// sensor noise, the same on every machine. The PNG files are written by this program's own encoder
-// or by libpng with its defaults.
+// They show a motionless ground with detail of every size, drifting clouds, slowly changing light,
+// and sensor noise. They are the same on every machine. The PNG files are written by this program's
+// own encoder or by libpng with its defaults.
 
 #include <algorithm>
 #include <array>
@@ -136,7 +136,7 @@ public:
     }
 
 private:
-    /// Rows of cars and people, each of its own colour and speed, with windows and folds.
+    /// Rows of cars and people of different colours and speeds, with windows and folds.
     std::optional<std::array<float, 3>> passerBy(double x, double y, double time) const {
         for (std::size_t lane = 0; lane < 6; ++lane) {
             const auto number = static_cast<double>(lane);

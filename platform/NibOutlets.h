@@ -15,7 +15,7 @@ public:
     /// outlet.
     void addOutlet(const std::string& name, std::shared_ptr<NSObject> control);
 
-    // A field is filled only with a control of its own type.
+    // A field is filled only with a control of the field's type.
     void outlet(const std::string& name, std::shared_ptr<NSWindow>& field) final;
     void outlet(const std::string& name, std::shared_ptr<NSTextField>& field) final;
     void outlet(const std::string& name, std::shared_ptr<NSSlider>& field) final;

@@ -105,21 +105,21 @@ struct CameraList::Provider {
     bool busy = false;
 
     /// Queries the provider, one thread at a time. Empty if it is still busy at `deadline`.
-    std::vector<Camera> askBefore(std::chrono::steady_clock::time_point deadline) {
+    std::vector<Camera> queryBefore(std::chrono::steady_clock::time_point deadline) {
         std::unique_lock lock(mutex);
         if (!freed.wait_until(lock, deadline, [this] { return !busy; })) {
             return {};
         }
         busy = true;
         lock.unlock();
-        std::vector<Camera> cameras = ask();
+        std::vector<Camera> cameras = query();
         lock.lock();
         busy = false;
         freed.notify_one();
         return cameras;
     }
 
-    std::vector<Camera> ask() const {
+    std::vector<Camera> query() const {
         std::vector<Camera> cameras;
         GList* devices = gst_device_provider_get_devices(provider.get());
         for (GList* item = devices; item != nullptr; item = item->next) {
@@ -201,7 +201,7 @@ std::vector<Camera> CameraList::listOf(const std::string& name, std::chrono::mil
         }
         ++answers->missing;
         const bool asked = startDetachedThread([answers, deadline, i, provider = providers_[i]] {
-            std::vector<Camera> cameras = provider->askBefore(deadline);
+            std::vector<Camera> cameras = provider->queryBefore(deadline);
             std::lock_guard answersLock(answers->mutex);
             answers->byProvider[i] = std::move(cameras);
             --answers->missing;

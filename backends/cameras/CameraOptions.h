@@ -29,11 +29,12 @@ struct CameraOptions {
     std::chrono::milliseconds secondTry{3000};
     /// After this time without a picture, check in a new listing whether the camera is still there.
     std::chrono::milliseconds doubt{700};
-    /// After this time without a picture, a camera counts as gone, even if it is still listed.
+    /// After this time without a picture, the camera counts as disconnected, even if it is still
+    /// listed.
     std::chrono::milliseconds silence{3000};
     /// How long a request waits for its picture.
     std::chrono::milliseconds still{4000};
-    /// The pause between two attempts to reopen a lost camera.
+    /// The interval between attempts to reopen a lost camera.
     std::chrono::milliseconds retry{1000};
 };
 

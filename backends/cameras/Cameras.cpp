@@ -100,7 +100,7 @@ Cameras::deviceInputWithDevice(const std::shared_ptr<AVCaptureDevice>& device) {
             return {nullptr, deviceNotConnected(known->localizedName())};
         }
     }
-    if (const auto reason = whyNotOpen(*camera, options_.driverTimeout)) {
+    if (const auto reason = testOpening(*camera, options_.driverTimeout)) {
         return {nullptr, deviceCannotBeOpened(known->localizedName(), *reason)};
     }
     return {std::make_shared<CameraInput>(device, std::move(*camera)), std::nullopt};

@@ -7,7 +7,7 @@ namespace vistrane {
 
 namespace {
 
-/// The pause between two attempts while a camera is starting.
+/// The interval between attempts while a camera is starting.
 constexpr std::chrono::milliseconds startRetry{200};
 
 bool isLaterThan(GstClockTime after, GstClockTime time) {

@@ -94,7 +94,8 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     std::uint64_t attempts = 0;
     /// The deadline for the first picture of the current pipeline.
     Clock::time_point attemptEnd;
-    /// The deadline for the first picture of any pipeline; then the camera counts as gone.
+    /// The deadline for the first picture of any pipeline. After it the camera counts as
+    /// disconnected.
     Clock::time_point startEnd;
     Clock::time_point nextAttempt;
     Clock::time_point nextLook;

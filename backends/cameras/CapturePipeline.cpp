@@ -432,7 +432,7 @@ void CapturePipeline::wantPreview(bool wanted) {
     g_object_set(elements_->previewValve.get(), "drop", wanted ? FALSE : TRUE, nullptr);
 }
 
-std::optional<std::string> whyNotOpen(const Camera& camera, std::chrono::milliseconds timeout) {
+std::optional<std::string> testOpening(const Camera& camera, std::chrono::milliseconds timeout) {
     auto reason = std::make_shared<std::optional<std::string>>();
     const bool answered = runWithin(timeout, [camera, reason] {
         // Declared first, because its connection must outlive its element.

@@ -25,7 +25,7 @@ struct PipelineEvents {
     std::function<void(const std::string& reason)> failed;
 };
 
-/// The GStreamer elements behind one run of one camera:
+/// The GStreamer elements for one run of one camera:
 ///
 ///     source, mode filter -> tee -> [valve, queue, JPEG decoder] -> stills
 ///                                -> valve, queue, [JPEG decoder], scaler -> preview
@@ -61,7 +61,7 @@ private:
     std::shared_ptr<Elements> elements_;
 };
 
-/// Opens the camera and closes it again. Returns the reason if that failed.
-std::optional<std::string> whyNotOpen(const Camera& camera, std::chrono::milliseconds timeout);
+/// Opens the camera and closes it again. Returns the reason if that fails.
+std::optional<std::string> testOpening(const Camera& camera, std::chrono::milliseconds timeout);
 
 } // namespace vistrane

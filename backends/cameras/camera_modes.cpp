@@ -173,7 +173,7 @@ const CameraMode* photoMode(const std::vector<CameraMode>& modes) {
 
 const CameraMode* movingPictureMode(const std::vector<CameraMode>& modes) {
     const auto rank = [](const CameraMode& mode) {
-        // A camera of unknown rate counts as fast enough.
+        // An unknown rate counts as fast enough.
         const double rate = mode.rate > 0.0 ? std::min(mode.rate, smoothRate) : smoothRate;
         return std::tuple(rate, area(mode), mode.rate, preference(mode));
     };

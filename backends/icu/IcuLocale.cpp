@@ -85,7 +85,7 @@ NSComparisonResult resultOf(int difference) {
 
 /// The length of the common prefix of all texts that ends in a slash, hyphen or underscore. No
 /// collation has a rule that spans one of these, so comparing the rests gives the same order.
-std::size_t commonStart(const std::vector<std::string>& texts) {
+std::size_t commonPrefixLength(const std::vector<std::string>& texts) {
     std::string_view common = texts.empty() ? std::string_view() : texts.front();
     for (const std::string& text : texts) {
         const auto differing =
@@ -173,7 +173,7 @@ std::optional<std::vector<KeyedText>> keyed(const std::vector<std::string>& text
 /// Returns false, and changes nothing, if a text has no key.
 bool sortByKeys(std::vector<std::string>& texts, const icu::Collator& collator) {
     SortKeys keys(collator);
-    auto order = keyed(texts, commonStart(texts), keys);
+    auto order = keyed(texts, commonPrefixLength(texts), keys);
     if (!order) {
         return false;
     }
@@ -198,7 +198,7 @@ bool sortByKeys(std::vector<std::string>& texts, const icu::Collator& collator) 
 struct IcuLocale::Collation {
     explicit Collation(const icu::Locale& locale) : collator(makeCollator(locale)) {
         UErrorCode status = U_ZERO_ERROR;
-        readsFromTheEnd =
+        comparesAccentsFromEnd =
             collator && collator->getAttribute(UCOL_FRENCH_COLLATION, status) == UCOL_ON;
     }
 
@@ -210,7 +210,8 @@ struct IcuLocale::Collation {
         // ICU skips the common prefix of two texts. In many languages it then reads a digit of
         // another script in the middle of a number as the start of one, and contradicts itself.
         // Keys are made from whole numbers.
-        if (!readsFromTheEnd && (hasDigitBeyondAscii(first) || hasDigitBeyondAscii(second))) {
+        if (!comparesAccentsFromEnd &&
+            (hasDigitBeyondAscii(first) || hasDigitBeyondAscii(second))) {
             return keyOrder(*collator, first, second);
         }
         UErrorCode status = U_ZERO_ERROR;
@@ -221,7 +222,7 @@ struct IcuLocale::Collation {
     std::unique_ptr<const icu::Collator> collator;
     /// Whether accents are compared from the end. Keys and comparisons then disagree about accents
     /// that are separated by ignored characters, so keys are not used.
-    bool readsFromTheEnd = false;
+    bool comparesAccentsFromEnd = false;
 };
 
 IcuLocale::IcuLocale() : IcuLocale(userLocale(LocaleCategory::collation)) {}
@@ -240,7 +241,7 @@ NSComparisonResult IcuLocale::compare(const std::string& first, const std::strin
 }
 
 void IcuLocale::sort(std::vector<std::string>& texts, std::uint32_t options) const {
-    if (!collation_->collator || collation_->readsFromTheEnd ||
+    if (!collation_->collator || collation_->comparesAccentsFromEnd ||
         !sortByKeys(texts, *collation_->collator)) {
         std::sort(texts.begin(), texts.end(),
                   [&](const std::string& first, const std::string& second) {

@@ -295,7 +295,7 @@ private:
 
     void sizes() {
         out_.versionAndFlags(0, 0);
-        out_.u32(0); // no common size
+        out_.u32(0); // sizes differ
         out_.u32(track_.samples.size());
         for (const MovieSample& sample : track_.samples) {
             out_.u32(sample.size);

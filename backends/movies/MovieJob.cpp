@@ -25,7 +25,7 @@ int evenUp(std::size_t side) {
 /// Threads that `work` starts inherit the low priority. The waiting thread keeps its own.
 void runAtLowPriority(const std::function<void()>& work) {
     std::thread thread = startThread([&work] {
-        giveWayToOtherThreads();
+        lowerThreadPriority();
         work();
     });
     if (thread.joinable()) {

@@ -52,7 +52,7 @@ public:
     std::unique_ptr<VideoFrame> takeFrame(int width, int height);
 
     /// Waits for room in the queue for up to 0.1 s. Returns whether there is room; also true if the
-    /// job has failed or was cancelled, since `push` then refuses at once.
+    /// job has failed or was cancelled, because `push` then refuses immediately.
     bool waitForRoom();
 
     /// Waits for room and queues a picture. Ticks must increase. Returns an error if the job takes

@@ -38,7 +38,7 @@ public:
     /// Call after the last picture.
     void end() { isEnded_ = true; }
 
-    /// Queues the held frame, and asks the job to finish.
+    /// Queues the held frame and requests that the job finish.
     void finish(std::function<void()> handler);
 
 private:

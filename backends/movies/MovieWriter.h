@@ -17,7 +17,7 @@ class MovieInput final : public AVAssetWriterInput {
 public:
     MovieInput(AVMediaType mediaType, const NSDictionary& outputSettings);
 
-    /// Has no effect: nothing is dropped either way.
+    /// Has no effect: pictures are never dropped.
     void setExpectsMediaDataInRealTime(bool) override {}
     bool isReadyForMoreMediaData() override;
     void markAsFinished() override;

@@ -137,7 +137,7 @@ struct SumsOf8 {
                                                 chromaOf8(high, blueRedBlue, blueGreen));
         const __m256i red = _mm256_packs_epi32(chromaOf8(low, redRedBlue, redGreen),
                                                chromaOf8(high, redRedBlue, redGreen));
-        // Each half holds every second pair of blue samples, then of red samples.
+        // Each half holds every second pair of Cb samples, then of Cr samples.
         const __m256i both = _mm256_packus_epi16(blue, red);
         const __m128i first = _mm256_castsi256_si128(both);
         const __m128i second = _mm256_extracti128_si256(both, 1);

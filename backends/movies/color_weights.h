@@ -43,7 +43,7 @@ constexpr std::int32_t redFromRed = fixedPoint((1 - redShare) / 1.5748 * chromaS
 constexpr std::int32_t redFromBlue = fixedPoint(-blueShare / 1.5748 * chromaScale);
 constexpr ChannelWeights redWeights{redFromRed, -redFromRed - redFromBlue, redFromBlue};
 
-/// Added to a weighted sum of luma: black's 16, and a half for rounding.
+/// Added to the weighted sum of luma: 16 for black, and one half for rounding.
 constexpr std::int32_t lumaOffset = (16 << fractionBits) + (1 << (fractionBits - 1));
 
 /// Chroma is computed from sums with a total weight of eight.

@@ -79,7 +79,7 @@ struct CodeOrder {
         count[0] = 0;
     }
 
-    /// Whether every sequence of bits begins with exactly one code.
+    /// Whether every sequence of bits starts with exactly one code.
     bool isComplete() const {
         std::uint32_t used = 0;
         for (unsigned length = 1; length <= longestCode; ++length) {

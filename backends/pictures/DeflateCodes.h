@@ -11,7 +11,7 @@ namespace vistrane {
 
 /// An entry of a decoding table. From the lowest bit up:
 ///   0..4    bits to use up: those of the code and the extra bits of its value
-///   8..11   how many of these are the code's; of a literal entry, how many literals it has: 1 or 2
+///   8..11   the number of these that belong to the code; in a literal entry, that of its literals
 ///   12..15  the kind, see below
 ///   16..31  the literals, or the value to which the extra bits are added
 /// In an entry that points to a subtable, 8..11 is the subtable's size in bits and 16..31 its

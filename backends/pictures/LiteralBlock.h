@@ -9,7 +9,8 @@ namespace vistrane {
 
 /// Computes the code lengths of an optimal prefix code of at most `limit` bits (package-merge:
 /// Larmore and Hirschberg, 1990). `counts`: how often each symbol occurs. The length is 0 for a
-/// symbol that does not occur. Two to 288 symbols must occur, and at most 2 to the power of `limit`.
+/// symbol that does not occur. Two to 288 symbols must occur, but not more than 2 to the power of
+/// `limit`.
 void chooseCodeLengths(std::span<const std::uint32_t> counts, unsigned limit,
                        std::span<std::uint8_t> lengths);
 

@@ -16,7 +16,7 @@ public:
         (void)path, (void)reason;
     }
 
-    /// `NSData::writeToFile` begins. One of the two calls below follows.
+    /// `NSData::writeToFile` begins. One of the next two calls follows.
     virtual void fileIsBeingWritten(const std::string& path) { (void)path; }
     /// All bytes were written.
     virtual void fileWasWritten(const std::string& path) { (void)path; }

@@ -41,7 +41,7 @@ std::uint32_t pixelOf(std::uint32_t red, std::uint32_t green, std::uint32_t blue
     addWeightedPlainly(bytes + i, weight, sums + i, count - i);
 }
 
-/// Two pixels of sums, interleaved by component.
+/// The sums of two pixels, interleaved by component.
 template <std::size_t components>
 __m128i twoPixels(const std::uint16_t* sums) {
     const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(sums));

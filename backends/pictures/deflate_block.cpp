@@ -12,7 +12,7 @@ constexpr unsigned distanceBits = DeflateCodes::distanceBits;
 
 /// Copies a match with a distance below 8. Computes each word from the previous one, because
 /// reading bytes that were just written stalls the processor.
-inline void repeatShortly(std::uint8_t* to, std::size_t distance, std::size_t length) {
+inline void copyOverlapping(std::uint8_t* to, std::size_t distance, std::size_t length) {
     std::uint8_t first[8];
     const std::uint8_t* from = to - distance;
     for (std::size_t i = 0, k = 0; i < 8; ++i) {
@@ -50,7 +50,7 @@ inline void copyMatch(std::uint8_t* to, std::size_t distance, std::size_t length
     } else if (distance == 1) {
         std::memset(to, to[-1], length);
     } else {
-        repeatShortly(to, distance, length);
+        copyOverlapping(to, distance, length);
     }
 }
 

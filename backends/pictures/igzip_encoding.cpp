@@ -40,7 +40,7 @@ void putNumber(std::uint8_t* bytes, std::size_t number) {
     }
 }
 
-/// Adds length, type and checksum to a chunk whose data are in place.
+/// Adds length, type and checksum to a chunk that already contains its data.
 void frameChunk(std::uint8_t* chunk, const char* type, std::size_t length) {
     putNumber(chunk, length);
     std::memcpy(chunk + 4, type, 4);
@@ -158,7 +158,7 @@ public:
         return put(zlibHeader);
     }
 
-    /// At most a slab.
+    /// Adds up to a slab of bytes.
     bool add(std::span<std::uint8_t> bytes, bool last) {
         checksum_ = ::libdeflate_adler32(checksum_, bytes.data(), bytes.size());
         const bool added = addSmallest(bytes, last);

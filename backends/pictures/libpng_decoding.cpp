@@ -19,12 +19,12 @@ struct Decoding {
     char fault[160] = {};
 };
 
-void keepFault(Decoding& decoding, const char* message) {
+void recordFault(Decoding& decoding, const char* message) {
     std::strncpy(decoding.fault, message, sizeof decoding.fault - 1);
 }
 
 [[noreturn]] void onError(png_structp png, png_const_charp message) {
-    keepFault(*static_cast<Decoding*>(png_get_error_ptr(png)), message);
+    recordFault(*static_cast<Decoding*>(png_get_error_ptr(png)), message);
     png_longjmp(png, 1);
 }
 
@@ -63,7 +63,7 @@ void setUp(png_structp png, const PngHeader& header) {
     png_set_crc_action(png, PNG_CRC_QUIET_USE, PNG_CRC_QUIET_USE);
 }
 
-void askForForm(png_structp png, png_infop info, PixelForm form) {
+void requestForm(png_structp png, png_infop info, PixelForm form) {
     const bool hasAlpha = (png_get_color_type(png, info) & PNG_COLOR_MASK_ALPHA) != 0 ||
                           png_get_valid(png, info, PNG_INFO_tRNS) != 0;
     png_set_expand(png);
@@ -96,7 +96,7 @@ bool decode(png_structp png, png_infop info, Decoding& decoding, const PngHeader
     setUp(png, header);
     png_set_read_fn(png, &decoding, onRead);
     png_read_info(png, info);
-    askForForm(png, info, form);
+    requestForm(png, info, form);
     const int passes = png_set_interlace_handling(png);
     png_read_update_info(png, info);
     if (png_get_image_width(png, info) != header.width ||

@@ -38,7 +38,7 @@ private:
     std::ptrdiff_t stride_;
 };
 
-/// Passes each row as soon as it is decoded. The row above it is kept until then.
+/// Passes each row as soon as it is decoded. Keeps only the row above.
 class PassedRows {
 public:
     explicit PassedRows(PictureRows& rows) : rows_(rows) {}

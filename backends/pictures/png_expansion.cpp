@@ -42,7 +42,7 @@ void moveAlphaToFront(const std::uint8_t* row, std::uint8_t* pixels, std::size_t
     }
 }
 
-void leaveAlphaOut(const std::uint8_t* row, std::uint8_t* pixels, std::size_t count) {
+void dropAlpha(const std::uint8_t* row, std::uint8_t* pixels, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         std::memcpy(pixels + i * 3, row + i * 4, 3);
     }
@@ -195,7 +195,7 @@ void PngExpansion::expand(const std::uint8_t* row, std::uint8_t* pixels) const {
         if (form_ == PixelForm::ARGB) {
             moveAlphaToFront(row, pixels, width_);
         } else {
-            leaveAlphaOut(row, pixels, width_);
+            dropAlpha(row, pixels, width_);
         }
         break;
     case Kind::GreyAndAlpha:

@@ -108,7 +108,7 @@ void addMeanFast(const std::uint8_t* filtered, const std::uint8_t* above, std::u
     __m128i left = _mm_setzero_si128();
     for (std::size_t i = 0; i < end; i += PixelBytes) {
         const __m128i up = loadPixel(above + i);
-        // The instruction rounds up, the filter down.
+        // The instruction rounds up, but the filter rounds down.
         const __m128i odd = _mm_and_si128(_mm_xor_si128(left, up), ones);
         left = _mm_add_epi8(loadPixel(filtered + i), _mm_sub_epi8(_mm_avg_epu8(left, up), odd));
         storePixel(row + i, left);

@@ -14,7 +14,7 @@ namespace {
 constexpr std::array<std::uint8_t, 8> signature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 /// Length, type and checksum.
 constexpr std::size_t chunkFrame = 12;
-/// The format's limit of four-byte numbers.
+/// The format's limit for four-byte numbers.
 constexpr std::uint32_t largestNumber = 0x7FFFFFFF;
 
 std::uint32_t number(const std::uint8_t* bytes) {

@@ -18,7 +18,7 @@ struct ByteRange {
     std::size_t length = 0;
 };
 
-/// Colour types of a PNG file: 1 palette, 2 colour, 4 alpha, added up.
+/// Colour types of a PNG file: the sum of 1 palette, 2 colour, 4 alpha.
 enum class PngColour : std::uint8_t { Grey = 0, Rgb = 2, Palette = 3, GreyAlpha = 4, RgbAlpha = 6 };
 
 /// Everything that the chunks of a PNG file say, except the pixels.

@@ -27,11 +27,11 @@ struct BackgroundWriter::Shared {
         std::unique_lock lock(mutex);
         while (error == 0) {
             changed.wait(lock, [this] { return !waiting.empty(); });
-            writeWaiting(lock);
+            writePending(lock);
         }
     }
 
-    void writeWaiting(std::unique_lock<std::mutex>& lock) {
+    void writePending(std::unique_lock<std::mutex>& lock) {
         const std::string text = std::exchange(waiting, {});
         isWriting = true;
         lock.unlock();
@@ -62,7 +62,7 @@ void BackgroundWriter::write(const std::string& text) {
     if (shared_->hasThread) {
         shared_->changed.notify_all();
     } else {
-        shared_->writeWaiting(lock);
+        shared_->writePending(lock);
     }
 }
 

@@ -42,7 +42,7 @@ public:
     BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) override;
     BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
                                                  std::uint64_t options) override;
-    /// There is no sandbox: every address is accessible already.
+    /// Does nothing: there is no sandbox, so every address is accessible.
     bool startAccessingSecurityScopedResource(const NSURL&) override { return true; }
 
 private:

@@ -7,7 +7,7 @@
 
 namespace vistrane {
 
-/// A time on the monotonic clock that is never reached.
+/// A time that the monotonic clock never reaches.
 inline constexpr std::int64_t neverInNanoseconds = std::numeric_limits<std::int64_t>::max();
 
 /// Nanoseconds of a clock that is never adjusted and that stops while the machine is suspended.

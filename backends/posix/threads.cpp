@@ -64,7 +64,7 @@ bool runWithin(std::chrono::milliseconds timeout, std::function<void()> work) {
     return future.wait_for(timeout) == std::future_status::ready;
 }
 
-void giveWayToOtherThreads() {
+void lowerThreadPriority() {
 #ifdef __linux__
     constexpr int nicer = 10;
     // On Linux each thread has its own priority. Failure to change it is not an error.

@@ -20,6 +20,6 @@ bool runWithin(std::chrono::milliseconds timeout, std::function<void()> work);
 
 /// Gives the calling thread, and threads that it starts later, a low priority. Does nothing on
 /// systems where priorities belong to processes.
-void giveWayToOtherThreads();
+void lowerThreadPriority();
 
 } // namespace vistrane

@@ -97,9 +97,9 @@ public:
 
     // ---- Written at launch ---------------------------------------------------------------------
     std::shared_ptr<AVCaptureVideoPreviewLayer> previewLayer;
-    /// One session for the life of the process, emptied and refilled by the devices.
+    /// One session for the life of the process. Selecting a device replaces its input.
     std::shared_ptr<AVCaptureSession> aSession;
-    /// The template of every still; copied, never used itself.
+    /// The template of every still: copied, but never used itself.
     std::shared_ptr<AVCapturePhotoSettings> photoOutputSettings;
 
     // ---- Written by the devices ----------------------------------------------------------------

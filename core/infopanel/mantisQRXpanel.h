@@ -47,9 +47,9 @@ public:
     std::shared_ptr<NSMenuItem> mantisSubmenuM;
     /// Shown in the auto-start hint; may be missing.
     std::shared_ptr<NSView> tipView;
-    /// On shows the Dock icon.
+    /// The Dock icon is shown while this is on.
     std::shared_ptr<NSButton> dockButton;
-    /// Closed when the Dock icon goes away.
+    /// Closed when the Dock icon is hidden.
     std::shared_ptr<NSMenu> sMenu;
     std::shared_ptr<NSTextField> versionLabel;
     /// Gets the name and version as its title.

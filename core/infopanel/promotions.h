@@ -12,7 +12,7 @@ struct Promotion {
     std::string storeAddress;
 };
 
-/// What the menus show, in their order.
+/// The promotions in the order of the menus.
 const std::vector<std::string>& promotionTitles();
 
 /// The store page of each title. The titles repeat those of `promotionTitles` in the same order, on

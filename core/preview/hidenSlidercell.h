@@ -15,7 +15,7 @@ class hidenSlidercell final : public NSSliderCell {
 public:
     explicit hidenSlidercell(AppKit& appKit) : appKit_(appKit) {}
 
-    /// The same empty rectangle for every index.
+    /// An empty rectangle for every index, because there are no tick marks.
     NSRect rectOfTickMarkAtIndex(NSInteger index) override;
     /// Stretches the picture over the whole rectangle. Without a picture there is no knob.
     void drawKnob(NSRect knobRect) override;

@@ -11,9 +11,9 @@
 #include "platform/foundation/NSString.h"
 
 // CLI11 parses the options. This is the only file that includes it, because it is slow to compile.
-// It does not parse the commands, because "vistrane --demo-camera frames" opens the window with the
-// folder "frames". It does not convert numbers, because it reads "010" as 8. It does not take the
-// operands, because it would take "-5" for one.
+// It does not parse commands, because "vistrane --demo-camera frames" must open the window with the
+// folder "frames". It does not convert numbers, because it reads "010" as 8. It does not handle
+// operands, because it would accept "-5" as one.
 
 namespace vistrane {
 
@@ -117,7 +117,7 @@ std::vector<std::string> parseOptions(CLI::App& app, const std::vector<std::stri
     return operands;
 }
 
-/// The one operand of a command, or nothing.
+/// The only operand of a command, or nothing.
 std::optional<std::string> optionalFolder(const std::vector<std::string>& operands) {
     if (operands.empty()) {
         return std::nullopt;

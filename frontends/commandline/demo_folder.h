@@ -5,7 +5,7 @@
 namespace vistrane {
 
 /// The absolute path of the user's Videos folder: from `user-dirs.dirs` in the configuration
-/// folder, else "Videos" in the home folder. It may not exist.
+/// folder, otherwise "Videos" in the home folder. It may not exist.
 std::string videosFolder();
 
 /// The path of a new folder, or the reason why there is none.

@@ -60,7 +60,7 @@ struct WindowSession::Parts {
                                  [this] { return appearance.interfaceStyle(); });
     }
 
-    /// The parent of dialogs: the active window, which then gets the keyboard back.
+    /// The parent of dialogs: the active window, which gets the keyboard focus back afterwards.
     QWidget* dialogParent() {
         QWidget& main = interface.mainWindow();
         QWidget* const active = QApplication::activeWindow();
@@ -96,9 +96,9 @@ struct WindowSession::Parts {
     const Platform platform = backend.platform(appKit);
     AppDelegate controller{platform};
     mantisQRXpanel panel{platform};
-    /// `mainWindowIsDrawn` has run.
+    /// Whether `mainWindowIsDrawn` has run.
     bool isDrawn = false;
-    /// The settings are restored. Before that, ending saves nothing.
+    /// Whether the settings are restored. Before that, ending saves nothing.
     bool isLaunched = false;
     std::atomic<bool> isEnding{false};
 };
@@ -124,7 +124,7 @@ void WindowSession::launch() {
     followAppearance();
     connectInterface();
     parts_.interface.holdSmallWindows();
-    // Before the window is shown: a window manager may not remove a task-bar entry later.
+    // Before the window is shown, because a window manager may not remove a task-bar entry later.
     const bool isDockSettingStored = parts_.defaults.integerForKey("firstTime") == 1;
     if (isDockSettingStored) {
         parts_.panel.restoreDockSetting();
@@ -139,7 +139,7 @@ void WindowSession::launch() {
     parts_.isLaunched = true;
     showOtherWindows();
     parts_.controller.applicationDidFinishLaunching();
-    tellThatNoCameraIsThere();
+    showNoCameraHint();
     keepAwakeWhileCapturing();
 }
 
@@ -166,7 +166,7 @@ void WindowSession::connectInterface() {
     }
 }
 
-void WindowSession::tellThatNoCameraIsThere() {
+void WindowSession::showNoCameraHint() {
     if (!parts_.controller.allAVdevices.empty()) {
         return;
     }
@@ -205,7 +205,7 @@ void WindowSession::showOtherWindows() {
         parts_.interface.statusMenu(), QApplication::windowIcon(), "Vistrane",
         [this] { parts_.controller.realUnhide(&parts_.controller); });
     awaitDisplay();
-    // Last, so that they are in front of the main window and can be placed beside it.
+    // Last, so that they are in front of the main window and can be placed relative to it.
     parts_.interface.releaseSmallWindows();
     awaitDisplay();
     if (QApplication::activeWindow() == nullptr) {

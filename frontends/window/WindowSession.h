@@ -12,8 +12,8 @@ namespace vistrane {
 /// The program in its window: the controller and the info panel, with the interface files and real
 /// media. One for the process. Main thread only, after `makeApplication`.
 ///
-/// Closing the main window or quitting ends the process at once with status 0, whatever else is
-/// open: settings are saved, unfinished movies are removed, other threads are not waited for.
+/// Closing the main window or quitting ends the process immediately with status 0, whatever else is
+/// open: saves the settings, removes unfinished movies, and does not wait for other threads.
 /// SIGINT, SIGHUP and SIGTERM do the same with status 128 + the signal.
 class WindowSession final : public QObject {
 public:
@@ -34,15 +34,15 @@ private:
 
     void launch();
     void connectInterface();
-    void tellThatNoCameraIsThere();
+    void showNoCameraHint();
     void showMainWindow();
-    /// Does what can wait until the main window is drawn. The second call does nothing.
+    /// Does everything that can wait until the main window is drawn. A second call does nothing.
     void mainWindowIsDrawn();
     void showOtherWindows();
     /// Waits a short time until all visible windows are exposed, because listing cameras blocks
     /// drawing.
     void awaitDisplay();
-    /// Gives the keyboard to the last visible window of the interface.
+    /// Gives the keyboard focus to the last visible window of the interface.
     void takeKeyboard();
     void followAppearance();
     void keepAwakeWhileCapturing();

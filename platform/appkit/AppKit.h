@@ -30,7 +30,7 @@ public:
 
     /// A new, empty alert. Any thread.
     virtual std::unique_ptr<NSAlert> alert() = 0;
-    /// The platform's standard alert for an error, complete.
+    /// The complete standard alert for an error.
     virtual std::unique_ptr<NSAlert> alertWithError(const NSError& error) = 0;
     virtual std::unique_ptr<NSOpenPanel> openPanel() = 0;
 

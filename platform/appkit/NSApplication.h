@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// What the application tells its delegate, on the main thread.
+/// Receives the application's notifications, on the main thread.
 class NSApplicationDelegate {
 public:
     /// Called once, after the interface file was loaded and before the run loop starts.
@@ -29,7 +29,7 @@ enum NSApplicationActivationPolicy : NSInteger {
 class NSApplication : public NSObject {
 public:
     virtual void miniaturizeAll(NSObject* sender) = 0;
-    /// Takes effect at once. Returns whether the policy changed.
+    /// Takes effect immediately. Returns whether the policy has changed.
     virtual bool setActivationPolicy(NSApplicationActivationPolicy policy) = 0;
     virtual void activateIgnoringOtherApps(bool ignoring) = 0;
 };

@@ -17,10 +17,10 @@ public:
     virtual void setCanCreateDirectories(bool allowed) = 0;
     virtual void setAllowsMultipleSelection(bool allowed) = 0;
     virtual void setCanChooseFiles(bool allowed) = 0;
-    /// The title of the button that confirms.
+    /// The title of the confirming button.
     virtual void setPrompt(const std::string& prompt) = 0;
 
-    /// `NSModalResponseOK` when the user confirmed. Timers do not fire meanwhile.
+    /// Returns `NSModalResponseOK` if the user confirms. Timers do not fire meanwhile.
     virtual NSModalResponse runModal() = 0;
 
     /// The chosen item; nothing until the user confirms.

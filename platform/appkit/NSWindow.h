@@ -6,7 +6,7 @@
 
 namespace vistrane {
 
-/// A window. Main thread only; an alert's window belongs to the thread of its alert.
+/// A window. Main thread only, except that an alert's window belongs to the alert's thread.
 class NSWindow : public NSObject {
 public:
     /// Null ends editing: the edited field commits its text and sends its action. Returns whether

@@ -38,7 +38,7 @@ inline constexpr CVReturn kCVReturnInvalidArgument = -6661;
 inline constexpr CVReturn kCVReturnAllocationFailed = -6662;
 inline constexpr CVReturn kCVReturnInvalidSize = -6681;
 
-/// 8 bits a component. In memory order: one byte of alpha or padding, red, green, blue.
+/// 8 bits per component. In memory order: one byte of alpha or padding, red, green, blue.
 inline constexpr std::uint32_t kCVPixelFormatType_32ARGB = 32;
 
 inline constexpr char kCVPixelBufferPixelFormatTypeKey[] = "PixelFormatType";

@@ -74,12 +74,12 @@ public:
 
     /// A thread for `entry` that has not been started.
     virtual std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) = 0;
-    /// The calling thread's object. Only on a thread made by `threadWithEntry`.
+    /// The calling thread's object. Call it only on a thread from `threadWithEntry`.
     virtual std::shared_ptr<NSThread> currentThread() = 0;
 
     /// Opaque bytes that identify `url` across restarts.
     virtual BookmarkDataResult bookmarkDataWithOptions(const NSURL& url, std::uint64_t options) = 0;
-    /// The address of a bookmark. Does not check that it exists.
+    /// The address of a bookmark. Does not check whether it exists.
     virtual BookmarkURLResult URLByResolvingBookmarkData(const std::vector<std::uint8_t>& data,
                                                          std::uint64_t options) = 0;
     /// Grants the process access to the address until it ends.

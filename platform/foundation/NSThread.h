@@ -13,7 +13,7 @@ public:
     /// Call once.
     virtual void start() = 0;
 
-    /// Only sets the flag that `isCancelled` returns; the entry function has to check it.
+    /// Only sets the flag that `isCancelled` returns; the entry function must check it.
     virtual void cancel() = 0;
     virtual bool isCancelled() const = 0;
 };

@@ -19,7 +19,7 @@ finds() { # TEXT COMPILER [OPTION...]
         printf 'not found:\n%s\n' "$(cat "$tree/platform/foundation/Planted.h")"
         failures=$((failures + 1))
     elif [[ $out != *"platform/foundation/Planted.h does not compile on its own"* ]]; then
-        printf 'found, but not told where:\n%s\n' "$out"
+        printf 'found, but without its place:\n%s\n' "$out"
         failures=$((failures + 1))
     fi
     rm "$tree/platform/foundation/Planted.h"
@@ -32,7 +32,7 @@ fi
 
 printf '#pragma once\n#include <string>\nstd::string name();\n' >"$tree/platform/foundation/Good.h"
 if ! check "$@"; then
-    echo 'a header that stands alone is refused'
+    echo 'a self-contained header is refused'
     failures=$((failures + 1))
 fi
 

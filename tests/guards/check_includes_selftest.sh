@@ -19,7 +19,7 @@ check() {
 accepts() { # PATH LINE
     plant "$1" "$2"
     if ! out=$(check); then
-        printf 'refused but right: %s in %s\n%s\n' "$2" "$1" "$out"
+        printf 'refused, but valid: %s in %s\n%s\n' "$2" "$1" "$out"
         failures=$((failures + 1))
     fi
 }
@@ -30,7 +30,7 @@ finds() { # PATH LINE
         printf 'not found: %s in %s\n' "$2" "$1"
         failures=$((failures + 1))
     elif [[ $out != "$1:2: "* && $out != "$1:1: "* ]]; then
-        printf 'found, but not told where: %s in %s\n%s\n' "$2" "$1" "$out"
+        printf 'found, but without its place: %s in %s\n%s\n' "$2" "$1" "$out"
         failures=$((failures + 1))
     fi
     rm "$tree/$1"

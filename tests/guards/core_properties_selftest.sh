@@ -31,7 +31,7 @@ END
 
 accepts() { # PLANT
     if ! out=$(configure "$1"); then
-        printf 'refused but right: %s\n%s\n' "$1" "$out"
+        printf 'refused, but valid: %s\n%s\n' "$1" "$out"
         failures=$((failures + 1))
     fi
 }

@@ -90,7 +90,7 @@ installIsComplete() {
     "$prefix/bin/vistrane" --version >/dev/null || fail "the installed program does not run"
     # The entries must name the installed files.
     grep -qx 'Exec=vistrane %f' "$prefix/share/applications/vistrane.desktop" ||
-        fail "the desktop entry starts something else"
+        fail "the desktop entry starts another program"
     grep -qx 'Icon=vistrane' "$prefix/share/applications/vistrane.desktop" ||
         fail "the desktop entry has another icon"
     grep -q '<launchable type="desktop-id">vistrane.desktop<' \

@@ -20,7 +20,7 @@ FileNames namesOf(std::initializer_list<std::string_view> list) {
     return names;
 }
 
-TEST(FileNames, WithoutANameThereIsNothingToRead) {
+TEST(FileNames, AreInitiallyEmpty) {
     const FileNames names;
     EXPECT_THAT(names, IsEmpty());
     EXPECT_EQ(names.size(), 0U);
@@ -28,14 +28,14 @@ TEST(FileNames, WithoutANameThereIsNothingToRead) {
     EXPECT_THAT(std::vector<std::string>(names), IsEmpty());
 }
 
-TEST(FileNames, NamesAreReadInTheOrderInWhichTheyCameEveryByteKept) {
+TEST(FileNames, KeepTheirOrderAndBytes) {
     const FileNames names = namesOf({"b", "a\n.png", "\xff\xfe", "b"});
     EXPECT_THAT(names, ElementsAre("b", "a\n.png", "\xff\xfe", "b"));
     EXPECT_EQ(names.size(), 4U);
     EXPECT_THAT(std::vector<std::string>(names), ElementsAre("b", "a\n.png", "\xff\xfe", "b"));
 }
 
-TEST(FileNames, OnlyTheSameNamesInTheSameOrderAreTheSame) {
+TEST(FileNames, AreEqualOnlyWithTheSameNamesInTheSameOrder) {
     EXPECT_TRUE(namesOf({"a", "b"}) == namesOf({"a", "b"}));
     EXPECT_FALSE(namesOf({"a", "b"}) == namesOf({"b", "a"}));
     EXPECT_FALSE(namesOf({"a", "b"}) == namesOf({"ab"}));

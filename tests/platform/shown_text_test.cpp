@@ -22,7 +22,7 @@ TEST(ShownText, ReplacesEachControlCharacter) {
     EXPECT_EQ(shownText("\xC2\x80\xC2\x9B\xC2\x9F"), REPLACED REPLACED REPLACED);
 }
 
-TEST(ShownText, ReplacesEachByteThatIsNoCharacter) {
+TEST(ShownText, ReplacesEachInvalidByte) {
     EXPECT_EQ(shownText("a\xFF\xFE"), "a" REPLACED REPLACED);
     EXPECT_EQ(shownText("\x80z"), REPLACED "z");
     EXPECT_EQ(shownText("\xE2\x82"), REPLACED REPLACED); // cut short

@@ -5,7 +5,7 @@
 namespace vistrane {
 namespace {
 
-TEST(PathExtension, IsThePartAfterTheLastDotOfTheLastComponent) {
+TEST(PathExtension, FollowsTheLastDotOfTheLastComponent) {
     EXPECT_EQ(pathExtension("frame.png"), "png");
     EXPECT_EQ(pathExtension("/f/frame.PNG"), "PNG");
     EXPECT_EQ(pathExtension("a.b.png"), "png");

@@ -44,13 +44,13 @@ std::size_t number(int side) {
 }
 
 /// Whether the picture can be scaled down to `size`, which is at least 1 x 1, while it is decoded.
-bool canBeMadeSmaller(const PictureShape& shape, QSize size) {
+bool canScaleWhileDecoding(const PictureShape& shape, QSize size) {
     return !shape.mayBeTransparent && number(size.width()) <= shape.width &&
            number(size.height()) <= shape.height;
 }
 
 /// Null if the file is damaged.
-QImage madeSmaller(const PictureSource& source, QSize size) {
+QImage scaledWhileDecoding(const PictureSource& source, QSize size) {
     QImage pixels(size, QImage::Format_RGB32);
     if (pixels.isNull() || source.readSmaller(number(size.width()), number(size.height()),
                                               reinterpret_cast<std::uint32_t*>(pixels.bits()),
@@ -60,7 +60,7 @@ QImage madeSmaller(const PictureSource& source, QSize size) {
     return pixels;
 }
 
-QImage madeSmaller(const QImage& image, QSize size) {
+QImage scaledWhileDecoding(const QImage& image, QSize size) {
     QImage pixels(size, QImage::Format_RGB32);
     if (pixels.isNull()) {
         return {};
@@ -81,7 +81,7 @@ QImage madeSmaller(const QImage& image, QSize size) {
 QImage scaled(const QImage& image, QSize size) {
     const bool isSmaller = size.width() <= image.width() && size.height() <= image.height();
     if (isSmaller && image.format() == QImage::Format_RGBX8888) {
-        return madeSmaller(image, size);
+        return scaledWhileDecoding(image, size);
     }
     // This format is painted without conversion.
     return image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
@@ -109,7 +109,7 @@ void PictureWidget::setPicture(std::shared_ptr<NSImage> picture) {
     const PictureSource* const file = fileOf(picture_);
     if (file != nullptr && isVisible()) {
         const QSize wanted = pixelsIn(place());
-        if (canBeMadeSmaller(file->shape(), wanted)) {
+        if (canScaleWhileDecoding(file->shape(), wanted)) {
             file->expectSmaller(number(wanted.width()), number(wanted.height()));
         }
     }
@@ -193,8 +193,8 @@ void PictureWidget::scaleTo(QSize size) {
     }
     const PictureSource* const file = fileOf(picture_);
     const bool isFirst = scaled_.isNull();
-    if (file != nullptr && isFirst && canBeMadeSmaller(file->shape(), size)) {
-        scaled_ = madeSmaller(*file, size);
+    if (file != nullptr && isFirst && canScaleWhileDecoding(file->shape(), size)) {
+        scaled_ = scaledWhileDecoding(*file, size);
         if (scaled_.isNull()) {
             picture_.reset();
         }

@@ -23,11 +23,11 @@ namespace vistrane {
 ///     inStatusMenu  menu item: also in the status icon's menu
 ///     inContextMenu menu item: also in the main window's context menu
 ///     cellClass     slider: a cell of that class draws it
-///     numberOfTickMarks  such a slider: how many ticks its cell has
-///     delegate      window: the object that is told "windowWillClose:"
+///     numberOfTickMarks  slider with a cell: the number of its ticks
+///     delegate      window: the object that receives "windowWillClose:"
 ///     image         view: the name of its initial picture
 ///     hint          view: its text until the first picture
-///     hintWithoutCameras   the same, when there is no camera
+///     hintWithoutCameras   the same, if there is no camera
 class QtInterface {
 public:
     explicit QtInterface(const QtResources& resources);

@@ -21,7 +21,7 @@ class HiddenMenuBar;
 /// its task-bar entry if no status icon can restore it.
 class QtApplication final : public QObject, public NSApplication {
 public:
-    /// `hasStatusIcon` tells whether the desktop shows the program's status icon.
+    /// `hasStatusIcon` returns whether the desktop shows the program's status icon.
     explicit QtApplication(std::function<bool()> hasStatusIcon);
     ~QtApplication() override;
 

@@ -10,7 +10,7 @@ namespace vistrane {
 
 namespace {
 
-QString shownAsItIs(const std::string& title) {
+QString escapedTitle(const std::string& title) {
     return QString::fromStdString(title).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
@@ -39,7 +39,7 @@ std::shared_ptr<NSMenuItem> QtMenu::addItemWithTitle(const std::string& title, N
     if (menu_ == nullptr) {
         return nullptr;
     }
-    QAction* const entry = menu_->addAction(shownAsItIs(title));
+    QAction* const entry = menu_->addAction(escapedTitle(title));
     entry->setShortcut(shortcutFor(keyEquivalent));
     // By default, some systems move entries with titles such as "About" to another menu.
     entry->setMenuRole(QAction::NoRole);

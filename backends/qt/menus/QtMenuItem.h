@@ -16,7 +16,7 @@ namespace vistrane {
 
 class QtMenu;
 
-/// Converts a picture of the program for a menu.
+/// Converts a picture of the program to an icon for a menu.
 using MenuIconMaker = std::function<QIcon(const NSImage&)>;
 
 /// An entry of a menu, on a QAction of a QtMenu or of the interface file. The action belongs to its

@@ -128,7 +128,7 @@ void AlertDialog::fitHeight(QScrollArea& texts, int others) {
     if (texts.height() <= most) {
         return;
     }
-    // So that the keyboard can scroll it.
+    // Focusable, so that the keyboard can scroll it.
     texts.setFocusPolicy(Qt::TabFocus);
     texts.setFixedSize(texts.width() + texts.verticalScrollBar()->sizeHint().width(), most);
 }

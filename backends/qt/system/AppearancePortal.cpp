@@ -44,7 +44,7 @@ Appearance::Portal::Portal(std::function<void()> changed) {
     if (!bus.isConnected()) {
         return;
     }
-    // Qt looks the slot up by the type's name, which has to be registered first.
+    // Qt finds the slot by the type's name, which must be registered first.
     qRegisterMetaType<QDBusVariant>();
     // From any sender, because a restarted portal has another name.
     bus.connect({}, path, interfaceName, "SettingChanged", this,

@@ -11,7 +11,7 @@ namespace vistrane {
 
 namespace {
 
-/// Passes the answer from the main thread to a waiting one.
+/// Passes the answer from the main thread to a waiting thread.
 using Answer = std::promise<int>;
 
 AlertDialog* makeDialog(const QtDialogRules& rules, const AlertContents& contents) {
@@ -22,14 +22,14 @@ AlertDialog* makeDialog(const QtDialogRules& rules, const AlertContents& content
 
 /// Shows an alert that leaves other windows usable. Waits for the end of a modal dialog, which
 /// would block the alert and be covered by it.
-void showBeside(const std::shared_ptr<const QtDialogRules>& rules, const AlertContents& contents,
-                const std::shared_ptr<Answer>& answer) {
+void showModeless(const std::shared_ptr<const QtDialogRules>& rules, const AlertContents& contents,
+                  const std::shared_ptr<Answer>& answer) {
     if (const QWidget* const modal = QApplication::activeModalWidget()) {
         QtRunLoop& loop = rules->loop;
         QObject::connect(modal, &QObject::destroyed, &loop, [rules, &loop, contents, answer] {
             // Not within the dialog's destructor, because another dialog may follow immediately.
             loop.mainQueue().async(
-                [rules, contents, answer] { showBeside(rules, contents, answer); });
+                [rules, contents, answer] { showModeless(rules, contents, answer); });
         });
         return;
     }
@@ -62,7 +62,7 @@ NSModalResponse QtAlert::runModal() {
     if (contents_.buttons.empty()) {
         contents_.buttons.emplace_back("OK");
     }
-    return rules_->loop.isMainThread() ? runOnMainThread() : runBesideMainThread();
+    return rules_->loop.isMainThread() ? runOnMainThread() : runOnOtherThread();
 }
 
 NSModalResponse QtAlert::runOnMainThread() const {
@@ -71,10 +71,10 @@ NSModalResponse QtAlert::runOnMainThread() const {
     return NSAlertFirstButtonReturn + dialog->exec();
 }
 
-NSModalResponse QtAlert::runBesideMainThread() const {
+NSModalResponse QtAlert::runOnOtherThread() const {
     const auto answer = std::make_shared<Answer>();
     rules_->loop.mainQueue().async(
-        [answer, rules = rules_, contents = contents_] { showBeside(rules, contents, answer); });
+        [answer, rules = rules_, contents = contents_] { showModeless(rules, contents, answer); });
     return NSAlertFirstButtonReturn + answer->get_future().get();
 }
 

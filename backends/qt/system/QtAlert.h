@@ -76,7 +76,7 @@ private:
     };
 
     NSModalResponse runOnMainThread() const;
-    NSModalResponse runBesideMainThread() const;
+    NSModalResponse runOnOtherThread() const;
 
     const std::shared_ptr<const QtDialogRules> rules_;
     AlertContents contents_;

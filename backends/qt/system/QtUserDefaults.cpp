@@ -107,7 +107,7 @@ std::optional<Values> parseFirstFormat(const QByteArray& text) {
 struct Stored {
     /// The error number if the file cannot be read; ENOENT if there is none.
     int error = 0;
-    /// Nothing when they are damaged.
+    /// The settings; nothing if they are damaged.
     std::optional<Values> values;
     bool isIni = false;
 };
@@ -124,7 +124,7 @@ Stored readSettings(const std::string& path) {
 }
 
 /// The file that `path` refers to, with links resolved; `path` if there is none.
-std::filesystem::path behindLinks(const std::string& path) {
+std::filesystem::path resolveLinks(const std::string& path) {
     std::error_code error;
     const std::filesystem::path real = std::filesystem::canonical(path, error);
     return error ? std::filesystem::path(path) : real;
@@ -174,7 +174,7 @@ QtUserDefaults::QtUserDefaults(std::string path, Log log)
 }
 
 void QtUserDefaults::setAside(const std::string& remedy) {
-    const std::string damaged = behindLinks(path_).string();
+    const std::string damaged = resolveLinks(path_).string();
     std::string aside = damaged + ".damaged";
     std::error_code error;
     for (int number = 2; std::filesystem::symlink_status(aside, error).type() !=
@@ -247,7 +247,7 @@ void QtUserDefaults::synchronize() {
 
 int QtUserDefaults::save() {
     std::error_code ignored; // creating the file will then fail
-    std::filesystem::create_directories(behindLinks(path_).parent_path(), ignored);
+    std::filesystem::create_directories(resolveLinks(path_).parent_path(), ignored);
     const Stored stored = readSettings(path_);
     if (stored.error != 0 && stored.error != ENOENT) {
         return stored.error;
@@ -279,7 +279,7 @@ int QtUserDefaults::save() {
     // A file of another format sets an error status, which would hide a failure to replace the
     // file.
     const bool isSaved = file.status() != QSettings::AccessError && readSettings(path_).isIni;
-    return isSaved ? flushToDisk(behindLinks(path_)) : EIO;
+    return isSaved ? flushToDisk(resolveLinks(path_)) : EIO;
 }
 
 void QtUserDefaults::setSystemString(const std::string& key,

@@ -69,7 +69,7 @@ private:
     bool isReadable_ = true;
 };
 
-/// Where the program's settings are kept. Absolute.
+/// The absolute path of the program's settings file.
 std::string settingsPath();
 
 } // namespace vistrane

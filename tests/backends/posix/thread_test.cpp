@@ -89,7 +89,7 @@ TEST(LowPriority, HoldsForTheThreadThatSetsItAndForThoseThatItStarts) {
     int own = 0;
     int inherited = 0;
     std::thread([&] {
-        giveWayToOtherThreads();
+        lowerThreadPriority();
         own = niceness();
         std::thread([&] { inherited = niceness(); }).join();
     }).join();
