@@ -39,7 +39,7 @@ bool QtWorkspace::openURL(const NSURL& url) {
 void QtWorkspace::openFile(const std::string& path) const {
     launchProgram({"xdg-open", path}, [this, path](int status) {
         if (status == fileIsMissing) {
-            log_("'" + shownText(path) + "' cannot be opened: it does not exist.");
+            log_("'" + shownText(path) + "' cannot be opened: it is not there.");
         } else if (status != 0) {
             log_("No program could be found that opens '" + shownText(path) +
                  "' (xdg-open: " + std::to_string(status) + ").");
