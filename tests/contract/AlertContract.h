@@ -65,25 +65,20 @@ TYPED_TEST_P(AlertContract, ButtonsAnswerInTheOrderInWhichTheyWereAdded) {
     }
 }
 
-TYPED_TEST_P(AlertContract, TheFirstButtonIsTheDefault) {
-    const auto alert = this->alertWithButtons({"Ok", "Cancel"});
-    this->backend_.confirmNextAlert(0.0);
-    EXPECT_EQ(alert->runModal(), NSAlertFirstButtonReturn);
-}
-
-TYPED_TEST_P(AlertContract, WithoutButtonsThereIsOneThatConfirms) {
-    const auto pressed = this->alertWithButtons({});
-    this->backend_.answerNextAlert(0, 0.0);
-    EXPECT_EQ(pressed->runModal(), NSAlertFirstButtonReturn);
-    const auto confirmed = this->alertWithButtons({});
-    this->backend_.confirmNextAlert(0.0);
-    EXPECT_EQ(confirmed->runModal(), NSAlertFirstButtonReturn);
-}
-
-TYPED_TEST_P(AlertContract, AnErrorsAlertNeedsNothingMore) {
-    const auto alert = this->backend_.alertWithError({"SomeDomain", -42, "It did not work."});
-    this->backend_.answerNextAlert(0, 0.0);
-    EXPECT_EQ(alert->runModal(), NSAlertFirstButtonReturn);
+TYPED_TEST_P(AlertContract, TheDefaultButtonIsTheFirstOrTheOneThatNeedsNoTitle) {
+    for (const bool isPressed : {true, false}) {
+        const std::unique_ptr<NSAlert> alerts[] = {
+            this->alertWithButtons({"Ok", "Cancel"}), this->alertWithButtons({}),
+            this->backend_.alertWithError({"SomeDomain", -42, "It did not work."})};
+        for (const auto& alert : alerts) {
+            if (isPressed) {
+                this->backend_.answerNextAlert(0, 0.0);
+            } else {
+                this->backend_.confirmNextAlert(0.0);
+            }
+            EXPECT_EQ(alert->runModal(), NSAlertFirstButtonReturn);
+        }
+    }
 }
 
 TYPED_TEST_P(AlertContract, AnyTextIsAccepted) {
@@ -196,12 +191,14 @@ TYPED_TEST_P(AlertContract, OnAnotherThreadWaitingUsesNoProcessorTime) {
     EXPECT_LT(used, seconds / 4);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(
-    AlertContract, ButtonsAnswerInTheOrderInWhichTheyWereAdded, TheFirstButtonIsTheDefault,
-    WithoutButtonsThereIsOneThatConfirms, AnErrorsAlertNeedsNothingMore, AnyTextIsAccepted,
-    AnAccessoryViewCanBeUsedAgain, OnTheMainThreadTimersWaitAndTickOnceAfterwards,
-    AnAlertInATickStopsItsOwnTimerMeanwhile, OnTheMainThreadTheMainQueueKeepsRunning,
-    OnAnotherThreadTheAnswerIsReturned, OnAnotherThreadTheMainLoopKeepsRunning,
-    OnAnotherThreadWaitingUsesNoProcessorTime);
+REGISTER_TYPED_TEST_SUITE_P(AlertContract, ButtonsAnswerInTheOrderInWhichTheyWereAdded,
+                            TheDefaultButtonIsTheFirstOrTheOneThatNeedsNoTitle, AnyTextIsAccepted,
+                            AnAccessoryViewCanBeUsedAgain,
+                            OnTheMainThreadTimersWaitAndTickOnceAfterwards,
+                            AnAlertInATickStopsItsOwnTimerMeanwhile,
+                            OnTheMainThreadTheMainQueueKeepsRunning,
+                            OnAnotherThreadTheAnswerIsReturned,
+                            OnAnotherThreadTheMainLoopKeepsRunning,
+                            OnAnotherThreadWaitingUsesNoProcessorTime);
 
 } // namespace vistrane

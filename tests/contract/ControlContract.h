@@ -75,17 +75,6 @@ TYPED_TEST_P(ControlContract, AButtonMayBeEnabledByAnyThread) {
     EXPECT_EQ(button->title(), "still usable");
 }
 
-TYPED_TEST_P(ControlContract, AButtonTakesNoPicture) {
-    const auto button = this->backend_.button();
-    button->setImage(nullptr);
-    button->setAlternateImage(nullptr);
-    SUCCEED();
-}
-
-TYPED_TEST_P(ControlContract, AFieldShowsTheTextThatWasSet) {
-    EXPECT_EQ(this->backend_.text(*this->fieldWith("( t = 5 s )")), "( t = 5 s )");
-}
-
 TYPED_TEST_P(ControlContract, AFieldReadsTheLeadingInteger) {
     EXPECT_EQ(this->fieldWith("7x")->intValue(), 7);
     EXPECT_EQ(this->fieldWith("7.9")->intValue(), 7);
@@ -109,7 +98,8 @@ TYPED_TEST_P(ControlContract, AFieldLimitsNumbersThatAreOutOfRange) {
     EXPECT_EQ(this->fieldWith(std::string(100, '9'))->intValue(), Int::max());
 }
 
-TYPED_TEST_P(ControlContract, AFieldShowsTheDigitsOfANumber) {
+TYPED_TEST_P(ControlContract, AFieldShowsATextOrTheDigitsOfANumber) {
+    EXPECT_EQ(this->backend_.text(*this->fieldWith("( t = 5 s )")), "( t = 5 s )");
     const auto field = this->backend_.textField();
     field->setIntValue(-12);
     EXPECT_EQ(this->backend_.text(*field), "-12");
@@ -198,23 +188,20 @@ TYPED_TEST_P(ControlContract, WhatIsNoNumberIsNoEndOfASlidersRange) {
     EXPECT_EQ(slider->intValue(), 1);
 }
 
-TYPED_TEST_P(ControlContract, AnEmptyListHasNoSelection) {
+TYPED_TEST_P(ControlContract, AnEmptyListHasNoSelectionAndItsFirstItemIsSelected) {
     const auto popUp = this->backend_.popUp();
     EXPECT_EQ(popUp->indexOfSelectedItem(), -1);
-    popUp->removeAllItems();
-    EXPECT_EQ(popUp->indexOfSelectedItem(), -1);
-}
-
-TYPED_TEST_P(ControlContract, TheFirstItemOfAnEmptyListIsSelected) {
-    const auto popUp = this->backend_.popUp();
     popUp->addItemWithTitle("A");
     EXPECT_EQ(popUp->indexOfSelectedItem(), 0);
     popUp->addItemWithTitle("B");
     EXPECT_EQ(popUp->indexOfSelectedItem(), 0);
     popUp->removeAllItems();
     EXPECT_EQ(popUp->indexOfSelectedItem(), -1);
-    popUp->addItemWithTitle("C");
-    EXPECT_EQ(popUp->indexOfSelectedItem(), 0);
+    // Also when it is replaced.
+    for (int times = 0; times < 2; ++times) {
+        popUp->addItemWithTitle("C");
+        EXPECT_EQ(popUp->indexOfSelectedItem(), 0);
+    }
     EXPECT_THAT(this->backend_.titles(*popUp), ::testing::ElementsAre("C"));
 }
 
@@ -224,14 +211,6 @@ TYPED_TEST_P(ControlContract, AnItemOfTheSameTitleIsReplacedByOneAtTheEnd) {
         popUp->addItemWithTitle(title);
     }
     EXPECT_THAT(this->backend_.titles(*popUp), ::testing::ElementsAre("A", "C", "B"));
-    EXPECT_EQ(popUp->indexOfSelectedItem(), 0);
-}
-
-TYPED_TEST_P(ControlContract, AnOnlyItemThatIsReplacedIsSelectedAgain) {
-    const auto popUp = this->backend_.popUp();
-    popUp->addItemWithTitle("A");
-    popUp->addItemWithTitle("A");
-    EXPECT_THAT(this->backend_.titles(*popUp), ::testing::ElementsAre("A"));
     EXPECT_EQ(popUp->indexOfSelectedItem(), 0);
 }
 
@@ -272,27 +251,25 @@ TYPED_TEST_P(ControlContract, AViewHasALayerWhenOneIsWanted) {
     EXPECT_EQ(view->layer(), layer);
 }
 
-TYPED_TEST_P(ControlContract, AnImageViewTakesNoPicture) {
+TYPED_TEST_P(ControlContract, NullPicturesAndRespondersAreTaken) {
+    const auto button = this->backend_.button();
+    button->setImage(nullptr);
+    button->setAlternateImage(nullptr);
     const auto view = this->backend_.imageView();
     view->setImage(nullptr);
     view->setNeedsDisplay(true);
-    SUCCEED();
-}
-
-TYPED_TEST_P(ControlContract, AWindowTakesNoFirstResponder) {
     EXPECT_TRUE(this->backend_.window()->makeFirstResponder(nullptr));
 }
 
 REGISTER_TYPED_TEST_SUITE_P(
     ControlContract, AButtonKeepsItsTitleByteForByte, AButtonKeepsItsState,
-    AButtonMayBeEnabledByAnyThread, AButtonTakesNoPicture, AFieldShowsTheTextThatWasSet,
-    AFieldReadsTheLeadingInteger, AFieldLimitsNumbersThatAreOutOfRange,
-    AFieldShowsTheDigitsOfANumber, ASliderLimitsWhatIsSet, ASlidersRangeLimitsItsValue,
+    AButtonMayBeEnabledByAnyThread, AFieldReadsTheLeadingInteger,
+    AFieldLimitsNumbersThatAreOutOfRange, AFieldShowsATextOrTheDigitsOfANumber,
+    ASliderLimitsWhatIsSet, ASlidersRangeLimitsItsValue,
     ASliderRoundsToTheNearestAndHalvesAwayFromZero, WithASlidersRangeUpsideDownTheMinimumHolds,
     ASlidersNumbersThatAreOutOfRangeGiveTheNearest, WhatIsNoNumberIsNoEndOfASlidersRange,
-    AnEmptyListHasNoSelection, TheFirstItemOfAnEmptyListIsSelected,
-    AnItemOfTheSameTitleIsReplacedByOneAtTheEnd, AnOnlyItemThatIsReplacedIsSelectedAgain,
+    AnEmptyListHasNoSelectionAndItsFirstItemIsSelected, AnItemOfTheSameTitleIsReplacedByOneAtTheEnd,
     WhenTheSelectedItemIsReplacedTheFirstOfTheOthersIsSelected, TheSelectionStaysWithItsItem,
-    AViewHasALayerWhenOneIsWanted, AnImageViewTakesNoPicture, AWindowTakesNoFirstResponder);
+    AViewHasALayerWhenOneIsWanted, NullPicturesAndRespondersAreTaken);
 
 } // namespace vistrane

@@ -10,14 +10,14 @@
 
 namespace vistrane {
 
-/// Looking for cameras. A backend has
+/// Tests the discovery of cameras. A backend has
 ///
 ///     auto& cameras();       an AVFoundation, or its capture half, with at least one camera, that
 ///                            works and is for video only
 template <typename Backend>
 class DiscoveryContract : public ::testing::Test {
 protected:
-    /// As the program asks, the type that is none included.
+    /// Queries as the program does, with a null among the types.
     std::shared_ptr<AVCaptureDeviceDiscoverySession> discover() {
         return backend_.cameras().discoverySessionWithDeviceTypes(
             {AVCaptureDeviceTypeBuiltInWideAngleCamera, AVCaptureDeviceTypeExternalUnknown,

@@ -2,11 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
 #include <thread>
 #include <vector>
-
-#include <gmock/gmock.h>
 
 #include "platform/dispatch/Dispatch.h"
 #include "tests/contract/contract.h"
@@ -40,15 +37,6 @@ TYPED_TEST_P(DispatchContract, TheMainQueueWaitsForTheRunLoop) {
     EXPECT_TRUE(this->runUntil([&] { return worked; }));
 }
 
-TYPED_TEST_P(DispatchContract, TheMainQueueKeepsTheOrder) {
-    std::vector<int> order;
-    for (int number = 0; number < 5; ++number) {
-        dispatch_async(this->mainQueue(), [&order, number] { order.push_back(number); });
-    }
-    this->runUntil([&] { return order.size() == 5; });
-    EXPECT_THAT(order, ::testing::ElementsAre(0, 1, 2, 3, 4));
-}
-
 TYPED_TEST_P(DispatchContract, TheMainQueueRunsOnTheMainThread) {
     std::thread::id thread;
     dispatch_async(this->globalQueue(), [&] {
@@ -65,23 +53,6 @@ TYPED_TEST_P(DispatchContract, AnItemMayAddItems) {
         dispatch_async(this->mainQueue(), [&] { ++worked; });
     });
     EXPECT_TRUE(this->runUntil([&] { return worked == 2; }));
-}
-
-TYPED_TEST_P(DispatchContract, TheGlobalQueueStartsItsItemsInOrder) {
-    std::mutex mutex;
-    std::vector<int> order;
-    for (int number = 0; number < 100; ++number) {
-        dispatch_async(this->globalQueue(), [&, number] {
-            const std::lock_guard lock(mutex);
-            order.push_back(number);
-        });
-    }
-    const auto count = [&] {
-        const std::lock_guard lock(mutex);
-        return order.size();
-    };
-    ASSERT_TRUE(this->runUntil([&] { return count() == 100; }));
-    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }
 
 TYPED_TEST_P(DispatchContract, OneGlobalItemEndsBeforeTheNextStarts) {
@@ -120,8 +91,7 @@ TYPED_TEST_P(DispatchContract, AnItemIsDestroyedAfterItHasRun) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(DispatchContract, TheMainQueueWaitsForTheRunLoop,
-                            TheMainQueueKeepsTheOrder, TheMainQueueRunsOnTheMainThread,
-                            AnItemMayAddItems, TheGlobalQueueStartsItsItemsInOrder,
+                            TheMainQueueRunsOnTheMainThread, AnItemMayAddItems,
                             OneGlobalItemEndsBeforeTheNextStarts, TwoHopsKeepTheOrder,
                             AnItemIsDestroyedAfterItHasRun);
 

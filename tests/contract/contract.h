@@ -31,7 +31,7 @@ inline void runFor(Foundation& foundation, double seconds) {
     foundation.currentRunLoop().runUntilDate(foundation.dateWithTimeIntervalSinceNow(seconds));
 }
 
-/// One pass over what is due already.
+/// Runs once what is already due.
 inline void runOnePass(Foundation& foundation) {
     runFor(foundation, 0.0);
 }
