@@ -48,8 +48,7 @@ struct SimWorkspace final : SimOf<NSWorkspace> {
 class SimAppKit final : public SimAlerts, public SimPictures, public SimDrawing {
 public:
     SimAppKit(CallLog& log, SimLoop& loop, SimThreads& threads, SimFiles& files)
-        : SimAlerts(log, loop, threads), SimPictures(log, files, *this), SimDrawing(log),
-          log_(log) {}
+        : SimAlerts(log, loop, threads), SimPictures(log, files), SimDrawing(log), log_(log) {}
 
     NSApplication& sharedApplication() override { return application; }
     NSWorkspace& sharedWorkspace() override { return workspace; }
@@ -152,7 +151,6 @@ public:
     SimBookmarks& bookmarks() { return foundation_.bookmarks; }
     SimBundle& bundle() { return foundation_.bundle; }
     SimProcessInfo& processInfo() { return foundation_.process; }
-    std::optional<std::string>& dateAnswer() { return foundation_.dateAnswer; }
     SimNib& nib() { return nib_; }
 
 private:

@@ -75,32 +75,28 @@ struct SimTextField final : SimOf<NSTextField> {
 
 struct SimSlider final : SimOf<NSSlider> {
     using SimOf::SimOf;
-    void setMinValue(double value) override {
-        mainCall("setMinValue: %", value);
-        value_.setMinimum(value);
+    void setMinValue(double newValue) override {
+        mainCall("setMinValue: %", newValue);
+        value.setMinimum(newValue);
     }
-    void setMaxValue(double value) override {
-        mainCall("setMaxValue: %", value);
-        value_.setMaximum(value);
+    void setMaxValue(double newValue) override {
+        mainCall("setMaxValue: %", newValue);
+        value.setMaximum(newValue);
     }
-    std::int32_t intValue() const override { return read("intValue", value_.intValue()); }
-    NSInteger integerValue() const override { return read("integerValue", value_.integerValue()); }
-    float floatValue() const override { return read("floatValue", value_.floatValue()); }
-    void setIntegerValue(NSInteger value) override {
-        mainCall("setIntegerValue: %", value);
-        value_.set(static_cast<double>(value));
+    std::int32_t intValue() const override { return read("intValue", value.intValue()); }
+    NSInteger integerValue() const override { return read("integerValue", value.integerValue()); }
+    float floatValue() const override { return read("floatValue", value.floatValue()); }
+    void setIntegerValue(NSInteger newValue) override {
+        mainCall("setIntegerValue: %", newValue);
+        value.set(static_cast<double>(newValue));
     }
 
     void setRange(double least, double greatest) {
-        value_ = SliderValue(least, greatest, value_.doubleValue());
+        value = SliderValue(least, greatest, value.doubleValue());
     }
-    void drag(double to) { value_.set(to); }
-    double minimum() const { return value_.minimum(); }
-    double maximum() const { return value_.maximum(); }
-    double value() const { return value_.doubleValue(); }
+    void drag(double to) { value.set(to); }
 
-private:
-    SliderValue value_{0.0, 100.0, 0.0};
+    SliderValue value{0.0, 100.0, 0.0};
 };
 
 struct SimButton final : SimOf<NSButton> {
@@ -152,14 +148,15 @@ using SimLayer = SimLayerOf<CALayer>;
 template <class Base>
 struct SimViewOf : SimOf<Base> {
     using SimOf<Base>::SimOf;
-    NSRect bounds() const override { return this->read("bounds", viewBounds); }
+    NSRect bounds() const override {
+        return this->read("bounds", NSRect{{0.0, 0.0}, {320.0, 240.0}});
+    }
     void setWantsLayer(bool value) override { this->mainSet("setWantsLayer:", wantsLayer, value); }
     std::shared_ptr<CALayer> layer() override {
         return this->read("layer", wantsLayer ? viewLayer : nullptr);
     }
     void setNeedsDisplay(bool needed) override { this->mainCall("setNeedsDisplay: %", needed); }
 
-    NSRect viewBounds{{0.0, 0.0}, {320.0, 240.0}};
     bool wantsLayer = false;
     std::shared_ptr<SimLayer> viewLayer =
         std::make_shared<SimLayer>(this->log_, this->name() + ".layer");
@@ -177,37 +174,33 @@ struct SimPopUpButton final : SimOf<NSPopUpButton> {
     using SimOf::SimOf;
     void removeAllItems() override {
         mainCall("removeAllItems");
-        items_.clear();
-        selected_ = -1;
+        items.clear();
+        selected = -1;
     }
     void addItemWithTitle(const std::string& title) override {
         mainCall("addItemWithTitle: %", title);
-        const auto same = std::find(items_.begin(), items_.end(), title);
-        if (same != items_.end()) {
-            const NSInteger index = same - items_.begin();
-            items_.erase(same);
-            if (index == selected_) {
-                selected_ = items_.empty() ? -1 : 0;
-            } else if (index < selected_) {
-                --selected_;
+        const auto same = std::find(items.begin(), items.end(), title);
+        if (same != items.end()) {
+            const NSInteger index = same - items.begin();
+            items.erase(same);
+            if (index == selected) {
+                selected = items.empty() ? -1 : 0;
+            } else if (index < selected) {
+                --selected;
             }
         }
-        items_.push_back(title);
-        if (items_.size() == 1) {
-            selected_ = 0;
+        items.push_back(title);
+        if (items.size() == 1) {
+            selected = 0;
         }
     }
     NSInteger indexOfSelectedItem() const override {
         mainCall("indexOfSelectedItem");
-        return selected_;
+        return selected;
     }
 
-    void select(NSInteger index) { selected_ = index; }
-    const std::vector<std::string>& items() const { return items_; }
-
-private:
-    std::vector<std::string> items_;
-    NSInteger selected_ = -1;
+    std::vector<std::string> items;
+    NSInteger selected = -1;
 };
 
 struct SimProgressIndicator final : SimOf<NSProgressIndicator> {
@@ -316,13 +309,9 @@ public:
         return *control<SimProgressIndicator>(name);
     }
 
-    /// Makes a cell of that class and wakes it; null for an unknown class.
+    /// Makes a cell of that class and wakes it.
     std::shared_ptr<NSSliderCell> makeSliderCell(const std::string& className) const {
-        const auto found = cells_.find(className);
-        if (found == cells_.end()) {
-            return nullptr;
-        }
-        auto cell = found->second();
+        auto cell = cells_.at(className)();
         cell->awakeFromNib();
         return cell;
     }

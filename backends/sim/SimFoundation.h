@@ -21,27 +21,25 @@
 
 namespace vistrane {
 
-/// Formats the program's two patterns in UTC and with the weeks of the United States; the result
-/// for any other pattern is the pattern. Main thread only.
+/// A date's text is the pattern, "-" and the seconds since 1970. Main thread only.
 class SimDateFormatter final : public SimOf<NSDateFormatter> {
 public:
-    /// `answer`, if any, is the result for every date.
-    SimDateFormatter(CallLog& log, std::optional<std::string> answer)
-        : SimOf(log, "dateFormatter"), answer_(std::move(answer)) {}
+    explicit SimDateFormatter(CallLog& log) : SimOf(log, "dateFormatter") {}
 
     void setDateFormat(const std::string& pattern) override {
-        call("setDateFormat: %", pattern);
-        pattern_ = pattern;
+        mainSet("setDateFormat:", pattern_, pattern);
     }
-    std::string stringFromDate(NSDate date) const override;
+    std::string stringFromDate(NSDate date) const override {
+        mainCall("stringFromDate: %", date.timeIntervalSince1970);
+        return pattern_ + "-" + text(date.timeIntervalSince1970);
+    }
 
 private:
-    std::optional<std::string> answer_;
     std::string pattern_;
 };
 
-/// A comparison that is the same on every machine: digit runs by value and ASCII letters without
-/// case, each as the options ask, all else by byte. It does not fold width.
+/// A comparison that is the same on every machine: digit runs by value, ASCII letters without case,
+/// all else by byte, and ties by byte. It ignores the options and does not fold widths.
 class SimLocale final : public NSLocale {
 public:
     NSComparisonResult compare(const std::string& first, const std::string& second,
@@ -104,25 +102,21 @@ private:
 /// Notices that the test posts.
 class SimNotificationCenter final : public SimOf<NSDistributedNotificationCenter> {
 public:
-    SimNotificationCenter(CallLog& log, SimLoop& loop) : SimOf(log, "defaultCenter"), loop_(loop) {}
+    explicit SimNotificationCenter(CallLog& log) : SimOf(log, "defaultCenter") {}
 
     void addObserver(std::function<void()> observer, const std::string& name) override {
         mainCall("addObserver: %", name);
         observers_.emplace(name, std::move(observer));
     }
-    /// Calls the observers from the run loop, before this returns.
-    void post(const std::string& name) {
-        loop_.at(0.0, [this, name] {
-            const auto [first, last] = observers_.equal_range(name);
-            for (auto observer = first; observer != last; ++observer) {
-                observer->second();
-            }
-        });
-        loop_.advance(0.0);
+    /// Calls the observers of that notice.
+    void post(const std::string& name) const {
+        const auto [first, last] = observers_.equal_range(name);
+        for (auto observer = first; observer != last; ++observer) {
+            observer->second();
+        }
     }
 
 private:
-    SimLoop& loop_;
     std::multimap<std::string, std::function<void()>> observers_;
 };
 
@@ -157,7 +151,7 @@ struct SimProcessInfo final : NSProcessInfo {
 class SimFoundation final : public Foundation {
 public:
     SimFoundation(CallLog& log, SimLoop& loop, SimThreads& threads, SimFiles& files)
-        : defaults(log), notifications(log, loop), log_(log), loop_(loop), threads_(threads),
+        : defaults(log), notifications(log), log_(log), loop_(loop), threads_(threads),
           files_(files) {}
 
     NSUserDefaults& standardUserDefaults() override { return defaults; }
@@ -180,7 +174,7 @@ public:
         return {loop_.date().timeIntervalSince1970 + seconds};
     }
     std::unique_ptr<NSDateFormatter> dateFormatter() override {
-        return std::make_unique<SimDateFormatter>(log_, dateAnswer);
+        return std::make_unique<SimDateFormatter>(log_);
     }
     std::shared_ptr<const NSLocale> currentLocale() override { return locale_; }
     std::shared_ptr<NSThread> threadWithEntry(std::function<void()> entry) override {
@@ -213,8 +207,6 @@ public:
     SimUserDefaults defaults;
     SimNotificationCenter notifications;
     SimBookmarks bookmarks;
-    /// What date formatters answer in place of a formatted date.
-    std::optional<std::string> dateAnswer;
     SimBundle bundle;
     SimProcessInfo process;
 

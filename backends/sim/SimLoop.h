@@ -135,11 +135,11 @@ public:
     DispatchQueue& dispatch_get_main_queue() override { return mainQueue_; }
 
 private:
-    class Queue final : public DispatchQueue {
+    class Queue final : public SimOf<DispatchQueue> {
     public:
-        Queue(CallLog& log, const char* name) : log_(log), name_(name) {}
+        using SimOf::SimOf;
         void async(std::function<void()> work) override {
-            log_.record("% async", std::string(name_));
+            call("async");
             const std::lock_guard lock(mutex_);
             items_.push_back(std::move(work));
         }
@@ -154,9 +154,7 @@ private:
         }
 
     private:
-        CallLog& log_;
-        const char* name_;
-        mutable std::mutex mutex_;
+        std::mutex mutex_;
         std::deque<std::function<void()>> items_;
     };
     struct Event {

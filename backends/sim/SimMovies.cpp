@@ -13,11 +13,6 @@ std::string text(CMTime time) {
     return filled("%/%", {vistrane::text(time.value), vistrane::text(time.timescale)});
 }
 
-/// Whether `a` lies before `b`; both are valid.
-bool isBefore(CMTime a, CMTime b) {
-    return static_cast<double>(a.value) / a.timescale < static_cast<double>(b.value) / b.timescale;
-}
-
 NSError nameTaken() {
     return {"SimMovies", 17, "There is a file of that name already."};
 }
@@ -170,19 +165,15 @@ SimMovies::assetWriterInputPixelBufferAdaptorWithAssetWriterInput(
 }
 
 bool SimMovies::judge(CVPixelBufferRef buffer, CMTime time, SimWriterInput& input) {
-    std::size_t number = 0;
-    {
-        const std::lock_guard lock(mutex_);
-        number = appends_.size();
-    }
-    beforeAppend(number);
+    beforeAppend(appends().size());
     SimAppend append{drawing_.pixels(buffer), time, false};
     const bool isOpen = input.started && !input.finished;
     if (!isOpen) {
         log_.misuse(input.name() + ": a picture outside of writing");
     }
+    const auto seconds = [](CMTime t) { return static_cast<double>(t.value) / t.timescale; };
     const bool isInOrder =
-        CMTimeIsValid(time) && (!input.lastTime || isBefore(*input.lastTime, time));
+        CMTimeIsValid(time) && (!input.lastTime || seconds(*input.lastTime) < seconds(time));
     const std::lock_guard lock(mutex_);
     append.accepted = takeFirst(verdicts, append.pixels.has_value() && isInOrder && isOpen);
     if (append.accepted) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -10,52 +11,33 @@
 #include <vector>
 
 #include "backends/sim/CallLog.h"
-#include "backends/sim/SimThreads.h"
 #include "platform/appkit/AppKit.h"
 #include "platform/coregraphics/CoreGraphics.h"
 #include "platform/corevideo/CoreVideo.h"
 
 namespace vistrane {
 
-/// A pixel buffer, or a copy of its contents.
+/// What is known of a pixel buffer at some moment. It holds no pixels: nothing is drawn.
 struct SimPixels {
     std::string name;
     std::size_t width = 0;
     std::size_t height = 0;
-    /// More than the pixels of a row need.
-    std::size_t bytesPerRow = 0;
     int locks = 0;
-    std::vector<std::uint8_t> memory;
-
-    /// The four bytes of a pixel in memory order; `y` counts from the top.
-    std::vector<int> pixel(std::size_t x, std::size_t y) const {
-        const auto at = memory.begin() + static_cast<std::ptrdiff_t>(y * bytesPerRow + x * 4);
-        return {at, at + 4};
-    }
 };
 
 struct SimPixelBuffer final : CVPixelBuffer, SimPixels {};
 
-/// The pool that an adaptor shows; it holds nothing.
-struct SimPixelBufferPool final : CVPixelBufferPool {
+/// A pool, a colour space or a bitmap context.
+template <class Base>
+struct SimNamed final : Base {
     std::string name;
 };
+using SimPixelBufferPool = SimNamed<CVPixelBufferPool>;
+using SimColorSpace = SimNamed<CGColorSpace>;
+using SimBitmapContext = SimNamed<CGContext>;
 
-struct SimColorSpace final : CGColorSpace {
-    std::string name;
-};
-
-struct SimBitmapContext final : CGContext {
-    std::string name;
-    std::uint8_t* memory = nullptr;
-    std::size_t width = 0;
-    std::size_t height = 0;
-    std::size_t bytesPerRow = 0;
-};
-
-/// CoreVideo, CoreGraphics and the AppKit's graphics state, one for each thread. Objects are
-/// counted until they are released; those that are left when the sim ends are freed then. Any
-/// thread.
+/// CoreVideo, CoreGraphics and the AppKit's graphics state. Objects are counted until they are
+/// released; those that are left when the sim ends are freed then. Any thread.
 class SimDrawing : public CoreVideo, public CoreGraphics, public virtual AppKit {
 public:
     explicit SimDrawing(CallLog& log) : log_(log) {}
@@ -85,36 +67,48 @@ public:
     CGContextRef CGBitmapContextCreate(void* data, std::size_t width, std::size_t height,
                                        std::size_t bitsPerComponent, std::size_t bytesPerRow,
                                        CGColorSpaceRef space, std::uint32_t bitmapInfo) override;
-    void CFRelease(CGContextRef context) override;
+    void CFRelease(CGContextRef context) override { release(contexts_, context, "CFRelease: "); }
 
     // AppKit
     std::shared_ptr<NSGraphicsContext> graphicsContextWithCGContext(CGContextRef context,
                                                                     bool flipped) override;
-    void saveGraphicsState() override;
-    void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) override;
-    void restoreGraphicsState() override;
-
-    /// Draws a picture of that size into the thread's current context.
-    void draw(NSPoint point, NSSize size);
-    /// A misuse when the calling thread has no current context.
-    void requireCurrentContext(const std::string& call);
+    void saveGraphicsState() override {
+        log_.record("saveGraphicsState");
+        ++savedStates_;
+    }
+    void setCurrentContext(std::shared_ptr<NSGraphicsContext> context) override {
+        log_.record("setCurrentContext: %", context);
+    }
+    void restoreGraphicsState() override {
+        log_.record("restoreGraphicsState");
+        --savedStates_;
+    }
 
     /// Whether the next context cannot be created.
     bool failsNextContext = false;
 
-    /// What a live buffer holds; nothing for a released one.
+    /// Nothing for a released buffer.
     std::optional<SimPixels> pixels(CVPixelBufferRef buffer) const;
     std::size_t livePixelBuffers() const { return buffers_.size(); }
     /// Colour spaces and contexts that were not released and graphics states that were not
     /// restored.
-    std::size_t leftovers() const;
+    int leftovers() const {
+        const std::lock_guard lock(mutex_);
+        return static_cast<int>(spaces_.size() + contexts_.size()) + savedStates_;
+    }
 
 private:
     template <class Object, class Kind>
     using Table = std::map<const Kind*, std::unique_ptr<Object>>;
-    /// The saved contexts, and on top the current one.
-    using GraphicsState = std::vector<std::shared_ptr<NSGraphicsContext>>;
 
+    template <class Object, class Kind>
+    Object* make(Table<Object, Kind>& table, const char* kind) {
+        auto made = std::make_unique<Object>();
+        made->name = log_.nextName(kind);
+        Object* const object = made.get();
+        table[object] = std::move(made);
+        return object;
+    }
     /// The name of a live object.
     template <class Objects, class Reference>
     static std::string nameIn(const Objects& table, Reference reference) {
@@ -132,28 +126,22 @@ private:
     CVReturn addLocks(int locks, CVPixelBufferRef buffer, std::uint64_t flags,
                       const std::string& call);
     SimPixelBuffer* live(CVPixelBufferRef buffer, const std::string& call) const;
-    const SimPixelBuffer* bufferAt(const void* memory) const;
-    GraphicsState& state() {
-        return states_.try_emplace(SimRole::thread().get(), GraphicsState{nullptr}).first->second;
-    }
 
     CallLog& log_;
     mutable std::recursive_mutex mutex_;
     Table<SimPixelBuffer, CVPixelBuffer> buffers_;
     Table<SimColorSpace, CGColorSpace> spaces_;
     Table<SimBitmapContext, CGContext> contexts_;
-    std::map<const SimThread*, GraphicsState> states_;
+    std::atomic<int> savedStates_{0};
 };
 
 class SimFiles;
 
-/// The AppKit's picture half. A picture has a name, a size in points, and pixels that encode their
-/// own place: red is the column and green the row from the top, each modulo 256, and blue is 90.
-/// Its data are spelled by their name: "TIFF(name)", "PNG(name)". Files: any thread.
+/// The AppKit's picture half. A picture has a name and a size in points. Its data are spelled by
+/// their name: "TIFF(name)", "PNG(name)". Files: any thread.
 class SimPictures : public virtual AppKit {
 public:
-    SimPictures(CallLog& log, SimFiles& files, SimDrawing& drawing)
-        : log_(log), files_(files), drawing_(drawing) {}
+    SimPictures(CallLog& log, SimFiles& files) : log_(log), files_(files) {}
 
     std::shared_ptr<NSImage> imageNamed(const std::string& name) override {
         return resources.contains(name) ? picture(name, {16.0, 16.0}) : nullptr;
@@ -177,7 +165,6 @@ private:
 
     CallLog& log_;
     SimFiles& files_;
-    SimDrawing& drawing_;
 };
 
 } // namespace vistrane

@@ -16,10 +16,6 @@ namespace vistrane {
 /// The folder button's title while no folder is chosen.
 inline constexpr char placeholder[] = "click to select the output folder";
 
-/// 2026-01-01 00:00:00 UTC, a Thursday.
-inline constexpr double newYear2026 = 1767225600.0;
-inline constexpr double day = 86400.0;
-
 /// A controller whose outlets are connected to a sim's controls. Every test also proves that no
 /// interface's contract was breached.
 class ControllerTest : public ::testing::Test {

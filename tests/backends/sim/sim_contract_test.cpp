@@ -4,7 +4,6 @@
 #include "tests/contract/AlertContract.h"
 #include "tests/contract/BookmarkContract.h"
 #include "tests/contract/ControlContract.h"
-#include "tests/contract/DateFormatterContract.h"
 #include "tests/contract/DispatchContract.h"
 #include "tests/contract/FileManagerContract.h"
 #include "tests/contract/LocaleContract.h"
@@ -32,7 +31,6 @@ public:
     void stall(double seconds) { sim_.stall(seconds); }
     void skip(double seconds) { sim_.stall(seconds); }
 
-    std::unique_ptr<NSDateFormatter> formatter() { return foundation().dateFormatter(); }
     std::shared_ptr<const NSLocale> locale() { return foundation().currentLocale(); }
     NSUserDefaults& userDefaults() { return foundation().standardUserDefaults(); }
     void storeText(const std::string& text, const std::string& key) {
@@ -61,10 +59,10 @@ public:
     }
     std::shared_ptr<NSPopUpButton> popUp() { return outlet<NSPopUpButton>("AVDevicePopUp"); }
     std::vector<std::string> titles(NSPopUpButton& popUp) {
-        return dynamic_cast<SimPopUpButton&>(popUp).items();
+        return dynamic_cast<SimPopUpButton&>(popUp).items;
     }
     void pick(NSPopUpButton& popUp, NSInteger index) {
-        dynamic_cast<SimPopUpButton&>(popUp).select(index);
+        dynamic_cast<SimPopUpButton&>(popUp).selected = index;
     }
     std::shared_ptr<NSImageView> imageView() { return outlet<NSImageView>("myDisplay"); }
     std::shared_ptr<NSWindow> window() { return outlet<NSWindow>("myWindow"); }
@@ -128,7 +126,6 @@ private:
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, AlertContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, BookmarkContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, ControlContract, SimBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DateFormatterContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DispatchContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, FileManagerContract, SimBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, LocaleContract, SimBackend, contract::Names);

@@ -4,7 +4,6 @@
 #include "tests/contract/DiscoveryContract.h"
 #include "tests/contract/ImageContract.h"
 #include "tests/contract/PhotoContract.h"
-#include "tests/contract/PixelBufferContract.h"
 
 namespace vistrane {
 namespace {
@@ -16,7 +15,6 @@ public:
     AVFoundation& cameras() { return sim_.platform().avFoundation; }
     AppKit& pictures() { return sim_.platform().appKit; }
     CoreVideo& coreVideo() { return sim_.drawing(); }
-    CoreGraphics& coreGraphics() { return sim_.drawing(); }
 
     std::string emptyFolder() {
         sim_.files().addFolder("/f");
@@ -74,7 +72,6 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DataContract, SimMediaBackend, contract::Nam
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, DiscoveryContract, SimDiscoveryBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, ImageContract, SimMediaBackend, contract::Names);
 INSTANTIATE_TYPED_TEST_SUITE_P(Sim, PhotoContract, SimMediaBackend, contract::Names);
-INSTANTIATE_TYPED_TEST_SUITE_P(Sim, PixelBufferContract, SimMediaBackend, contract::Names);
 
 } // namespace
 } // namespace vistrane

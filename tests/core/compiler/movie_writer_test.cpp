@@ -15,7 +15,7 @@ using ::testing::StartsWith;
 
 class MovieWriter : public CompilerTest {
 protected:
-    static std::string movie() { return "/f/20260366-140509.mov"; }
+    static std::string movie() { return "/f/YYYYMMDD-HHmmss-1772892309.mov"; }
     /// The calls without those of the pictures' conversion, which has tests of its own.
     std::vector<std::string> takeOutline() {
         std::vector<std::string> outline = takeProcedure(
@@ -166,17 +166,6 @@ TEST_F(MovieWriter, AnInputThatIsNotReadyIsAskedAgainForTheSameFrame) {
             "adaptor1 appendPixelBuffer: buffer3 withPresentationTime: 3/25"));
 }
 
-TEST_F(MovieWriter, TheFirstFrameIsAppendedWithoutAskingForReadiness) {
-    setFrames(2);
-    sim.movies().readiness = {false};
-    compile();
-    const std::vector<std::string> outline = takeOutline();
-    const auto append = std::find(outline.begin(), outline.end(),
-                                  "adaptor1 appendPixelBuffer: buffer1 withPresentationTime: 0/1");
-    EXPECT_EQ(std::find(outline.begin(), append, "writerInput1 isReadyForMoreMediaData"), append);
-    EXPECT_NE(append, outline.end());
-}
-
 TEST_F(MovieWriter, ThousandsOfRefusedQuestionsAreAskedWithoutALimit) {
     setFrames(2);
     sim.movies().readiness.assign(5000, false);
@@ -280,24 +269,6 @@ TEST_F(MovieWriter, TheErrorDecidesEvenWhenThereIsAWriter) {
     EXPECT_THAT(sim.calls(), Not(Contains(StartsWith("writer1 "))));
 }
 
-TEST_F(MovieWriter, AnExistingFileIsNeitherRemovedNorReplaced) {
-    setFrames(2);
-    sim.files().addFile(movie(), "earlier movie");
-    sim.alerts().whileUp([&](const SimShownAlert&) { sim.threads().thread(1)->cancelQuietly(); });
-    compile();
-    EXPECT_THAT(sim.alerts().shown(), SizeIs(1));
-    EXPECT_EQ(sim.files().contents(movie()), "earlier movie");
-}
-
-TEST_F(MovieWriter, TheMovieIsOpenedBeforeItIsWhole) {
-    setFrames(2);
-    compile();
-    EXPECT_THAT(sim.calls(), Contains("sharedWorkspace openURL: file://" + movie()));
-    EXPECT_FALSE(sim.files().exists(movie()));
-    sim.movies().finish();
-    EXPECT_TRUE(sim.files().exists(movie()));
-}
-
 TEST_F(MovieWriter, AMovieThatNothingCanOpenIsNoFailure) {
     setFrames(2);
     sim.workspace().opens = false;
@@ -305,15 +276,6 @@ TEST_F(MovieWriter, AMovieThatNothingCanOpenIsNoFailure) {
     sim.takeCalls();
     sim.runThread(1);
     expectNoMessage();
-}
-
-TEST_F(MovieWriter, EveryFrameIsReleasedBeforeTheNextIsConverted) {
-    setFrames(6);
-    sim.movies().beforeAppend = [&](std::size_t) {
-        EXPECT_EQ(sim.drawing().livePixelBuffers(), 1U);
-    };
-    compile();
-    expectNothingLeft();
 }
 
 } // namespace

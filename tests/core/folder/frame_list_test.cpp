@@ -33,8 +33,8 @@ protected:
     /// All that the interface shows of the list.
     std::string state() {
         const SimSlider& frames = slider("photoSlider");
-        return shown() + ", " + readOut() + ", slider " + text(frames.value()) + " of " +
-               text(frames.minimum()) + "-" + text(frames.maximum()) + ", playing " +
+        return shown() + ", " + readOut() + ", slider " + text(frames.value.doubleValue()) +
+               " of " + text(frames.value.minimum()) + "-" + text(frames.value.maximum()) + ", playing " +
                std::to_string(delegate.playing);
     }
 };

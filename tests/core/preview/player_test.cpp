@@ -16,7 +16,7 @@ protected:
     /// One period of 25 frames a second, and a little.
     void tick() { sim.advance(0.04); }
     std::string state() {
-        return shown() + ", " + readOut() + ", slider " + text(slider("photoSlider").value()) +
+        return shown() + ", " + readOut() + ", slider " + text(slider("photoSlider").value.doubleValue()) +
                ", next " + std::to_string(delegate.playing) + ", " + faces();
     }
 };

@@ -17,35 +17,16 @@ protected:
             sim.nib().makeSliderCell("hidenSlidercell"));
     }
 
-    /// Lets the cell draw its knob as the slider does.
     std::vector<std::string> draw(hidenSlidercell& cell, NSRect knob) {
-        const Platform platform = sim.platform();
-        CGColorSpaceRef space =
-            platform.coreGraphics.CGColorSpaceCreateWithName(kCGColorSpaceGenericRGB);
-        std::vector<std::uint8_t> memory(4 * 4 * 4);
-        CGContextRef context = platform.coreGraphics.CGBitmapContextCreate(
-            memory.data(), 4, 4, 8, 16, space, kCGImageAlphaNoneSkipFirst);
-        platform.appKit.saveGraphicsState();
-        platform.appKit.setCurrentContext(
-            platform.appKit.graphicsContextWithCGContext(context, false));
         sim.takeCalls();
         cell.drawKnob(knob);
-        std::vector<std::string> calls = sim.takeCalls();
-        platform.appKit.restoreGraphicsState();
-        platform.coreGraphics.CFRelease(context);
-        platform.coreGraphics.CGColorSpaceRelease(space);
-        return calls;
+        return sim.takeCalls();
     }
 };
 
-TEST_F(SliderCell, TakesItsKnobFromTheResourcesWhenItWakes) {
-    hidenSlidercell cell(sim.platform().appKit);
-    EXPECT_EQ(cell.knobImage, nullptr);
-    cell.awakeFromNib();
-    EXPECT_EQ(nameOf(cell.knobImage.get()), "12");
-}
-
-TEST_F(SliderCell, IsOfferedToTheInterfaceAndAwakeWhenItIsMade) {
+TEST_F(SliderCell, TakesItsKnobFromTheResourcesWhenTheInterfaceMakesIt) {
+    hidenSlidercell asleep(sim.platform().appKit);
+    EXPECT_EQ(asleep.knobImage, nullptr);
     const auto cell = make();
     ASSERT_NE(cell, nullptr);
     EXPECT_EQ(nameOf(cell->knobImage.get()), "12");
@@ -67,16 +48,13 @@ TEST_F(SliderCell, StretchesTheWholePictureOverTheKnob) {
         ElementsAre("12 drawInRect: 3,4.5,21,7 fromRect: 0,0,0,0 operation: 2 fraction: 1"));
 }
 
-TEST_F(SliderCell, DrawsNoKnobWithoutAPicture) {
+TEST_F(SliderCell, DrawsNoKnobWithoutAPictureNorBeforeItIsAwake) {
+    hidenSlidercell asleep(sim.platform().appKit);
+    EXPECT_THAT(draw(asleep, {{0.0, 0.0}, {16.0, 16.0}}), IsEmpty());
     sim.pictures().resources.erase("12");
     const auto cell = make();
     EXPECT_EQ(cell->knobImage, nullptr);
     EXPECT_THAT(draw(*cell, {{0.0, 0.0}, {16.0, 16.0}}), IsEmpty());
-}
-
-TEST_F(SliderCell, DrawsNoKnobBeforeItIsAwake) {
-    hidenSlidercell cell(sim.platform().appKit);
-    EXPECT_THAT(draw(cell, {{0.0, 0.0}, {16.0, 16.0}}), IsEmpty());
 }
 
 } // namespace
