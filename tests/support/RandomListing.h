@@ -11,7 +11,7 @@
 
 namespace vistrane {
 
-/// The frames among a folder's names, by the shortest way to say it.
+/// The reference implementation of the frame list: filters the names and sorts them.
 inline std::vector<std::string> sortedFrames(const std::string& folder,
                                              const std::vector<std::string>& names,
                                              const NSLocale& locale) {

@@ -86,14 +86,6 @@ TEST_F(LifeCycle, ASessionThatRefusesThePhotoOutputGoesOnWithoutItAndSaysNothing
     expectNoMessage();
 }
 
-TEST_F(LifeCycle, ItemsThatThePopUpHeldAreGoneAfterTheLaunch) {
-    devicePopUp().addItemWithTitle("Item of the interface file");
-    sim.cameras().add("Camera");
-    launch();
-    EXPECT_THAT(devicePopUp().items, ElementsAre("Camera"));
-    EXPECT_EQ(delegate.allAVdevices.size(), 1U);
-}
-
 TEST_F(LifeCycle, WithoutACameraTheLaunchShowsNoAlertAndStartsNoSession) {
     launch();
     EXPECT_THAT(devicePopUp().items, IsEmpty());
@@ -113,20 +105,6 @@ TEST(LifeCycleWithoutPreview, TheLayerGetsAZeroFrame) {
     EXPECT_THAT(sim.calls(), Contains("previewLayer1 setFrame: 0,0,0,0"));
     EXPECT_THAT(sim.calls(), Not(Contains(StartsWith("previewView"))));
     EXPECT_THAT(sim.misuses(), IsEmpty());
-}
-
-TEST_F(LifeCycle, NothingRunsAfterALaunchUntilADeviceIsChosen) {
-    sim.cameras().add("Camera");
-    launch();
-    sim.nib().send("startRunning:");
-    sim.nib().send("addFrameClick:");
-    sim.advance(100.0);
-    EXPECT_EQ(button("startB").currentState, 1);
-    EXPECT_EQ(button("oneB").currentState, 1);
-    EXPECT_EQ(button("startB").currentTitle, "");
-    EXPECT_THAT(sim.cameras().pendingStills(), IsEmpty());
-    EXPECT_THAT(sim.loop().timers(), IsEmpty());
-    expectNoMessage();
 }
 
 TEST_F(LifeCycle, TerminatingStopsTheSessionAndThenSavesTheSettings) {
@@ -172,15 +150,12 @@ TEST_F(LifeCycle, ClosingTheLastWindowQuitsAndChangesNothingBeforeTheEnd) {
     EXPECT_THAT(sim.calls(), IsEmpty());
 }
 
-TEST_F(LifeCycle, HidingMiniaturisesAllWindows) {
+TEST_F(LifeCycle, HidingMiniaturisesAllWindowsAndUnhidingBringsTheMainWindowToTheFront) {
     delegate.realHide(nullptr);
-    EXPECT_THAT(sim.takeCalls(), ElementsAre("sharedApplication miniaturizeAll"));
-}
-
-TEST_F(LifeCycle, UnhidingBringsTheMainWindowBackAndActivatesTheApplication) {
     delegate.realUnhide(nullptr);
-    EXPECT_THAT(sim.takeCalls(), ElementsAre("myWindow makeKeyAndOrderFront",
-                                             "sharedApplication activateIgnoringOtherApps: YES"));
+    EXPECT_THAT(sim.takeCalls(),
+                ElementsAre("sharedApplication miniaturizeAll", "myWindow makeKeyAndOrderFront",
+                            "sharedApplication activateIgnoringOtherApps: YES"));
 }
 
 TEST_F(LifeCycle, TheFrameRateHelpOpensOneWebPageAndReportsNoFailure) {

@@ -21,7 +21,7 @@ TEST(Published, AReaderKeepsWhatItHasLoadedWhenTheValueIsReplaced) {
     EXPECT_EQ(*value.load(), "new");
 }
 
-TEST(Published, AReplacedValueIsLetGo) {
+TEST(Published, AReplacedValueIsReleased) {
     Published<int> value;
     value.store(std::make_shared<int>(1));
     const std::weak_ptr<int> old = value.load();

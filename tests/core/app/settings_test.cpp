@@ -6,7 +6,6 @@ namespace vistrane {
 namespace {
 
 using ::testing::Contains;
-using ::testing::Not;
 using ::testing::Pair;
 using ::testing::UnorderedElementsAre;
 
@@ -130,26 +129,6 @@ TEST_F(Settings, SavingStoresWhatTheControlsHoldUnclampedAndSynchronises) {
                                      Pair("iMinue", number(44)),
                                      Pair("firstTimeRunning", number(7)), Pair("iTip", number(1))));
     EXPECT_EQ(interval(), "1099511627776:-5:abc");
-}
-
-TEST_F(Settings, ValuesChangedInARunComeBackInTheNext) {
-    launchWithCamera();
-    delegate.startRunning(nullptr);
-    setInterval("1", "17", "2");
-    slider("fpsS").drag(24.0);
-    button("slowB").currentState = 1;
-    delegate.applicationWillTerminate();
-
-    Sim next;
-    next.defaults().values = sim.defaults().durableValues;
-    AppDelegate nextDelegate(next.platform());
-    nextDelegate.connectInterface(next.nib());
-    nextDelegate.awakeFromNib();
-    EXPECT_EQ(next.nib().textField("timeD").text, "( t = 4622 s )");
-    EXPECT_EQ(next.nib().textField("fpsD").text, "( fps = 24 )");
-    EXPECT_EQ(next.nib().button("slowB").currentState, 1);
-    EXPECT_THAT(next.calls(), Not(Contains("NSBeep")));
-    EXPECT_THAT(next.defaults().values, Contains(Pair("iMinue", number(0))));
 }
 
 TEST_F(Settings, ARunThatDoesNotEndNormallySavesNothing) {

@@ -113,16 +113,6 @@ TEST_F(Devices, TheConnectionIsReadWhileThereIsNoInput) {
     EXPECT_EQ(delegate.con, nullptr);
 }
 
-TEST_F(Devices, TheSelectedIndexChoosesTheDevice) {
-    sim.cameras().add("First");
-    sim.cameras().add("Second");
-    launch();
-    select(1);
-    EXPECT_THAT(inputs(), ElementsAre("Second"));
-    select(0);
-    EXPECT_THAT(inputs(), ElementsAre("First"));
-}
-
 TEST_F(Devices, ADeviceWithoutPhotoSupportLeavesTheHighPresetForTheRestOfTheRun) {
     // The lower-quality check box has no part in it.
     sim.defaults().values = {{"firstTimeRunning", NSInteger{1}}, {"iSlow", NSInteger{1}}};
@@ -172,6 +162,7 @@ TEST_F(Devices, AnIndexThatNamesNoDeviceIsAFailureAndNoCrash) {
         select(index);
         EXPECT_EQ(sim.alerts().takeShown().size(), 2U);
         EXPECT_FALSE(session().runs);
+        EXPECT_EQ(nameOf(delegate.aSession.get()), "session1");
     }
 }
 
@@ -194,14 +185,6 @@ TEST_F(Devices, WithoutASessionANewOneIsMadeThatHasNoOutput) {
     EXPECT_THAT(inputs(), ElementsAre("Camera"));
     EXPECT_THAT(session().outputs, IsEmpty());
     EXPECT_EQ(session().preset, std::nullopt);
-}
-
-TEST_F(Devices, TheSessionIsNeverReplaced) {
-    launchWithCamera();
-    const auto session = delegate.aSession;
-    select(0);
-    select(5);
-    EXPECT_EQ(delegate.aSession, session);
 }
 
 } // namespace

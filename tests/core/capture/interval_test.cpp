@@ -41,52 +41,47 @@ TEST_F(Interval, IsTakenWithoutASessionOrATimer) {
     EXPECT_EQ(delegate.myTimer, nullptr);
 }
 
-struct Entry {
-    const char* text;
-    const char* shown;
-};
-
-class HoursEntry : public Interval, public ::testing::WithParamInterface<Entry> {};
-
-TEST_P(HoursEntry, IsClamped) {
-    change(GetParam().text, "0", "1");
-    EXPECT_EQ(textField("hInput").text, GetParam().shown);
-    EXPECT_EQ(delegate.realInterval, std::stoi(GetParam().shown) * 3600 + 1);
+TEST_F(Interval, HoursAreReadAndClamped) {
+    const std::pair<const char*, const char*> entries[] = {{"-2147483649", "0"},
+                                                           {"-2147483648", "0"},
+                                                           {"-1", "0"},
+                                                           {"0", "0"},
+                                                           {"1", "1"},
+                                                           {"998", "998"},
+                                                           {"999", "999"},
+                                                           {"1000", "999"},
+                                                           {"1001", "999"},
+                                                           {"2147483647", "999"},
+                                                           {"2147483648", "999"},
+                                                           {"99999999999999999999", "999"},
+                                                           // Other text.
+                                                           {"", "0"},
+                                                           {"7x", "7"},
+                                                           {"7.9", "7"},
+                                                           {"x7", "0"},
+                                                           {"  12 ", "12"},
+                                                           {"+3", "3"},
+                                                           {"007", "7"},
+                                                           {"- 5", "0"},
+                                                           {"1e3", "1"},
+                                                           {"\xFF", "0"}};
+    for (const auto& [text, shown] : entries) {
+        EXPECT_EQ(change(text, "0", "1"),
+                  shown + std::string(":0:1 = ") + std::to_string(std::stoi(shown) * 3600 + 1));
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(AtTheBoundaries, HoursEntry,
-                         ::testing::Values(Entry{"-2147483649", "0"}, Entry{"-2147483648", "0"},
-                                           Entry{"-1", "0"}, Entry{"0", "0"}, Entry{"1", "1"},
-                                           Entry{"998", "998"}, Entry{"999", "999"},
-                                           Entry{"1000", "999"}, Entry{"1001", "999"},
-                                           Entry{"2147483647", "999"}, Entry{"2147483648", "999"},
-                                           Entry{"99999999999999999999", "999"}));
-INSTANTIATE_TEST_SUITE_P(OfOtherText, HoursEntry,
-                         ::testing::Values(Entry{"", "0"}, Entry{"7x", "7"}, Entry{"7.9", "7"},
-                                           Entry{"x7", "0"}, Entry{"  12 ", "12"}, Entry{"+3", "3"},
-                                           Entry{"007", "7"}, Entry{"- 5", "0"}, Entry{"1e3", "1"},
-                                           Entry{"\xFF", "0"}));
-
-class SixtiethsEntry : public Interval, public ::testing::WithParamInterface<Entry> {};
-
-TEST_P(SixtiethsEntry, OfMinutesIsClamped) {
-    change("1", GetParam().text, "0");
-    EXPECT_EQ(textField("mInput").text, GetParam().shown);
-    EXPECT_EQ(delegate.realInterval, 3600 + std::stoi(GetParam().shown) * 60);
+TEST_F(Interval, MinutesAndSecondsAreReadAndClamped) {
+    const std::pair<const char*, int> entries[] = {
+        {"-2147483648", 0}, {"-1", 0},  {"0", 0},           {"58", 58}, {"59", 59},
+        {"60", 59},         {"61", 59}, {"2147483648", 59}, {"", 0},    {"5.9", 5}};
+    for (const auto& [text, shown] : entries) {
+        const std::string number = std::to_string(shown);
+        EXPECT_EQ(change("1", text, "0"),
+                  "1:" + number + ":0 = " + std::to_string(3600 + shown * 60));
+        EXPECT_EQ(change("1", "0", text), "1:0:" + number + " = " + std::to_string(3600 + shown));
+    }
 }
-
-TEST_P(SixtiethsEntry, OfSecondsIsClamped) {
-    change("1", "0", GetParam().text);
-    EXPECT_EQ(textField("sInput").text, GetParam().shown);
-    EXPECT_EQ(delegate.realInterval, 3600 + std::stoi(GetParam().shown));
-}
-
-INSTANTIATE_TEST_SUITE_P(AtTheBoundaries, SixtiethsEntry,
-                         ::testing::Values(Entry{"-2147483648", "0"}, Entry{"-1", "0"},
-                                           Entry{"0", "0"}, Entry{"58", "58"}, Entry{"59", "59"},
-                                           Entry{"60", "59"}, Entry{"61", "59"},
-                                           Entry{"2147483648", "59"}, Entry{"", "0"},
-                                           Entry{"5.9", "5"}));
 
 } // namespace
 } // namespace vistrane

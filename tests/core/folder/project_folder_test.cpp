@@ -132,22 +132,6 @@ TEST_F(ProjectFolder, ANewChoiceReplacesTheFolderAtOnceAndAsksForNoAccess) {
     EXPECT_THAT(sim.calls(), Not(Contains(StartsWith("startAccessing"))));
 }
 
-TEST_F(ProjectFolder, AfterACancelTheNextLaunchRestoresTheLastConfirmedFolder) {
-    saveFolder("/f");
-    launch();
-    choose();
-    ASSERT_EQ(folderTitle(), placeholder);
-
-    Sim next;
-    next.files().addFolder("/f");
-    next.defaults().values = sim.defaults().values;
-    AppDelegate nextDelegate(next.platform());
-    nextDelegate.connectInterface(next.nib());
-    nextDelegate.awakeFromNib();
-    EXPECT_EQ(next.nib().button("outfolderB").currentTitle, "/f");
-    EXPECT_EQ(nextDelegate.gotFolder, std::nullopt);
-}
-
 class RestoredFolder : public ProjectFolder {
 protected:
     void restore() { delegate.checkUserFolder(nullptr); }

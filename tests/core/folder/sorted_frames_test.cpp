@@ -14,7 +14,6 @@ namespace vistrane {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// Every text by its bytes, backwards.
 class BackwardsLocale final : public NSLocale {
@@ -92,16 +91,6 @@ protected:
     std::shared_ptr<const NSLocale> locale = std::make_shared<SimLocale>();
     SortedFrames frames;
 };
-
-TEST_F(SortedFramesTest, TheFirstListingIsFilteredAndSorted) {
-    EXPECT_THAT(*update({"10.png", "2.png", "x.txt", "1.png"}),
-                ElementsAre("/f/1.png", "/f/2.png", "/f/10.png"));
-}
-
-TEST_F(SortedFramesTest, AnEmptyListingIsAList) {
-    ASSERT_TRUE(update({}));
-    EXPECT_THAT(*update({}), IsEmpty());
-}
 
 TEST_F(SortedFramesTest, TheSameFramesAreTheSameObject) {
     auto list = many();

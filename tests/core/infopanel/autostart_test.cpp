@@ -38,11 +38,7 @@ TEST_F(AutostartHint, SaysHowToOpenTheProgramAtLogin) {
     EXPECT_THAT(alert.buttons, ElementsAre("Got it"));
     EXPECT_TRUE(alert.transparentTitleBar);
     EXPECT_EQ(alert.accessoryView.get(), &sim.nib().view("tipView"));
-}
-
-TEST_F(AutostartHint, NothingFollowsIt) {
-    wake();
-    hint();
+    // Nothing follows it.
     EXPECT_THAT(takeProcedure(sim), ElementsAre("alert1 runModal"));
 }
 

@@ -61,14 +61,6 @@ TEST_F(Mails, TheFirstButtonOpensTheStorePageAndALittleLaterTheMail) {
     EXPECT_EQ(sim.loop().date().timeIntervalSince1970, 1000.1);
 }
 
-TEST_F(Mails, TheLoopRunsBetweenTheStorePageAndTheMail) {
-    std::vector<std::string> before;
-    sim.at(0.05, [&] { before = sim.calls(); });
-    sim.nib().send("featureRequest:");
-    EXPECT_THAT(before, ::testing::Contains(opening(ownStorePage)));
-    EXPECT_THAT(before, ::testing::Not(::testing::Contains(opening(requestMail))));
-}
-
 TEST_F(Mails, TheOtherButtonsSendNoMail) {
     for (const NSModalResponse answer : {NSModalResponse{1002}, NSModalResponseCancel}) {
         sim.alerts().answer(answer);

@@ -16,20 +16,12 @@ TEST(PercentEncoding, LeavesTheCharactersOfAHostAndNoOther) {
     EXPECT_EQ(count, static_cast<int>(allowed.size()));
 }
 
-TEST(PercentEncoding, TurnsSignsIntoTwoCapitalDigits) {
+TEST(PercentEncoding, TurnsEachOtherByteIntoTwoCapitalDigits) {
     EXPECT_EQ(addingPercentEncoding(" \"#%/<>?@\\^`{|}\n\x7f"),
               "%20%22%23%25%2F%3C%3E%3F%40%5C%5E%60%7B%7C%7D%0A%7F");
-}
-
-TEST(PercentEncoding, TurnsEachByteOfAWideCharacter) {
     EXPECT_EQ(addingPercentEncoding("\u00E4\u65E5\U0001F600"), "%C3%A4%E6%97%A5%F0%9F%98%80");
-}
-
-TEST(PercentEncoding, TakesBytesThatAreNoTextAndZeros) {
+    // Bytes that are no text, and zeros.
     EXPECT_EQ(addingPercentEncoding(std::string_view("a\0\xFF", 3)), "a%00%FF");
-}
-
-TEST(PercentEncoding, OfNothingIsNothing) {
     EXPECT_EQ(addingPercentEncoding(""), "");
 }
 

@@ -93,7 +93,7 @@ TEST_F(PromotionMenus, AnythingElseOpensTheDevelopersApplications) {
     for (const auto& item : submenu("mantisSubmenuS").items) {
         item->choose();
     }
-    // Senders that stand for nothing.
+    // Senders without a represented object.
     panel.excuteMyPromo(&sim.nib().menuItem("mantisSubmenuS"));
     panel.excuteMyPromo(&sim.nib().button("dockButton"));
     panel.excuteMyPromo(nullptr);
