@@ -7,7 +7,7 @@
 
 namespace vistrane {
 
-/// Gives an environment variable a value, or takes it away, while it lives.
+/// Sets an environment variable while it lives, or unsets it.
 class Environment {
 public:
     Environment(std::string name, const char* value) : name_(std::move(name)) {

@@ -17,7 +17,7 @@
 namespace vistrane {
 namespace {
 
-/// Reads what lies ready.
+/// Reads what is available.
 std::string readAll(int descriptor) {
     std::string text;
     for (;;) {
@@ -108,7 +108,7 @@ TEST(ConsoleOutput, TheSameBarIsNotDrawnAgain) {
     EXPECT_EQ(readAll(terminal.outer), "");
 }
 
-TEST(ConsoleOutput, ZeroTakesTheBarAway) {
+TEST(ConsoleOutput, ZeroRemovesTheBar) {
     Terminal terminal(29);
     ConsoleOutput output(terminal.inner);
     output.showProgress(3.0, 6.0);

@@ -76,30 +76,33 @@ std::vector<std::string> CommandLineTest::command(const std::vector<std::string>
     return all;
 }
 
+namespace {
+
+/// The launcher, if that command works with it.
+std::optional<std::vector<std::string>> tried(const std::vector<std::string>& launcher,
+                                              const std::vector<std::string>& command) {
+    std::vector<std::string> trial = launcher;
+    trial.insert(trial.end(), command.begin(), command.end());
+    return runTool(trial).status == 0 ? std::optional(launcher) : std::nullopt;
+}
+
+} // namespace
+
 std::optional<std::vector<std::string>> unprivilegedLauncher() {
     if (::geteuid() != 0) {
         return std::vector<std::string>();
     }
-    std::vector<std::string> launcher{"setpriv", "--reuid=65534", "--regid=65534",
-                                      "--clear-groups"};
-    std::vector<std::string> trial = launcher;
-    trial.insert(trial.end(), {VISTRANE_PROGRAM, "--version"});
-    if (runTool(trial).status != 0) {
-        return std::nullopt;
-    }
-    return launcher;
+    return tried({"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"},
+                 {VISTRANE_PROGRAM, "--version"});
 }
 
 std::optional<std::vector<std::string>> mountingLauncher(const std::string& script) {
-    const std::vector<std::string> launcher{"unshare", ::geteuid() == 0 ? "-m" : "-rm", "sh", "-c"};
-    std::vector<std::string> trial = launcher;
-    trial.emplace_back("mount -t tmpfs tmpfs /mnt");
-    if (runTool(trial).status != 0) {
-        return std::nullopt;
+    auto launcher = tried({"unshare", ::geteuid() == 0 ? "-m" : "-rm", "sh", "-c"},
+                          {"mount -t tmpfs tmpfs /mnt"});
+    if (launcher) {
+        launcher->push_back(script);
     }
-    std::vector<std::string> whole = launcher;
-    whole.push_back(script);
-    return whole;
+    return launcher;
 }
 
 std::optional<std::vector<std::string>> frozenClock(const std::string& time) {
@@ -107,13 +110,7 @@ std::optional<std::vector<std::string>> frozenClock(const std::string& time) {
     if (std::string(VISTRANE_TEST_SANITIZE) != "") {
         return std::nullopt;
     }
-    std::vector<std::string> launcher{"faketime", "-f", time};
-    std::vector<std::string> trial = launcher;
-    trial.emplace_back("true");
-    if (runTool(trial).status != 0) {
-        return std::nullopt;
-    }
-    return launcher;
+    return tried({"faketime", "-f", time}, {"true"});
 }
 
 } // namespace vistrane

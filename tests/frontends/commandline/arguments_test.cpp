@@ -39,10 +39,12 @@ TEST(Arguments, WhatIsNotACommandIsAFolderForTheWindow) {
     parsedAs<DemoCommand>({"demo"});
 }
 
-TEST(Arguments, TheWindowTakesTheDemoCamera) {
+TEST(Arguments, TheDemoCameraIsOfferedInTheWindowAndByDevices) {
     EXPECT_TRUE(parsedAs<WindowCommand>({"--demo-camera"}).demoCamera);
     EXPECT_TRUE(parsedAs<WindowCommand>({"--demo-camera", "f"}).demoCamera);
     EXPECT_TRUE(parsedAs<WindowCommand>({"f", "--demo-camera"}).demoCamera);
+    EXPECT_FALSE(parsedAs<DevicesCommand>({"devices"}).demoCamera);
+    EXPECT_TRUE(parsedAs<DevicesCommand>({"devices", "--demo-camera"}).demoCamera);
 }
 
 TEST(Arguments, HelpWinsOverEverythingBeforeTwoDashes) {
@@ -51,15 +53,7 @@ TEST(Arguments, HelpWinsOverEverythingBeforeTwoDashes) {
         parsedAs<HelpCommand>(arguments);
     }
     EXPECT_EQ(parsedAs<FramesCommand>({"frames", "--", "--help"}).folder, "--help");
-}
-
-TEST(Arguments, VersionStandsAlone) {
     parsedAs<VersionCommand>({"--version"});
-}
-
-TEST(Arguments, DevicesTakesTheDemoCamera) {
-    EXPECT_FALSE(parsedAs<DevicesCommand>({"devices"}).demoCamera);
-    EXPECT_TRUE(parsedAs<DevicesCommand>({"devices", "--demo-camera"}).demoCamera);
 }
 
 TEST(Arguments, FramesTakesOneFolder) {

@@ -66,12 +66,8 @@ TEST_F(CaptureProgram, WithoutAnIntervalSaysNothing) {
 }
 
 TEST_F(CaptureProgram, TheIntervalIsClampedFieldByField) {
-    const std::vector<std::pair<std::string, std::string>> intervals = {
-        {"0:0:0", "1"}, {"-5:75:abc", "3540"}, {"1000:59:59", "3599999"},
-        {"0", "1"},     {"90", "90"},          {"3661", "3661"},
-        {"abc", "1"},   {"7x", "7"},           {"0:1:1", "61"},
-        {"-1", "1"},    {"::", "1"},           {"999:59:59", "3599999"},
-        {"90s", "90"},  {"3600000", "3599999"}};
+    const std::pair<std::string, std::string> intervals[] = {
+        {"-5:75:abc", "3540"}, {"3600000", "3599999"}, {"90s", "90"}, {"0", "1"}};
     for (const auto& [interval, seconds] : intervals) {
         SCOPED_TRACE(interval);
         const Ended ended = capture({"--interval=" + interval, "--count", "1"});
@@ -209,8 +205,9 @@ TEST_F(CaptureProgram, SettingsAreNotWritten) {
 
 class EndedCapture : public CaptureProgram, public testing::WithParamInterface<int> {};
 
-TEST_P(EndedCapture, StatusIsTheSignalsAndEveryFrameIsWhole) {
-    Program program(command(captureArguments({"--interval", "1"})), options);
+TEST_P(EndedCapture, StatusIsTheSignalsEveryFrameIsWholeAndNoMovieIsStarted) {
+    Program program(command(captureArguments({"--interval", "1", "--count", "1000", "--compile"})),
+                    options);
     ASSERT_TRUE(program.nextLine());
     ASSERT_TRUE(program.nextLine());
     program.signal(GetParam());
@@ -224,16 +221,6 @@ TEST_P(EndedCapture, StatusIsTheSignalsAndEveryFrameIsWhole) {
 TEST_P(EndedCapture, StatusIsTheSignalsWhileTheCameraIsBeingOpened) {
     Program program(command(captureArguments({"--interval", "1"})), options);
     ASSERT_TRUE(program.waitUntilReadyFor(GetParam()));
-    program.signal(GetParam());
-    EXPECT_EQ(program.wait().status, 128 + GetParam());
-    expectWholeFramesOnly();
-}
-
-TEST_P(EndedCapture, NoMovieIsStartedAfterTheSignal) {
-    Program program(command(captureArguments({"--interval", "1", "--count", "1000", "--compile"})),
-                    options);
-    ASSERT_TRUE(program.nextLine());
-    ASSERT_TRUE(program.nextLine());
     program.signal(GetParam());
     EXPECT_EQ(program.wait().status, 128 + GetParam());
     expectWholeFramesOnly();
@@ -327,17 +314,6 @@ TEST_F(DemoProgram, AnEarlyInterruptLeavesNoEmptyFolder) {
     for (const std::string& name : namesIn(videos)) {
         EXPECT_THAT(namesIn(videos + "/" + name), Not(IsEmpty()));
     }
-}
-
-TEST_F(DemoProgram, AnInterruptEndsItWithWholeFramesOnly) {
-    Program program(command({"demo", folder}), options);
-    ASSERT_TRUE(program.waitForError(".png\n"));
-    program.signal(SIGINT);
-    const Ended ended = program.wait();
-    EXPECT_EQ(ended.status, 130);
-    EXPECT_EQ(ended.output, "");
-    EXPECT_THAT(namesIn(folder), Not(IsEmpty()));
-    expectWholeFramesOnly();
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/backends/posix/TemporaryFolder.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
 namespace {
@@ -26,7 +26,7 @@ protected:
         std::ofstream(home_ / ".config" / "user-dirs.dirs") << text;
     }
 
-    TemporaryFolder folder_;
+    WorkFolder folder_;
     const std::filesystem::path home_ = folder_.path();
 };
 

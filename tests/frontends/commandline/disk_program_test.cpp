@@ -25,15 +25,15 @@ protected:
 
     /// Mounts a new disk at `folder` with those options, links the frames into it, runs the shell
     /// command `prepare`, then the program. `listing` gets the disk's entries.
-    Ended runOnDisk(const std::string& mountOptions, const std::string& prepare,
-                    const std::vector<std::string>& arguments, bool& isAvailable) {
+    /// Null when mounting is not allowed.
+    std::optional<Ended> runOnDisk(const std::string& mountOptions, const std::string& prepare,
+                                   const std::vector<std::string>& arguments) {
         const std::string script = "mount -t tmpfs -o " + mountOptions + " tmpfs '" + folder +
                                    "' && ln -s '" + frames + "'/*.png '" + folder + "' && " +
                                    prepare + " || exit 99\n\"$0\" \"$@\"\nstatus=$?\n" + "ls -A '" +
                                    folder + "' >'" + listing + "'\nexit $status";
         const auto launcher = mountingLauncher(script);
-        isAvailable = launcher.has_value();
-        return launcher ? runIn(*launcher, arguments) : Ended{};
+        return launcher ? std::optional(runIn(*launcher, arguments)) : std::nullopt;
     }
 
     std::string frames = work.makeFolder("frames");
@@ -41,51 +41,46 @@ protected:
 };
 
 TEST_F(DiskProgram, AFullDiskIsNamedAndNothingIsLeftOnIt) {
-    bool isAvailable = false;
-    const Ended ended =
-        runOnDisk("size=500k", "true", {"compile", folder, "--crf", "0"}, isAvailable);
-    if (!isAvailable) {
+    const auto ended = runOnDisk("size=500k", "true", {"compile", folder, "--crf", "0"});
+    if (!ended) {
         GTEST_SKIP() << "Nothing can be mounted here.";
     }
-    EXPECT_EQ(ended.status, 1);
-    EXPECT_EQ(ended.output, "");
-    EXPECT_THAT(ended.errors, HasSubstr("\nvistrane: The movie cannot be written (" + folder));
-    EXPECT_THAT(ended.errors, HasSubstr("No space left on device. Free some space"));
-    EXPECT_THAT(ended.errors, Not(HasSubstr("Not in the movie")));
-    EXPECT_THAT(ended.errors, Not(HasSubstr("frames went into the movie")));
+    EXPECT_EQ(ended->status, 1);
+    EXPECT_EQ(ended->output, "");
+    EXPECT_THAT(ended->errors, HasSubstr("\nvistrane: The movie cannot be written (" + folder));
+    EXPECT_THAT(ended->errors, HasSubstr("No space left on device. Free some space"));
+    EXPECT_THAT(ended->errors, Not(HasSubstr("Not in the movie")));
+    EXPECT_THAT(ended->errors, Not(HasSubstr("frames went into the movie")));
     EXPECT_EQ(count(contentsOf(listing), "\n"), 30U);
     EXPECT_THAT(contentsOf(listing), Not(HasSubstr("mov")));
 }
 
 TEST_F(DiskProgram, AReadOnlyDiskIsRefusedWithOneAlert) {
-    bool isAvailable = false;
-    const Ended ended = runOnDisk("size=500k", "mount -o remount,ro '" + folder + "'",
-                                  {"compile", folder}, isAvailable);
-    if (!isAvailable) {
+    const auto ended =
+        runOnDisk("size=500k", "mount -o remount,ro '" + folder + "'", {"compile", folder});
+    if (!ended) {
         GTEST_SKIP() << "Nothing can be mounted here.";
     }
-    EXPECT_EQ(ended.status, 1);
-    EXPECT_EQ(ended.output, "");
-    EXPECT_EQ(count(ended.errors, "Vistran movie compiling error:\n"), 1U);
-    EXPECT_THAT(ended.errors, HasSubstr("Read-only file system"));
+    EXPECT_EQ(ended->status, 1);
+    EXPECT_EQ(ended->output, "");
+    EXPECT_EQ(count(ended->errors, "Vistran movie compiling error:\n"), 1U);
+    EXPECT_THAT(ended->errors, HasSubstr("Read-only file system"));
     EXPECT_EQ(count(contentsOf(listing), "\n"), 30U);
 }
 
 TEST_F(DiskProgram, AFullDiskLosesTheFrameAndLeavesNoHalfOne) {
-    bool isAvailable = false;
-    const Ended ended = runOnDisk("size=20k", "true",
-                                  {"capture", folder, "--demo-camera", "--device", "Demo Camera",
-                                   "--interval", "1", "--count", "2"},
-                                  isAvailable);
-    if (!isAvailable) {
+    const auto ended = runOnDisk("size=20k", "true",
+                                 {"capture", folder, "--demo-camera", "--device", "Demo Camera",
+                                  "--interval", "1", "--count", "2"});
+    if (!ended) {
         GTEST_SKIP() << "Nothing can be mounted here.";
     }
-    EXPECT_EQ(ended.status, 1);
-    EXPECT_EQ(count(ended.errors, "A frame is lost: "), 2U);
-    EXPECT_THAT(ended.errors, HasSubstr("No space left on device"));
+    EXPECT_EQ(ended->status, 1);
+    EXPECT_EQ(count(ended->errors, "A frame is lost: "), 2U);
+    EXPECT_THAT(ended->errors, HasSubstr("No space left on device"));
 }
 
-TEST_F(DiskProgram, AFileThatMayNotGrowIsNamedAndTakenAway) {
+TEST_F(DiskProgram, AFileThatMayNotGrowIsNamedAndRemoved) {
     const auto before = namesIn(frames);
     const Ended ended =
         runIn({"sh", "-c", "ulimit -f 800; exec \"$0\" \"$@\""}, {"compile", frames, "--crf", "0"});

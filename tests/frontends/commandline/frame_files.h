@@ -34,9 +34,6 @@ void writeGreyFrame(const std::string& path, int grey);
 /// Returns a valid PNG file's bytes after damaging them.
 namespace damaged {
 std::string truncated(std::string png);
-std::string wrongChecksum(std::string png);
-/// With valid checksums.
-std::string corruptData(std::string png);
 /// With another size in the header, and valid checksums.
 std::string resized(std::string png, std::uint32_t width, std::uint32_t height);
 } // namespace damaged

@@ -14,6 +14,12 @@ protected:
         }
     }
 
+    void writeMoreThanAPipeHolds() const {
+        for (int number = 0; number < 1000; ++number) {
+            writeFiles({std::to_string(number) + std::string(200, 'x') + ".png"});
+        }
+    }
+
     std::vector<std::string> paths(std::vector<std::string> names) const {
         for (std::string& name : names) {
             name = folder + "/" + name;
@@ -35,13 +41,6 @@ TEST_F(FramesProgram, NumbersAreComparedByValueCaseAndWidthAreIgnored) {
     }
 }
 
-TEST_F(FramesProgram, SaysNothingOnATerminalAndRingsNoBell) {
-    options.errorsGoToTerminal = true;
-    const Ended ended = run({"frames", folder});
-    EXPECT_EQ(ended.status, 0);
-    EXPECT_EQ(ended.errors, "");
-}
-
 TEST_F(FramesProgram, ALocaleWithoutUtf8CausesNoMessage) {
     writeFiles({"a.png"});
     for (const char* locale : {"C", "en_US.ISO-8859-1", "no locale"}) {
@@ -58,11 +57,14 @@ TEST_F(FramesProgram, OnlyTheExtensionDecides) {
     EXPECT_EQ(run({"frames", folder}).lines(), paths({"f.tar.png", "g.png"}));
 }
 
-TEST_F(FramesProgram, AnEmptyFolderHasNoFrames) {
-    const Ended ended = run({"frames", folder});
-    EXPECT_EQ(ended.status, 0);
-    EXPECT_EQ(ended.output, "");
-    EXPECT_EQ(ended.errors, "");
+TEST_F(FramesProgram, AnEmptyFolderHasNoFramesAndATerminalGetsNoBell) {
+    for (const bool isTerminal : {false, true}) {
+        options.errorsGoToTerminal = isTerminal;
+        const Ended ended = run({"frames", folder});
+        EXPECT_EQ(ended.status, 0);
+        EXPECT_EQ(ended.output, "");
+        EXPECT_EQ(ended.errors, "");
+    }
 }
 
 TEST_F(FramesProgram, NulBytesEndThePathsOfNamesWithAnything) {
@@ -98,10 +100,7 @@ TEST_F(FramesProgram, AFolderThatLooksLikeAnOptionFollowsTwoDashes) {
 }
 
 TEST_F(FramesProgram, AReaderThatLeavesEndsIt) {
-    // More than a pipe holds.
-    for (int number = 0; number < 1000; ++number) {
-        writeFiles({std::to_string(number) + std::string(200, 'x') + ".png"});
-    }
+    writeMoreThanAPipeHolds();
     Program program(command({"frames", folder}), options);
     EXPECT_THAT(program.nextLine().value_or(""), HasSubstr("/0x"));
     program.closeOutput();
@@ -119,9 +118,7 @@ TEST_F(FramesProgram, AFullDeviceIsAFailure) {
 }
 
 TEST_F(FramesProgram, AnInterruptReachesItWhileNobodyReads) {
-    for (int number = 0; number < 1000; ++number) {
-        writeFiles({std::to_string(number) + std::string(200, 'x') + ".png"});
-    }
+    writeMoreThanAPipeHolds();
     options.outputIsNotRead = true;
     Program program(command({"frames", folder}), options);
     ASSERT_TRUE(program.waitUntilReadyFor(SIGINT));

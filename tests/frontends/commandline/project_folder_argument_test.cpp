@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/backends/posix/TemporaryFolder.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
 namespace {
@@ -21,8 +21,8 @@ protected:
     }
     ~ProjectFolderArgumentTest() override { std::filesystem::current_path(before_); }
 
-    TemporaryFolder folder_;
-    const std::filesystem::path root_ = std::filesystem::canonical(folder_.path());
+    WorkFolder folder_;
+    const std::filesystem::path root_ = folder_.path();
     const std::filesystem::path before_ = std::filesystem::current_path();
 };
 
