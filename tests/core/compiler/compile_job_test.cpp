@@ -6,6 +6,7 @@ namespace {
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 // Read before any test can have changed it.
@@ -63,6 +64,8 @@ TEST_F(CompileJob, ARefusalLeavesAnEarlierMoviePathAlone) {
 TEST_F(CompileJob, TwoFramesStartTheThreadStepByStep) {
     setFrames(2);
     sim.setDate(1000.0);
+    sim.threads().onStart(
+        [&](SimThread& thread) { EXPECT_EQ(delegate.myThread.load().get(), &thread); });
     delegate.genneratingMovie(nullptr);
     EXPECT_EQ(moviePath(), "/f/YYYYMMDD-HHmmss-1000.mov");
     EXPECT_THAT(takeProcedure({"compilingB setState"}),
@@ -148,6 +151,7 @@ TEST_F(CompileJob, TheRunningThreadIsAskedEvenWhenAnotherJobHasReplacedIt) {
         }
     });
     compile();
+    EXPECT_THAT(sim.calls(), Not(Contains("thread2 isCancelled")));
     // The pass that succeeded cancelled the second job's thread, the one in the field; the first
     // thread went on until it was cancelled itself.
     EXPECT_EQ(alerts, 2);

@@ -90,6 +90,10 @@ TEST_F(Tips, TheButtonsGoThroughThePagesAndStopAtTheEnds) {
     }
     previous();
     expectPage(3, page3);
+    previous();
+    previous();
+    expectPage(1, page1);
+    next();
     open();
     expectPage(1, page1);
 }
