@@ -141,41 +141,39 @@ TEST(IcuLocale, CaseWidthAndCompositionDoNotCount) {
     EXPECT_TRUE(areEqualToTheCollation("en_US", "a\u0327\u0301", "a\u0301\u0327"));
 }
 
-TEST(IcuLocale, AccentsCountBeforeBytes) {
-    EXPECT_EQ(compare("en_US", "e", "é"), NSOrderedAscending);
-    // Acute comes before grave; its bytes come after.
-    EXPECT_EQ(compare("en_US", "é", "è"), NSOrderedAscending);
-}
-
-TEST(IcuLocale, PunctuationCounts) {
-    for (const char* locale : {"en_US", "th_TH", "C"}) {
-        EXPECT_EQ(compare(locale, "a-c", "ab"), NSOrderedAscending) << locale;
-        EXPECT_EQ(compare(locale, "a b2", "a_b1"), NSOrderedAscending) << locale;
+TEST(IcuLocale, NamesAreOrderedByTheRulesOfTheLanguage) {
+    const std::string nines = "f" + std::string(99, '9') + ".png";
+    const std::string aDigitMore = "f1" + std::string(99, '0') + ".png";
+    const struct {
+        std::vector<const char*> locales;
+        std::string first;
+        std::string second;
+    } ascending[] = {
+        {{"en_US"}, "e", "é"},
+        // Acute comes before grave; its bytes come after.
+        {{"en_US"}, "é", "è"},
+        // Punctuation counts.
+        {{"en_US", "th_TH", "C"}, "a-c", "ab"},
+        {{"en_US", "th_TH", "C"}, "a b2", "a_b1"},
+        // Long runs of digits compare by value.
+        {{"en_US"}, nines, aDigitMore},
+        {{"en_US"}, "f" + std::string(50, '0') + "7", "f8"},
+        // Digits of other scripts continue a number. Both numbers are 0, so the letter decides.
+        {{"en_US", "tr_TR", "ja_JP"}, "0e", "0\u0660é"},
+        {{"en_US", "tr_TR", "ja_JP"}, "00e", "0\u0660é"},
+        {{"en_US", "tr_TR", "ja_JP"}, "1\u0660", "19"},
+        {{"en_US", "tr_TR", "ja_JP"}, "9", "1\u0660"},
+        {{"en_US", "tr_TR", "ja_JP"}, "1\uFF11e", "11é"},
+        {{"en_US", "tr_TR", "ja_JP"}, "11e", "1\uFF11é"},
+        {{"sv_SE"}, "z", "ö"},
+        {{"de_DE"}, "ö", "z"},
+    };
+    for (const auto& each : ascending) {
+        for (const char* locale : each.locales) {
+            EXPECT_EQ(compare(locale, each.first, each.second), NSOrderedAscending)
+                << locale << ": " << each.first << ", " << each.second;
+        }
     }
-}
-
-TEST(IcuLocale, LongDigitRunsCompareByValue) {
-    const std::string small = "f" + std::string(99, '9') + ".png";
-    const std::string large = "f1" + std::string(99, '0') + ".png";
-    EXPECT_EQ(compare("en_US", small, large), NSOrderedAscending);
-    EXPECT_EQ(compare("en_US", "f" + std::string(50, '0') + "7", "f8"), NSOrderedAscending);
-}
-
-TEST(IcuLocale, DigitsOfOtherScriptsContinueANumberInEveryLanguage) {
-    for (const char* locale : {"en_US", "tr_TR", "ja_JP"}) {
-        // Nought, and then the letter counts.
-        EXPECT_EQ(compare(locale, "0e", "0\u0660é"), NSOrderedAscending) << locale;
-        EXPECT_EQ(compare(locale, "00e", "0\u0660é"), NSOrderedAscending) << locale;
-        EXPECT_EQ(compare(locale, "1\u0660", "19"), NSOrderedAscending) << locale;
-        EXPECT_EQ(compare(locale, "1\u0660", "9"), NSOrderedDescending) << locale;
-        EXPECT_EQ(compare(locale, "1\uFF11e", "11é"), NSOrderedAscending) << locale;
-        EXPECT_EQ(compare(locale, "1\uFF11é", "11e"), NSOrderedDescending) << locale;
-    }
-}
-
-TEST(IcuLocale, TheOrderIsTheLanguages) {
-    EXPECT_EQ(compare("sv_SE", "ö", "z"), NSOrderedDescending);
-    EXPECT_EQ(compare("de_DE", "ö", "z"), NSOrderedAscending);
     // Dotted and dotless i are two letters in Turkish only.
     EXPECT_TRUE(areEqualToTheCollation("tr_TR", "I", "ı"));
     EXPECT_FALSE(areEqualToTheCollation("tr_TR", "I", "i"));
