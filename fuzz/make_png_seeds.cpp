@@ -6,9 +6,7 @@
 
 #include <fstream>
 #include <random>
-#include <span>
 #include <string>
-#include <vector>
 
 #include "tests/backends/pictures/DeflateSamples.h"
 
@@ -55,15 +53,8 @@ Bytes literalsPng() {
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         pixels[i] = static_cast<std::uint8_t>(i % rowBytes == 0 ? random() % 5 : random() % 200);
     }
-    constexpr std::size_t part = rowBytes * rowsAtOnce;
-    std::vector<Bytes> chunks;
-    for (std::size_t from = 0; from < pixels.size(); from += part) {
-        const auto bytes = std::span<const std::uint8_t>(pixels).subspan(from, part);
-        chunks.push_back(literalBlock(bytes, from + part == pixels.size()));
-    }
-    chunks.front().insert(chunks.front().begin(), {0x78, 0x01});
-    append(chunks.back(), Inflated{pixels}.checksum());
-    return pngAround({2, 8, false, false}, width, height, chunks);
+    return pngAround({2, 8, false, false}, width, height,
+                     literalBlocks(pixels, rowBytes * rowsAtOnce));
 }
 
 void writeSeeds(const std::string& folder) {

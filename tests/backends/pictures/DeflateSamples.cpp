@@ -45,10 +45,6 @@ std::size_t symbolOf(std::size_t value, std::size_t first, std::size_t last,
     return last;
 }
 
-std::size_t below(std::mt19937& random, std::size_t limit) {
-    return limit > 0 ? random() % limit : 0;
-}
-
 bool oneIn(std::mt19937& random, std::size_t count) {
     return below(random, count) == 0;
 }
@@ -423,6 +419,17 @@ Bytes literalBlock(std::span<const std::uint8_t> bytes, bool last) {
     Bytes data(block.room(), 0xA5);
     data.resize(static_cast<std::size_t>(block.write(data.data(), last) - data.data()));
     return data;
+}
+
+std::vector<Bytes> literalBlocks(std::span<const std::uint8_t> bytes, std::size_t length) {
+    std::vector<Bytes> blocks;
+    for (std::size_t from = 0; from < bytes.size(); from += length) {
+        const std::size_t left = bytes.size() - from;
+        blocks.push_back(literalBlock(bytes.subspan(from, std::min(length, left)), left <= length));
+    }
+    blocks.front().insert(blocks.front().begin(), {0x78, 0x01});
+    append(blocks.back(), Inflated{{bytes.begin(), bytes.end()}}.checksum());
+    return blocks;
 }
 
 Bytes deflateByZlib(const Bytes& bytes, bool last) {

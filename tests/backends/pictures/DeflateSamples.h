@@ -100,6 +100,9 @@ Inflated inflateByZlib(std::span<const std::uint8_t> stream, std::size_t limit);
 /// What `LiteralBlock` writes.
 Bytes literalBlock(std::span<const std::uint8_t> bytes, bool last);
 
+/// A zlib stream of what `LiteralBlock` writes, each block of `length` bytes.
+std::vector<Bytes> literalBlocks(std::span<const std::uint8_t> bytes, std::size_t length);
+
 /// A block of zlib's, without a header or checksum. `last`: ends the stream.
 Bytes deflateByZlib(const Bytes& bytes, bool last);
 

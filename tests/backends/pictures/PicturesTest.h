@@ -6,10 +6,8 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,6 +22,7 @@
 #include "backends/pictures/Pictures.h"
 #include "backends/pictures/PixelBuffer.h"
 #include "tests/backends/pictures/PngSamples.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane::testing {
 
@@ -41,36 +40,6 @@ public:
     std::vector<std::pair<std::string, NSError>> unread;
     std::vector<std::string> written;
     std::vector<std::pair<std::string, NSError>> unwritten;
-};
-
-/// A new folder; removed with all that is in it.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string name = ::testing::TempDir() + "picturesXXXXXX";
-        path_ = ::mkdtemp(name.data()) != nullptr ? name : std::string();
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        ::chmod(path_.c_str(), 0700);
-        std::filesystem::remove_all(path_, ignored);
-    }
-
-    std::string file(const std::string& name) const { return path_ + "/" + name; }
-    const std::string& path() const { return path_; }
-
-    std::vector<std::string> names() const {
-        std::vector<std::string> result;
-        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-            result.push_back(entry.path().filename());
-        }
-        return result;
-    }
-
-private:
-    std::string path_;
 };
 
 inline void put(const std::string& path, const Bytes& bytes) {
@@ -107,9 +76,10 @@ struct Drawn {
     }
 };
 
-/// The arguments of `drawAtPoint`, and what it draws into.
+/// The arguments of `drawAtPoint`, or of `drawInRect` if there is a size, and what they draw into.
 struct DrawnAt {
     NSPoint point{};
+    std::optional<NSSize> size = std::nullopt;
     NSRect from{};
     NSCompositingOperation operation = NSCompositingOperationCopy;
     double fraction = 1.0;
@@ -130,43 +100,30 @@ protected:
     }
 
     /// Draws as the frames of a movie are drawn: into a new buffer, at the bottom left.
-    Drawn draw(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
-               NSCompositingOperation operation = NSCompositingOperationCopy) {
-        return drawAt(image, width, height, {.operation = operation});
-    }
-
-    Drawn drawAt(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
-                 const DrawnAt& how) {
-        return drawWith(
-            [&] { image->drawAtPoint(how.point, how.from, how.operation, how.fraction); }, width,
-            height, how.flipped, how.background);
-    }
-
-    /// Draws over a background, stretched.
-    Drawn drawIn(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
-                 NSRect rect, NSRect from = NSZeroRect,
-                 NSCompositingOperation operation = NSCompositingOperationSourceOver,
-                 double fraction = 1.0, std::uint8_t background = 9) {
-        return drawWith([&] { image->drawInRect(rect, from, operation, fraction); }, width, height,
-                        false, background);
+    Drawn draw(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height) {
+        return drawAt(image, width, height, {});
     }
 
     /// Draws into a new buffer of that size.
-    Drawn drawWith(const std::function<void()>& drawing, std::size_t width, std::size_t height,
-                   bool flipped, std::uint8_t background) {
+    Drawn drawAt(const std::shared_ptr<NSImage>& image, std::size_t width, std::size_t height,
+                 const DrawnAt& how) {
         CVPixelBufferRef buffer = nullptr;
         EXPECT_EQ(video_.CVPixelBufferCreate(width, height, kCVPixelFormatType_32ARGB, {}, &buffer),
                   kCVReturnSuccess);
         video_.CVPixelBufferLockBaseAddress(buffer, 0);
         auto* rows = static_cast<std::uint8_t*>(video_.CVPixelBufferGetBaseAddress(buffer));
         const std::size_t stride = video_.CVPixelBufferGetBytesPerRow(buffer);
-        std::fill_n(rows, stride * height, background);
+        std::fill_n(rows, stride * height, how.background);
         CGColorSpaceRef space = graphics_.CGColorSpaceCreateWithName(kCGColorSpaceGenericRGB);
         CGContextRef context = graphics_.CGBitmapContextCreate(rows, width, height, 8, stride,
                                                                space, kCGImageAlphaNoneSkipFirst);
         pictures_.saveGraphicsState();
-        pictures_.setCurrentContext(pictures_.graphicsContextWithCGContext(context, flipped));
-        drawing();
+        pictures_.setCurrentContext(pictures_.graphicsContextWithCGContext(context, how.flipped));
+        if (how.size) {
+            image->drawInRect({how.point, *how.size}, how.from, how.operation, how.fraction);
+        } else {
+            image->drawAtPoint(how.point, how.from, how.operation, how.fraction);
+        }
         pictures_.restoreGraphicsState();
         Drawn drawn{width, {}, PixelBuffer::from(buffer)->damage()};
         for (std::size_t y = 0; y < height; ++y) {
@@ -176,7 +133,7 @@ protected:
             }
             // The padding of the rows stays unchanged.
             for (std::size_t i = width * 4; i < stride; ++i) {
-                EXPECT_EQ(rows[y * stride + i], background);
+                EXPECT_EQ(rows[y * stride + i], how.background);
             }
         }
         video_.CVPixelBufferUnlockBaseAddress(buffer, 0);
@@ -196,7 +153,7 @@ protected:
     Pictures pictures_{observer_};
     MediaCoreVideo video_;
     MediaCoreGraphics graphics_{video_};
-    TemporaryFolder folder_;
+    WorkFolder folder_;
 };
 
 /// The pixels over black, as a context without alpha shows them.

@@ -8,7 +8,6 @@
 #include <csetjmp>
 #include <cstring>
 #include <numeric>
-#include <random>
 
 namespace vistrane::testing {
 
@@ -20,11 +19,6 @@ std::uint32_t get32(std::span<const std::uint8_t> bytes, std::size_t offset) {
     return static_cast<std::uint32_t>(bytes[offset]) << 24 |
            static_cast<std::uint32_t>(bytes[offset + 1]) << 16 |
            static_cast<std::uint32_t>(bytes[offset + 2]) << 8 | bytes[offset + 3];
-}
-
-int componentsOf(int colour) {
-    constexpr int components[] = {1, 0, 3, 1, 2, 0, 4};
-    return components[colour];
 }
 
 void appendBytes(png_structp png, png_bytep bytes, std::size_t length) {
@@ -44,27 +38,15 @@ struct Values {
     png_color_16 key{};
 };
 
-Bytes packedRow(const Values& picture, std::uint32_t y) {
-    const auto perRow = static_cast<std::size_t>(componentsOf(picture.form.colour)) * picture.width;
+/// A byte for each value, or two for those of 16 bits; libpng packs the smaller ones.
+Bytes rowOf(const Values& picture, std::uint32_t y) {
+    const std::size_t perRow = picture.form.components() * picture.width;
     Bytes row;
-    unsigned bits = 0;
-    unsigned held = 0;
-    for (std::size_t i = 0; i < perRow; ++i) {
-        const std::uint16_t value = picture.values[y * perRow + i];
+    for (std::size_t i = y * perRow; i < (y + 1) * perRow; ++i) {
         if (picture.form.depth == 16) {
-            row.push_back(static_cast<std::uint8_t>(value >> 8));
-            row.push_back(static_cast<std::uint8_t>(value));
-            continue;
+            row.push_back(static_cast<std::uint8_t>(picture.values[i] >> 8));
         }
-        bits = bits << picture.form.depth | value;
-        held += static_cast<unsigned>(picture.form.depth);
-        if (held == 8) {
-            row.push_back(static_cast<std::uint8_t>(bits));
-            bits = held = 0;
-        }
-    }
-    if (held > 0) {
-        row.push_back(static_cast<std::uint8_t>(bits << (8 - held)));
+        row.push_back(static_cast<std::uint8_t>(picture.values[i]));
     }
     return row;
 }
@@ -87,10 +69,11 @@ Bytes written(const Values& picture) {
                      static_cast<int>(picture.paletteAlpha.size()), &picture.key);
     }
     png_write_info(png, info);
+    png_set_packing(png);
     std::vector<Bytes> rows;
     std::vector<png_bytep> pointers;
     for (std::uint32_t y = 0; y < picture.height; ++y) {
-        rows.push_back(packedRow(picture, y));
+        rows.push_back(rowOf(picture, y));
     }
     for (Bytes& row : rows) {
         pointers.push_back(row.data());
@@ -141,9 +124,8 @@ void addPixel(const Values& picture, const std::uint16_t* value, Bytes& rgba) {
 
 PngSample sampleOf(const Values& picture) {
     PngSample sample{picture.width, picture.height, written(picture), {}};
-    const int components = componentsOf(picture.form.colour);
     for (std::size_t i = 0; i < std::size_t{picture.width} * picture.height; ++i) {
-        addPixel(picture, &picture.values[i * static_cast<std::size_t>(components)], sample.rgba);
+        addPixel(picture, &picture.values[i * picture.form.components()], sample.rgba);
     }
     return sample;
 }
@@ -193,6 +175,15 @@ bool readAll(png_structp png, png_infop info, std::span<const std::uint8_t>* fil
 
 } // namespace
 
+std::size_t PngForm::components() const {
+    constexpr std::size_t counts[] = {1, 0, 3, 1, 2, 0, 4};
+    return counts[colour];
+}
+
+std::size_t PngForm::rowBytes(std::uint32_t width) const {
+    return 1 + (components() * static_cast<std::size_t>(depth) * width + 7) / 8;
+}
+
 std::string PngForm::text() const {
     return "colour " + std::to_string(colour) + ", depth " + std::to_string(depth) +
            (interlaced ? ", interlaced" : "") + (transparency ? ", tRNS" : "");
@@ -222,7 +213,7 @@ PngSample randomPng(const PngForm& form, std::uint32_t width, std::uint32_t heig
     Values picture{form, width, height, {}, {}, {}, {}};
     const auto value = [&](unsigned below) { return static_cast<std::uint16_t>(random() % below); };
     const unsigned steps = 1U << form.depth;
-    const auto count = static_cast<std::size_t>(componentsOf(form.colour)) * width * height;
+    const std::size_t count = form.components() * width * height;
     for (std::size_t i = 0; i < count; ++i) {
         picture.values.push_back(value(steps));
     }
@@ -263,6 +254,16 @@ PngSample pngOf(std::uint32_t width, std::uint32_t height,
         }
     }
     return sampleOf(picture);
+}
+
+std::uint32_t below(std::mt19937& random, std::size_t limit) {
+    return limit > 0 ? static_cast<std::uint32_t>(random() % limit) : 0;
+}
+
+Bytes randomBytes(std::mt19937& random, std::size_t length) {
+    Bytes bytes(length);
+    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<std::uint8_t>(random()); });
+    return bytes;
 }
 
 void append(Bytes& bytes, std::span<const std::uint8_t> more) {

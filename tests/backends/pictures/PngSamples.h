@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <random>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,6 +12,10 @@
 namespace vistrane::testing {
 
 using Bytes = std::vector<std::uint8_t>;
+
+/// A number from 0 up to, not including, `limit`; 0 when that is 0.
+std::uint32_t below(std::mt19937& random, std::size_t limit);
+Bytes randomBytes(std::mt19937& random, std::size_t length);
 
 void append(Bytes& bytes, std::span<const std::uint8_t> more);
 /// In the byte order of PNG files, highest first.
@@ -24,6 +29,9 @@ struct PngForm {
     /// With a tRNS chunk; not for colours that have alpha of their own.
     bool transparency = false;
 
+    std::size_t components() const;
+    /// The length of an unpacked row with its filter.
+    std::size_t rowBytes(std::uint32_t width) const;
     std::string text() const;
 };
 

@@ -6,10 +6,6 @@ namespace {
 
 using Density = PicturesTest;
 
-NSSize sizeOf(const std::shared_ptr<NSImage>& image) {
-    return image ? image->size() : NSSize{};
-}
-
 Bytes grey(std::uint32_t width, std::uint32_t height) {
     return randomPng({0, 8, false, false}, width, height).file;
 }
@@ -29,39 +25,39 @@ TEST_F(Density, OtherDensitiesStayWhatTheyAre) {
     EXPECT_DOUBLE_EQ(dotsPerInch(1), 0.0254);
 }
 
-TEST_F(Density, TwiceTheUsualDensityHalvesTheSize) {
-    EXPECT_EQ(sizeOf(load(withDensity(grey(1280, 960), 5669, 5669))), (NSSize{640, 480}));
-}
-
-TEST_F(Density, TheUsualDensityLosesNoColumn) {
-    EXPECT_EQ(sizeOf(load(withDensity(grey(1280, 720), 2835, 2835))), (NSSize{1280, 720}));
-    EXPECT_EQ(sizeOf(load(withDensity(grey(1280, 720), 2834, 2835))), (NSSize{1280, 720}));
-}
-
-TEST_F(Density, EachDirectionHasItsOwn) {
-    EXPECT_EQ(sizeOf(load(withDensity(grey(1280, 960), 2835, 5669))), (NSSize{1280, 480}));
-}
-
-TEST_F(Density, PartsOfAPointStay) {
-    const NSSize size = sizeOf(load(withDensity(grey(1281, 961), 5669, 5669)));
-    EXPECT_EQ(size, (NSSize{640.5, 480.5}));
-}
-
-TEST_F(Density, NonsenseIsIgnored) {
-    const NSSize pixels{100, 50};
-    EXPECT_EQ(sizeOf(load(withDensity(grey(100, 50), 1, 1))), pixels);
-    EXPECT_EQ(sizeOf(load(withDensity(grey(100, 50), 0, 0))), pixels);
-    EXPECT_EQ(sizeOf(load(withDensity(grey(100, 50), 0, 5669))), pixels);
-    EXPECT_EQ(sizeOf(load(withDensity(grey(100, 50), 5669, 5669, 0))), pixels);
-    EXPECT_EQ(sizeOf(load(withDensity(grey(100, 50), 5669, 5669, 2))), pixels);
-    EXPECT_EQ(sizeOf(load(withDensity(grey(100, 50), 0x7FFFFFFF, 0x7FFFFFFF))), pixels);
-    EXPECT_EQ(sizeOf(load(withDensity(grey(100, 50), 0xFFFFFFFF, 0xFFFFFFFF))), pixels);
+TEST_F(Density, DividesTheSizeUnlessItIsNonsense) {
+    const struct {
+        NSSize pixels;
+        std::uint32_t x, y;
+        std::uint8_t unit;
+        NSSize points;
+    } cases[] = {
+        {{1280, 960}, 5669, 5669, 1, {640, 480}},
+        // The usual density loses no column.
+        {{1280, 720}, 2835, 2835, 1, {1280, 720}},
+        {{1280, 720}, 2834, 2835, 1, {1280, 720}},
+        {{1280, 960}, 2835, 5669, 1, {1280, 480}},
+        {{1281, 961}, 5669, 5669, 1, {640.5, 480.5}},
+        {{100, 50}, 1, 1, 1, {100, 50}},
+        {{100, 50}, 0, 0, 1, {100, 50}},
+        {{100, 50}, 0, 5669, 1, {100, 50}},
+        {{100, 50}, 5669, 5669, 0, {100, 50}},
+        {{100, 50}, 5669, 5669, 2, {100, 50}},
+        {{100, 50}, 0x7FFFFFFF, 0x7FFFFFFF, 1, {100, 50}},
+        {{100, 50}, 0xFFFFFFFF, 0xFFFFFFFF, 1, {100, 50}},
+    };
+    for (const auto& each : cases) {
+        const Bytes file = grey(static_cast<std::uint32_t>(each.pixels.width),
+                                static_cast<std::uint32_t>(each.pixels.height));
+        const auto image = load(withDensity(file, each.x, each.y, each.unit));
+        ASSERT_TRUE(image);
+        EXPECT_EQ(image->size(), each.points) << each.x << ", " << each.y;
+    }
 }
 
 TEST_F(Density, ItSurvivesSaving) {
-    const auto saved = encode(load(withDensity(grey(64, 32), 5669, 4000)));
-    const auto image = pictures_.imageWithData(saved);
-    EXPECT_EQ(sizeOf(image), sizeOf(load(withDensity(grey(64, 32), 5669, 4000))));
+    const auto image = load(withDensity(grey(64, 32), 5669, 4000));
+    EXPECT_EQ(pictures_.imageWithData(encode(image))->size(), image->size());
 }
 
 TEST_F(Density, NoneIsInventedWhenSaving) {

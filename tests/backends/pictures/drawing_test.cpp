@@ -8,62 +8,78 @@ namespace {
 
 using PictureDrawing = PicturesTest;
 
-TEST_F(PictureDrawing, HalfTransparentPixelsLandOverBlack) {
-    const auto image = load(pngOf(3, 2, [](auto, auto) { return 0xC8640A80U; }).file);
-    EXPECT_EQ(draw(image, 3, 2).at(1, 1), (Bytes{100, 50, 5}));
+constexpr auto sourceOver = NSCompositingOperationSourceOver;
+
+/// Red above blue: rows from the top.
+std::uint32_t redOverBlue(std::uint32_t, std::uint32_t y) {
+    return y == 0 ? 0xFF0000FFU : 0x0000FFFFU;
 }
 
-TEST_F(PictureDrawing, CopyReplacesWhatWasThereAndSourceOverKeepsIt) {
-    const auto image = load(pngOf(2, 2, [](auto, auto) { return 0xFF000080U; }).file);
-    const auto copied = drawAt(image, 2, 2, {.background = 200});
-    EXPECT_EQ(copied.at(0, 0), (Bytes{128, 0, 0}));
-    const auto over =
-        drawAt(image, 2, 2, {.operation = NSCompositingOperationSourceOver, .background = 200});
-    EXPECT_EQ(over.at(0, 0), (Bytes{228, 100, 100}));
+const Bytes red{255, 0, 0};
+const Bytes blue{0, 0, 255};
+const Bytes untouched{9, 9, 9};
+
+PngSample plain(std::uint32_t width, std::uint32_t height, std::uint32_t rgba) {
+    return pngOf(width, height, [rgba](auto, auto) { return rgba; });
 }
 
-TEST_F(PictureDrawing, AFractionMakesThePictureFaint) {
-    const auto image = load(pngOf(2, 2, [](auto, auto) { return 0x64C800FFU; }).file);
-    const auto copied = drawAt(image, 2, 2, {.fraction = 0.5, .background = 200});
-    EXPECT_EQ(copied.at(0, 0), (Bytes{50, 100, 0}));
-    const auto over =
-        drawAt(image, 2, 2,
-               {.operation = NSCompositingOperationSourceOver, .fraction = 0.5, .background = 200});
-    EXPECT_EQ(over.at(0, 0), (Bytes{150, 200, 100}));
+/// Expects the part of the picture whose top left pixel is (left, top).
+void expectPart(const Drawn& drawn, const PngSample& sample, std::size_t left, std::size_t top) {
+    const Drawn whole{sample.width, overBlack(sample.rgba), {}};
+    for (std::size_t i = 0; i < drawn.rgb.size() / 3; ++i) {
+        const std::size_t x = i % drawn.width;
+        const std::size_t y = i / drawn.width;
+        EXPECT_EQ(drawn.at(x, y), whole.at(left + x, top + y)) << x << ' ' << y;
+    }
+}
+
+TEST_F(PictureDrawing, OperationAndFractionDecideWhatIsKeptOfTheBackground) {
+    const struct {
+        std::uint32_t rgba;
+        NSCompositingOperation operation;
+        double fraction;
+        Bytes expected;
+    } cases[] = {{0xC8640A80U, NSCompositingOperationCopy, 1.0, {100, 50, 5}},
+                 {0xFF000080U, NSCompositingOperationCopy, 1.0, {128, 0, 0}},
+                 {0xFF000080U, sourceOver, 1.0, {228, 100, 100}},
+                 {0x64C800FFU, NSCompositingOperationCopy, 0.5, {50, 100, 0}},
+                 {0x64C800FFU, sourceOver, 0.5, {150, 200, 100}}};
+    for (const auto& each : cases) {
+        const auto image = load(plain(2, 2, each.rgba).file);
+        for (const auto& size : {std::optional<NSSize>(), std::optional(NSSize{4, 4})}) {
+            const Drawn drawn = drawAt(image, 4, 4,
+                                       {.size = size,
+                                        .operation = each.operation,
+                                        .fraction = each.fraction,
+                                        .background = 200});
+            EXPECT_EQ(drawn.at(1, 2), each.expected) << std::hex << each.rgba;
+        }
+    }
 }
 
 TEST_F(PictureDrawing, WhatSticksOutIsLeftOut) {
     const PngSample sample = pngOf(6, 6, gradient);
-    const auto drawn = drawAt(load(sample.file), 4, 4, {.point = {-1, -1}});
-    const Bytes rgb = overBlack(sample.rgba);
-    for (std::size_t y = 0; y < 4; ++y) {
-        for (std::size_t x = 0; x < 4; ++x) {
-            const auto start = rgb.begin() + std::ptrdiff_t(((y + 1) * 6 + x + 1) * 3);
-            EXPECT_EQ(drawn.at(x, y), Bytes(start, start + 3)) << x << ' ' << y;
-        }
-    }
+    expectPart(drawAt(load(sample.file), 4, 4, {.point = {-1, -1}}), sample, 1, 1);
+
+    const auto image = load(pngOf(2, 2, redOverBlue).file);
+    const Drawn drawn = drawAt(image, 4, 4, {.point = {-10, -10}, .size = NSSize{24, 24}});
+    // The middle of the picture is at 2 points: half of each.
+    EXPECT_GT(drawn.at(0, 0)[0], drawn.at(0, 0)[2]);
+    EXPECT_LT(drawn.at(3, 3)[0], drawn.at(3, 3)[2]);
 }
 
 TEST_F(PictureDrawing, APartIsDrawnAtThePoint) {
     const PngSample sample = pngOf(6, 6, gradient);
     // From the bottom: rows 1 and 2, that is rows 3 and 4 from the top.
-    const auto drawn = drawAt(load(sample.file), 3, 2, {.from = {{2, 1}, {3, 2}}});
-    const Bytes rgb = overBlack(sample.rgba);
-    for (std::size_t y = 0; y < 2; ++y) {
-        for (std::size_t x = 0; x < 3; ++x) {
-            const auto start = rgb.begin() + std::ptrdiff_t(((y + 3) * 6 + x + 2) * 3);
-            EXPECT_EQ(drawn.at(x, y), Bytes(start, start + 3)) << x << ' ' << y;
-        }
-    }
+    expectPart(drawAt(load(sample.file), 3, 2, {.from = {{2, 1}, {3, 2}}}), sample, 2, 3);
 }
 
 TEST_F(PictureDrawing, AFlippedContextTurnsThePictureUpsideDown) {
     const PngSample sample = pngOf(3, 3, gradient);
     const auto drawn = drawAt(load(sample.file), 3, 3, {.flipped = true});
-    const Bytes rgb = overBlack(sample.rgba);
+    const Drawn upright{3, overBlack(sample.rgba), {}};
     for (std::size_t y = 0; y < 3; ++y) {
-        const auto start = rgb.begin() + std::ptrdiff_t((2 - y) * 9);
-        EXPECT_EQ(drawn.at(0, y), Bytes(start, start + 3));
+        EXPECT_EQ(drawn.at(0, y), upright.at(0, 2 - y));
     }
 }
 
@@ -76,6 +92,16 @@ TEST_F(PictureDrawing, HalfTheSizeIsTheAverageOfFourPixels) {
     const Drawn drawn = draw(image, 4, 2);
     for (std::size_t i = 0; i < 8; ++i) {
         EXPECT_EQ(drawn.at(i % 4, i / 4), (Bytes{150, 0, 0}));
+    }
+}
+
+/// 1080 / 99 times 11 is 120, but for the rounding, which makes it a little less.
+TEST_F(PictureDrawing, ShrinksToTheAverageWhateverRoundingLeavesOfAPixel) {
+    const auto image =
+        load(pngOf(1080, 2, [](auto x, auto) { return x < 120 ? 0x000000FFU : 0xFFFFFFFFU; }).file);
+    const Drawn drawn = drawAt(image, 99, 2, {.size = NSSize{99, 2}});
+    for (std::size_t x = 0; x < 99; ++x) {
+        EXPECT_EQ(drawn.at(x, 0), Bytes(3, x < 11 ? 0 : 255)) << x;
     }
 }
 
@@ -103,15 +129,14 @@ TEST_F(PictureDrawing, ScaledTransparencyStaysWithinItsRange) {
     for (const std::uint32_t density : {1000U, 2000U, 3000U, 5669U, 9000U}) {
         const auto image = load(withDensity(sample.file, density, density + 300));
         const NSSize size = image->size();
-        const Drawn drawn = draw(image, std::size_t(size.width), std::size_t(size.height),
-                                 NSCompositingOperationSourceOver);
+        const Drawn drawn = drawAt(image, std::size_t(size.width), std::size_t(size.height),
+                                   {.operation = sourceOver});
         EXPECT_FALSE(drawn.damage);
     }
 }
 
 TEST_F(PictureDrawing, ASizeWithPartsOfAPointIsCutToWholePixels) {
-    const auto image = load(
-        withDensity(pngOf(1281, 961, [](auto, auto) { return 0x11AA33FFU; }).file, 5669, 5669));
+    const auto image = load(withDensity(plain(1281, 961, 0x11AA33FFU).file, 5669, 5669));
     ASSERT_EQ(image->size(), (NSSize{640.5, 480.5}));
     const Drawn drawn = draw(image, 640, 480);
     for (std::size_t i = 0; i < drawn.rgb.size(); i += 3) {
@@ -120,27 +145,101 @@ TEST_F(PictureDrawing, ASizeWithPartsOfAPointIsCutToWholePixels) {
     }
 }
 
+TEST_F(PictureDrawing, ARectangleOfThePicturesSizeIsTheSameAsThePoint) {
+    const auto image = load(pngOf(5, 3, gradient).file);
+    for (const NSRect part : {NSZeroRect, NSRect{{2, 1}, {3, 2}}}) {
+        DrawnAt how{.point = {2, 1}, .from = part, .operation = sourceOver, .background = 9};
+        const Drawn placed = drawAt(image, 9, 8, how);
+        how.size = part == NSZeroRect ? NSSize{5, 3} : part.size;
+        EXPECT_EQ(drawAt(image, 9, 8, how).rgb, placed.rgb);
+    }
+}
+
+TEST_F(PictureDrawing, StretchingFillsTheRectangleAndNothingElse) {
+    const auto image = load(plain(2, 2, 0x204060FFU).file);
+    const Drawn drawn =
+        drawAt(image, 8, 6, {.point = {1, 2}, .size = NSSize{5, 3}, .background = 9});
+    for (std::size_t y = 0; y < 6; ++y) {
+        for (std::size_t x = 0; x < 8; ++x) {
+            const bool inside = x >= 1 && x < 6 && y >= 1 && y < 4;
+            EXPECT_EQ(drawn.at(x, y), inside ? (Bytes{0x20, 0x40, 0x60}) : untouched)
+                << x << ' ' << y;
+        }
+    }
+}
+
+TEST_F(PictureDrawing, StretchingKeepsNoShape) {
+    const auto image = load(pngOf(2, 2, redOverBlue).file);
+    const Drawn wide = drawAt(image, 16, 2, {.size = NSSize{16, 2}});
+    for (std::size_t x = 0; x < 16; ++x) {
+        EXPECT_EQ(wide.at(x, 0), red) << x;
+        EXPECT_EQ(wide.at(x, 1), blue) << x;
+    }
+    const Drawn high = drawAt(image, 2, 16, {.size = NSSize{2, 16}});
+    for (std::size_t x = 0; x < 2; ++x) {
+        EXPECT_EQ(high.at(x, 0), red);
+        EXPECT_EQ(high.at(x, 15), blue);
+    }
+}
+
+TEST_F(PictureDrawing, TheRectangleIsInPointsWhateverThePicturesDensity) {
+    const auto image = load(withDensity(pngOf(4, 4, redOverBlue).file, 5669, 5669));
+    ASSERT_EQ(image->size(), (NSSize{2, 2}));
+    const Drawn drawn = drawAt(image, 8, 8, {.size = NSSize{4, 4}, .background = 9});
+    EXPECT_EQ(drawn.at(3, 4), red);
+    EXPECT_EQ(drawn.at(3, 7), blue);
+    EXPECT_EQ(drawn.at(4, 4), untouched);
+    EXPECT_EQ(drawn.at(3, 3), untouched);
+}
+
+TEST_F(PictureDrawing, APartIsStretchedOverTheWholeRectangle) {
+    const auto image = load(pngOf(2, 2, redOverBlue).file);
+    // The lower half, counted from the bottom.
+    const Drawn drawn = drawAt(image, 4, 4, {.size = NSSize{4, 4}, .from = {{0, 0}, {2, 1}}});
+    for (std::size_t i = 0; i < 16; ++i) {
+        EXPECT_EQ(drawn.at(i % 4, i / 4), blue) << i;
+    }
+}
+
 TEST_F(PictureDrawing, PlacesThatAreNonsenseDrawNothingOrAreCut) {
     const auto image = load(pngOf(4, 4, gradient).file);
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    const Bytes untouched(4 * 4 * 3, 7);
+    std::vector<DrawnAt> nowhere = {
+        {.fraction = nan},
+        {.fraction = -1.0},
+        {.fraction = -infinity},
+        {.from = {{1, 1}, {-2, 2}}},
+        {.size = NSSize{0, 4}},
+        {.size = NSSize{4, 0}},
+        {.size = NSSize{-4, 4}},
+        {.size = NSSize{nan, 4}},
+        {.size = NSSize{4, infinity}},
+        {.size = NSSize{4, 4}, .from = {{1, 1}, {0, 1}}},
+        {.size = NSSize{4, 4}, .from = {{5, 5}, {1, 1}}},
+    };
     for (const double bad : {nan, infinity, -infinity, 1e300, -1e18, 1e8, -1e8}) {
-        EXPECT_EQ(drawAt(image, 4, 4, {.point = {bad, 0}, .background = 7}).rgb, untouched);
-        EXPECT_EQ(drawAt(image, 4, 4, {.from = {{bad, 0}, {4, 4}}, .background = 7}).rgb,
-                  untouched);
+        nowhere.push_back({.point = {bad, 0}});
+        nowhere.push_back({.point = {bad, 0}, .size = NSSize{4, 4}});
+        nowhere.push_back({.from = {{bad, 0}, {4, 4}}});
     }
-    for (const double bad : {nan, -1.0, -infinity}) {
-        EXPECT_EQ(drawAt(image, 4, 4, {.fraction = bad, .background = 7}).rgb, untouched);
+    for (std::size_t i = 0; i < nowhere.size(); ++i) {
+        nowhere[i].background = 9;
+        EXPECT_EQ(drawAt(image, 4, 4, nowhere[i]).rgb, Bytes(4 * 4 * 3, 9)) << i;
     }
-    EXPECT_EQ(drawAt(image, 4, 4, {.from = {{1, 1}, {-2, 2}}, .background = 7}).rgb, untouched);
     drawAt(image, 4, 4,
            {.point = {0.3, -0.7},
             .from = {{0.2, 0.9}, {1e8, 2.5}},
-            .operation = NSCompositingOperationSourceOver,
+            .operation = sourceOver,
             .fraction = 99.0,
             .flipped = true});
     drawAt(image, 4, 4, {.point = {1e-300, 0}, .from = {{0, 0}, {1e-300, 1e-300}}});
+}
+
+TEST_F(PictureDrawing, WithoutAContextNothingHappens) {
+    const auto image = load(pngOf(2, 2, redOverBlue).file);
+    image->drawInRect({{0, 0}, {4, 4}}, NSZeroRect, sourceOver, 1.0);
+    image->drawAtPoint({0, 0}, NSZeroRect, NSCompositingOperationCopy, 1.0);
 }
 
 } // namespace

@@ -74,18 +74,6 @@ TEST(LiteralChunks, TheirEndsTellWhichMayBeSome) {
     EXPECT_FALSE(mayBeLiteralChunk(std::span(good).subspan(1)));
 }
 
-/// A zlib stream of literal blocks of `length` bytes each.
-std::vector<Bytes> literalBlocks(const Bytes& bytes, std::size_t length) {
-    std::vector<Bytes> blocks;
-    for (std::size_t from = 0; from < bytes.size(); from += length) {
-        const auto part = std::span<const std::uint8_t>(bytes).subspan(from, length);
-        blocks.push_back(literalBlock(part, from + length == bytes.size()));
-    }
-    blocks.front().insert(blocks.front().begin(), {0x78, 0x01});
-    append(blocks.back(), Inflated{bytes}.checksum());
-    return blocks;
-}
-
 /// How many bytes came at once, turn by turn. Expects all of them.
 std::vector<std::size_t> turnsOf(const std::vector<Bytes>& blocks, const Bytes& bytes) {
     Bytes chunks;

@@ -15,10 +15,9 @@ public:
 
     void addFile(const std::string& path) { std::ofstream(path) << "other bytes"; }
     std::optional<std::string> contents(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return file
-                   ? std::optional<std::string>(std::in_place, std::istreambuf_iterator<char>(file),
-                                                std::istreambuf_iterator<char>())
+        const Bytes bytes = get(path);
+        return std::filesystem::exists(path)
+                   ? std::optional(std::string(bytes.begin(), bytes.end()))
                    : std::nullopt;
     }
 
@@ -45,12 +44,12 @@ private:
     }
 
     std::string add(const Bytes& bytes) {
-        const std::string path = folder_.file("picture.png");
+        const std::string path = folder_ / "picture.png";
         put(path, bytes);
         return path;
     }
 
-    TemporaryFolder folder_;
+    WorkFolder folder_;
     RecordingObserver observer_;
     Pictures pictures_{observer_};
     MediaCoreVideo coreVideo_;

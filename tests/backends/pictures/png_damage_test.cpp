@@ -24,24 +24,15 @@ TEST_F(PngDamage, TruncatedFilesAreRefused) {
     }
 }
 
-TEST_F(PngDamage, AnyWrongBitIsRefusedWhenLoading) {
-    for (const Bytes& file : smallFiles()) {
-        for (std::size_t bit = 0; bit < file.size() * 8; ++bit) {
-            Bytes changed = file;
-            changed[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
-            EXPECT_FALSE(load(changed)) << bit;
-        }
-    }
-}
-
 /// Under right checksums a wrong bit reaches the parsers and the pixels.
-TEST_F(PngDamage, AWrongBitUnderRightChecksumsIsRefusedOrReadLikeLibpng) {
+TEST_F(PngDamage, AWrongBitIsRefusedAndUnderRightChecksumsMayBeReadLikeLibpng) {
     std::size_t refused = 0;
     std::size_t same = 0;
     for (const Bytes& file : smallFiles()) {
         for (std::size_t bit = 0; bit < file.size() * 8; ++bit) {
             Bytes changed = file;
             changed[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
+            EXPECT_FALSE(load(changed)) << bit;
             changed = withRightChecksums(changed);
             const auto image = load(changed);
             if (!image || image->size().width > 4096 || image->size().height > 4096) {
@@ -79,13 +70,13 @@ Bytes withDamagedPixels(Bytes file, std::size_t part = 32) {
 }
 
 TEST_F(PngDamage, DamagedPixelsMarkTheBufferWithFileAndReason) {
-    put(folder_.file("a.png"), withDamagedPixels(randomPng({2, 8, false, false}, 40, 40).file));
-    const auto image = pictures_.imageWithContentsOfFile(folder_.file("a.png"));
+    put(folder_ / "a.png", withDamagedPixels(randomPng({2, 8, false, false}, 40, 40).file));
+    const auto image = pictures_.imageWithContentsOfFile(folder_ / "a.png");
     ASSERT_TRUE(image);
     EXPECT_TRUE(observer_.unread.empty());
     const Drawn drawn = draw(image, 40, 40);
     ASSERT_TRUE(drawn.damage);
-    EXPECT_THAT(drawn.damage->localizedDescription, HasSubstr(folder_.file("a.png")));
+    EXPECT_THAT(drawn.damage->localizedDescription, HasSubstr(folder_ / "a.png"));
     EXPECT_THAT(drawn.damage->localizedDescription, HasSubstr("damaged"));
     EXPECT_FALSE(image->TIFFRepresentation());
 }
@@ -113,15 +104,13 @@ TEST_F(PngDamage, AHugeSizeIsRefusedBeforeMemoryIsTaken) {
                                         {1U, 32769U},
                                         {32768U, 32768U},
                                         {0U, 5U},
-                                        {5U, 0U}}) {
-        put(folder_.file("huge.png"), claiming(width, height));
-        EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_.file("huge.png")));
+                                        {5U, 0U},
+                                        // More pixels than the data can hold.
+                                        {8192U, 8192U}}) {
+        put(folder_ / "huge.png", claiming(width, height));
+        EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_ / "huge.png"));
     }
-    EXPECT_EQ(observer_.unread.size(), 7U);
-}
-
-TEST_F(PngDamage, MorePixelsThanTheDataCanHoldAreRefused) {
-    EXPECT_FALSE(load(claiming(8192, 8192)));
+    EXPECT_EQ(observer_.unread.size(), 8U);
 }
 
 TEST_F(PngDamage, LimitsAreThoseGiven) {

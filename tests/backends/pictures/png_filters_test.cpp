@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <random>
 
 #include "backends/pictures/png_expansion.h"
@@ -13,20 +12,14 @@ namespace {
 
 constexpr std::uint8_t untouched = 0x5A;
 
-Bytes randomBytes(std::mt19937& random, std::size_t length, std::size_t more) {
-    Bytes bytes(length + more);
-    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<std::uint8_t>(random()); });
-    return bytes;
-}
-
 TEST(PngFilters, FastOnesEqualTheReferenceImplementation) {
     std::mt19937 random(1);
     for (int i = 0; i < 20000; ++i) {
         const std::size_t pixelBytes = 1 + random() % 4;
         const std::size_t length = pixelBytes * (1 + random() % 40);
         const auto filter = static_cast<PngFilter>(random() % (lastPngFilter + 1));
-        const Bytes filtered = randomBytes(random, length, filterMargin);
-        const Bytes above = randomBytes(random, length, 0);
+        const Bytes filtered = randomBytes(random, length + filterMargin);
+        const Bytes above = randomBytes(random, length);
         Bytes fast(length + 8, untouched);
         Bytes plain = fast;
         unfilterRow(filter, filtered.data(), above.data(), fast.data(), length, pixelBytes);
@@ -38,8 +31,8 @@ TEST(PngFilters, FastOnesEqualTheReferenceImplementation) {
 
 TEST(PngFilters, UpIsReversed) {
     std::mt19937 random(2);
-    const Bytes above = randomBytes(random, 99, 0);
-    const Bytes row = randomBytes(random, 99, 0);
+    const Bytes above = randomBytes(random, 99);
+    const Bytes row = randomBytes(random, 99);
     Bytes filtered(100 + filterMargin);
     filterRowUp(row.data(), above.data(), filtered.data(), row.size());
     EXPECT_EQ(filtered[0], 2);
@@ -58,7 +51,7 @@ TEST(PngFilters, TheFirstRowIsFilteredAgainstZeros) {
 TEST(PngExpansion, AddingAlphaEqualsTheReferenceImplementation) {
     std::mt19937 random(3);
     for (std::size_t count = 0; count < 60; ++count) {
-        const Bytes colours = randomBytes(random, count * 3, filterMargin);
+        const Bytes colours = randomBytes(random, count * 3 + filterMargin);
         for (const PixelForm form : {PixelForm::ARGB, PixelForm::RGBA}) {
             Bytes fast(count * 4 + 8, untouched);
             Bytes plain = fast;

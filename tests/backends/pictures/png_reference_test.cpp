@@ -25,10 +25,6 @@ struct Tally {
     std::size_t withoutLibpng = 0;
 };
 
-std::uint32_t below(std::mt19937& random, std::uint32_t limit) {
-    return static_cast<std::uint32_t>(random() % limit);
-}
-
 constexpr std::uint8_t untouched = 0xA5;
 constexpr std::size_t gap = 5;
 
@@ -93,12 +89,7 @@ PngForm usualForm(std::mt19937& random) {
                                  {3, 1, false, false}, {3, 2, false, false}, {3, 4, false, false},
                                  {3, 8, false, false}, {4, 8, false, false}, {6, 8, false, false},
                                  {6, 8, false, false}};
-    return forms[below(random, std::uint32_t(std::size(forms)))];
-}
-
-std::size_t rowBytesOf(const PngForm& form, std::uint32_t width) {
-    constexpr std::size_t components[] = {1, 0, 3, 1, 2, 0, 4};
-    return 1 + (components[form.colour] * std::size_t(form.depth) * width + 7) / 8;
+    return forms[below(random, std::size(forms))];
 }
 
 template <typename MakeStream>
@@ -109,7 +100,7 @@ Tally compareStreams(unsigned count, unsigned seed, const MakeStream& make) {
         const PngForm form = usualForm(random);
         const std::uint32_t width = 1 + below(random, random() % 4 == 0 ? 300 : 12);
         const std::uint32_t height = 1 + below(random, 4);
-        const Bytes stream = make(random, rowBytesOf(form, width), height);
+        const Bytes stream = make(random, form.rowBytes(width), height);
         Bytes file = pngAround(form, width, height, {&stream, 1});
         if (below(random, 8) == 0) {
             file = withSplitData(file, 1 + below(random, 40));
@@ -140,7 +131,7 @@ std::vector<Bytes> smallFiles() {
     std::mt19937 random(3);
     for (int i = 0; i < 60; ++i) {
         const PngForm form = usualForm(random);
-        const Bytes stream = randomStream(random, rowBytesOf(form, 9), 3);
+        const Bytes stream = randomStream(random, form.rowBytes(9), 3);
         files.push_back(pngAround(form, 9, 3, {&stream, 1}));
         files.push_back(withSplitData(files.back(), 1 + below(random, 30)));
     }
@@ -152,10 +143,9 @@ TEST(PngReference, FilesWithWrongBitsAreReadAlike) {
     std::mt19937 random(4);
     const std::vector<Bytes> files = smallFiles();
     for (int i = 0; i < 60000; ++i) {
-        Bytes file = files[below(random, std::uint32_t(files.size()))];
+        Bytes file = files[below(random, files.size())];
         for (unsigned flips = 1 + below(random, 3); flips > 0; --flips) {
-            file[below(random, std::uint32_t(file.size()))] ^=
-                static_cast<std::uint8_t>(1U << below(random, 8));
+            file[below(random, file.size())] ^= static_cast<std::uint8_t>(1U << below(random, 8));
         }
         file = below(random, 16) == 0 ? file : withRightChecksums(file);
         EXPECT_TRUE(agree(file, anyForm(random), tally)) << i;
@@ -171,9 +161,9 @@ TEST(PngReference, AnyBytesUnderAnyFilterAreDecodedAlike) {
         const PngForm form = usualForm(random);
         const std::uint32_t width = 1 + below(random, 40);
         const std::uint32_t height = 1 + below(random, 5);
-        Bytes rows(rowBytesOf(form, width) * height);
+        Bytes rows(form.rowBytes(width) * height);
         for (std::size_t at = 0; at < rows.size(); ++at) {
-            const bool isFilter = at % rowBytesOf(form, width) == 0 && below(random, 60) > 0;
+            const bool isFilter = at % form.rowBytes(width) == 0 && below(random, 60) > 0;
             rows[at] = static_cast<std::uint8_t>(below(random, isFilter ? 5 : 256));
         }
         DeflateWriter writer;
@@ -212,9 +202,9 @@ TEST(PngReference, TruncatedFilesAreReadAlike) {
 Bytes randomChunk(std::mt19937& random) {
     constexpr const char* types[] = {"PLTE", "tRNS", "tRNS", "gAMA",
                                      "tEXt", "sBIT", "IDAT", "abCd"};
-    Bytes data(below(random, 10) == 0 ? below(random, 800) : (1 + below(random, 4)) * 3);
-    std::generate(data.begin(), data.end(), [&] { return static_cast<std::uint8_t>(random()); });
-    return chunk(types[below(random, std::uint32_t(std::size(types)))], data);
+    const Bytes data = randomBytes(random, below(random, 10) == 0 ? below(random, 800)
+                                                                  : (1 + below(random, 4)) * 3);
+    return chunk(types[below(random, std::size(types))], data);
 }
 
 TEST(PngReference, FilesOfRandomChunksAreReadAlike) {
@@ -222,10 +212,10 @@ TEST(PngReference, FilesOfRandomChunksAreReadAlike) {
     std::mt19937 random(7);
     const std::vector<Bytes> files = smallFiles();
     for (int i = 0; i < 30000; ++i) {
-        Bytes file = files[below(random, std::uint32_t(files.size()))];
+        Bytes file = files[below(random, files.size())];
         for (unsigned changes = 1 + below(random, 3); changes > 0; --changes) {
             const auto chunks = chunksOf(file);
-            const ChunkPlace& place = chunks[1 + below(random, std::uint32_t((chunks.size() - 1)))];
+            const ChunkPlace& place = chunks[1 + below(random, chunks.size() - 1)];
             const auto start = file.begin() + std::ptrdiff_t(place.offset);
             const auto end = start + std::ptrdiff_t(place.dataLength + 12);
             if (below(random, 8) == 0 && place.type != "IEND") {
@@ -262,7 +252,7 @@ TEST(PngReference, LargePicturesAreDecodedAlike) {
         const PngForm form = usualForm(random);
         const std::uint32_t width = 1 + below(random, i % 10 == 0 ? 30000 : 1500);
         const std::uint32_t height = 1 + 200000 / width;
-        const Bytes stream = zlibStream(random, rowBytesOf(form, width), height);
+        const Bytes stream = zlibStream(random, form.rowBytes(width), height);
         Bytes file = pngAround(form, width, height, {&stream, 1});
         file = i % 2 == 0 ? withSplitData(file, 1000 + below(random, 9000)) : file;
         EXPECT_TRUE(agree(file, anyForm(random), tally, large)) << i;
@@ -275,7 +265,7 @@ TEST(PngReference, LargeNoiseIsDecodedWithoutLibpng) {
     constexpr PictureLimits large{1U << 15, 1U << 24, 1U << 26};
     for (const PngForm& form : {PngForm{2, 8, false, false}, PngForm{6, 8, false, false}}) {
         const Bytes file = randomPng(form, 640, 560).file;
-        ASSERT_GT(file.size(), rowBytesOf(form, 640) * 560);
+        ASSERT_GT(file.size(), form.rowBytes(640) * 560);
         Tally tally;
         EXPECT_TRUE(agree(file, PixelForm::RGB, tally, large)) << form.text();
         EXPECT_EQ(tally.withoutLibpng, 1U) << form.text();
@@ -311,14 +301,14 @@ std::vector<Bytes> literalChunks(std::mt19937& random, std::size_t rowBytes, std
 }
 
 void damage(std::vector<Bytes>& chunks, std::mt19937& random) {
-    const std::size_t index = 1 + below(random, std::uint32_t(chunks.size() - 1));
+    const std::size_t index = 1 + below(random, chunks.size() - 1);
     Bytes& piece = chunks[index];
     switch (below(random, 6)) {
     case 0:
-        piece.resize(below(random, std::uint32_t(piece.size())));
+        piece.resize(below(random, piece.size()));
         break;
     case 1:
-        std::swap(piece, chunks[below(random, std::uint32_t(chunks.size()))]);
+        std::swap(piece, chunks[below(random, chunks.size())]);
         break;
     case 2:
         piece.insert(piece.end(), {0, 0, 0, 0xFF, 0xFF});
@@ -328,12 +318,11 @@ void damage(std::vector<Bytes>& chunks, std::mt19937& random) {
         piece.erase(piece.begin());
         break;
     case 4: // In the block's header, where a bit changes all codes.
-        piece[below(random, std::min(60U, std::uint32_t(piece.size())))] ^=
+        piece[below(random, std::min<std::size_t>(60, piece.size()))] ^=
             static_cast<std::uint8_t>(1U << below(random, 8));
         break;
     default:
-        piece[below(random, std::uint32_t(piece.size()))] ^=
-            static_cast<std::uint8_t>(1U << below(random, 8));
+        piece[below(random, piece.size())] ^= static_cast<std::uint8_t>(1U << below(random, 8));
         break;
     }
 }
@@ -345,7 +334,7 @@ TEST(PngReference, LiteralChunksAreDecodedAlike) {
     for (int i = 0; i < 6000; ++i) {
         const std::uint32_t width = 1 + below(random, 100);
         const std::uint32_t height = 1 + below(random, 12000 / width / 3);
-        std::vector<Bytes> chunks = literalChunks(random, rowBytesOf(form, width), height);
+        std::vector<Bytes> chunks = literalChunks(random, form.rowBytes(width), height);
         for (unsigned count = below(random, 3); count > 0; --count) {
             if (chunks.size() > 1) {
                 damage(chunks, random);
@@ -355,7 +344,7 @@ TEST(PngReference, LiteralChunksAreDecodedAlike) {
         for (const Bytes& data : chunks) {
             append(stream, data);
         }
-        const std::size_t length = rowBytesOf(form, width) * height;
+        const std::size_t length = form.rowBytes(width) * height;
         append(chunks.back(), inflateByZlib(stream, length + 1).checksum());
         const Bytes file = pngAround(form, width, height, chunks);
         EXPECT_TRUE(agree(file, anyForm(random), tally)) << i;

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <random>
 
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/libpng_decoding.h"
 #include "backends/pictures/libpng_encoding.h"
 #include "backends/pictures/png_decoding.h"
@@ -14,41 +14,16 @@
 namespace vistrane::testing {
 namespace {
 
-/// Pixels in memory, in the form that is saved.
-class PixelSource final : public PictureSource {
-public:
-    PixelSource(PictureShape shape, Bytes pixels)
-        : PictureSource(shape, "test"), pixels_(std::move(pixels)) {}
-
-    std::optional<NSError> readPixels(PixelForm, std::uint8_t*, std::ptrdiff_t) const override {
-        return NSError{};
-    }
-    const std::uint8_t* pixelsInMemory(PixelForm form) const override {
-        const auto saved = shape().mayBeTransparent ? PixelForm::RGBA : PixelForm::RGB;
-        return form == saved ? pixels_.data() : nullptr;
-    }
-
-private:
-    Bytes pixels_;
-};
-
 Bytes copyOf(const std::optional<ByteArray>& file) {
     return file ? Bytes(file->bytes().begin(), file->bytes().end()) : Bytes();
 }
 
-std::size_t strideOf(const PictureShape& shape) {
-    return std::size_t{shape.width} * (shape.mayBeTransparent ? 4 : 3);
+Bytes encoded(const PictureShape& shape, const Bytes& pixels) {
+    return copyOf(encodePng(DecodedPicture(shape, "test", *ByteArray::copyOf(pixels))));
 }
 
-Bytes rgbaOf(const PictureShape& shape, const Bytes& pixels) {
-    if (shape.mayBeTransparent) {
-        return pixels;
-    }
-    Bytes rgba;
-    for (std::size_t i = 0; i < pixels.size(); i += 3) {
-        rgba.insert(rgba.end(), {pixels[i], pixels[i + 1], pixels[i + 2], 255});
-    }
-    return rgba;
+std::size_t strideOf(const PictureShape& shape) {
+    return std::size_t{shape.width} * (shape.mayBeTransparent ? 4 : 3);
 }
 
 /// All chunks; those of the pixels are one item without their data.
@@ -67,15 +42,28 @@ std::vector<Bytes> partsOf(const Bytes& file) {
     return parts;
 }
 
+/// Expects both decoders to read the same picture from a file.
+void expectReadBack(const PictureShape& shape, const Bytes& pixels, const Bytes& file) {
+    const auto read = readPngHeader(file, PictureLimits());
+    const auto* header = std::get_if<PngHeader>(&read);
+    ASSERT_NE(header, nullptr);
+    EXPECT_EQ(header->width, shape.width);
+    EXPECT_EQ(header->height, shape.height);
+    const PixelForm form = shape.compactForm();
+    const auto stride = static_cast<std::ptrdiff_t>(strideOf(shape));
+    Bytes ours(pixels.size());
+    EXPECT_TRUE(decodeUsualPng(file, *header, form, ours.data(), stride));
+    EXPECT_EQ(ours, pixels);
+    Bytes theirs(pixels.size());
+    EXPECT_FALSE(decodeByLibpng(file, *header, form, theirs.data(), stride));
+    EXPECT_EQ(theirs, pixels);
+}
+
 void expectSameAsLibpng(const PictureShape& shape, const Bytes& pixels) {
     SCOPED_TRACE(std::to_string(shape.width) + " x " + std::to_string(shape.height));
-    const Bytes ours = copyOf(encodePng(PixelSource(shape, pixels)));
+    const Bytes ours = encoded(shape, pixels);
     const Bytes theirs = copyOf(encodeByLibpng(shape, pixels.data(), strideOf(shape)));
-    const auto read = readByLibpng(ours);
-    ASSERT_TRUE(read);
-    EXPECT_EQ(read->width, shape.width);
-    EXPECT_EQ(read->height, shape.height);
-    EXPECT_EQ(read->rgba, rgbaOf(shape, pixels));
+    expectReadBack(shape, pixels, ours);
     EXPECT_EQ(partsOf(ours), partsOf(theirs));
 }
 
@@ -114,27 +102,11 @@ TEST(PngWriting, PicturesOfManyChunksAreReadBack) {
     for (const auto& [width, height] : sizes) {
         for (int i = 0; i < 3; ++i) {
             const PictureShape shape{width, height, std::nullopt, i == 1};
-            Bytes pixels = randomPixels(shape, random);
-            if (i == 2) {
-                // Nothing that could be compressed.
-                std::generate(pixels.begin(), pixels.end(),
-                              [&] { return static_cast<std::uint8_t>(random()); });
-            }
-            expectSameAsLibpng(shape, pixels);
+            // The third is nothing that could be compressed.
+            expectSameAsLibpng(shape, i < 2 ? randomPixels(shape, random)
+                                            : randomBytes(random, strideOf(shape) * shape.height));
         }
     }
-}
-
-/// A sky over a ground with the noise of a sensor.
-Bytes scene(const PictureShape& shape, std::mt19937& random) {
-    Bytes pixels;
-    for (std::uint32_t y = 0; y < shape.height; ++y) {
-        for (std::uint32_t x = 0; x < shape.width * 3; ++x) {
-            const std::uint32_t light = y < shape.height / 2 ? 120 + y / 8 : 60 + x / 100;
-            pixels.push_back(static_cast<std::uint8_t>(light + random() % 6 + random() % 6));
-        }
-    }
-    return pixels;
 }
 
 /// Slabs of literals and slabs with matches, each after the other.
@@ -161,37 +133,30 @@ TEST(PngWriting, TheWidestPicturesAreReadBack) {
     std::mt19937 random(6);
     for (const bool transparent : {false, true}) {
         const PictureShape shape{PictureLimits().largestSide, 4, std::nullopt, transparent};
-        Bytes pixels(strideOf(shape) * shape.height);
-        std::generate(pixels.begin(), pixels.end(),
-                      [&] { return static_cast<std::uint8_t>(random()); });
-        const Bytes file = copyOf(encodePng(PixelSource(shape, pixels)));
-        const auto read = readPngHeader(file, PictureLimits());
-        const auto* header = std::get_if<PngHeader>(&read);
-        ASSERT_NE(header, nullptr);
-        const auto form = transparent ? PixelForm::RGBA : PixelForm::RGB;
-        const auto stride = static_cast<std::ptrdiff_t>(strideOf(shape));
-        Bytes ours(pixels.size());
-        EXPECT_TRUE(decodeUsualPng(file, *header, form, ours.data(), stride));
-        EXPECT_EQ(ours, pixels);
-        Bytes theirs(pixels.size());
-        EXPECT_FALSE(decodeByLibpng(file, *header, form, theirs.data(), stride));
-        EXPECT_EQ(theirs, pixels);
+        const Bytes pixels = randomBytes(random, strideOf(shape) * shape.height);
+        expectReadBack(shape, pixels, encoded(shape, pixels));
     }
 }
 
+/// A sky over a ground with the noise of a sensor.
 TEST(PngWriting, APhotographIsNoLongerThanByLibpng) {
     std::mt19937 random(3);
     const PictureShape shape{640, 480, std::nullopt, false};
-    const Bytes pixels = scene(shape, random);
-    const Bytes ours = copyOf(encodePng(PixelSource(shape, pixels)));
+    Bytes pixels;
+    for (std::uint32_t y = 0; y < shape.height; ++y) {
+        for (std::uint32_t x = 0; x < shape.width * 3; ++x) {
+            const std::uint32_t light = y < shape.height / 2 ? 120 + y / 8 : 60 + x / 100;
+            pixels.push_back(static_cast<std::uint8_t>(light + random() % 6 + random() % 6));
+        }
+    }
     const Bytes theirs = copyOf(encodeByLibpng(shape, pixels.data(), strideOf(shape)));
-    EXPECT_LE(ours.size(), theirs.size());
+    EXPECT_LE(encoded(shape, pixels).size(), theirs.size());
 }
 
 TEST(PngWriting, OneColourTakesHardlyAnyRoom) {
     const PictureShape shape{1920, 1080, std::nullopt, false};
     const Bytes pixels(strideOf(shape) * shape.height, 0x60);
-    EXPECT_LT(copyOf(encodePng(PixelSource(shape, pixels))).size(), pixels.size() / 100);
+    EXPECT_LT(encoded(shape, pixels).size(), pixels.size() / 100);
 }
 
 } // namespace

@@ -13,14 +13,6 @@ namespace {
 
 constexpr std::array forms = {PixelForm::ARGB, PixelForm::RGBA, PixelForm::RGB};
 
-Bytes randomBytes(std::size_t count, unsigned seed) {
-    std::mt19937 random(seed);
-    Bytes bytes(count);
-    std::generate(bytes.begin(), bytes.end(),
-                  [&] { return static_cast<std::uint8_t>(random() & 0xFF); });
-    return bytes;
-}
-
 std::size_t redOffset(PixelForm form) {
     return form == PixelForm::ARGB ? 1 : 0;
 }
@@ -65,8 +57,9 @@ double average(const Bytes& rows, PixelForm form, std::uint32_t width, std::uint
 }
 
 TEST(Averaging, EveryWayOfAddingRowsGivesTheSame) {
+    std::mt19937 random(1);
     for (std::size_t count = 0; count < 100; ++count) {
-        const Bytes row = randomBytes(count, static_cast<unsigned>(count));
+        const Bytes row = randomBytes(random, count);
         std::vector<std::uint16_t> fast(count + 1, 1000);
         std::vector<std::uint16_t> plain(count + 1, 1000);
         for (const unsigned weight : {0U, 1U, 77U, 178U}) {
@@ -127,8 +120,7 @@ TEST(SmallerPictures, AreTheAverageOfWhatFallsOnEachPixel) {
         const auto height = static_cast<std::uint32_t>(1 + random() % 60);
         const std::size_t newWidth = 1 + random() % width;
         const std::size_t newHeight = 1 + random() % height;
-        const Bytes rows =
-            randomBytes(bytesPerPixel(form) * width * height, static_cast<unsigned>(turn));
+        const Bytes rows = randomBytes(random, bytesPerPixel(form) * width * height);
         const auto pixels = madeSmaller(rows, form, width, height, newWidth, newHeight);
         for (std::size_t i = 0; i < pixels.size(); ++i) {
             for (std::size_t component = 0; component < 3; ++component) {
@@ -154,7 +146,8 @@ TEST(SmallerPictures, OneColourStaysWhatItIs) {
 }
 
 TEST(SmallerPictures, AtTheSameSizeNothingChanges) {
-    const Bytes rows = randomBytes(std::size_t{3} * 20 * 10, 5);
+    std::mt19937 random(5);
+    const Bytes rows = randomBytes(random, std::size_t{3} * 20 * 10);
     const auto pixels = madeSmaller(rows, PixelForm::RGB, 20, 10, 20, 10);
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         EXPECT_EQ(pixels[i],
