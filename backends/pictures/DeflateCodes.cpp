@@ -236,6 +236,8 @@ bool readLengths(BitReader& reader, const LengthCodes& codes, std::span<std::uin
 
 } // namespace
 
+thread_local std::size_t DeflateCodes::timesBuilt_ = 0;
+
 bool DeflateCodes::read(BitReader& reader) {
     const std::size_t literalCount = reader.take(5) + 257;
     const std::size_t distanceCount = reader.take(5) + 1;

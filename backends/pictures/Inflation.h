@@ -44,8 +44,6 @@ public:
     struct Work {
         /// Block headers, parts of blocks, and pairs of chunks.
         std::size_t steps = 0;
-        /// Decoding tables built, see `DeflateCodes`.
-        std::size_t codesBuilt = 0;
         std::size_t chunksVisited = 0;
     };
 
@@ -66,9 +64,7 @@ public:
     std::size_t freshLength() const { return static_cast<std::size_t>(out_ - taken_); }
     void take(std::size_t length) { taken_ += length; }
 
-    Work work() const {
-        return {steps_, ownCodes_.timesBuilt() + pair_.codesBuilt(), chunksVisited_};
-    }
+    Work work() const { return {steps_, chunksVisited_}; }
 
 private:
     enum class Step { BlockHeader, Stored, Codes, Checksum };

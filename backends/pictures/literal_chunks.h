@@ -26,9 +26,6 @@ public:
     std::uint8_t* decode(std::span<const std::uint8_t> first, std::span<const std::uint8_t> second,
                          std::uint8_t* out, std::size_t room);
 
-    /// How many tables were built, for tests that count work.
-    std::size_t codesBuilt() const { return codes_[0].timesBuilt() + codes_[1].timesBuilt(); }
-
 private:
     std::array<DeflateCodes, 2> codes_;
 };

@@ -137,6 +137,7 @@ public:
         std::size_t offset = signature.size();
         while (!ended_) {
             const auto found = chunkAt(file_, offset);
+            ++header_.chunksVisited;
             if (const auto* refusal = std::get_if<PngRefusal>(&found)) {
                 return *refusal;
             }

@@ -44,6 +44,8 @@ struct PngHeader {
     std::size_t imageBytes = 0;
     /// The data length of the longest of them.
     std::size_t longestImageChunk = 0;
+    /// How many chunks were read. For tests that count work.
+    std::size_t chunksVisited = 0;
 
     bool hasAlpha() const {
         return hasTransparencyChunk || colour == PngColour::GreyAlpha ||

@@ -24,13 +24,17 @@ DeflateCode codeOf(std::size_t symbols, Lengths given) {
 }
 
 /// Whether the codes that a stream begins with are accepted.
-bool areAccepted(const Bytes& stream) {
-    Bytes padded = stream;
-    padded.resize(padded.size() + DeflateCodes::longestHeader);
+bool areAccepted(Bytes stream, DeflateCodes& tables) {
+    stream.resize(stream.size() + DeflateCodes::longestHeader);
     BitReader reader;
-    reader.startAt(padded.data() + 2);
+    reader.startAt(stream.data() + 2);
     reader.take(3);
-    return DeflateCodes().read(reader);
+    return tables.read(reader);
+}
+
+bool areAccepted(const Bytes& stream) {
+    DeflateCodes tables;
+    return areAccepted(stream, tables);
 }
 
 TEST(DeflateCodes, CompleteCodesAreAcceptedAndOthersRefused) {
@@ -71,6 +75,41 @@ TEST(DeflateCodes, CompleteCodesAreAcceptedAndOthersRefused) {
         const Bytes stream = writer.finish();
         EXPECT_EQ(areAccepted(stream), one.isValid) << one.name;
         EXPECT_EQ(inflateByZlib(stream, 1).ended, one.isValidForZlib) << one.name;
+    }
+}
+
+/// A block whose code lengths are written with these symbols and their extra bits.
+Bytes blockOfLengths(std::initializer_list<std::pair<std::size_t, std::size_t>> symbols) {
+    DeflateWriter writer;
+    writer.putBits(5, 3);      // the last block, with codes of its own
+    writer.putBits(0, 5 + 5);  // 257 literal and length codes, one distance code
+    writer.putBits(18 - 4, 4); // how many of the following lengths there are
+    const DeflateCode code = codeOf(19, {{0, 2}, {1, 2}, {16, 2}, {18, 2}});
+    for (const std::size_t symbol :
+         {16, 17, 18, 0, 8, 7, 9, 6, 10, 5, 11, 4, 12, 3, 13, 2, 14, 1}) {
+        writer.putBits(code.lengths[symbol], 3);
+    }
+    for (const auto& [symbol, extra] : symbols) {
+        writer.putBits(code.codes[symbol] >> 1, 1);
+        writer.putBits(code.codes[symbol], 1);
+        writer.putBits(extra, symbol == 16 ? 2 : symbol == 18 ? 7 : 0);
+    }
+    writer.putBits(1, 1); // the end of the block
+    return writer.finish();
+}
+
+TEST(DeflateCodes, LengthsAreRepeatedWithinTheCodesOnly) {
+    // 255 symbols without a code, two of one bit, no distance.
+    const Bytes whole = blockOfLengths({{18, 127}, {18, 106}, {1, 0}, {1, 0}, {0, 0}});
+    EXPECT_TRUE(areAccepted(whole));
+    EXPECT_TRUE(inflateByZlib(whole, 1).ended);
+    // The same, but the first three repeat a length that is not there.
+    const Bytes before = blockOfLengths({{16, 0}, {18, 127}, {18, 103}, {1, 0}, {1, 0}, {0, 0}});
+    // The last one is repeated three times where there is one place left.
+    const Bytes beyond = blockOfLengths({{18, 127}, {18, 106}, {1, 0}, {1, 0}, {16, 0}});
+    for (const Bytes& stream : {before, beyond}) {
+        EXPECT_FALSE(areAccepted(stream));
+        EXPECT_FALSE(inflateByZlib(stream, 1).ended);
     }
 }
 
@@ -125,13 +164,8 @@ TEST(DeflateCodes, EverySymbolIsFoundByItsCode) {
         const DeflateCode distances = randomCode(random, 30, 2 + random() % 29, {});
         DeflateWriter writer;
         writer.beginOwn(true, literals, distances);
-        Bytes stream = writer.finish();
-        stream.resize(stream.size() + 8);
-        BitReader reader;
-        reader.startAt(stream.data() + 2);
-        reader.take(3);
         DeflateCodes tables;
-        ASSERT_TRUE(tables.read(reader));
+        ASSERT_TRUE(areAccepted(writer.finish(), tables));
         expectEverySymbol(tables, literals, distances, random);
     }
 }
