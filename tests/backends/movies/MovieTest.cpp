@@ -4,49 +4,13 @@
 
 namespace vistrane {
 
-void RecordingObserver::pictureWasAppended() {
-    const std::lock_guard lock(mutex_);
-    ++appended_;
-}
-
-void RecordingObserver::pictureWasRefused(const NSError& reason) {
-    const std::lock_guard lock(mutex_);
-    refusals_.push_back(reason);
-}
-
-void RecordingObserver::movieIsWhole(const std::string& path) {
-    end(path, std::nullopt);
-}
-
-void RecordingObserver::movieFailed(const std::string& path, const NSError& reason) {
-    end(path, reason);
-}
-
-void RecordingObserver::end(const std::string& path, std::optional<NSError> error) {
-    const std::lock_guard lock(mutex_);
-    outcomes_[path] = std::move(error);
-    changed_.notify_all();
-}
-
-int RecordingObserver::appended() const {
-    const std::lock_guard lock(mutex_);
-    return appended_;
-}
-
-std::vector<NSError> RecordingObserver::refusals() const {
-    const std::lock_guard lock(mutex_);
-    return refusals_;
-}
-
-std::optional<NSError> RecordingObserver::outcome(const std::string& path) {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [&] { return outcomes_.contains(path); });
-    return outcomes_[path];
-}
-
-bool RecordingObserver::hasOutcome(const std::string& path) const {
-    const std::lock_guard lock(mutex_);
-    return outcomes_.contains(path);
+std::vector<std::uint8_t> randomBytes(std::size_t count, std::uint32_t seed) {
+    std::vector<std::uint8_t> bytes(count);
+    for (std::uint8_t& byte : bytes) {
+        seed = seed * 1664525U + 1013904223U;
+        byte = static_cast<std::uint8_t>(seed >> 24);
+    }
+    return bytes;
 }
 
 BufferPointer paint(std::size_t width, std::size_t height,
@@ -70,13 +34,11 @@ BufferPointer plain(std::size_t width, std::size_t height, Rgb color) {
 }
 
 BufferPointer noise(std::size_t width, std::size_t height, int index) {
-    std::uint32_t state = static_cast<std::uint32_t>(index) * 2654435761U + 1;
-    const auto next = [&state] {
-        state = state * 1664525U + 1013904223U;
-        return static_cast<int>(state >> 24);
-    };
-    return paint(width, height, [&](std::size_t, std::size_t) {
-        return Rgb{next(), next(), next()};
+    const auto bytes =
+        randomBytes(3 * width * height, static_cast<std::uint32_t>(index) * 2654435761U + 1);
+    return paint(width, height, [&](std::size_t x, std::size_t y) {
+        const std::size_t at = 3 * (y * width + x);
+        return Rgb{bytes[at], bytes[at + 1], bytes[at + 2]};
     });
 }
 

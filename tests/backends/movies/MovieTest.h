@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -9,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -24,24 +26,40 @@ namespace vistrane {
 /// Records what a writer reports, and lets a test wait for a movie's end. Any thread.
 class RecordingObserver final : public MovieObserver {
 public:
-    void pictureWasAppended() override;
-    void pictureWasRefused(const NSError& reason) override;
-    void movieIsWhole(const std::string& path) override;
-    void movieFailed(const std::string& path, const NSError& reason) override;
+    void pictureWasAppended() override { ++appended_; }
+    void pictureWasRefused(const NSError& reason) override {
+        const std::lock_guard lock(mutex_);
+        refusals_.push_back(reason);
+    }
+    void movieIsWhole(const std::string& path) override { end(path, std::nullopt); }
+    void movieFailed(const std::string& path, const NSError& reason) override { end(path, reason); }
 
-    int appended() const;
-    std::vector<NSError> refusals() const;
-
+    int appended() const { return appended_; }
+    std::vector<NSError> refusals() const {
+        const std::lock_guard lock(mutex_);
+        return refusals_;
+    }
     /// Waits for the movie's end: nothing when it is complete, else the reason.
-    std::optional<NSError> outcome(const std::string& path);
-    bool hasOutcome(const std::string& path) const;
+    std::optional<NSError> outcome(const std::string& path) {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return outcomes_.contains(path); });
+        return outcomes_[path];
+    }
+    bool hasOutcome(const std::string& path) const {
+        const std::lock_guard lock(mutex_);
+        return outcomes_.contains(path);
+    }
 
 private:
-    void end(const std::string& path, std::optional<NSError> error);
+    void end(const std::string& path, std::optional<NSError> error) {
+        const std::lock_guard lock(mutex_);
+        outcomes_[path] = std::move(error);
+        changed_.notify_all();
+    }
 
     mutable std::mutex mutex_;
     std::condition_variable changed_;
-    int appended_ = 0;
+    std::atomic<int> appended_ = 0;
     std::vector<NSError> refusals_;
     std::map<std::string, std::optional<NSError>> outcomes_;
 };
@@ -52,6 +70,9 @@ struct BufferRelease {
 using BufferPointer = std::unique_ptr<PixelBuffer, BufferRelease>;
 
 using Rgb = std::array<int, 3>;
+
+/// The same bytes for the same seed.
+std::vector<std::uint8_t> randomBytes(std::size_t count, std::uint32_t seed);
 
 /// A buffer whose pixels `color(x, y)` gives.
 BufferPointer paint(std::size_t width, std::size_t height,

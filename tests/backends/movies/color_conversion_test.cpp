@@ -5,13 +5,12 @@
 #include <vector>
 
 #include "backends/movies/color_conversion.h"
+#include "tests/backends/movies/MovieTest.h"
 
 namespace vistrane {
 namespace {
 
 struct Planes {
-    std::size_t width;
-    std::size_t height;
     std::vector<std::uint8_t> luma;
     std::vector<std::uint8_t> blue;
     std::vector<std::uint8_t> red;
@@ -20,10 +19,8 @@ struct Planes {
 Planes convert(const std::vector<std::uint8_t>& pixels, std::size_t width, std::size_t height) {
     const std::size_t evenWidth = width + width % 2;
     const std::size_t evenHeight = height + height % 2;
-    Planes planes{evenWidth, evenHeight, {}, {}, {}};
-    planes.luma.resize(evenWidth * evenHeight);
-    planes.blue.resize(evenWidth * evenHeight / 4);
-    planes.red.resize(evenWidth * evenHeight / 4);
+    const std::vector<std::uint8_t> chroma(evenWidth * evenHeight / 4);
+    Planes planes{std::vector<std::uint8_t>(4 * chroma.size()), chroma, chroma};
     convertToPlanar709({pixels.data(), width, height, 4 * width},
                        {planes.luma.data(), planes.blue.data(), planes.red.data(), evenWidth,
                         evenWidth / 2, evenWidth, evenHeight});
@@ -31,25 +28,16 @@ Planes convert(const std::vector<std::uint8_t>& pixels, std::size_t width, std::
 }
 
 std::vector<std::uint8_t> random(std::size_t width, std::size_t height) {
-    std::vector<std::uint8_t> pixels(4 * width * height);
-    std::uint32_t state = 1;
-    for (std::uint8_t& byte : pixels) {
-        state = state * 1664525U + 1013904223U;
-        byte = static_cast<std::uint8_t>(state >> 24);
-    }
-    return pixels;
-}
-
-double exactLuma(double red, double green, double blue) {
-    return 16 + 219.0 / 255 * (0.2126 * red + 0.7152 * green + 0.0722 * blue);
+    return randomBytes(4 * width * height, 1);
 }
 
 TEST(ColorConversion, LumaIsRoundedFromTheExactValue) {
     const auto pixels = random(640, 100);
     const Planes planes = convert(pixels, 640, 100);
     for (std::size_t i = 0; i < planes.luma.size(); ++i) {
-        const double exact = exactLuma(pixels[4 * i + 1], pixels[4 * i + 2], pixels[4 * i + 3]);
-        ASSERT_NEAR(planes.luma[i], exact, 0.51) << i;
+        const double light =
+            0.2126 * pixels[4 * i + 1] + 0.7152 * pixels[4 * i + 2] + 0.0722 * pixels[4 * i + 3];
+        ASSERT_NEAR(planes.luma[i], 16 + 219.0 / 255 * light, 0.51) << i;
     }
 }
 
@@ -80,26 +68,20 @@ TEST(ColorConversion, ChromaIsTheWeightedMeanAroundTheEvenColumn) {
 }
 
 TEST(ColorConversion, EveryGreyHasNoColor) {
-    std::vector<std::uint8_t> pixels;
-    for (int grey = 0; grey < 256; ++grey) {
-        for (int i = 0; i < 4; ++i) {
-            pixels.push_back(static_cast<std::uint8_t>(grey));
-        }
+    std::vector<std::uint8_t> pixels(std::size_t{4} * 256);
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        pixels[i] = static_cast<std::uint8_t>(i / 4);
     }
     const Planes planes = convert(pixels, 1, 256);
     EXPECT_EQ(planes.luma.front(), 16);
     EXPECT_EQ(planes.luma.back(), 235);
-    for (std::size_t i = 0; i < planes.blue.size(); ++i) {
-        EXPECT_EQ(planes.blue[i], 128);
-        EXPECT_EQ(planes.red[i], 128);
-    }
+    EXPECT_THAT(planes.blue, testing::Each(128));
+    EXPECT_THAT(planes.red, testing::Each(128));
 }
 
 TEST(ColorConversion, AnOddPictureRepeatsItsLastColumnAndRow) {
-    const auto pixels = random(3, 5);
-    const Planes planes = convert(pixels, 3, 5);
-    ASSERT_EQ(planes.width, 4U);
-    ASSERT_EQ(planes.height, 6U);
+    const Planes planes = convert(random(3, 5), 3, 5);
+    ASSERT_EQ(planes.luma.size(), 4U * 6U);
     for (std::size_t y = 0; y < 6; ++y) {
         EXPECT_EQ(planes.luma[4 * y + 3], planes.luma[4 * y + 2]);
     }

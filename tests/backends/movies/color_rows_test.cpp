@@ -1,11 +1,10 @@
 #include <cstdint>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "backends/movies/color_rows.h"
+#include "tests/backends/movies/MovieTest.h"
 
 namespace vistrane {
 namespace {
@@ -14,15 +13,6 @@ using testing::ElementsAreArray;
 
 constexpr std::uint8_t untouched = 0xA5;
 constexpr std::size_t margin = 64;
-
-std::vector<std::uint8_t> random(std::size_t count, std::uint32_t seed) {
-    std::vector<std::uint8_t> bytes(count);
-    for (std::uint8_t& byte : bytes) {
-        seed = seed * 1664525U + 1013904223U;
-        byte = static_cast<std::uint8_t>(seed >> 24);
-    }
-    return bytes;
-}
 
 /// What a conversion makes of two rows, with a margin behind them that it must not touch.
 struct Planes {
@@ -61,12 +51,12 @@ TEST(ColorRows, TheFastestConversionUsesAvx2WhereTheProcessorHasIt) {
 TEST(ColorRows, EveryVariantGivesTheSameBytesAtEveryWidthAndWritesNoFurther) {
     for (std::size_t width = 1; width <= 200; ++width) {
         const auto seed = static_cast<std::uint32_t>(width);
-        expectEqual(random(4 * width, seed), random(4 * width, seed + 1000));
+        expectEqual(randomBytes(4 * width, seed), randomBytes(4 * width, seed + 1000));
     }
 }
 
 TEST(ColorRows, EveryVariantGivesTheSameBytesWhereverTheRowLies) {
-    const auto bytes = random(4 * 300, 1);
+    const auto bytes = randomBytes(4 * 300, 1);
     for (std::size_t offset = 0; offset < 40; ++offset) {
         const std::span<const std::uint8_t> from = std::span(bytes).subspan(offset);
         expectEqual(from.first(4 * 99), from.subspan(4 * 100, 4 * 99));
@@ -79,12 +69,10 @@ TEST(ColorRows, EveryVariantGivesTheSameBytesForTheExtremesOfEveryChannel) {
         for (std::size_t channel = 0; channel < 3; ++channel) {
             std::vector<std::uint8_t> row;
             for (int value = 0; value < 256; ++value) {
-                const std::uint8_t rest[] = {static_cast<std::uint8_t>((corner & 1) * 255),
-                                             static_cast<std::uint8_t>((corner >> 1 & 1) * 255),
-                                             static_cast<std::uint8_t>((corner >> 2 & 1) * 255)};
                 row.push_back(static_cast<std::uint8_t>(255 - value));
                 for (std::size_t c = 0; c < 3; ++c) {
-                    row.push_back(c == channel ? static_cast<std::uint8_t>(value) : rest[c]);
+                    const int rest = (corner >> c & 1) * 255;
+                    row.push_back(static_cast<std::uint8_t>(c == channel ? value : rest));
                 }
             }
             expectEqual(row, row);

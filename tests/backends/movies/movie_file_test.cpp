@@ -256,8 +256,7 @@ TEST_F(MovieFileTest, AbandoningAtAnyMomentLeavesACompleteMovieOrNothing) {
             ++appended;
         }
         movie.finish();
-        ++appended;
-        ++appended;
+        appended += 2;
         killer.join();
         const auto outcome = observer.outcome(name);
         EXPECT_EQ(std::filesystem::exists(name), !outcome);

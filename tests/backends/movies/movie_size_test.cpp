@@ -83,14 +83,6 @@ TEST_F(MovieSize, TheLongestSideWorks) {
     expectSize(largestSide, 1);
 }
 
-/// Expects that colour at (x, y) of a decoded frame 160 pixels wide.
-void expectColor(const std::string& frame, std::size_t x, std::size_t y, Rgb expected) {
-    for (std::size_t i = 0; i < 3; ++i) {
-        const int actual = static_cast<unsigned char>(frame[3 * (y * 160 + x) + i]);
-        EXPECT_NEAR(actual, expected[i], 4) << x << ", " << y;
-    }
-}
-
 TEST_F(MovieSize, AFrameOfAnotherShapeIsCentredOnBlack) {
     MovieOptions options;
     options.constantRateFactor = 4;
@@ -98,33 +90,43 @@ TEST_F(MovieSize, AFrameOfAnotherShapeIsCentredOnBlack) {
     OpenMovie movie(fine, path, 160, 120);
     const Rgb orange{220, 120, 40};
     const Rgb black{0, 0, 0};
-    EXPECT_TRUE(movie.append(plain(160, 120, orange), kCMTimeZero));
-    EXPECT_TRUE(movie.append(plain(320, 120, orange), frameTime(1)));
-    EXPECT_TRUE(movie.append(plain(60, 120, orange), frameTime(2)));
-    EXPECT_TRUE(movie.append(plain(1, 1, orange), frameTime(3)));
+    using Points = std::vector<std::pair<std::size_t, std::size_t>>;
+    const struct {
+        Size size;
+        Points inside;
+        Points outside;
+    } frames[] = {
+        {{160, 120}, {{1, 1}, {158, 118}}, {}},
+        // 160 x 60, from row 30 on.
+        {{320, 120}, {{80, 34}, {2, 60}, {80, 85}}, {{80, 0}, {80, 26}, {80, 93}, {80, 119}}},
+        // 60 x 120, from column 50 on.
+        {{60, 120}, {{54, 2}, {80, 2}, {105, 2}}, {{0, 60}, {46, 60}, {113, 60}, {159, 60}}},
+        // 120 x 120, from column 20 on.
+        {{1, 1}, {{80, 60}}, {{8, 60}}},
+    };
+    for (int i = 0; i < std::ssize(frames); ++i) {
+        const auto [width, height] = frames[i].size;
+        EXPECT_TRUE(
+            movie.append(plain(std::size_t(width), std::size_t(height), orange), frameTime(i)));
+    }
     finish(movie);
 
     const std::string rgb = decodeToRgb(path);
-    const std::size_t frame = 3 * 160 * 120;
-    ASSERT_EQ(rgb.size(), 4 * frame);
-    const std::string wide = rgb.substr(frame, frame); // 160 x 60, from row 30 on
-    for (const std::size_t y : {0U, 15U, 26U, 93U, 119U}) {
-        expectColor(wide, 80, y, black);
+    const std::size_t frameBytes = 3 * 160 * 120;
+    ASSERT_EQ(rgb.size(), std::size(frames) * frameBytes);
+    for (std::size_t i = 0; i < std::size(frames); ++i) {
+        const auto expectColor = [&](const Points& points, const Rgb& expected) {
+            for (const auto& [x, y] : points) {
+                for (std::size_t c = 0; c < 3; ++c) {
+                    const char actual = rgb[i * frameBytes + 3 * (y * 160 + x) + c];
+                    EXPECT_NEAR(static_cast<unsigned char>(actual), expected[c], 4)
+                        << x << ' ' << y;
+                }
+            }
+        };
+        expectColor(frames[i].inside, orange);
+        expectColor(frames[i].outside, black);
     }
-    for (const std::size_t y : {34U, 60U, 85U}) {
-        expectColor(wide, 80, y, orange);
-        expectColor(wide, 2, y, orange);
-    }
-    const std::string tall = rgb.substr(2 * frame, frame); // 60 x 120, from column 50 on
-    for (const std::size_t x : {0U, 30U, 46U, 113U, 159U}) {
-        expectColor(tall, x, 60, black);
-    }
-    for (const std::size_t x : {54U, 80U, 105U}) {
-        expectColor(tall, x, 2, orange);
-    }
-    const std::string square = rgb.substr(3 * frame, frame); // 120 x 120, from column 20 on
-    expectColor(square, 80, 60, orange);
-    expectColor(square, 8, 60, black);
 }
 
 } // namespace

@@ -1,69 +1,42 @@
-#include <cmath>
-#include <cstdint>
-#include <functional>
-#include <gtest/gtest.h>
-#include <vector>
-
 #include "backends/movies/PictureFitter.h"
+#include "tests/backends/movies/MovieTest.h"
 
 namespace vistrane {
 namespace {
 
-struct Picture {
-    std::size_t width;
-    std::size_t height;
-    std::vector<std::uint8_t> bytes;
-
-    Picture(std::size_t w, std::size_t h, const std::function<int(std::size_t, std::size_t)>& value)
-        : width(w), height(h), bytes(4 * w * h) {
-        for (std::size_t y = 0; y < h; ++y) {
-            for (std::size_t x = 0; x < w; ++x) {
-                for (std::size_t c = 1; c < 4; ++c) {
-                    bytes[4 * (y * w + x) + c] = static_cast<std::uint8_t>(value(x, y));
-                }
-            }
-        }
-    }
-    PictureView view() const { return {bytes.data(), width, height, 4 * width}; }
-};
+PictureView viewOf(const BufferPointer& picture) {
+    return {picture->bytes(), picture->width(), picture->height(), picture->bytesPerRow()};
+}
 
 int green(const PictureView& picture, std::size_t x, std::size_t y) {
     return picture.bytes[y * picture.stride + 4 * x + 2];
 }
 
-Picture plain(std::size_t width, std::size_t height, int value) {
-    return Picture(width, height, [value](std::size_t, std::size_t) { return value; });
+BufferPointer grey(std::size_t width, std::size_t height, int value) {
+    return plain(width, height, {value, value, value});
 }
 
-TEST(FittedArea, TheSameShapeFillsTheFrame) {
+TEST(FittedArea, KeepsTheShapeInTheMiddleOfTheFrame) {
     EXPECT_EQ(fittedArea(640, 480, 320, 240), (FittedArea{0, 0, 320, 240}));
     EXPECT_EQ(fittedArea(1, 1, 99, 99), (FittedArea{0, 0, 99, 99}));
-}
-
-TEST(FittedArea, AWiderPictureHasBarsAboveAndBelow) {
     EXPECT_EQ(fittedArea(1920, 1080, 640, 480), (FittedArea{0, 60, 640, 360}));
-}
-
-TEST(FittedArea, ATallerPictureHasBarsAtTheSides) {
     EXPECT_EQ(fittedArea(1080, 1920, 640, 480), (FittedArea{185, 0, 270, 480}));
-}
-
-TEST(FittedArea, AHairlineKeepsOnePixel) {
+    // A hairline keeps one pixel.
     EXPECT_EQ(fittedArea(10000, 1, 100, 100), (FittedArea{0, 49, 100, 1}));
     EXPECT_EQ(fittedArea(1, 10000, 100, 100), (FittedArea{49, 0, 1, 100}));
 }
 
 TEST(PictureFitter, APictureOfTheRightSizeIsPassedOnItself) {
-    const Picture picture = plain(8, 6, 7);
+    const auto picture = grey(8, 6, 7);
     PictureFitter fitter(8, 6);
-    EXPECT_EQ(fitter.fit(picture.view()).bytes, picture.bytes.data());
+    EXPECT_EQ(fitter.fit(viewOf(picture)).bytes, picture->bytes());
 }
 
 TEST(PictureFitter, APlainPictureStaysPlainInAnySize) {
     for (const std::size_t side : {1U, 2U, 3U, 7U, 50U, 400U}) {
-        const Picture picture = plain(side, side, 201);
+        const auto picture = grey(side, side, 201);
         PictureFitter fitter(37, 37);
-        const PictureView fitted = fitter.fit(picture.view());
+        const PictureView fitted = fitter.fit(viewOf(picture));
         for (std::size_t y = 0; y < 37; ++y) {
             for (std::size_t x = 0; x < 37; ++x) {
                 ASSERT_EQ(green(fitted, x, y), 201) << side;
@@ -73,29 +46,31 @@ TEST(PictureFitter, APlainPictureStaysPlainInAnySize) {
 }
 
 TEST(PictureFitter, AGradientStaysAGradient) {
-    const auto slope = [](std::size_t x, std::size_t) { return static_cast<int>(x); };
-    const Picture picture(256, 16, slope);
+    const auto picture = paint(256, 16, [](std::size_t x, std::size_t) {
+        return Rgb{0, static_cast<int>(x), 0};
+    });
     PictureFitter fitter(128, 8);
-    const PictureView fitted = fitter.fit(picture.view());
+    const PictureView fitted = fitter.fit(viewOf(picture));
     for (std::size_t x = 4; x < 124; ++x) {
         EXPECT_NEAR(green(fitted, x, 4), 2.0 * static_cast<double>(x) + 0.5, 1.0);
     }
 }
 
 TEST(PictureFitter, FineDetailMergesInsteadOfAliasing) {
-    const auto checks = [](std::size_t x, std::size_t y) { return (x + y) % 2 == 0 ? 255 : 0; };
-    const Picture picture(400, 400, checks);
+    const auto picture = paint(400, 400, [](std::size_t x, std::size_t y) {
+        return Rgb{0, (x + y) % 2 == 0 ? 255 : 0, 0};
+    });
     PictureFitter fitter(100, 100);
-    const PictureView fitted = fitter.fit(picture.view());
+    const PictureView fitted = fitter.fit(viewOf(picture));
     for (std::size_t x = 4; x < 96; ++x) {
         EXPECT_NEAR(green(fitted, x, 50), 127, 3);
     }
 }
 
 TEST(PictureFitter, TheBarsAreBlackAndTheMiddleIsThePicture) {
-    const Picture picture = plain(200, 100, 90);
+    const auto picture = grey(200, 100, 90);
     PictureFitter fitter(100, 100);
-    const PictureView fitted = fitter.fit(picture.view());
+    const PictureView fitted = fitter.fit(viewOf(picture));
     EXPECT_EQ(green(fitted, 50, 24), 0);
     EXPECT_EQ(green(fitted, 50, 25), 90);
     EXPECT_EQ(green(fitted, 50, 74), 90);
@@ -103,11 +78,11 @@ TEST(PictureFitter, TheBarsAreBlackAndTheMiddleIsThePicture) {
 }
 
 TEST(PictureFitter, ANewSizeLeavesNothingOfTheOldOne) {
-    const Picture tall = plain(50, 100, 90);
-    const Picture wide = plain(100, 50, 90);
+    const auto tall = grey(50, 100, 90);
+    const auto wide = grey(100, 50, 90);
     PictureFitter fitter(100, 100);
-    fitter.fit(tall.view());
-    const PictureView fitted = fitter.fit(wide.view());
+    fitter.fit(viewOf(tall));
+    const PictureView fitted = fitter.fit(viewOf(wide));
     EXPECT_EQ(green(fitted, 50, 5), 0);
     EXPECT_EQ(green(fitted, 5, 50), 90);
 }
