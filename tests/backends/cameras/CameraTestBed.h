@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -131,12 +133,15 @@ inline std::optional<Pixmap> pixmapOf(const NSData& data) {
     return pixmap;
 }
 
-/// Collects the outcomes of stills.
+/// Collects the outcomes of stills. The order of those of several is kept in `order` if it is set.
 class RecordingDelegate final : public AVCapturePhotoCaptureDelegate {
 public:
     void captureOutputDidFinishProcessingPhoto(AVCapturePhotoOutput&, const AVCapturePhoto* photo,
                                                const std::optional<NSError>& error) override {
         outcomes.push_back(error ? error->localizedDescription : "");
+        if (order != nullptr) {
+            order->push_back(this);
+        }
         if (photo != nullptr) {
             files.push_back(photo->fileDataRepresentation());
         }
@@ -145,7 +150,16 @@ public:
     /// For each outcome the error's text, empty for a picture.
     std::vector<std::string> outcomes;
     std::vector<std::shared_ptr<NSData>> files;
+    std::vector<const RecordingDelegate*>* order = nullptr;
 };
+
+/// How many entries a folder of /proc/self has: open files, threads.
+inline std::ptrdiff_t countOf(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder),
+                         std::filesystem::directory_iterator());
+}
+constexpr char openFiles[] = "/proc/self/fd";
+constexpr char threads[] = "/proc/self/task";
 
 /// Cameras with a session and an output, set up as in the program.
 struct CameraTestBed {

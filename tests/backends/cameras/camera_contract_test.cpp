@@ -8,16 +8,9 @@ namespace {
 /// The demo camera alone: nothing of the machine is asked.
 class DemoCameraBackend {
 public:
-    Cameras& cameras() { return cameras_; }
-    std::shared_ptr<AVCaptureDevice> camera() {
-        const auto devices = cameras_
-                                 .discoverySessionWithDeviceTypes(
-                                     {AVCaptureDeviceTypeExternalUnknown}, AVMediaTypeVideo,
-                                     AVCaptureDevicePositionUnspecified)
-                                 ->devices();
-        return devices.empty() ? nullptr : devices.front();
-    }
-    bool runUntil(const std::function<bool()>& done) { return dispatch_.runUntil(done); }
+    Cameras& cameras() { return *bed_.cameras; }
+    std::shared_ptr<AVCaptureDevice> camera() { return bed_.device("Demo Camera"); }
+    bool runUntil(const std::function<bool()>& done) { return bed_.dispatch.runUntil(done); }
 
 private:
     static CameraOptions demoOnly() {
@@ -27,9 +20,7 @@ private:
         return options;
     }
 
-    HandDrainedDispatch dispatch_;
-    RecordingObserver observer_{dispatch_};
-    Cameras cameras_{dispatch_, observer_, demoOnly()};
+    CameraTestBed bed_{demoOnly()};
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Media, DiscoveryContract, DemoCameraBackend, contract::Names);

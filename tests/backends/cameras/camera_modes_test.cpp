@@ -36,7 +36,51 @@ constexpr char webcam[] =
     "image/jpeg,width=2592,height=1944,framerate=15/1;"
     "image/jpeg,width=1920,height=1080,framerate=30/1";
 
-TEST_F(CameraModes, PhotoIsTheLargestSizeAtItsBetterRate) {
+TEST_F(CameraModes, PhotoIsTheLargestSizeAndMovingPicturesAreTheLargestAtASmoothRate) {
+    constexpr char rangePhoto[] =
+        "video/x-raw, format=(string){ NV12, I420 }, width=(int)1920, height=(int)1080, "
+        "framerate=(fraction)30/1";
+    const struct {
+        const char* capabilities;
+        const char* photo;
+        const char* moving;
+    } cases[] = {
+        {webcam, "image/jpeg, width=(int)2592, height=(int)1944, framerate=(fraction)15/1",
+         "image/jpeg, width=(int)1920, height=(int)1080, framerate=(fraction)30/1"},
+        // Without a smooth rate the smoothest counts.
+        {"video/x-raw,format=YUY2,width=1280,height=720,framerate=5/1;"
+         "video/x-raw,format=YUY2,width=320,height=240,framerate=10/1",
+         "video/x-raw, format=(string)YUY2, width=(int)1280, height=(int)720, "
+         "framerate=(fraction)5/1",
+         "video/x-raw, format=(string)YUY2, width=(int)320, height=(int)240, "
+         "framerate=(fraction)10/1"},
+        // Of the same size and rate, raw pictures come first.
+        {"image/jpeg,width=640,height=480,framerate=30/1;"
+         "video/x-raw,format=YUY2,width=640,height=480,framerate=30/1",
+         "video/x-raw, format=(string)YUY2, width=(int)640, height=(int)480, "
+         "framerate=(fraction)30/1",
+         "video/x-raw, format=(string)YUY2, width=(int)640, height=(int)480, "
+         "framerate=(fraction)30/1"},
+        // A range gives its largest size and the usual rate, any size a usual one.
+        {"video/x-raw,format=(string){NV12,I420},width=[32,1920,2],height=[32,1080,2],"
+         "framerate=[1/1,120/1]",
+         rangePhoto, rangePhoto},
+        {"video/x-raw,format=(string){NV12,I420},width=[1,2147483647],height=[1,2147483647],"
+         "framerate=[0/1,2147483647/1]",
+         rangePhoto, rangePhoto},
+        // Silence about the modes counts as raw pictures.
+        {"ANY", "video/x-raw", "video/x-raw"},
+        {"video/x-h264,width=1920,height=1080,framerate=30/1", "none",
+         "video/x-h264, width=(int)1920, height=(int)1080, framerate=(fraction)30/1"},
+    };
+    for (const auto& each : cases) {
+        const auto modes = of(each.capabilities);
+        EXPECT_EQ(capsOf(photoMode(modes)), each.photo) << each.capabilities;
+        EXPECT_EQ(capsOf(movingPictureMode(modes)), each.moving) << each.capabilities;
+    }
+}
+
+TEST_F(CameraModes, AModeKnowsItsKindSizeAndRate) {
     const auto modes = of(webcam);
     const CameraMode* mode = photoMode(modes);
     ASSERT_NE(mode, nullptr);
@@ -46,70 +90,23 @@ TEST_F(CameraModes, PhotoIsTheLargestSizeAtItsBetterRate) {
     EXPECT_DOUBLE_EQ(mode->rate, 15.0);
 }
 
-TEST_F(CameraModes, MovingPicturesAreTheLargestAtASmoothRate) {
-    const auto modes = of(webcam);
-    const CameraMode* mode = movingPictureMode(modes);
-    ASSERT_NE(mode, nullptr);
-    EXPECT_EQ(mode->width, 1920);
-    EXPECT_EQ(capsOf(mode), "image/jpeg, width=(int)1920, height=(int)1080, "
-                            "framerate=(fraction)30/1");
-}
-
-TEST_F(CameraModes, WithoutASmoothRateTheSmoothestCounts) {
-    const auto modes = of("video/x-raw,format=YUY2,width=1280,height=720,framerate=5/1;"
-                          "video/x-raw,format=YUY2,width=320,height=240,framerate=10/1");
-    ASSERT_NE(movingPictureMode(modes), nullptr);
-    EXPECT_EQ(movingPictureMode(modes)->width, 320);
-}
-
-TEST_F(CameraModes, RawBeatsJpegOfTheSameSizeAndRate) {
-    const auto modes = of("image/jpeg,width=640,height=480,framerate=30/1;"
-                          "video/x-raw,format=YUY2,width=640,height=480,framerate=30/1");
-    EXPECT_EQ(photoMode(modes)->kind, CameraMode::Kind::raw);
-}
-
-TEST_F(CameraModes, RangesGiveTheLargestSizeAndTheUsualRate) {
-    const auto modes = of("video/x-raw,format=(string){NV12,I420},width=[32,1920,2],"
-                          "height=[32,1080,2],framerate=[1/1,120/1]");
-    EXPECT_EQ(capsOf(photoMode(modes)),
-              "video/x-raw, format=(string){ NV12, I420 }, width=(int)1920, height=(int)1080, "
-              "framerate=(fraction)30/1");
-}
-
-TEST_F(CameraModes, ASourceOfAnySizeIsAskedForAUsualOne) {
-    const auto modes = of("video/x-raw,format=I420,width=[1,2147483647],height=[1,2147483647],"
-                          "framerate=[0/1,2147483647/1]");
-    EXPECT_EQ(photoMode(modes)->width, 1920);
-    EXPECT_EQ(photoMode(modes)->height, 1080);
-}
-
-TEST_F(CameraModes, AnEncodedStreamIsVideoWithoutPhotos) {
-    const auto modes = of("video/x-h264,width=1920,height=1080,framerate=30/1");
-    EXPECT_EQ(photoMode(modes), nullptr);
-    EXPECT_NE(movingPictureMode(modes), nullptr);
-    EXPECT_TRUE(offersMediaType(modes, AVMediaTypeVideo));
-    EXPECT_FALSE(offersMediaType(modes, AVMediaTypeMuxed));
-}
-
-TEST_F(CameraModes, ACamcorderIsMuxedOnly) {
-    for (const char* caps : {"video/mpegts", "video/x-dv,systemstream=true",
-                             "video/mpeg,systemstream=true,mpegversion=2"}) {
-        const auto modes = of(caps);
-        EXPECT_TRUE(offersMediaType(modes, AVMediaTypeMuxed)) << caps;
-        EXPECT_FALSE(offersMediaType(modes, AVMediaTypeVideo)) << caps;
-        EXPECT_EQ(photoMode(modes), nullptr) << caps;
+TEST_F(CameraModes, CamcordersAreMuxedOnlyAndFoundByAQueryForVideoToo) {
+    const auto expectTypes = [](const char* capabilities, bool isVideo, bool isMuxed) {
+        const auto modes = of(capabilities);
+        EXPECT_EQ(offersMediaType(modes, AVMediaTypeVideo), isVideo) << capabilities;
+        EXPECT_EQ(offersMediaType(modes, AVMediaTypeMuxed), isMuxed) << capabilities;
+        EXPECT_TRUE(isFoundBy(AVMediaTypeVideo, modes)) << capabilities;
+        EXPECT_EQ(isFoundBy(AVMediaTypeMuxed, modes), isMuxed) << capabilities;
+        EXPECT_FALSE(isFoundBy(AVMediaTypeAudio, modes)) << capabilities;
+    };
+    for (const char* capabilities : {webcam, "ANY", "video/x-h264,width=1920,height=1080"}) {
+        expectTypes(capabilities, true, false);
     }
-}
-
-TEST_F(CameraModes, AQueryForVideoFindsCamcordersToo) {
-    const auto camcorder = of("video/mpegts");
-    EXPECT_TRUE(isFoundBy(AVMediaTypeVideo, camcorder));
-    EXPECT_TRUE(isFoundBy(AVMediaTypeMuxed, camcorder));
-    EXPECT_FALSE(isFoundBy(AVMediaTypeAudio, camcorder));
-    const auto camera = of(webcam);
-    EXPECT_TRUE(isFoundBy(AVMediaTypeVideo, camera));
-    EXPECT_FALSE(isFoundBy(AVMediaTypeMuxed, camera));
-    EXPECT_FALSE(isFoundBy(AVMediaTypeAudio, camera));
+    for (const char* capabilities : {"video/mpegts", "video/x-dv,systemstream=true",
+                                     "video/mpeg,systemstream=true,mpegversion=2"}) {
+        expectTypes(capabilities, false, true);
+        EXPECT_EQ(photoMode(of(capabilities)), nullptr) << capabilities;
+    }
     EXPECT_FALSE(isFoundBy(AVMediaTypeVideo, {}));
 }
 
@@ -138,13 +135,6 @@ TEST_F(CameraDevices, WithAnEncodedStreamOnlyThereAreNoPhotos) {
 TEST_F(CameraModes, NothingDecodableIsNoMode) {
     EXPECT_TRUE(of("video/x-bayer,format=bggr,width=640,height=480").empty());
     EXPECT_TRUE(of("video/x-raw(memory:DMABuf),format=NV12,width=640,height=480").empty());
-}
-
-TEST_F(CameraModes, SilenceAboutTheModesCountsAsRawPictures) {
-    const auto modes = of("ANY");
-    ASSERT_NE(photoMode(modes), nullptr);
-    EXPECT_EQ(capsOf(photoMode(modes)), "video/x-raw");
-    EXPECT_TRUE(offersMediaType(modes, AVMediaTypeVideo));
 }
 
 } // namespace
