@@ -5,7 +5,7 @@
 #include <string>
 
 #include "backends/posix/PosixFileManager.h"
-#include "tests/backends/posix/TemporaryFolder.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
 
@@ -17,7 +17,7 @@ struct PosixFileManagerBackend {
     void addFolder(const std::string& path) { std::filesystem::create_directory(path); }
 
     PosixFileManager manager;
-    TemporaryFolder folder;
+    WorkFolder folder;
 };
 
 } // namespace vistrane

@@ -21,13 +21,15 @@ using ::testing::UnorderedElementsAreArray;
 
 using Implementation = std::optional<FileNames> (*)(int folder);
 
+std::optional<FileNames> names(Implementation implementation, const std::string& path) {
+    const Descriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    return implementation(opened.number());
+}
+
 /// The fast implementation and the reference.
 class EntryNames : public ::testing::TestWithParam<Implementation> {
 protected:
-    std::optional<FileNames> namesIn(const std::string& path) {
-        const Descriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-        return GetParam()(opened.number());
-    }
+    std::optional<FileNames> namesIn(const std::string& path) { return names(GetParam(), path); }
 
     PosixFileManagerBackend backend_;
     const std::string folder_ = backend_.emptyFolder();
@@ -86,10 +88,8 @@ TEST(EntryNamesOfAnyFolder, BothImplementationsGiveTheSameNamesInTheSameOrder) {
             }
             backend.addFile(folder + "/x" + name);
         }
-        const Descriptor first(::open(folder.c_str(), O_RDONLY | O_CLOEXEC));
-        const Descriptor second(::open(folder.c_str(), O_RDONLY | O_CLOEXEC));
-        const auto one = entryNames(first.number());
-        const auto other = entryNamesByReaddir(second.number());
+        const auto one = names(&entryNames, folder);
+        const auto other = names(&entryNamesByReaddir, folder);
         ASSERT_TRUE(one && other);
         EXPECT_GE(one->size(), 40U);
         ASSERT_TRUE(*one == *other) << "round " << round;

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "tests/backends/posix/TemporaryFolder.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
 namespace {
@@ -28,7 +28,7 @@ TEST(LaunchProgram, ReportsTheExitStatus) {
 }
 
 TEST(LaunchProgram, PassesArgumentsUnchanged) {
-    const TemporaryFolder folder;
+    const WorkFolder folder;
     const std::string argument = "a b'\"\n\xff$HOME";
     EXPECT_EQ(statusOf({"sh", "-c", "printf %s \"$1\" > \"$2\"", "sh", argument, folder / "out"}),
               0);

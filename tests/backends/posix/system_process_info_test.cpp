@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
 
-#include "tests/backends/posix/TemporaryFolder.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
 namespace {
@@ -23,24 +23,26 @@ protected:
         return std::string(names.sysname) + " " + names.release;
     }
 
-    const TemporaryFolder folder_;
+    const WorkFolder folder_;
 };
 
-TEST_F(ProcessInfo, IsTheDistributionsNameAndVersion) {
-    EXPECT_EQ(versionOf("NAME=\"Debian GNU/Linux\"\n"
-                        "PRETTY_NAME=\"Debian GNU/Linux 12 (bookworm)\"\nID=debian\n"),
-              "Debian GNU/Linux 12 (bookworm)");
-}
-
-TEST_F(ProcessInfo, QuotesAndEscapesAreReadAsAShellDoes) {
-    EXPECT_EQ(versionOf("PRETTY_NAME=Plain\n"), "Plain");
-    EXPECT_EQ(versionOf("PRETTY_NAME=\"Système 1\""), "Système 1"); // Without a line end.
-    EXPECT_EQ(versionOf("PRETTY_NAME='Single \\ \"quotes\"'\n"), "Single \\ \"quotes\"");
-    EXPECT_EQ(versionOf("PRETTY_NAME=\"A \\\"good\\\" one \\$ 'x'\"\n"), "A \"good\" one $ 'x'");
-}
-
-TEST_F(ProcessInfo, OtherKeysWithTheSameEndDoNotCount) {
-    EXPECT_EQ(versionOf("# PRETTY_NAME=a\nMY_PRETTY_NAME=b\nPRETTY_NAME=c\n"), "c");
+TEST_F(ProcessInfo, IsTheDistributionsNameReadAsAShellDoes) {
+    const struct {
+        const char* release;
+        const char* version;
+    } cases[] = {
+        {"NAME=\"Debian GNU/Linux\"\nPRETTY_NAME=\"Debian GNU/Linux 12 (bookworm)\"\nID=debian\n",
+         "Debian GNU/Linux 12 (bookworm)"},
+        {"PRETTY_NAME=Plain\n", "Plain"},
+        {"PRETTY_NAME=\"Système 1\"", "Système 1"}, // without a line end
+        {"PRETTY_NAME='Single \\ \"quotes\"'\n", "Single \\ \"quotes\""},
+        {"PRETTY_NAME=\"A \\\"good\\\" one \\$ 'x'\"\n", "A \"good\" one $ 'x'"},
+        // Other keys with the same end do not count.
+        {"# PRETTY_NAME=a\nMY_PRETTY_NAME=b\nPRETTY_NAME=c\n", "c"},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(versionOf(each.release), each.version);
+    }
 }
 
 TEST_F(ProcessInfo, WithoutANameItIsTheKernels) {
