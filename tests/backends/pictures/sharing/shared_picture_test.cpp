@@ -18,6 +18,12 @@ protected:
     std::shared_ptr<const PictureSource> load() {
         return std::make_shared<SharedPicture>(decoding_);
     }
+    /// A picture of a view that has said its size.
+    std::shared_ptr<const PictureSource> loadForView() {
+        auto viewed = load();
+        viewed->expectSmaller(11, 7);
+        return viewed;
+    }
 
     /// Decodes as for a movie.
     static std::optional<NSError> decode(const PictureSource& picture) {
@@ -55,8 +61,7 @@ protected:
             }
         };
         const auto written = load();
-        const auto viewed = load();
-        viewed->expectSmaller(11, 7);
+        const auto viewed = loadForView();
         std::thread writer([&] {
             try {
                 decode(*written);
@@ -78,29 +83,23 @@ protected:
 };
 
 TEST_F(SharedPictures, AViewAloneDecodesByItself) {
-    const auto viewed = load();
-    viewed->expectSmaller(11, 7);
+    const auto viewed = loadForView();
     EXPECT_EQ(view(*viewed), picture_->smaller(11, 7));
     EXPECT_EQ(picture_->decoded, 1);
 }
 
-TEST_F(SharedPictures, AViewGetsWhatWasDecodedForAnother) {
-    const auto written = load();
-    const auto viewed = load();
-    viewed->expectSmaller(11, 7);
-    EXPECT_FALSE(decode(*written));
-    EXPECT_EQ(view(*viewed), picture_->smaller(11, 7));
-    EXPECT_EQ(picture_->decoded, 1);
-}
-
-TEST_F(SharedPictures, AViewGetsItAlsoWhenTheOtherHasGone) {
-    auto written = load();
-    const auto viewed = load();
-    viewed->expectSmaller(11, 7);
-    decode(*written);
-    written.reset();
-    EXPECT_EQ(view(*viewed), picture_->smaller(11, 7));
-    EXPECT_EQ(picture_->decoded, 1);
+TEST_F(SharedPictures, AViewGetsWhatWasDecodedForAnotherAlsoWhenThatIsGone) {
+    for (const bool isGone : {false, true}) {
+        picture_->decoded = 0;
+        auto written = load();
+        const auto viewed = loadForView();
+        EXPECT_FALSE(decode(*written));
+        if (isGone) {
+            written.reset();
+        }
+        EXPECT_EQ(view(*viewed), picture_->smaller(11, 7));
+        EXPECT_EQ(picture_->decoded, 1);
+    }
 }
 
 TEST_F(SharedPictures, AViewThatComesWhileAnotherDecodesWaitsForIt) {
@@ -135,8 +134,7 @@ TEST_F(SharedPictures, AViewDecodesByItselfWhenAnotherNeverDoes) {
 
 TEST_F(SharedPictures, AnotherSizeThanWasExpectedIsDecodedAgain) {
     const auto written = load();
-    const auto viewed = load();
-    viewed->expectSmaller(11, 7);
+    const auto viewed = loadForView();
     decode(*written);
     EXPECT_EQ(view(*viewed, 20, 15), picture_->smaller(20, 15));
     EXPECT_EQ(picture_->decoded, 2);
@@ -144,8 +142,7 @@ TEST_F(SharedPictures, AnotherSizeThanWasExpectedIsDecodedAgain) {
 
 TEST_F(SharedPictures, WhatAViewHasGotIsNotKept) {
     const auto written = load();
-    const auto viewed = load();
-    viewed->expectSmaller(11, 7);
+    const auto viewed = loadForView();
     decode(*written);
     view(*viewed);
     EXPECT_EQ(view(*viewed), picture_->smaller(11, 7));
@@ -156,8 +153,7 @@ TEST_F(SharedPictures, ADamagedPictureIsDamagedForEach) {
     picture_ = std::make_shared<CountedPicture>(true);
     decoding_ = std::make_shared<SharedDecoding>(picture_);
     const auto written = load();
-    const auto viewed = load();
-    viewed->expectSmaller(11, 7);
+    const auto viewed = loadForView();
     EXPECT_TRUE(decode(*written));
     EXPECT_FALSE(view(*viewed));
 }
@@ -167,8 +163,7 @@ TEST_F(SharedPictures, ALackOfMemoryForTheViewIsTheViewsAlone) {
     int failures = 0;
     for (bool hasFailed = true; hasFailed; ++failures) {
         const auto written = load();
-        const auto viewed = load();
-        viewed->expectSmaller(11, 7);
+        const auto viewed = loadForView();
         std::optional<FailingAllocation> failing;
         picture_->whileDecoding = [&] { failing.emplace(failures); };
         EXPECT_FALSE(decode(*written)) << failures;
