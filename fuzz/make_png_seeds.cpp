@@ -49,10 +49,7 @@ Bytes literalsPng() {
     constexpr std::size_t rowsAtOnce = 10;
     constexpr std::uint32_t height = 5 * rowsAtOnce;
     std::mt19937 random(1);
-    Bytes pixels(rowBytes * height);
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        pixels[i] = static_cast<std::uint8_t>(i % rowBytes == 0 ? random() % 5 : random() % 200);
-    }
+    const Bytes pixels = randomRows(random, rowBytes, rowBytes * height, 200);
     return pngAround({2, 8, false, false}, width, height,
                      literalBlocks(pixels, rowBytes * rowsAtOnce));
 }

@@ -74,6 +74,12 @@ using Rgb = std::array<int, 3>;
 /// The same bytes for the same seed.
 std::vector<std::uint8_t> randomBytes(std::size_t count, std::uint32_t seed);
 
+/// A test's parameter, and what the test is called after it: "2x3".
+using TwoNumbers = std::pair<int, int>;
+inline std::string nameOf(const testing::TestParamInfo<TwoNumbers>& info) {
+    return std::to_string(info.param.first) + "x" + std::to_string(info.param.second);
+}
+
 /// A buffer whose pixels `color(x, y)` gives.
 BufferPointer paint(std::size_t width, std::size_t height,
                     const std::function<Rgb(std::size_t x, std::size_t y)>& color);

@@ -48,18 +48,12 @@ TEST(ColorRows, TheFastestConversionUsesAvx2WhereTheProcessorHasIt) {
 }
 #endif
 
-TEST(ColorRows, EveryVariantGivesTheSameBytesAtEveryWidthAndWritesNoFurther) {
+TEST(ColorRows, EveryVariantGivesTheSameBytesAtEveryWidthAndPlaceAndWritesNoFurther) {
     for (std::size_t width = 1; width <= 200; ++width) {
-        const auto seed = static_cast<std::uint32_t>(width);
-        expectEqual(randomBytes(4 * width, seed), randomBytes(4 * width, seed + 1000));
-    }
-}
-
-TEST(ColorRows, EveryVariantGivesTheSameBytesWhereverTheRowLies) {
-    const auto bytes = randomBytes(4 * 300, 1);
-    for (std::size_t offset = 0; offset < 40; ++offset) {
+        const std::size_t offset = width % 40;
+        const auto bytes = randomBytes(offset + 8 * width, static_cast<std::uint32_t>(width));
         const std::span<const std::uint8_t> from = std::span(bytes).subspan(offset);
-        expectEqual(from.first(4 * 99), from.subspan(4 * 100, 4 * 99));
+        expectEqual(from.first(4 * width), from.subspan(4 * width));
     }
 }
 

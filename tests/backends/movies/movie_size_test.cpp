@@ -20,12 +20,7 @@ protected:
     }
 };
 
-struct Size {
-    int width;
-    int height;
-};
-
-class MovieSizeOf : public MovieSize, public testing::WithParamInterface<Size> {};
+class MovieSizeOf : public MovieSize, public testing::WithParamInterface<TwoNumbers> {};
 
 TEST_P(MovieSizeOf, EveryReaderFindsTheExactSize) {
     const auto [width, height] = GetParam();
@@ -43,12 +38,10 @@ TEST_P(MovieSizeOf, EveryReaderFindsTheExactSize) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, MovieSizeOf,
-                         testing::Values(Size{1, 1}, Size{2, 2}, Size{3, 5}, Size{17, 16},
-                                         Size{16, 17}, Size{641, 479}, Size{640, 480}),
-                         [](const auto& made) {
-                             return std::to_string(made.param.width) + "x" +
-                                    std::to_string(made.param.height);
-                         });
+                         testing::Values(TwoNumbers{1, 1}, TwoNumbers{2, 2}, TwoNumbers{3, 5},
+                                         TwoNumbers{17, 16}, TwoNumbers{16, 17},
+                                         TwoNumbers{641, 479}, TwoNumbers{640, 480}),
+                         nameOf);
 
 TEST_F(MovieSize, AMovieWithoutASizeTakesThatOfItsFirstPicture) {
     OpenMovie movie = open(0, 0);
@@ -92,7 +85,7 @@ TEST_F(MovieSize, AFrameOfAnotherShapeIsCentredOnBlack) {
     const Rgb black{0, 0, 0};
     using Points = std::vector<std::pair<std::size_t, std::size_t>>;
     const struct {
-        Size size;
+        TwoNumbers size;
         Points inside;
         Points outside;
     } frames[] = {

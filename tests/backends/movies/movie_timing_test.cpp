@@ -36,12 +36,8 @@ protected:
     }
 };
 
-struct FramesAtRate {
-    int frames;
-    int rate;
-};
-
-class MovieTimingOf : public MovieTiming, public testing::WithParamInterface<FramesAtRate> {};
+/// Frames, and their rate.
+class MovieTimingOf : public MovieTiming, public testing::WithParamInterface<TwoNumbers> {};
 
 TEST_P(MovieTimingOf, FramesThatFollowOneAnotherWithoutGapOrOverlap) {
     const auto [frames, rate] = GetParam();
@@ -53,14 +49,10 @@ TEST_P(MovieTimingOf, FramesThatFollowOneAnotherWithoutGapOrOverlap) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Rates, MovieTimingOf,
-                         testing::Values(FramesAtRate{2, 25}, FramesAtRate{3, 10},
-                                         FramesAtRate{6, 25}, FramesAtRate{40, 1},
-                                         FramesAtRate{40, 24}, FramesAtRate{40, 25},
-                                         FramesAtRate{40, 30}, FramesAtRate{40, 60}),
-                         [](const auto& made) {
-                             return std::to_string(made.param.frames) + "At" +
-                                    std::to_string(made.param.rate);
-                         });
+                         testing::Values(TwoNumbers{2, 25}, TwoNumbers{3, 10}, TwoNumbers{6, 25},
+                                         TwoNumbers{40, 1}, TwoNumbers{40, 24}, TwoNumbers{40, 25},
+                                         TwoNumbers{40, 30}, TwoNumbers{40, 60}),
+                         nameOf);
 
 TEST_F(MovieTiming, ReorderedPicturesAreDecodedInPresentationOrder) {
     make(40, 25, 96, 64);

@@ -218,14 +218,6 @@ namespace {
 /// The filters that a row can have, so that rows can begin in every block.
 const std::vector<std::size_t> neededSymbols = {endOfBlock, 0, 1, 2, 3, 4};
 
-Bytes randomRows(std::mt19937& random, std::size_t rowBytes, std::size_t length) {
-    Bytes rows(length);
-    for (std::size_t i = 0; i < length; ++i) {
-        rows[i] = static_cast<std::uint8_t>(i % rowBytes == 0 ? below(random, 5) : random());
-    }
-    return rows;
-}
-
 /// None, one of a single bit, or a complete code.
 DeflateCode randomDistances(std::mt19937& random) {
     const std::size_t symbols = 1 + below(random, 30);
@@ -334,6 +326,15 @@ void damage(std::mt19937& random, Bytes& stream) {
 
 } // namespace
 
+Bytes randomRows(std::mt19937& random, std::size_t rowBytes, std::size_t length,
+                 std::size_t different) {
+    Bytes rows(length);
+    for (std::size_t i = 0; i < length; ++i) {
+        rows[i] = static_cast<std::uint8_t>(below(random, i % rowBytes == 0 ? 5 : different));
+    }
+    return rows;
+}
+
 Bytes randomStream(std::mt19937& random, std::size_t rowBytes, std::size_t rows) {
     DeflateWriter writer;
     const std::size_t blocks = 1 + below(random, 3);
@@ -360,11 +361,7 @@ Bytes randomStream(std::mt19937& random, std::size_t rowBytes, std::size_t rows)
 }
 
 Bytes zlibStream(std::mt19937& random, std::size_t rowBytes, std::size_t rows) {
-    Bytes raw(rowBytes * rows);
-    const std::size_t different = std::size_t{1} << below(random, 9);
-    for (std::size_t i = 0; i < raw.size(); ++i) {
-        raw[i] = static_cast<std::uint8_t>(below(random, i % rowBytes == 0 ? 5 : different));
-    }
+    Bytes raw = randomRows(random, rowBytes, rowBytes * rows, std::size_t{1} << below(random, 9));
     const std::size_t wrong = below(random, 16);
     if (wrong < 2) {
         const std::size_t some = below(random, 40);

@@ -68,6 +68,10 @@ private:
 DeflateCode randomCode(std::mt19937& random, std::size_t symbols, std::size_t count,
                        const std::vector<std::size_t>& needed, unsigned longest = 15);
 
+/// Random bytes of so many different values, of which the first of each row is a valid filter.
+Bytes randomRows(std::mt19937& random, std::size_t rowBytes, std::size_t length,
+                 std::size_t different = 256);
+
 /// A zlib stream of random blocks of all kinds: literals and matches in codes of up to 15 bits. It
 /// yields `rows` times `rowBytes` bytes, of which the first of each row is a valid filter. One in
 /// four is then damaged, of these half with the right checksum of what zlib makes of them.

@@ -92,34 +92,23 @@ std::uint8_t toEightBits(unsigned value, int depth) {
 }
 
 void addPixel(const Values& picture, const std::uint16_t* value, Bytes& rgba) {
-    const auto eight = [&](int i) { return toEightBits(value[i], picture.form.depth); };
-    const bool keyed = picture.form.transparency;
-    switch (picture.form.colour) {
-    case 0:
-        rgba.insert(rgba.end(), 3, eight(0));
-        rgba.push_back(keyed && value[0] == picture.key.gray ? 0 : 255);
-        break;
-    case 2:
-        rgba.insert(rgba.end(), {eight(0), eight(1), eight(2)});
-        rgba.push_back(keyed && value[0] == picture.key.red && value[1] == picture.key.green &&
-                               value[2] == picture.key.blue
-                           ? 0
-                           : 255);
-        break;
-    case 3: {
+    const PngForm& form = picture.form;
+    if (form.colour == 3) {
         const png_color& colour = picture.palette[value[0]];
         const bool listed = value[0] < picture.paletteAlpha.size();
         rgba.insert(rgba.end(), {colour.red, colour.green, colour.blue,
                                  listed ? picture.paletteAlpha[value[0]] : std::uint8_t{255}});
-        break;
+        return;
     }
-    case 4:
-        rgba.insert(rgba.end(), 3, eight(0));
-        rgba.push_back(eight(1));
-        break;
-    default:
-        rgba.insert(rgba.end(), {eight(0), eight(1), eight(2), eight(3)});
+    const bool isGrey = form.components() < 3;
+    const bool isKey = value[0] == picture.key.red &&
+                       (isGrey || (value[1] == picture.key.green && value[2] == picture.key.blue));
+    for (const int i : {0, isGrey ? 0 : 1, isGrey ? 0 : 2}) {
+        rgba.push_back(toEightBits(value[i], form.depth));
     }
+    const bool hasAlpha = form.components() % 2 == 0;
+    rgba.push_back(hasAlpha ? toEightBits(value[form.components() - 1], form.depth)
+                            : std::uint8_t(form.transparency && isKey ? 0 : 255));
 }
 
 PngSample sampleOf(const Values& picture) {
@@ -355,6 +344,15 @@ Bytes withSplitData(const Bytes& file, std::size_t length) {
         }
     }
     return result;
+}
+
+Bytes withDamagedPixels(Bytes file, std::size_t fromEnd) {
+    for (const ChunkPlace& place : chunksOf(file)) {
+        if (place.type == "IDAT") {
+            file[place.offset + 8 + place.dataLength - fromEnd] ^= 0xFF;
+        }
+    }
+    return withRightChecksums(file);
 }
 
 Bytes withRightChecksums(Bytes file) {

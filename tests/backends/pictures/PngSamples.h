@@ -78,6 +78,9 @@ Bytes withDensity(const Bytes& file, std::uint32_t x, std::uint32_t y, std::uint
 Bytes withSplitData(const Bytes& file, std::size_t length);
 /// The file with the right checksums, up to the first byte that is no chunk.
 Bytes withRightChecksums(Bytes file);
+/// The file with a wrong byte in the data of its IDAT chunk, that many before the end, under right
+/// checksums. The last four are the checksum of the pixel stream.
+Bytes withDamagedPixels(Bytes file, std::size_t fromEnd);
 
 /// A file as a plain use of libpng reads it: RGBA, 16 bits scaled to 8. Nothing when it
 /// refuses the file, or when a side is longer than 4096.

@@ -99,7 +99,7 @@ TEST_F(ColourProfile, ABrokenOrUnfitOneIsIgnored) {
     const Bytes expected = overBlack(sample.rgba);
     Bytes broken = linearRgb();
     broken.resize(broken.size() / 2);
-    const std::vector<Bytes> files = {
+    std::vector<Bytes> files = {
         withProfile(sample.file, Bytes(500, 'x')),
         withProfile(sample.file, broken),
         withProfile(sample.file, linearRgb(), false),
@@ -107,12 +107,10 @@ TEST_F(ColourProfile, ABrokenOrUnfitOneIsIgnored) {
         withProfile(sample.file, saved(cmsCreateLab4Profile(nullptr))),
         withProfile(sample.file, Bytes{}),
         withProfile(sample.file, Bytes(std::size_t{9} << 20, 'x')),
-        withChunkBefore(sample.file, "IDAT", chunk("iCCP", Bytes{})),
-        withChunkBefore(sample.file, "IDAT", chunk("iCCP", Bytes{'a'})),
-        withChunkBefore(sample.file, "IDAT", chunk("iCCP", Bytes{'a', 0})),
-        withChunkBefore(sample.file, "IDAT", chunk("iCCP", Bytes{'a', 0, 0})),
-        withChunkBefore(sample.file, "IDAT", chunk("iCCP", Bytes(100, 'a'))),
     };
+    for (const Bytes& data : {Bytes{}, {'a'}, {'a', 0}, {'a', 0, 0}, Bytes(100, 'a')}) {
+        files.push_back(withChunkBefore(sample.file, "IDAT", chunk("iCCP", data)));
+    }
     for (const Bytes& file : files) {
         const auto image = load(file);
         ASSERT_TRUE(image);

@@ -60,12 +60,5 @@ TEST_F(Density, ItSurvivesSaving) {
     EXPECT_EQ(pictures_.imageWithData(encode(image))->size(), image->size());
 }
 
-TEST_F(Density, NoneIsInventedWhenSaving) {
-    const Bytes saved = bytesOf(encode(load(grey(64, 32))));
-    for (const ChunkPlace& place : chunksOf(saved)) {
-        EXPECT_NE(place.type, "pHYs");
-    }
-}
-
 } // namespace
 } // namespace vistrane::testing

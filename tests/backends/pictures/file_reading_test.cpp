@@ -10,6 +10,7 @@ namespace vistrane::testing {
 namespace {
 
 using PictureFiles = PicturesTest;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 const SharedDecoding& sharedOf(const std::shared_ptr<NSImage>& image) {
@@ -31,19 +32,21 @@ TEST_F(PictureFiles, NeitherTheNameNorALinkMatters) {
     EXPECT_TRUE(observer_.unread.empty());
 }
 
-TEST_F(PictureFiles, AnotherContentUnderThatNameIsRefused) {
-    put(folder_ / "a.png", {0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 1});
-    EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_ / "a.png"));
-    ASSERT_EQ(observer_.unread.size(), 1U);
-    EXPECT_EQ(observer_.unread[0].first, folder_ / "a.png");
-    EXPECT_THAT(observer_.unread[0].second.localizedDescription, HasSubstr("not a PNG file"));
-    EXPECT_THAT(observer_.unread[0].second.localizedDescription, HasSubstr(folder_ / "a.png"));
-}
-
-TEST_F(PictureFiles, AnEmptyFileIsRefused) {
-    put(folder_ / "a.png", {});
-    EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_ / "a.png"));
-    EXPECT_THAT(observer_.unread.at(0).second.localizedDescription, HasSubstr("empty"));
+TEST_F(PictureFiles, AnotherContentIsRefusedWithPathAndReason) {
+    put(folder_ / "jpeg.png", {0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 1});
+    put(folder_ / "empty.png", {});
+    put(folder_ / "large.png", someFile());
+    // No disk space is taken by what was never written.
+    ASSERT_EQ(::truncate((folder_ / "large.png").c_str(), off_t{1} << 40), 0);
+    for (const auto& [name, reason] : {std::pair{"jpeg.png", "not a PNG file"},
+                                       {"empty.png", "empty"},
+                                       {"large.png", "too large"}}) {
+        EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_ / name));
+        const auto& [path, error] = observer_.unread.back();
+        EXPECT_EQ(path, folder_ / name);
+        EXPECT_THAT(error.localizedDescription, AllOf(HasSubstr(path), HasSubstr(reason)));
+    }
+    EXPECT_EQ(observer_.unread.size(), 3U);
 }
 
 TEST_F(PictureFiles, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
@@ -89,15 +92,6 @@ TEST_F(PictureFiles, AFileThatMayNotBeReadIsReported) {
     }
     EXPECT_FALSE(pictures_.imageWithContentsOfFile(folder_ / "a.png"));
     EXPECT_EQ(observer_.unread.at(0).second.code, EACCES);
-}
-
-TEST_F(PictureFiles, TooLargeAFileIsNotRead) {
-    const std::string path = folder_ / "large.png";
-    put(path, someFile());
-    // No disk space is taken by what was never written.
-    ASSERT_EQ(::truncate(path.c_str(), off_t{1} << 40), 0);
-    EXPECT_FALSE(pictures_.imageWithContentsOfFile(path));
-    EXPECT_THAT(observer_.unread.at(0).second.localizedDescription, HasSubstr("too large"));
 }
 
 TEST_F(PictureFiles, ALoadedPictureDoesNotNeedItsFileAnyMore) {

@@ -41,18 +41,14 @@ private:
     void (*handler_)(int) = SIG_DFL;
 };
 
-TEST_F(FileWriting, TheBytesAreInTheFileAndItIsReported) {
-    const Bytes bytes(100000, 42);
-    EXPECT_TRUE(write(bytes, folder_ / "a"));
-    EXPECT_EQ(get(folder_ / "a"), bytes);
-    EXPECT_THAT(observer_.written, ElementsAre(folder_ / "a"));
-    EXPECT_THAT(observer_.unwritten, IsEmpty());
-}
-
-TEST_F(FileWriting, NoBytesGiveAnEmptyFile) {
+TEST_F(FileWriting, TheBytesReplaceTheFilesAndAreReported) {
     put(folder_ / "a", Bytes(1000, 1));
-    EXPECT_TRUE(write({}, folder_ / "a"));
-    EXPECT_EQ(get(folder_ / "a"), Bytes());
+    for (const Bytes& bytes : {Bytes(100000, 42), Bytes()}) {
+        EXPECT_TRUE(write(bytes, folder_ / "a"));
+        EXPECT_EQ(get(folder_ / "a"), bytes);
+    }
+    EXPECT_THAT(observer_.written, ElementsAre(folder_ / "a", folder_ / "a"));
+    EXPECT_THAT(observer_.unwritten, IsEmpty());
     EXPECT_THAT(folder_.names(), ElementsAre("a"));
 }
 

@@ -64,36 +64,19 @@ TEST_F(PictureEncoding, DataThatIsNoPictureIsReported) {
     EXPECT_EQ(observer_.unread.size(), 1U);
 }
 
-TEST_F(PictureEncoding, ARepIsMadeOfAPngFileToo) {
+TEST_F(PictureEncoding, ARepIsMadeOfAPngFileTooAndMakesNothingElse) {
     const PngSample sample = randomPng({3, 2, true, true}, 9, 9);
     const auto rep = pictures_.imageRepWithData(DataBytes::copyOf(sample.file));
     ASSERT_TRUE(rep);
     const auto png = rep->representationUsingType(NSBitmapImageFileTypePNG, {});
     EXPECT_EQ(readByLibpng(bytesOf(png))->rgba, sample.rgba);
+    EXPECT_EQ(rep->representationUsingType(static_cast<NSBitmapImageFileType>(3), {}), nullptr);
 }
 
 TEST_F(PictureEncoding, OpaquePicturesAreSavedWithoutAlpha) {
     constexpr std::size_t colourType = 25;
     EXPECT_EQ(bytesOf(encode(load(randomPng({0, 16, true, false}, 4, 4).file)))[colourType], 2);
     EXPECT_EQ(bytesOf(encode(load(randomPng({4, 16, true, false}, 4, 4).file)))[colourType], 6);
-}
-
-TEST_F(PictureEncoding, OtherFileTypesAreNotMade) {
-    const auto rep =
-        pictures_.imageRepWithData(DataBytes::copyOf(randomPng({2, 8, false, false}, 2, 2).file));
-    EXPECT_EQ(rep->representationUsingType(static_cast<NSBitmapImageFileType>(3), {}), nullptr);
-}
-
-TEST_F(PictureEncoding, TheWholeWayFromStillToFrameFileKeepsEveryPixel) {
-    Bytes pixels;
-    for (std::uint32_t i = 0; i < 320 * 180 * 3; ++i) {
-        pixels.push_back(static_cast<std::uint8_t>(i * i / 7));
-    }
-    const auto png = encode(pictures_.imageWithData(stillOf(320, 180, pixels)));
-    ASSERT_TRUE(png->writeToFile(folder_ / "still.png", false));
-    const auto image = pictures_.imageWithContentsOfFile(folder_ / "still.png");
-    ASSERT_TRUE(image);
-    EXPECT_EQ(draw(image, 320, 180).rgb, pixels);
 }
 
 } // namespace
