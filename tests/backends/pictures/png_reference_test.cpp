@@ -347,22 +347,5 @@ TEST(PngReference, LiteralChunksAreDecodedAlike) {
     EXPECT_GT(tally.damaged, 1000U);
 }
 
-TEST(PngReference, LibpngDecidesAboutDamagedFiles) {
-    std::mt19937 random(9);
-    for (int i = 0; i < 2000; ++i) {
-        const Bytes stream = randomStream(random, 61, 3);
-        const Bytes file = pngAround({2, 8, false, false}, 20, 3, {&stream, 1});
-        const auto read = readPngHeader(file, limits);
-        const auto& header = std::get<PngHeader>(read);
-        Rows ours(header, PixelForm::ARGB);
-        Rows theirs = ours;
-        const auto fault =
-            decodePng(file, header, PixelForm::ARGB, ours.bytes.data(), ours.stride());
-        EXPECT_EQ(fault, decodeByLibpng(file, header, PixelForm::ARGB, theirs.bytes.data(),
-                                        theirs.stride()));
-        EXPECT_TRUE(fault || ours.bytes == theirs.bytes);
-    }
-}
-
 } // namespace
 } // namespace vistrane::testing
