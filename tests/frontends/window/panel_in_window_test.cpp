@@ -1,23 +1,21 @@
-#include <stdexcept>
 #include <vector>
 
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
 #include <QMenu>
-#include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
 
 #include "backends/pictures/PictureObserver.h"
 #include "backends/pictures/Pictures.h"
 #include "backends/qt/controls/QtImageView.h"
-#include "backends/qt/controls/QtInterface.h"
 #include "backends/qt/controls/QtResources.h"
 #include "backends/qt/loop/QtRunLoop.h"
 #include "backends/sim/Sim.h"
 #include "core/infopanel/mantisQRXpanel.h"
 #include "frontends/window/WindowAppKit.h"
+#include "tests/backends/qt/controls/interface_widgets.h"
 
 namespace vistrane {
 namespace {
@@ -31,12 +29,7 @@ protected:
 
     template <typename Child>
     Child& child(const char* name) {
-        for (QWidget* window : interface_.windows()) {
-            if (auto* const found = window->findChild<Child*>(name)) {
-                return *found;
-            }
-        }
-        throw std::out_of_range(name);
+        return named<Child>(interface_, name);
     }
 
     /// Whether the items of a menu have pictures, in order.
@@ -82,12 +75,8 @@ TEST_F(PanelInWindow, PromotionsHavePicturesInTheHelpAndTheStatusMenuAndNoneInTh
     EXPECT_EQ(pictures(submenu(child<QMenu>("helpMenu"), title)), (Pictures{true, true}));
     EXPECT_EQ(pictures(submenu(interface_.statusMenu(), title)), (Pictures{true, true}));
 
-    QWidget& place = child<QWidget>("centralWidget");
     interface_.mainWindow().show();
-    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(3, 3),
-                            place.mapToGlobal(QPoint(3, 3)));
-    QApplication::sendEvent(&place, &event);
-    auto* const contextMenu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    QMenu* const contextMenu = openContextMenu(interface_);
     ASSERT_NE(contextMenu, nullptr);
     EXPECT_EQ(pictures(submenu(*contextMenu, title)), (Pictures{false, false}));
     contextMenu->close();

@@ -19,6 +19,7 @@
 #include "backends/qt/controls/QtSlider.h"
 #include "backends/qt/controls/QtTextField.h"
 #include "backends/qt/controls/QtWindow.h"
+#include "platform/appkit/NSSliderCell.h"
 
 namespace vistrane {
 
@@ -76,6 +77,28 @@ private:
     QWidget window_;
     QVBoxLayout* layout_ = new QVBoxLayout(&window_);
     std::map<const NSObject*, QWidget*> widgets_;
+};
+
+/// Records its calls and draws the knob as a picture, if it has one.
+class RecordingCell final : public NSSliderCell {
+public:
+    void awakeFromNib() override { ++awoken_; }
+    NSRect rectOfTickMarkAtIndex(NSInteger index) override {
+        asked_.push_back(index);
+        return tick_;
+    }
+    void drawKnob(NSRect rect) override {
+        knob_ = rect;
+        if (image_) {
+            image_->drawInRect(rect, NSZeroRect, NSCompositingOperationSourceOver, 1.0);
+        }
+    }
+
+    int awoken_ = 0;
+    NSRect tick_ = NSZeroRect;
+    std::shared_ptr<NSImage> image_;
+    NSRect knob_;
+    std::vector<NSInteger> asked_;
 };
 
 class ControlTest : public ::testing::Test {

@@ -6,32 +6,10 @@
 #include "backends/qt/controls/QtResources.h"
 #include "backends/sim/Sim.h"
 #include "core/preview/hidenSlidercell.h"
-#include "platform/appkit/NSSliderCell.h"
 #include "tests/backends/qt/controls/ControlWidgets.h"
 
 namespace vistrane {
 namespace {
-
-/// Records its calls and draws the knob as a picture.
-class RecordingCell final : public NSSliderCell {
-public:
-    void awakeFromNib() override {}
-    NSRect rectOfTickMarkAtIndex(NSInteger index) override {
-        asked_.push_back(index);
-        return tick_;
-    }
-    void drawKnob(NSRect rect) override {
-        knob_ = rect;
-        if (image_) {
-            image_->drawInRect(rect, NSZeroRect, NSCompositingOperationSourceOver, 1.0);
-        }
-    }
-
-    NSRect tick_ = NSZeroRect;
-    std::shared_ptr<NSImage> image_;
-    NSRect knob_;
-    std::vector<NSInteger> asked_;
-};
 
 class QtSliderTest : public ControlTest {
 protected:
