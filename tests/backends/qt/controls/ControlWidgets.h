@@ -7,6 +7,7 @@
 
 #include <QAbstractItemView>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
 #include <QVBoxLayout>
@@ -16,6 +17,7 @@
 #include "backends/qt/controls/QtButton.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/qt/controls/QtPopUpButton.h"
+#include "backends/qt/controls/QtProgressIndicator.h"
 #include "backends/qt/controls/QtSlider.h"
 #include "backends/qt/controls/QtTextField.h"
 #include "backends/qt/controls/QtWindow.h"
@@ -62,6 +64,13 @@ public:
         QTest::keyClick(&list, Qt::Key_Return);
     }
     std::shared_ptr<NSImageView> imageView() { return make<QtImageView, PictureWidget>(); }
+    std::shared_ptr<NSProgressIndicator> progressBar() {
+        return make<QtProgressIndicator, QProgressBar>();
+    }
+    double shownPart(NSProgressIndicator& progressBar) {
+        const auto& bar = widgetOf<QProgressBar>(progressBar);
+        return static_cast<double>(bar.value()) / bar.maximum();
+    }
     std::shared_ptr<NSWindow> window() { return std::make_shared<QtWindow>(window_); }
 
     QWidget& widget() { return window_; }

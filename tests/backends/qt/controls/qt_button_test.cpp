@@ -25,12 +25,17 @@ protected:
     QAbstractButton* widget_ = nullptr;
 };
 
-TEST_F(QtButtonTest, AnAmpersandIsShownAndIsNoMnemonic) {
-    const auto button = pushButton();
-    button->setTitle("/home/you&me");
-    EXPECT_EQ(button->title(), "/home/you&me");
-    EXPECT_EQ(widget_->text(), QStringLiteral("/home/you&&me"));
-    EXPECT_TRUE(widget_->shortcut().isEmpty());
+TEST_F(QtButtonTest, ATitleIsShownAsTextWithoutAMnemonic) {
+    const std::pair<const char*, QString> shown[] = {
+        {"/home/you&me", QStringLiteral("/home/you&&me")},
+        {"/a\xff\nb", QStringLiteral("/a\uFFFD b")}};
+    for (const auto& [title, text] : shown) {
+        const auto button = pushButton();
+        button->setTitle(title);
+        EXPECT_EQ(button->title(), title);
+        EXPECT_EQ(widget_->text(), text);
+        EXPECT_TRUE(widget_->shortcut().isEmpty());
+    }
 }
 
 TEST_F(QtButtonTest, TheTitleOfTheInterfaceFileIsReadWithoutItsMnemonic) {
@@ -44,19 +49,12 @@ TEST_F(QtButtonTest, TheShortcutOutlivesATitleOfTheProgram) {
     widgets_.show();
     button->setTitle("Stop Auto Capture");
     EXPECT_EQ(widget_->text(), QStringLiteral("&Stop Auto Capture"));
-    // The click is sent after the button was drawn pressed.
-    QTest::keyClick(&widgets_.widget(), Qt::Key_S, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return sent_ == 1; }));
-    button->setTitle("no such letter: -");
-    QTest::keyClick(&widgets_.widget(), Qt::Key_S, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return sent_ == 2; }));
-}
-
-TEST_F(QtButtonTest, ATitleThatIsNoTextIsShownAsText) {
-    const auto button = pushButton();
-    button->setTitle("/a\xff\nb");
-    EXPECT_EQ(button->title(), "/a\xff\nb");
-    EXPECT_EQ(widget_->text(), QStringLiteral("/a\uFFFD b"));
+    for (int times = 1; times <= 2; ++times) {
+        QTest::keyClick(&widgets_.widget(), Qt::Key_S, Qt::AltModifier);
+        // The click is sent after the button was drawn pressed.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return sent_ == times; }));
+        button->setTitle("no such letter: -");
+    }
 }
 
 TEST_F(QtButtonTest, AClickSendsTheActionWithTheButtonAsTheSender) {
@@ -143,35 +141,34 @@ class PathButtonTest : public ::testing::Test {
 protected:
     PathButtonTest() { button_.setToolTip(QStringLiteral("where frames go")); }
 
-    QString toolTip() {
+    /// The tip of a button that is 150 pixels wide.
+    QString toolTipOf(const QString& text) {
+        button_.resize(150, 30);
+        button_.setText(text);
         QToolTip::hideText();
         button_.show();
         QHelpEvent event(QEvent::ToolTip, QPoint(5, 5), button_.mapToGlobal(QPoint(5, 5)));
         QCoreApplication::sendEvent(&button_, &event);
         return QToolTip::text();
     }
+    QImage pictureOf(const QString& text) {
+        button_.setText(text);
+        return button_.grab().toImage();
+    }
 
     PathButton button_;
 };
 
-TEST_F(PathButtonTest, APathThatFitsHasTheTipOfTheButton) {
-    button_.resize(400, 30);
-    button_.setText(QStringLiteral("/f"));
-    EXPECT_EQ(toolTip(), QStringLiteral("where frames go"));
-}
-
 TEST_F(PathButtonTest, APathThatIsTooLongIsItsOwnTip) {
-    button_.resize(150, 30);
-    button_.setText(QStringLiteral("/home/somebody/Pictures/Q&&A/a rather long name"));
-    EXPECT_EQ(toolTip(), QStringLiteral("/home/somebody/Pictures/Q&A/a rather long name"));
+    EXPECT_EQ(toolTipOf(QStringLiteral("/f")), QStringLiteral("where frames go"));
+    EXPECT_EQ(toolTipOf(QStringLiteral("/home/somebody/Pictures/Q&&A/a rather long name")),
+              QStringLiteral("/home/somebody/Pictures/Q&A/a rather long name"));
 }
 
 TEST_F(PathButtonTest, APathThatLooksLikeMarkedUpTextIsShownAsItIs) {
-    button_.resize(150, 30);
     const QString path = QStringLiteral("/home/somebody/<b>bold</b>/a  rather & long name");
-    button_.setText(withoutMnemonic(path));
     QTextDocument shown;
-    const QString tip = toolTip();
+    const QString tip = toolTipOf(withoutMnemonic(path));
     ASSERT_TRUE(Qt::mightBeRichText(tip));
     shown.setHtml(tip);
     EXPECT_EQ(shown.toPlainText(), path);
@@ -184,30 +181,23 @@ TEST_F(PathButtonTest, ALongPathDoesNotWidenTheWindow) {
 }
 
 TEST_F(PathButtonTest, APathReadsFromLeftToRightInEveryLanguage) {
-    const auto picture = [this](const QString& path, Qt::LayoutDirection direction) {
-        button_.setText(path);
-        button_.setLayoutDirection(direction);
-        return button_.grab().toImage();
-    };
     button_.resize(400, 30);
     // Without isolation, the first slash would be drawn at the end.
     for (const QString& path : {QStringLiteral("/home/frames."), QStringLiteral("/123/45."),
                                 QString::fromUtf8("/home/\u05d0\u05d1/\u05d2\u05d3.")}) {
-        EXPECT_EQ(picture(path, Qt::LeftToRight), picture(path, Qt::RightToLeft))
-            << path.toStdString();
+        button_.setLayoutDirection(Qt::LeftToRight);
+        const QImage picture = pictureOf(path);
+        button_.setLayoutDirection(Qt::RightToLeft);
+        EXPECT_EQ(pictureOf(path), picture) << path.toStdString();
     }
 }
 
 TEST_F(PathButtonTest, BothEndsOfALongPathAreSeen) {
-    const auto picture = [this](const char* path) {
-        button_.setText(QString::fromUtf8(path));
-        return button_.grab().toImage();
-    };
     button_.resize(150, 30);
-    const QImage path = picture("/a/Pictures/a rather long name of a folder/frames");
-    EXPECT_NE(path, picture("/b/Pictures/a rather long name of a folder/frames"));
-    EXPECT_NE(path, picture("/a/Pictures/a rather long name of a folder/trames"));
-    EXPECT_EQ(path, picture("/a/Pictures/a rather wide name of a folder/frames"));
+    const QImage path = pictureOf("/a/Pictures/a rather long name of a folder/frames");
+    EXPECT_NE(path, pictureOf("/b/Pictures/a rather long name of a folder/frames"));
+    EXPECT_NE(path, pictureOf("/a/Pictures/a rather long name of a folder/trames"));
+    EXPECT_EQ(path, pictureOf("/a/Pictures/a rather wide name of a folder/frames"));
 }
 
 } // namespace

@@ -14,18 +14,14 @@ protected:
     QtResources resources_;
 };
 
-TEST_F(QtResourcesTest, ThePicturesOfTheProgramAreThere) {
-    for (const char* name : {"play1", "play2", "play1-s", "play2-s", "12", "vistrane"}) {
+TEST_F(QtResourcesTest, ThePicturesOfTheProgramAreThereWithAnyEnding) {
+    for (const char* name :
+         {"play1", "play2", "play1-s", "play2-s", "12", "vistrane", "play1.svg", "play1.png"}) {
         const auto image = resources_.imageNamed(name);
         ASSERT_NE(image, nullptr) << name;
         EXPECT_GT(image->size().width, 0.0) << name;
         EXPECT_GT(image->size().height, 0.0) << name;
     }
-}
-
-TEST_F(QtResourcesTest, ANameMayHaveAnyEnding) {
-    EXPECT_NE(resources_.imageNamed("play1.svg"), nullptr);
-    EXPECT_NE(resources_.imageNamed("play1.png"), nullptr);
 }
 
 TEST_F(QtResourcesTest, AnUnknownNameGivesNull) {
@@ -66,62 +62,53 @@ protected:
         return image;
     }
 
-    template <typename Draw>
-    void draw(Draw drawing) {
+    void draw(NSRect place, NSRect part = NSZeroRect, double fraction = 1.0) {
         QPainter painter(&canvas_);
         setCurrentGraphicsContext(std::make_shared<QtGraphicsContext>(painter, canvas_.height()));
-        drawing();
+        picture_.drawInRect(place, part, NSCompositingOperationSourceOver, fraction);
         setCurrentGraphicsContext(nullptr);
     }
+    QColor colorAt(int x, int y) const { return canvas_.pixelColor(x, y); }
 
+    static constexpr NSRect whole{{0.0, 0.0}, {40.0, 40.0}};
     QImage canvas_{40, 40, QImage::Format_RGB32};
     QtImage picture_;
 };
 
 TEST_F(QtImageTest, IsStretchedOverTheRectangleFromTheBottomLeft) {
-    draw([&] {
-        picture_.drawInRect({{10.0, 0.0}, {8.0, 20.0}}, NSZeroRect,
-                            NSCompositingOperationSourceOver, 1.0);
-    });
-    EXPECT_EQ(canvas_.pixelColor(14, 22), QColor(Qt::red));
-    EXPECT_EQ(canvas_.pixelColor(14, 38), QColor(Qt::blue));
-    EXPECT_EQ(canvas_.pixelColor(14, 18), QColor(Qt::white));
-    EXPECT_EQ(canvas_.pixelColor(8, 30), QColor(Qt::white));
-    EXPECT_EQ(canvas_.pixelColor(19, 30), QColor(Qt::white));
+    draw({{10.0, 0.0}, {8.0, 20.0}});
+    EXPECT_EQ(colorAt(14, 22), QColor(Qt::red));
+    EXPECT_EQ(colorAt(14, 38), QColor(Qt::blue));
+    EXPECT_EQ(colorAt(14, 18), QColor(Qt::white));
+    EXPECT_EQ(colorAt(8, 30), QColor(Qt::white));
+    EXPECT_EQ(colorAt(19, 30), QColor(Qt::white));
 }
 
 TEST_F(QtImageTest, IsDrawnAtItsSizeAtAPoint) {
-    draw([&] {
-        picture_.drawAtPoint({10.0, 10.0}, NSZeroRect, NSCompositingOperationSourceOver, 1.0);
-    });
-    EXPECT_EQ(canvas_.pixelColor(10, 26), QColor(Qt::red));
-    EXPECT_EQ(canvas_.pixelColor(13, 29), QColor(Qt::blue));
-    EXPECT_EQ(canvas_.pixelColor(14, 29), QColor(Qt::white));
-    EXPECT_EQ(canvas_.pixelColor(10, 30), QColor(Qt::white));
+    QPainter painter(&canvas_);
+    setCurrentGraphicsContext(std::make_shared<QtGraphicsContext>(painter, canvas_.height()));
+    picture_.drawAtPoint({10.0, 10.0}, NSZeroRect, NSCompositingOperationSourceOver, 1.0);
+    EXPECT_EQ(colorAt(10, 26), QColor(Qt::red));
+    EXPECT_EQ(colorAt(13, 29), QColor(Qt::blue));
+    EXPECT_EQ(colorAt(14, 29), QColor(Qt::white));
+    EXPECT_EQ(colorAt(10, 30), QColor(Qt::white));
 }
 
 TEST_F(QtImageTest, OnlyThePartThatIsAskedForIsDrawn) {
-    draw([&] {
-        picture_.drawInRect({{0.0, 0.0}, {40.0, 40.0}}, {{0.0, 0.0}, {4.0, 2.0}},
-                            NSCompositingOperationSourceOver, 1.0);
-    });
-    EXPECT_EQ(canvas_.pixelColor(20, 10), QColor(Qt::blue));
-    EXPECT_EQ(canvas_.pixelColor(20, 38), QColor(Qt::blue));
+    draw(whole, {{0.0, 0.0}, {4.0, 2.0}});
+    EXPECT_EQ(colorAt(20, 10), QColor(Qt::blue));
+    EXPECT_EQ(colorAt(20, 38), QColor(Qt::blue));
 }
 
 TEST_F(QtImageTest, AFractionIsTheOpacity) {
-    draw([&] {
-        picture_.drawInRect({{0.0, 0.0}, {40.0, 40.0}}, NSZeroRect,
-                            NSCompositingOperationSourceOver, 0.5);
-    });
-    EXPECT_NEAR(canvas_.pixelColor(20, 5).green(), 128, 2);
-    EXPECT_EQ(canvas_.pixelColor(20, 5).red(), 255);
+    draw(whole, NSZeroRect, 0.5);
+    EXPECT_NEAR(colorAt(20, 5).green(), 128, 2);
+    EXPECT_EQ(colorAt(20, 5).red(), 255);
 }
 
 TEST_F(QtImageTest, WithoutAContextNothingIsDrawn) {
-    picture_.drawInRect({{0.0, 0.0}, {40.0, 40.0}}, NSZeroRect, NSCompositingOperationSourceOver,
-                        1.0);
-    EXPECT_EQ(canvas_.pixelColor(20, 5), QColor(Qt::white));
+    picture_.drawInRect(whole, NSZeroRect, NSCompositingOperationSourceOver, 1.0);
+    EXPECT_EQ(colorAt(20, 5), QColor(Qt::white));
 }
 
 } // namespace

@@ -27,22 +27,17 @@ TEST_F(QtWindowTest, TheTitleIsShownAsText) {
     EXPECT_EQ(widgets_.widget().windowTitle(), QStringLiteral("Vistrane v0.1.0 & \uFFFD"));
 }
 
-TEST_F(QtWindowTest, TheDelegateIsToldOfEachClose) {
-    window_.setWillCloseAction(count());
-    widgets_.show();
-    EXPECT_EQ(sent_, 0);
-    widgets_.widget().close();
-    EXPECT_EQ(sent_, 1);
-    EXPECT_EQ(sender_, &window_);
-    widgets_.show();
-    widgets_.widget().close();
-    EXPECT_EQ(sent_, 2);
-}
-
-TEST_F(QtWindowTest, AWindowThatIsNotOpenDoesNotClose) {
+TEST_F(QtWindowTest, TheDelegateIsToldOfEachCloseOfAnOpenWindow) {
     window_.setWillCloseAction(count());
     widgets_.widget().close();
     EXPECT_EQ(sent_, 0);
+    for (int times = 1; times <= 2; ++times) {
+        widgets_.show();
+        EXPECT_EQ(sent_, times - 1);
+        widgets_.widget().close();
+        EXPECT_EQ(sent_, times);
+        EXPECT_EQ(sender_, &window_);
+    }
 }
 
 class QtProgressIndicatorTest : public ::testing::Test {
@@ -53,24 +48,13 @@ protected:
     QtProgressIndicator indicator_{bar_};
 };
 
-TEST_F(QtProgressIndicatorTest, ShowsTheValueAsAPartOfTheMaximum) {
+TEST_F(QtProgressIndicatorTest, ValuesBelowTheRangeAndNoNumberShowAsNothing) {
     indicator_.setMaxValue(4.0);
-    indicator_.setDoubleValue(1.0);
-    EXPECT_DOUBLE_EQ(part(), 0.25);
-    indicator_.setMaxValue(2.0);
-    EXPECT_DOUBLE_EQ(part(), 0.5);
-    indicator_.setDoubleValue(0.0);
-    EXPECT_DOUBLE_EQ(part(), 0.0);
-}
-
-TEST_F(QtProgressIndicatorTest, ValuesOutsideOfTheRangeShowAsItsEnds) {
-    indicator_.setMaxValue(4.0);
-    indicator_.setDoubleValue(5.0);
-    EXPECT_DOUBLE_EQ(part(), 1.0);
-    indicator_.setDoubleValue(-1.0);
-    EXPECT_DOUBLE_EQ(part(), 0.0);
-    indicator_.setDoubleValue(std::numeric_limits<double>::quiet_NaN());
-    EXPECT_DOUBLE_EQ(part(), 0.0);
+    for (const double value : {-1.0, std::numeric_limits<double>::quiet_NaN()}) {
+        indicator_.setDoubleValue(4.0);
+        indicator_.setDoubleValue(value);
+        EXPECT_DOUBLE_EQ(part(), 0.0);
+    }
 }
 
 TEST_F(QtProgressIndicatorTest, TheBarIsNotFullBeforeTheLastOfManyThousands) {
