@@ -14,14 +14,6 @@ DispatchQueue& globalQueue(QtDispatch& dispatch) {
     return dispatch.dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0);
 }
 
-TEST(QtDispatch, TheGlobalQueueHasItsOwnThread) {
-    QtRunLoop loop;
-    QtDispatch dispatch(loop);
-    std::promise<std::thread::id> thread;
-    globalQueue(dispatch).async([&] { thread.set_value(std::this_thread::get_id()); });
-    EXPECT_NE(thread.get_future().get(), std::this_thread::get_id());
-}
-
 TEST(QtDispatch, TheGlobalQueuesThreadBlocksSignals) {
     QtRunLoop loop;
     QtDispatch dispatch(loop);

@@ -35,20 +35,6 @@ TEST_F(QtFoundationTest, TheLogGetsTheMessageUnchanged) {
     EXPECT_THAT(logged_, ::testing::ElementsAre("\nmoviePath=/a %d \xff.mov"));
 }
 
-TEST_F(QtFoundationTest, DateFormattersAreIndependent) {
-    const auto first = foundation_.dateFormatter();
-    const auto second = foundation_.dateFormatter();
-    first->setDateFormat("'first'");
-    second->setDateFormat("'second'");
-    EXPECT_EQ(first->stringFromDate({0.0}), "first");
-    EXPECT_EQ(second->stringFromDate({0.0}), "second");
-}
-
-TEST_F(QtFoundationTest, NamesAreComparedByTheUsersLocale) {
-    const auto locale = foundation_.currentLocale();
-    EXPECT_EQ(locale->compare("frame2", "frame10", 833, {0, 6}), NSOrderedAscending);
-}
-
 TEST_F(QtFoundationTest, ANotificationReachesTheObserversOfItsNameInOrder) {
     std::string called;
     foundation_.defaultCenter().addObserver([&] { called += '1'; }, "name");

@@ -31,64 +31,77 @@ protected:
         window_.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&window_));
     }
+    void leaveMenuBar() {
+        EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyAccessory));
+    }
+    void takeMenuBar() {
+        EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyRegular));
+    }
+    static void activate(QMainWindow& window) {
+        window.show();
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+    QWidget* activeAfterActivating() {
+        application_.activateIgnoringOtherApps(true);
+        QCoreApplication::processEvents();
+        return QApplication::activeWindow();
+    }
 
     QMainWindow window_;
     QAction* inner_;
     QtApplication application_{[] { return true; }};
 };
 
-TEST_F(QtApplications, AnAccessoryHasNoMenuBar) {
+TEST_F(QtApplications, AnAccessorysWindowsHaveNoMenuBar) {
     show();
     ASSERT_TRUE(window_.menuBar()->isVisible());
-    EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyAccessory));
+    leaveMenuBar();
     EXPECT_FALSE(window_.menuBar()->isVisible());
-    EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyRegular));
-    EXPECT_TRUE(window_.menuBar()->isVisible());
-}
-
-TEST_F(QtApplications, AnAccessoryFromTheStartShowsItsWindowsWithoutMenuBar) {
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
-    show();
-    EXPECT_FALSE(window_.menuBar()->isVisible());
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
-    EXPECT_TRUE(window_.menuBar()->isVisible());
-}
-
-TEST_F(QtApplications, AnAccessorysLaterWindowHasNoMenuBarEither) {
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
     QMainWindow later;
     later.menuBar()->addMenu("File");
     later.show();
     EXPECT_FALSE(later.menuBar()->isVisible());
+    takeMenuBar();
+    EXPECT_TRUE(window_.menuBar()->isVisible());
+}
+
+TEST_F(QtApplications, AnAccessoryFromTheStartShowsItsWindowsWithoutMenuBar) {
+    leaveMenuBar();
+    EXPECT_FALSE(window_.isVisible());
+    show();
+    EXPECT_FALSE(window_.menuBar()->isVisible());
+    takeMenuBar();
+    EXPECT_TRUE(window_.menuBar()->isVisible());
 }
 
 TEST_F(QtApplications, AMenuBarThatWasHiddenBeforeStaysHidden) {
     window_.menuBar()->hide();
     show();
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
+    leaveMenuBar();
+    takeMenuBar();
     EXPECT_FALSE(window_.menuBar()->isVisible());
 }
 
 TEST_F(QtApplications, ShortcutsWorkWithAndWithoutMenuBar) {
-    show();
-    window_.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+    activate(window_);
     QSignalSpy chosen(inner_, &QAction::triggered);
     const auto press = [&] { QTest::keyClick(&window_, Qt::Key_I, Qt::ControlModifier); };
     press();
     EXPECT_EQ(chosen.count(), 1);
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
+    leaveMenuBar();
     press();
     EXPECT_EQ(chosen.count(), 2);
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
+    takeMenuBar();
     press();
     EXPECT_EQ(chosen.count(), 3);
 }
 
-TEST_F(QtApplications, TheSwitchShowsNoHiddenWindow) {
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
+TEST_F(QtApplications, NothingShowsAHiddenWindow) {
+    leaveMenuBar();
+    takeMenuBar();
+    application_.miniaturizeAll(nullptr);
+    application_.activateIgnoringOtherApps(true);
     EXPECT_FALSE(window_.isVisible());
 }
 
@@ -96,10 +109,10 @@ TEST_F(QtApplications, AWindowThatIsGoneIsNoTrouble) {
     auto other = std::make_unique<QMainWindow>();
     other->menuBar()->addMenu("File");
     other->show();
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
+    leaveMenuBar();
     other.reset();
-    EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyAccessory));
-    EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyRegular));
+    leaveMenuBar();
+    takeMenuBar();
 }
 
 TEST_F(QtApplications, MinimisingTakesEachWindowWithAMinimiseButton) {
@@ -114,49 +127,26 @@ TEST_F(QtApplications, MinimisingTakesEachWindowWithAMinimiseButton) {
     EXPECT_FALSE(alert.isMinimized());
 }
 
-TEST_F(QtApplications, MinimisingShowsNoHiddenWindow) {
-    application_.miniaturizeAll(nullptr);
-    EXPECT_FALSE(window_.isVisible());
-}
-
 TEST_F(QtApplications, ActivatingKeepsTheActiveWindowActive) {
     show();
     QMainWindow second;
-    second.show();
-    second.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&second));
-    application_.activateIgnoringOtherApps(true);
-    QCoreApplication::processEvents();
-    EXPECT_EQ(QApplication::activeWindow(), &second);
-}
-
-TEST_F(QtApplications, ActivatingKeepsInFrontTheWindowThatWasJustOrderedThere) {
-    show();
-    QMainWindow second;
-    second.show();
-    second.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&second));
+    activate(second);
+    EXPECT_EQ(activeAfterActivating(), &second);
+    // Unless another one was just ordered to the front.
     QtApplication::orderFront(window_);
     application_.activateIgnoringOtherApps(true);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
     QCoreApplication::processEvents();
     EXPECT_EQ(QApplication::activeWindow(), &window_);
-
     // Afterwards it is the user who changes windows.
-    second.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&second));
-    application_.activateIgnoringOtherApps(true);
-    QCoreApplication::processEvents();
-    EXPECT_EQ(QApplication::activeWindow(), &second);
+    activate(second);
+    EXPECT_EQ(activeAfterActivating(), &second);
 }
 
-TEST_F(QtApplications, ActivatingShowsNoHiddenOrMinimisedWindow) {
-    application_.activateIgnoringOtherApps(true);
-    EXPECT_FALSE(window_.isVisible());
+TEST_F(QtApplications, ActivatingShowsNoMinimisedWindow) {
     show();
     window_.showMinimized();
-    application_.activateIgnoringOtherApps(true);
-    QCoreApplication::processEvents();
+    activeAfterActivating();
     EXPECT_TRUE(window_.isMinimized());
 }
 

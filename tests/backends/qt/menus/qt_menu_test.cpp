@@ -1,5 +1,6 @@
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <QApplication>
@@ -7,10 +8,12 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPixmap>
+#include <QSystemTrayIcon>
 #include <gtest/gtest.h>
 
 #include "backends/qt/menus/QtMenu.h"
 #include "backends/qt/menus/QtMenuItem.h"
+#include "backends/qt/menus/StatusIcon.h"
 
 namespace vistrane {
 namespace {
@@ -41,34 +44,21 @@ protected:
             title, [this](NSObject* sender) { senders_.push_back(sender); }, key);
     }
 
-    void open() const {
-        menu_.qtMenu()->popup(QPoint(10, 10));
-        ASSERT_TRUE(menu_.qtMenu()->isVisible());
-    }
-
     QtMenu menu_{redSquare};
     Target target_;
     std::vector<NSObject*> senders_;
 };
 
-TEST_F(QtMenus, AnAmpersandInATitleIsShownAndIsNoMnemonic) {
-    add("Day & Night");
-    EXPECT_EQ(firstAction()->text(), "Day && Night");
-}
-
-TEST_F(QtMenus, AnEmptyKeyEquivalentIsNoShortcut) {
-    add("item");
-    EXPECT_TRUE(firstAction()->shortcut().isEmpty());
-}
-
-TEST_F(QtMenus, AKeyEquivalentIsPressedWithTheCommandKey) {
-    add("item", "q");
-    EXPECT_EQ(firstAction()->shortcut(), QKeySequence("Ctrl+Q"));
-}
-
-TEST_F(QtMenus, ACapitalKeyEquivalentIsPressedWithShiftToo) {
-    add("item", "Q");
-    EXPECT_EQ(firstAction()->shortcut(), QKeySequence("Ctrl+Shift+Q"));
+TEST_F(QtMenus, TitlesAreShownAsTextAndKeysPressedWithTheCommandKey) {
+    const std::tuple<const char*, const char*, QKeySequence> rows[] = {
+        {"", "Day && Night", QKeySequence()},
+        {"q", "Day && Night", QKeySequence("Ctrl+Q")},
+        {"Q", "Day && Night", QKeySequence("Ctrl+Shift+Q")}};
+    for (const auto& [key, text, shortcut] : rows) {
+        add("Day & Night", key);
+        EXPECT_EQ(menu_.qtMenu()->actions().constLast()->text(), text);
+        EXPECT_EQ(menu_.qtMenu()->actions().constLast()->shortcut(), shortcut) << key;
+    }
 }
 
 TEST_F(QtMenus, APictureIsShownAndTakenAway) {
@@ -80,46 +70,23 @@ TEST_F(QtMenus, APictureIsShownAndTakenAway) {
     EXPECT_TRUE(firstAction()->icon().isNull());
 }
 
-TEST_F(QtMenus, ASubmenuReplacesAnEarlierOne) {
+TEST_F(QtMenus, ASubmenuIsShownAndTakenAway) {
     const auto item = add("item");
-    item->setSubmenu(std::make_shared<QtMenu>(redSquare));
-    const auto later = std::make_shared<QtMenu>(redSquare);
-    item->setSubmenu(later);
-    EXPECT_EQ(firstAction()->menu<QMenu*>(), later->qtMenu());
+    const auto submenu = std::make_shared<QtMenu>(redSquare);
+    item->setSubmenu(submenu);
+    EXPECT_EQ(firstAction()->menu<QMenu*>(), submenu->qtMenu());
     item->setSubmenu(nullptr);
     EXPECT_EQ(firstAction()->menu<QMenu*>(), nullptr);
 }
 
-TEST_F(QtMenus, AnItemKeepsItsSubmenu) {
-    const auto item = add("item");
-    auto submenu = std::make_shared<QtMenu>(redSquare);
-    const std::weak_ptr<QtMenu> observed = submenu;
-    item->setSubmenu(std::move(submenu));
-    EXPECT_FALSE(observed.expired());
-}
-
-TEST_F(QtMenus, AnItemOfTheInterfaceFileTakesASubmenu) {
-    QMenu file;
-    QAction* const action = file.addAction("More");
-    QtMenuItem item(*action, redSquare);
-    const auto submenu = std::make_shared<QtMenu>(redSquare);
-    item.setSubmenu(submenu);
-    EXPECT_EQ(action->menu<QMenu*>(), submenu->qtMenu());
-}
-
-TEST_F(QtMenus, AnItemWhoseMenuIsGoneDoesNothing) {
+TEST_F(QtMenus, AMenuOfTheInterfaceFileThatIsGoneDoesNothing) {
     auto file = std::make_unique<QMenu>();
+    QtMenu menu(*file, redSquare);
     QtMenuItem item(*file->addAction("More"), redSquare);
     file.reset();
     item.setSubmenu(std::make_shared<QtMenu>(redSquare));
     item.setImage(std::make_shared<NoImage>());
     EXPECT_EQ(item.qtAction(), nullptr);
-}
-
-TEST_F(QtMenus, AMenuOfTheInterfaceFileThatIsGoneTakesNoItem) {
-    auto file = std::make_unique<QMenu>();
-    QtMenu menu(*file, redSquare);
-    file.reset();
     EXPECT_EQ(menu.addItemWithTitle("item", {}, ""), nullptr);
     menu.cancelTracking();
 }
@@ -136,26 +103,26 @@ TEST_F(QtMenus, AnEntryDoesNothingWhileADialogIsUp) {
     EXPECT_EQ(senders_.size(), 1U);
 }
 
-TEST_F(QtMenus, CancellingClosesAnOpenMenuWithoutAChoice) {
-    add("item")->setTarget(&target_);
-    open();
-    menu_.qtMenu()->setActiveAction(firstAction());
-    menu_.cancelTracking();
-    EXPECT_FALSE(menu_.qtMenu()->isVisible());
-    EXPECT_TRUE(senders_.empty());
-}
-
-TEST_F(QtMenus, CancellingClosesOpenSubmenusToo) {
+TEST_F(QtMenus, CancellingClosesAnOpenMenuAndItsSubmenusWithoutAChoice) {
     const auto submenu = std::make_shared<QtMenu>(redSquare);
     submenu->addItemWithTitle("inner", {}, "");
-    add("item")->setSubmenu(submenu);
-    open();
-    submenu->qtMenu()->popup(QPoint(60, 10));
-    ASSERT_TRUE(submenu->qtMenu()->isVisible());
-    menu_.cancelTracking();
-    EXPECT_FALSE(submenu->qtMenu()->isVisible());
-    EXPECT_FALSE(menu_.qtMenu()->isVisible());
-    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    const auto item = add("item");
+    item->setTarget(&target_);
+    item->setSubmenu(submenu);
+    for (const bool isSubmenuOpen : {false, true}) {
+        menu_.qtMenu()->popup(QPoint(10, 10));
+        ASSERT_TRUE(menu_.qtMenu()->isVisible());
+        if (isSubmenuOpen) {
+            submenu->qtMenu()->popup(QPoint(60, 10));
+            ASSERT_TRUE(submenu->qtMenu()->isVisible());
+        }
+        menu_.qtMenu()->setActiveAction(firstAction());
+        menu_.cancelTracking();
+        EXPECT_FALSE(submenu->qtMenu()->isVisible());
+        EXPECT_FALSE(menu_.qtMenu()->isVisible());
+        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    }
+    EXPECT_TRUE(senders_.empty());
 }
 
 TEST_F(QtMenus, CancellingAClosedMenuLeavesAnotherOneOpen) {
@@ -166,6 +133,13 @@ TEST_F(QtMenus, CancellingAClosedMenuLeavesAnotherOneOpen) {
     menu_.cancelTracking();
     EXPECT_TRUE(other.isVisible());
     other.hide();
+}
+
+TEST(StatusIcons, ADesktopWithoutStatusAreaShowsNoneAndNothingFails) {
+    ASSERT_FALSE(QSystemTrayIcon::isSystemTrayAvailable());
+    QMenu menu;
+    const StatusIcon icon(menu, redSquare(NoImage()), "Vistrane", [] {});
+    EXPECT_FALSE(icon.isShown());
 }
 
 } // namespace

@@ -34,10 +34,17 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return isManaged(); }));
     }
 
-    bool waitUntilOut() {
-        return QTest::qWaitFor(
-            [this] { return states().contains(skipTaskBar) && states().contains(skipPager); });
+    void becomeAccessory() {
+        EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyAccessory));
     }
+    void becomeRegular() {
+        EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyRegular));
+    }
+
+    bool waitFor(const char* state) {
+        return QTest::qWaitFor([&] { return states().contains(state); });
+    }
+    bool waitUntilOut() { return waitFor(skipTaskBar) && waitFor(skipPager); }
     bool waitUntilIn() {
         return QTest::qWaitFor(
             [this] { return !states().contains(skipTaskBar) && !states().contains(skipPager); });
@@ -46,8 +53,7 @@ protected:
     /// Waits until the window manager has handled all earlier requests.
     void settle() {
         window_.showMaximized();
-        ASSERT_TRUE(
-            QTest::qWaitFor([this] { return states().contains("_NET_WM_STATE_MAXIMIZED_VERT"); }));
+        ASSERT_TRUE(waitFor("_NET_WM_STATE_MAXIMIZED_VERT"));
     }
 
     std::set<std::string> states() {
@@ -95,15 +101,10 @@ private:
         qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 };
 
-TEST_F(TaskBar, AnAccessorysWindowIsShownOutsideOfTheTaskBar) {
-    EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyAccessory));
+TEST_F(TaskBar, AnAccessorysWindowIsOutsideOfTheTaskBarEachTimeItIsShown) {
+    becomeAccessory();
     show();
     EXPECT_TRUE(waitUntilOut());
-}
-
-TEST_F(TaskBar, AWindowShownAgainIsOutsideOfTheTaskBarAgain) {
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
-    show();
     window_.hide();
     show();
     EXPECT_TRUE(waitUntilOut());
@@ -116,20 +117,12 @@ TEST_F(TaskBar, ARegularProgramsWindowIsInTheTaskBar) {
 }
 
 TEST_F(TaskBar, AHiddenWindowIsBackWhenItIsShownAfterTheSwitch) {
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
+    becomeAccessory();
     show();
     window_.hide();
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
+    becomeRegular();
     show();
     settle();
-    EXPECT_TRUE(waitUntilIn());
-}
-
-TEST_F(TaskBar, AShownWindowFollowsEachSwitch) {
-    show();
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
-    EXPECT_TRUE(waitUntilOut());
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
     EXPECT_TRUE(waitUntilIn());
 }
 
@@ -137,7 +130,7 @@ TEST_F(TaskBar, AWindowThatSomebodyElseTookOutIsLeftAlone) {
     show();
     setInTaskBar(*window_.windowHandle(), false);
     ASSERT_TRUE(waitUntilOut());
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
+    becomeRegular();
     settle();
     EXPECT_TRUE(states().contains(skipTaskBar));
     EXPECT_TRUE(states().contains(skipPager));
@@ -145,33 +138,33 @@ TEST_F(TaskBar, AWindowThatSomebodyElseTookOutIsLeftAlone) {
 
 TEST_F(TaskBar, AMinimisedWindowIsInTheTaskBarWhereThereIsNoStatusIcon) {
     hasStatusIcon_ = false;
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
+    becomeAccessory();
     show();
     ASSERT_TRUE(waitUntilOut());
     application_.miniaturizeAll(nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return states().contains("_NET_WM_STATE_HIDDEN"); }));
+    ASSERT_TRUE(waitFor("_NET_WM_STATE_HIDDEN"));
     EXPECT_TRUE(waitUntilIn());
     window_.showNormal();
     EXPECT_TRUE(waitUntilOut());
 }
 
 TEST_F(TaskBar, AMinimisedWindowStaysOutWhereThereIsAStatusIcon) {
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
+    becomeAccessory();
     show();
     application_.miniaturizeAll(nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return states().contains("_NET_WM_STATE_HIDDEN"); }));
+    ASSERT_TRUE(waitFor("_NET_WM_STATE_HIDDEN"));
     EXPECT_TRUE(waitUntilOut());
 }
 
-TEST_F(TaskBar, TheSwitchNeitherMovesNorHidesAWindow) {
+TEST_F(TaskBar, AShownWindowFollowsEachSwitchAndIsNeitherMovedNorHidden) {
     window_.menuBar()->addMenu("File");
     show();
     const QRect before = window_.geometry();
-    application_.setActivationPolicy(NSApplicationActivationPolicyAccessory);
+    becomeAccessory();
     ASSERT_TRUE(waitUntilOut());
     EXPECT_EQ(window_.geometry(), before);
     EXPECT_TRUE(window_.windowHandle()->isExposed());
-    application_.setActivationPolicy(NSApplicationActivationPolicyRegular);
+    becomeRegular();
     ASSERT_TRUE(waitUntilIn());
     EXPECT_EQ(window_.geometry(), before);
     EXPECT_TRUE(window_.windowHandle()->isExposed());
