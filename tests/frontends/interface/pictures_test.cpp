@@ -105,13 +105,6 @@ TEST(Pictures, EachPromotionHasAPictureOfItsName) {
     }
 }
 
-TEST(Pictures, TheFacesAndTheKnobAreThere) {
-    for (const char* const name :
-         {"12", "autostart", "play1", "play1-s", "play2", "play2-s", "vistrane"}) {
-        EXPECT_THAT(allPictures(), Contains(name));
-    }
-}
-
 TEST(Pictures, EachTipHasAPictureForDenseScreens) {
     constexpr std::int32_t noPage = 0;
     for (std::int32_t page = noPage; page <= tipPageCount; ++page) {

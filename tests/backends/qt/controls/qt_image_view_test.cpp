@@ -214,16 +214,13 @@ TEST_F(LivePictureTest, TheNewestPictureIsShownAndNoBufferIsKept) {
     EXPECT_EQ(colorAt(3, 50), QColor(200, 20, 10));
 }
 
-TEST_F(LivePictureTest, AnEmptyPictureLeavesThePlaceBlack) {
+TEST_F(LivePictureTest, NoPictureAndAnOldOneLeaveThePlaceBlack) {
     place_.show();
     preview_->show(picture(255, 255, 255));
     preview_->show({});
     EXPECT_TRUE(isBlack(100, 50));
-}
-
-TEST_F(LivePictureTest, AnOldPictureIsNotShownWhenThePlaceIsShownAgain) {
-    place_.show();
     preview_->show(picture(255, 255, 255));
+    EXPECT_TRUE(isWhite(100, 50));
     place_.hide();
     place_.show();
     EXPECT_TRUE(isBlack(100, 50));

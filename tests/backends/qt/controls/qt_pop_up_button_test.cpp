@@ -30,13 +30,6 @@ TEST_F(QtPopUpButtonTest, PickingTheItemThatIsShownSendsTheAction) {
     EXPECT_EQ(popUp_->indexOfSelectedItem(), 1);
 }
 
-TEST_F(QtPopUpButtonTest, FillingTheListSendsNothing) {
-    popUp_->addItemWithTitle("A");
-    popUp_->removeAllItems();
-    popUp_->addItemWithTitle("C");
-    EXPECT_EQ(sent_, 0);
-}
-
 TEST_F(QtPopUpButtonTest, NoKeyAndNoWheelPicksInTheClosedList) {
     widgets_.show();
     for (const Qt::Key key : {Qt::Key_B, Qt::Key_End, Qt::Key_PageDown}) {
@@ -60,6 +53,10 @@ TEST_F(QtPopUpButtonTest, KeysOpenTheList) {
     popUp_->removeAllItems();
     QTest::keyClick(widget_, Qt::Key_Space);
     EXPECT_FALSE(widget_->view()->isVisible());
+    // Nor does filling the list send anything.
+    popUp_->addItemWithTitle("A");
+    popUp_->addItemWithTitle("A");
+    EXPECT_EQ(sent_, 0);
 }
 
 TEST_F(QtPopUpButtonTest, ATitleIsKeptByteForByteAndShownAsText) {

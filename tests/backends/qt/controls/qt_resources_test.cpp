@@ -15,8 +15,8 @@ protected:
 };
 
 TEST_F(QtResourcesTest, ThePicturesOfTheProgramAreThereWithAnyEnding) {
-    for (const char* name :
-         {"play1", "play2", "play1-s", "play2-s", "12", "vistrane", "play1.svg", "play1.png"}) {
+    for (const char* name : {"play1", "play2", "play1-s", "play2-s", "12", "autostart", "vistrane",
+                             "play1.svg", "play1.png"}) {
         const auto image = resources_.imageNamed(name);
         ASSERT_NE(image, nullptr) << name;
         EXPECT_GT(image->size().width, 0.0) << name;

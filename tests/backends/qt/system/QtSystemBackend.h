@@ -1,33 +1,22 @@
 #pragma once
 
-#include <chrono>
 #include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <utility>
 
-#include "backends/qt/loop/QtDispatch.h"
-#include "backends/qt/loop/QtFoundation.h"
 #include "backends/qt/system/QtAlert.h"
 #include "backends/qt/system/QtUserDefaults.h"
-#include "tests/backends/posix/TemporaryFolder.h"
+#include "tests/backends/qt/loop/QtLoopBackend.h"
 #include "tests/backends/qt/system/AlertUser.h"
-#include "tests/support/ClockShift.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
 
 /// backends/qt/system for the contract suites, on the real clock.
-class QtSystemBackend {
+class QtSystemBackend : public QtLoopBackend {
 public:
-    Foundation& foundation() { return foundation_; }
-    Dispatch& dispatch() { return dispatch_; }
-    void stall(double seconds) {
-        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-    }
-    void skip(double seconds) { clockShift_.add(seconds); }
-
     NSUserDefaults& userDefaults() { return *defaults_; }
     void storeText(const std::string& text, const std::string& key) {
         // A path of its own: QSettings may take two files of a name for one.
@@ -67,17 +56,11 @@ public:
     };
 
 private:
-    ClockShift clockShift_;
-    TemporaryFolder folder_;
-    QtRunLoop loop_;
-    QtDispatch dispatch_{loop_};
-    NotificationCenter notificationCenter_;
+    WorkFolder folder_;
     std::string path_ = folder_ / "settings";
     std::optional<QtUserDefaults> defaults_{std::in_place, path_, [](const std::string&) {}};
-    QtFoundation foundation_{loop_, *defaults_, notificationCenter_, [](const std::string&) {},
-                             "1.2.3"};
     const std::shared_ptr<const QtDialogRules> dialogRules_ = std::make_shared<const QtDialogRules>(
-        QtDialogRules{loop_, [] { return nullptr; },
+        QtDialogRules{loop(), [] { return nullptr; },
                       [](NSView& view) { return dynamic_cast<PlainView&>(view).widget; }});
     AlertUser user_;
 };

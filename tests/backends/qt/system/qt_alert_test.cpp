@@ -21,7 +21,7 @@ namespace {
 
 class QtAlertTest : public ::testing::Test {
 protected:
-    std::unique_ptr<NSAlert> alertWith(std::initializer_list<const char*> titles) {
+    std::unique_ptr<NSAlert> alertWith(const std::vector<const char*>& titles) {
         std::unique_ptr<NSAlert> alert = backend_.alert();
         alert->setMessageText("A <b>message</b>");
         alert->setInformativeText("Information & more.\n");
@@ -29,12 +29,6 @@ protected:
             alert->addButtonWithTitle(title);
         }
         return alert;
-    }
-
-    NSModalResponse answerWith(Qt::Key key, std::initializer_list<const char*> titles) {
-        const auto alert = alertWith(titles);
-        backend_.user().withNext(0.0, [key](QDialog& dialog) { pressKey(dialog, key); });
-        return alert->runModal();
     }
 
     /// Runs an alert on another thread, and the main loop until that ends.
@@ -149,31 +143,18 @@ TEST_F(QtAlertTest, ItsTextsAreLabelsToAssistivePrograms) {
     alert->runModal();
 }
 
-TEST_F(QtAlertTest, EscapeMeansTheOnlyButton) {
-    EXPECT_EQ(answerWith(Qt::Key_Escape, {"Got it"}), 1000);
-}
-
-TEST_F(QtAlertTest, EscapeMeansTheButtonThatCancels) {
-    EXPECT_EQ(answerWith(Qt::Key_Escape, {"Ok", "Cancel"}), 1001);
-    EXPECT_EQ(answerWith(Qt::Key_Escape, {"Ok", "cancel", "Other"}), 1001);
-}
-
-TEST_F(QtAlertTest, EscapeMeansTheLastButtonWhenNoneCancels) {
-    EXPECT_EQ(answerWith(Qt::Key_Escape, {"One", "Two", "Three"}), 1002);
-}
-
-TEST_F(QtAlertTest, ClosingTheDialogIsAnAnswer) {
-    const auto alert = alertWith({"Ok", "Cancel"});
-    backend_.user().withNext(0.0, [](QDialog& dialog) { dialog.close(); });
-    EXPECT_EQ(alert->runModal(), 1001);
-}
-
-TEST_F(QtAlertTest, OnAnotherThreadTheDialogLeavesOtherWindowsUsable) {
-    backend_.user().withNext(0.0, [](QDialog& dialog) {
-        EXPECT_FALSE(dialog.isModal());
-        dialog.close();
-    });
-    runBeside();
+TEST_F(QtAlertTest, EscapeAndClosingMeanTheButtonThatCancelsOrTheLastOne) {
+    const std::pair<std::vector<const char*>, NSModalResponse> rows[] = {
+        {{"Got it"}, 1000},
+        {{"Ok", "Cancel"}, 1001},
+        {{"Ok", "cancel", "Other"}, 1001},
+        {{"One", "Two", "Three"}, 1002}};
+    for (const auto& [titles, response] : rows) {
+        backend_.user().withNext(0.0, [](QDialog& dialog) { pressKey(dialog, Qt::Key_Escape); });
+        EXPECT_EQ(alertWith(titles)->runModal(), response) << titles.back();
+        backend_.user().withNext(0.0, [](QDialog& dialog) { dialog.close(); });
+        EXPECT_EQ(alertWith(titles)->runModal(), response) << titles.back();
+    }
 }
 
 TEST_F(QtAlertTest, ConsecutiveAlertsLeaveNoDialogBehind) {
@@ -236,19 +217,6 @@ TEST_F(QtAlertTest, OnAnotherThreadItWaitsUntilNoDialogIsModal) {
         dialog.close();
     });
     ASSERT_TRUE(contract::runUntil(backend_.foundation(), [ended] { return ended->load(); }));
-}
-
-TEST_F(QtAlertTest, TheAccessoryViewIsSeenInTheAlertAndIsBackAtHomeAfterwards) {
-    const auto view = std::make_shared<QtSystemBackend::PlainView>();
-    const auto alert = alertWith({"Got it"});
-    alert->setAccessoryView(view);
-    backend_.user().withNext(0.0, [&view](QDialog& dialog) {
-        EXPECT_EQ(view->widget->window(), &dialog);
-        EXPECT_TRUE(view->widget->isVisible());
-        dialog.close();
-    });
-    alert->runModal();
-    EXPECT_EQ(view->widget->parentWidget(), &view->form);
 }
 
 TEST_F(QtAlertTest, AnErrorsAlertShowsItsTextAndItsCode) {

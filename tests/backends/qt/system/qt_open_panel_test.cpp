@@ -53,9 +53,10 @@ protected:
         });
     }
 
-    /// Runs the panel in the test's folder, calls `act` once its only subfolder is listed and
-    /// selected, and cancels.
+    /// Runs the panel in the test's folder, calls `act` once its only subfolder, "frames", is
+    /// listed and selected, and cancels.
     void runInFolder(const std::function<void(QFileDialog&, QAbstractItemView&)>& act) {
+        folder_.makeFolder("frames");
         bool isShown = false;
         runWith([&](QFileDialog& dialog) {
             dialog.setViewMode(QFileDialog::List);
@@ -73,41 +74,39 @@ protected:
         EXPECT_TRUE(isShown);
     }
 
-    TemporaryFolder folder_;
+    WorkFolder folder_;
     QtSystemBackend backend_;
     QtOpenPanel panel_{backend_.dialogRules()};
 };
 
 TEST_F(QtOpenPanelTest, GivesTheChosenFolderWithoutATrailingSlash) {
-    std::filesystem::create_directory(folder_ / "a folder \xc3\xa4");
-    EXPECT_EQ(choose(folder_ / "a folder \xc3\xa4/"), NSModalResponseOK);
-    ASSERT_TRUE(panel_.URL());
-    EXPECT_EQ(panel_.URL()->path(), folder_ / "a folder \xc3\xa4");
+    const std::string folder = folder_.makeFolder("a folder \xc3\xa4");
+    for (const auto& [chosen, given] : {std::pair(folder + "/", folder), {"/", "/"}}) {
+        EXPECT_EQ(choose(chosen), NSModalResponseOK);
+        ASSERT_TRUE(panel_.URL());
+        EXPECT_EQ(panel_.URL()->path(), given);
+    }
 }
 
-TEST_F(QtOpenPanelTest, TheRootIsAChoice) {
-    EXPECT_EQ(choose("/"), NSModalResponseOK);
-    ASSERT_TRUE(panel_.URL());
-    EXPECT_EQ(panel_.URL()->path(), "/");
-}
-
-TEST_F(QtOpenPanelTest, CancelledItGivesNothing) {
-    EXPECT_EQ(runWith([](QFileDialog& dialog) { dialog.reject(); }), NSModalResponseCancel);
-    EXPECT_FALSE(panel_.URL());
-}
-
-TEST_F(QtOpenPanelTest, HasItsTitleAndItsPrompt) {
-    runWith([](QFileDialog& dialog) {
+TEST_F(QtOpenPanelTest, HasItsTitleAndItsPromptAndGivesNothingWhenCancelled) {
+    const NSModalResponse response = runWith([](QFileDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Select Output Folder to Save the Capture");
         EXPECT_EQ(dialog.labelText(QFileDialog::Accept), "Save to This Folder");
         EXPECT_TRUE(dialog.testOption(QFileDialog::ShowDirsOnly));
         EXPECT_FALSE(dialog.testOption(QFileDialog::ReadOnly));
+        // Nothing can be dragged elsewhere.
+        for (const char* const name : {"listView", "treeView"}) {
+            const auto* const view = dialog.findChild<QAbstractItemView*>(name);
+            ASSERT_NE(view, nullptr);
+            EXPECT_EQ(view->dragDropMode(), QAbstractItemView::NoDragDrop);
+        }
         dialog.reject();
     });
+    EXPECT_EQ(response, NSModalResponseCancel);
+    EXPECT_FALSE(panel_.URL());
 }
 
 TEST_F(QtOpenPanelTest, ItsMenuOffersANewFolderButNeitherToRenameNorToDelete) {
-    std::filesystem::create_directory(folder_ / "frames");
     runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
         QStringList offered;
         QTimer::singleShot(0, &dialog, [&offered] {
@@ -128,7 +127,6 @@ TEST_F(QtOpenPanelTest, ItsMenuOffersANewFolderButNeitherToRenameNorToDelete) {
 }
 
 TEST_F(QtOpenPanelTest, NoKeyDeletesOrRenames) {
-    std::filesystem::create_directory(folder_ / "frames");
     runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
         const auto shortcuts = dialog.findChildren<QShortcut*>();
         int count = 0;
@@ -146,19 +144,7 @@ TEST_F(QtOpenPanelTest, NoKeyDeletesOrRenames) {
     EXPECT_TRUE(std::filesystem::exists(folder_ / "frames"));
 }
 
-TEST_F(QtOpenPanelTest, NothingCanBeDraggedElsewhere) {
-    runWith([](QFileDialog& dialog) {
-        for (const char* const name : {"listView", "treeView"}) {
-            const auto* const view = dialog.findChild<QAbstractItemView*>(name);
-            ASSERT_NE(view, nullptr);
-            EXPECT_EQ(view->dragDropMode(), QAbstractItemView::NoDragDrop);
-        }
-        dialog.reject();
-    });
-}
-
 TEST_F(QtOpenPanelTest, ANewFolderCanBeGivenItsName) {
-    std::filesystem::create_directory(folder_ / "frames");
     runInFolder([](QFileDialog& dialog, QAbstractItemView& view) {
         dialog.findChild<QAction*>("qt_new_folder_action")->trigger();
         auto* const name = view.findChild<QLineEdit*>();

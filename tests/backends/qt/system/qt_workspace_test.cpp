@@ -14,7 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/backends/posix/TemporaryFolder.h"
+#include "tests/support/WorkFolder.h"
 
 namespace vistrane {
 namespace {
@@ -60,7 +60,7 @@ protected:
     }
 
     const std::string before_ = std::getenv("PATH");
-    TemporaryFolder folder_;
+    WorkFolder folder_;
     const std::string opened_ = folder_ / "opened";
     std::mutex mutex_;
     std::condition_variable logged_;
@@ -79,10 +79,14 @@ protected:
         }};
 };
 
-TEST_F(QtWorkspaceTest, AddressesArePassedUnchanged) {
+TEST_F(QtWorkspaceTest, AddressesAndPathsArePassedUnchanged) {
     const std::string mail = "mailto:a%40b.example?SUBJECT=x%20y&BODY=%0A";
     EXPECT_TRUE(workspace_.openURL(NSURL::URLWithString(mail)));
     EXPECT_EQ(openedAfter(1), mail + "|");
+    // Nobody writes this file, so that it is opened at once.
+    workspace_.openURL(NSURL::fileURLWithPath("/tmp/a \xff.mov"));
+    EXPECT_EQ(openedAfter(2), mail + "|/tmp/a \xff.mov|");
+    EXPECT_THAT(firstLine(), ::testing::HasSubstr("/tmp/a \xef\xbf\xbd.mov"));
 }
 
 TEST_F(QtWorkspaceTest, ALinkThatDoesNotOpenIsNotReported) {
@@ -90,12 +94,6 @@ TEST_F(QtWorkspaceTest, ALinkThatDoesNotOpenIsNotReported) {
     openedAfter(1);
     workspace_.openURL(NSURL::fileURLWithPath("/tmp/b.mov"));
     EXPECT_THAT(firstLine(), ::testing::HasSubstr("/tmp/b.mov"));
-}
-
-TEST_F(QtWorkspaceTest, AFileThatNobodyWritesIsOpenedAtOnceByItsBytes) {
-    workspace_.openURL(NSURL::fileURLWithPath("/tmp/a \xff.mov"));
-    EXPECT_EQ(openedAfter(1), "/tmp/a \xff.mov|");
-    EXPECT_THAT(firstLine(), ::testing::HasSubstr("/tmp/a \xef\xbf\xbd.mov"));
 }
 
 TEST_F(QtWorkspaceTest, AFileThatIsMissingIsNotAMissingProgram) {
