@@ -4,13 +4,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <unistd.h>
+
+#include <QStandardPaths>
 
 #include "tests/desktop/waiting.h"
 
@@ -50,16 +50,6 @@ std::string variable(const char* name) {
     return value == nullptr ? "" : value;
 }
 
-bool isInPath(const std::string& tool) {
-    std::istringstream folders(variable("PATH"));
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        if (::access((fs::path(folder) / tool).c_str(), X_OK) == 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
 /// Ends every process with this entry, "NAME=value", in its environment: also children of children.
 void endAllWith(const std::string& entry) {
     // A process may just be starting another one: look until there is none.
@@ -83,7 +73,7 @@ void endAllWith(const std::string& entry) {
 
 std::optional<std::string> Desktop::missingTool() {
     for (const char* tool : {"Xvfb", "openbox", "dbus-daemon"}) {
-        if (!isInPath(tool)) {
+        if (QStandardPaths::findExecutable(tool).isEmpty()) {
             return tool;
         }
     }

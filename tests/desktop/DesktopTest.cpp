@@ -14,12 +14,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string trimmed(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(" \n");
-    const std::size_t last = text.find_last_not_of(" \n");
-    return first == std::string::npos ? "" : text.substr(first, last - first + 1);
-}
-
 bool isDialog(const Control& control) {
     const std::string role = control.role();
     return role == "dialog" || role == "alert" || role == "alert message";
@@ -61,19 +55,13 @@ void DesktopTest::TearDown() {
     program_.reset();
 }
 
-std::string DesktopTest::testName() const {
-    const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = std::string(test->test_suite_name()) + "." + test->name();
-    std::replace(name.begin(), name.end(), '/', '-');
-    return name;
-}
-
 void DesktopTest::keepScreen(const std::string& name) {
-    char number[16];
-    std::snprintf(number, sizeof number, "%02d", ++pictures_);
+    const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+    char beginning[160];
+    std::snprintf(beginning, sizeof beginning, "%s.%s-%02d-", test.test_suite_name(), test.name(),
+                  ++pictures_);
     fs::create_directories(VISTRANE_SCREENSHOTS);
-    const fs::path path =
-        fs::path(VISTRANE_SCREENSHOTS) / (testName() + "-" + number + "-" + name + ".png");
+    const fs::path path = fs::path(VISTRANE_SCREENSHOTS) / (beginning + name + ".png");
     EXPECT_TRUE(screen().picture().save(QString::fromStdString(path.string()))) << path;
 }
 
@@ -259,7 +247,7 @@ ShownAlert DesktopTest::alert(const std::string& message) {
     const Control dialog = this->dialog(message);
     ShownAlert shown{message, "", {}};
     for (const Control& text : allBelow(dialog, hasRole("label"))) {
-        const std::string name = trimmed(text.name());
+        const std::string name = QString::fromStdString(text.name()).trimmed().toStdString();
         if (!name.empty() && name != message) {
             shown.informative += name;
         }

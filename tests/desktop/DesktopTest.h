@@ -116,7 +116,6 @@ protected:
     std::string folder = desktop.work().makeFolder("time lapse");
 
 private:
-    std::string testName() const;
     Control dialog(const std::string& message);
     /// The extents of a control, once its window has been placed.
     QRect settledPlace(const Control& control);

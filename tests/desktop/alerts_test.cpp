@@ -68,16 +68,5 @@ TEST_F(Alerts, AMovieThatCannotBeCreatedLeavesTheWindowUsableAndIsTriedAgain) {
     EXPECT_THAT(namesEndingIn(".mov", folder), SizeIs(1));
 }
 
-TEST_F(Alerts, ACancelledPanelClearsTheFolderForThisRunOnly) {
-    startWithFrames(2);
-    clickButton(folder);
-    find("dialog", "Select Output Folder to Save the Capture");
-    screen().press({"Escape"});
-    button("click to select the output folder");
-    EXPECT_EQ(quit(), 0);
-    start();
-    button(folder);
-}
-
 } // namespace
 } // namespace vistrane

@@ -15,6 +15,14 @@ protected:
         screen().moveTo({2, 2});
         await("the play button's face", [&] { return faceOf(pictureOf(play)) == face; });
     }
+    void clickPlayAndAwait(const PlayFace& face) {
+        clickButton("Play");
+        awaitFace(face);
+    }
+    void switchAndAwait(ColourScheme scheme, const PlayFace& face) {
+        desktop.switchTo(scheme);
+        awaitFace(face);
+    }
 };
 
 TEST_F(Appearance, FacesAreThoseOfTheDesktopAtTheStart) {
@@ -22,48 +30,25 @@ TEST_F(Appearance, FacesAreThoseOfTheDesktopAtTheStart) {
     open();
     awaitFace(darkStopped);
     keepScreen("dark");
-    clickButton("Play");
-    awaitFace(darkPlaying);
-    clickButton("Play");
-    awaitFace(darkStopped);
+    clickPlayAndAwait(darkPlaying);
+    clickPlayAndAwait(darkStopped);
 }
 
-TEST_F(Appearance, SwitchedWhileStoppedShowsThePlainPair) {
+TEST_F(Appearance, FacesFollowTheDesktopWhileStoppedAndWhilePlaying) {
+    // A desktop without a preference is light.
+    desktop.switchTo(ColourScheme::none);
     open();
     awaitFace(lightStopped);
+    switchAndAwait(ColourScheme::light, lightStopped);
     keepScreen("light");
-    desktop.switchTo(ColourScheme::dark);
-    awaitFace(darkStopped);
-    clickButton("Play");
-    awaitFace(darkPlaying);
-    clickButton("Play");
-    awaitFace(darkStopped);
-    desktop.switchTo(ColourScheme::light);
-    awaitFace(lightStopped);
-}
-
-TEST_F(Appearance, SwitchedWhilePlayingShowsThePlayingPair) {
-    open();
-    clickButton("Play");
-    awaitFace(lightPlaying);
-    desktop.switchTo(ColourScheme::dark);
-    awaitFace(darkPlaying);
-    desktop.switchTo(ColourScheme::light);
-    awaitFace(lightPlaying);
-    desktop.switchTo(ColourScheme::dark);
-    awaitFace(darkPlaying);
-    clickButton("Play");
-    awaitFace(darkStopped);
-}
-
-TEST_F(Appearance, OfADesktopWithoutAPreferenceIsLight) {
-    desktop.switchTo(ColourScheme::none);
-    open();
-    awaitFace(lightStopped);
-    desktop.switchTo(ColourScheme::dark);
-    awaitFace(darkStopped);
-    desktop.switchTo(ColourScheme::none);
-    awaitFace(lightStopped);
+    switchAndAwait(ColourScheme::dark, darkStopped);
+    switchAndAwait(ColourScheme::none, lightStopped);
+    clickPlayAndAwait(lightPlaying);
+    switchAndAwait(ColourScheme::dark, darkPlaying);
+    switchAndAwait(ColourScheme::light, lightPlaying);
+    switchAndAwait(ColourScheme::dark, darkPlaying);
+    clickPlayAndAwait(darkStopped);
+    clickPlayAndAwait(darkPlaying);
 }
 
 } // namespace

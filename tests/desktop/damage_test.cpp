@@ -6,27 +6,7 @@
 namespace vistrane {
 namespace {
 
-using testing::Contains;
-using testing::HasSubstr;
-using testing::Pair;
-
 class Damage : public DesktopTest {};
-
-TEST_F(Damage, OfTheSettingsCostsTheSettingsOnly) {
-    storeUsual(12);
-    const std::string damaged = contentsOf(settingsFile()).substr(0, 70);
-    writeFile(settingsFile(), damaged);
-    start();
-    // As at the first start.
-    await("the beep", [this] { return screen().bells() == 1; });
-    tips();
-    awaitLabel("( fps = 30 )");
-    awaitLabel("( t = 5 s )");
-    EXPECT_THAT(program().log(), HasSubstr("are damaged"));
-    EXPECT_EQ(contentsOf(settingsFile() + ".damaged"), damaged);
-    EXPECT_EQ(quit(), 0);
-    EXPECT_THAT(stored(), Contains(Pair("iFPS", 30)));
-}
 
 TEST_F(Damage, OfAFrameEmptiesThePreviewAndStopsNothing) {
     makeFrames(4);

@@ -79,19 +79,6 @@ TEST_F(InfoPanel, OpensThePagesAndMailsThatItNames) {
     EXPECT_THAT(desktop.opened(), SizeIs(7));
 }
 
-TEST_F(InfoPanel, TellsHowToStartWithTheDesktop) {
-    openPanel();
-    clickButton("Auto Start Hint");
-    const std::string message = "Tips for 'Auto open at login'";
-    const ShownAlert shown = alert(message);
-    EXPECT_EQ(shown.buttons, std::vector<std::string>{"Got it"});
-    EXPECT_THAT(shown.informative,
-                AllOf(StartsWith("To save the reserved resource of your macOS under sandbox"),
-                      HasSubstr("from version 0.1.0"), HasSubstr("locate and add 'Vistrane'\n")));
-    keepScreen("hint");
-    answer(message, "Got it");
-}
-
 TEST_F(InfoPanel, MenuOfOtherApplicationsOpensTheirPages) {
     chooseItems({"Help", "Other Applications"});
     const Control item = find("menu item", "frameweave");

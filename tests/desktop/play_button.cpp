@@ -66,11 +66,4 @@ std::optional<std::pair<int, int>> frameNumbers(const std::string& readOut) {
     return numbers;
 }
 
-void FrameWatch::look() {
-    const auto numbers = frameNumbers(readOut_.name());
-    if (numbers && (seen_.empty() || seen_.back() != numbers->first)) {
-        seen_.push_back(numbers->first);
-    }
-}
-
 } // namespace vistrane

@@ -3,11 +3,8 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <QImage>
-
-#include "tests/desktop/Accessibility.h"
 
 namespace vistrane {
 
@@ -30,20 +27,5 @@ std::optional<PlayFace> faceOf(const QImage& button);
 
 /// The numbers in "Displaying frame 3 of 20"; nothing for another text.
 std::optional<std::pair<int, int>> frameNumbers(const std::string& readOut);
-
-/// Records which frames the read-out names.
-class FrameWatch {
-public:
-    explicit FrameWatch(Control readOut) : readOut_(std::move(readOut)) {}
-
-    void look();
-
-    /// Each number that followed another one.
-    const std::vector<int>& seen() const { return seen_; }
-
-private:
-    Control readOut_;
-    std::vector<int> seen_;
-};
 
 } // namespace vistrane

@@ -195,27 +195,32 @@ void WholeRun::browse() {
 void WholeRun::playOnceThrough() {
     const Control play = button("Play");
     const int start = frameShown()->first;
-    FrameWatch watch(label("Displaying frame " + std::to_string(start) + " of 20"));
-    watch.look();
+    const Control readOut = label("Displaying frame " + std::to_string(start) + " of 20");
+    std::vector<int> seen{start};
+    const auto look = [&] {
+        const auto numbers = frameNumbers(readOut.name());
+        if (numbers && seen.back() != numbers->first) {
+            seen.push_back(numbers->first);
+        }
+    };
     const Control slider = find("slider", "Frame");
     const int before = slider.valueChanges();
     const auto clicked = std::chrono::steady_clock::now();
     click(play);
     screen().moveTo({2, 2});
     await("the face of playing", [&] {
-        watch.look();
+        look();
         return faceOf(pictureOf(play)) == lightPlaying;
     });
     await("the face of the end", [&] {
-        watch.look();
+        look();
         return faceOf(pictureOf(play)) == lightStopped;
     });
     // 19 steps at 10 frames per second. A busy machine only makes it longer.
     EXPECT_GE(std::chrono::steady_clock::now() - clicked, std::chrono::milliseconds(1900));
     // From the slider's position to the first frame, and on without a step back.
-    auto seen = watch.seen();
-    ASSERT_EQ(seen.front(), start);
     seen.erase(seen.begin());
+    ASSERT_FALSE(seen.empty());
     EXPECT_LT(seen.front(), start);
     EXPECT_GE(seen.size(), 3U);
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end())) << testing::PrintToString(seen);
