@@ -135,7 +135,7 @@ TEST(Pictures, EachStandsOutOnLightAndOnDarkAtTheSmallestSize) {
     }
 }
 
-TEST(Pictures, EachFaceOfThePlayButtonCanBeToldFromTheOthers) {
+TEST(Pictures, EachFaceOfThePlayButtonDiffersFromTheOthers) {
     const std::vector<std::string> faces{"play1", "play1-s", "play2", "play2-s"};
     for (std::size_t i = 0; i < faces.size(); ++i) {
         for (std::size_t j = i + 1; j < faces.size(); ++j) {

@@ -252,7 +252,7 @@ TEST_F(QtInterfaceTest, WithoutMenuBarAndStatusIconTheInfoPanelOpensByKeyAndCont
     EXPECT_TRUE(info.isVisible());
 }
 
-TEST_F(QtInterfaceTest, ThePanelIsToldWhenTheTipsWindowClosesByItsButtonOrByEscape) {
+TEST_F(QtInterfaceTest, ThePanelIsNotifiedWhenTheTipsWindowClosesByItsButtonOrByEscape) {
     offer(panel(), "windowWillClose:");
     QWidget& tips = widget<QWidget>("tipWindow");
     openTips();

@@ -27,7 +27,7 @@ TEST_F(QtWindowTest, TheTitleIsShownAsText) {
     EXPECT_EQ(widgets_.widget().windowTitle(), QStringLiteral("Vistrane v0.1.0 & \uFFFD"));
 }
 
-TEST_F(QtWindowTest, TheDelegateIsToldOfEachCloseOfAnOpenWindow) {
+TEST_F(QtWindowTest, TheDelegateIsNotifiedOfEachCloseOfAnOpenWindow) {
     window_.setWillCloseAction(count());
     widgets_.widget().close();
     EXPECT_EQ(sent_, 0);

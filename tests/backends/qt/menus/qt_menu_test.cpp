@@ -61,7 +61,7 @@ TEST_F(QtMenus, TitlesAreShownAsTextAndKeysPressedWithTheCommandKey) {
     }
 }
 
-TEST_F(QtMenus, APictureIsShownAndTakenAway) {
+TEST_F(QtMenus, APictureIsShownAndRemoved) {
     const auto item = add("item");
     item->setImage(std::make_shared<NoImage>());
     EXPECT_FALSE(firstAction()->icon().isNull());
@@ -70,7 +70,7 @@ TEST_F(QtMenus, APictureIsShownAndTakenAway) {
     EXPECT_TRUE(firstAction()->icon().isNull());
 }
 
-TEST_F(QtMenus, ASubmenuIsShownAndTakenAway) {
+TEST_F(QtMenus, ASubmenuIsShownAndRemoved) {
     const auto item = add("item");
     const auto submenu = std::make_shared<QtMenu>(redSquare);
     item->setSubmenu(submenu);

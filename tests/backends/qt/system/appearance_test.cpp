@@ -68,30 +68,30 @@ TEST_F(AppearanceTest, AnAnswerThatIsWrappedOnceIsUnderstood) {
     EXPECT_TRUE(Appearance().isDark());
 }
 
-TEST_F(AppearanceTest, ChangesAreTold) {
+TEST_F(AppearanceTest, ChangesAreReported) {
     services_.offerScheme(2U);
     Appearance appearance;
-    std::vector<bool> told;
-    appearance.setChangeHandler([&] { told.push_back(appearance.isDark()); });
+    std::vector<bool> reported;
+    appearance.setChangeHandler([&] { reported.push_back(appearance.isDark()); });
     services_.sendSetting(group, key, QVariant(1U));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == 1; }, timeout));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return reported.size() == 1; }, timeout));
     services_.sendSetting(group, key, QVariant(1U));
     // Signals in quick succession may overtake each other.
     QTest::qWait(50);
     receive(appearance);
-    EXPECT_EQ(told, (std::vector<bool>{true}));
+    EXPECT_EQ(reported, (std::vector<bool>{true}));
     EXPECT_FALSE(appearance.isDark());
 }
 
 TEST_F(AppearanceTest, OtherSettingsChangeNothing) {
     services_.offerScheme(2U);
     Appearance appearance;
-    int told = 0;
-    appearance.setChangeHandler([&] { ++told; });
+    int reported = 0;
+    appearance.setChangeHandler([&] { ++reported; });
     services_.sendSetting(group, "accent-color", QVariant(1U));
     services_.sendSetting("org.gnome.desktop.interface", key, QVariant(1U));
     receive(appearance);
-    EXPECT_EQ(told, 0);
+    EXPECT_EQ(reported, 0);
 }
 
 TEST_F(AppearanceTest, APortalThatAnswersLateIsNotWaitedForAndChangesThingsLater) {
@@ -99,12 +99,13 @@ TEST_F(AppearanceTest, APortalThatAnswersLateIsNotWaitedForAndChangesThingsLater
     services_.ignore(readMethod);
     Appearance appearance;
     EXPECT_FALSE(appearance.isDark());
-    bool told = false;
-    appearance.setChangeHandler([&] { told = true; });
+    bool reported = false;
+    appearance.setChangeHandler([&] { reported = true; });
     services_.answer(readMethod, {wrapped(wrapped(1U))});
-    EXPECT_TRUE(QTest::qWaitFor([&] { return told || services_.countOf("Read") >= 2; }, timeout));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return reported || services_.countOf("Read") >= 2; }, timeout));
     services_.sendSetting(group, key, QVariant(1U));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return told; }, timeout));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return reported; }, timeout));
     EXPECT_TRUE(appearance.isDark());
 }
 

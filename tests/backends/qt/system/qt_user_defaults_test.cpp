@@ -297,7 +297,7 @@ TEST_F(QtUserDefaultsTest, TheLockOfACrashedInstanceIsIgnored) {
     EXPECT_EQ(open().integerForKey("iHour"), 7);
 }
 
-TEST_F(QtUserDefaultsTest, AnInstanceThatWasStoppedWhileItSavedHoldsNobodyUp) {
+TEST_F(QtUserDefaultsTest, AnInstanceThatWasStoppedWhileItSavedDelaysNoOther) {
     QLockFile lockOfTheStopped(QString::fromStdString(path_ + ".lock"));
     ASSERT_TRUE(lockOfTheStopped.lock());
     QtUserDefaults defaults = open();

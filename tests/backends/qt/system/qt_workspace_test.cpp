@@ -83,7 +83,7 @@ TEST_F(QtWorkspaceTest, AddressesAndPathsArePassedUnchanged) {
     const std::string mail = "mailto:a%40b.example?SUBJECT=x%20y&BODY=%0A";
     EXPECT_TRUE(workspace_.openURL(NSURL::URLWithString(mail)));
     EXPECT_EQ(openedAfter(1), mail + "|");
-    // Nobody writes this file, so that it is opened at once.
+    // No movie writer has this file, so it is opened at once.
     workspace_.openURL(NSURL::fileURLWithPath("/tmp/a \xff.mov"));
     EXPECT_EQ(openedAfter(2), mail + "|/tmp/a \xff.mov|");
     EXPECT_THAT(firstLine(), ::testing::HasSubstr("/tmp/a \xef\xbf\xbd.mov"));
