@@ -12,7 +12,9 @@ TEST_F(Damage, OfAFrameEmptiesThePreviewAndStopsNothing) {
     makeFrames(4);
     const std::string good = contentsOf(folder + "/003.png");
     writeFile(folder + "/002.png", "this is no picture");
-    writeFile(folder + "/003.png", damaged::corruptData(good));
+    std::string corrupt = good;
+    corrupt.replace(corrupt.find("IDAT") + 6, 4, "****");
+    writeFile(folder + "/003.png", corrupt);
     writeFile(folder + "/004.png", damaged::truncated(good));
     storeUsual(10);
     start({folder});
