@@ -196,10 +196,10 @@ void WholeRun::playOnceThrough() {
     const Control play = button("Play");
     const int start = frameShown()->first;
     const Control readOut = label("Displaying frame " + std::to_string(start) + " of 20");
-    std::vector<int> seen{start};
+    std::vector<int> seen;
     const auto look = [&] {
         const auto numbers = frameNumbers(readOut.name());
-        if (numbers && seen.back() != numbers->first) {
+        if (numbers && numbers->first != (seen.empty() ? start : seen.back())) {
             seen.push_back(numbers->first);
         }
     };
@@ -219,7 +219,6 @@ void WholeRun::playOnceThrough() {
     // 19 steps at 10 frames per second. A busy machine only makes it longer.
     EXPECT_GE(std::chrono::steady_clock::now() - clicked, std::chrono::milliseconds(1900));
     // From the slider's position to the first frame, and on without a step back.
-    seen.erase(seen.begin());
     ASSERT_FALSE(seen.empty());
     EXPECT_LT(seen.front(), start);
     EXPECT_GE(seen.size(), 3U);
