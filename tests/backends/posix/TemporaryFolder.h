@@ -1,9 +1,0 @@
-#pragma once
-
-#include "tests/support/WorkFolder.h"
-
-namespace vistrane {
-
-using TemporaryFolder = WorkFolder;
-
-} // namespace vistrane
