@@ -85,6 +85,9 @@ useCompilerCache() {
     command -v ccache >/dev/null || return 0
     export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
     export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    # Only by the contents of all headers: preprocessed, two headers that differ in comments are the
+    # same, but GCC compares a precompiled header with the files that it was made of.
+    export CCACHE_DEPEND=1
     compilerCache=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 }
 
