@@ -4,7 +4,6 @@
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace vistrane {
 
@@ -64,10 +63,6 @@ public:
 
     /// Whether the names and their order are the same.
     bool operator==(const FileNames& other) const { return bytes_ == other.bytes_; }
-
-    /// A copy, for callers that keep or change the names.
-    // NOLINTNEXTLINE(google-explicit-constructor): nothing but the names is lost
-    operator std::vector<std::string>() const { return {begin(), end()}; }
 
 private:
     /// The zero-terminated names, one after the other.

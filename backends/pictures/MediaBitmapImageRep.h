@@ -19,8 +19,6 @@ public:
     representationUsingType(NSBitmapImageFileType type,
                             const NSBitmapImageProperties& properties) const override;
 
-    const std::shared_ptr<const PictureSource>& source() const { return source_; }
-
 private:
     std::shared_ptr<const PictureSource> source_;
     PictureObserver& observer_;

@@ -12,17 +12,9 @@ struct CGColor {
 };
 
 /// Names of the constant colours.
-enum CGConstantColor { kCGColorBlack, kCGColorWhite, kCGColorClear };
+enum CGConstantColor { kCGColorBlack };
 
-constexpr CGColor CGColorGetConstantColor(CGConstantColor name) {
-    switch (name) {
-    case kCGColorWhite:
-        return {1.0, 1.0, 1.0, 1.0};
-    case kCGColorClear:
-        return {0.0, 0.0, 0.0, 0.0};
-    case kCGColorBlack:
-        break;
-    }
+constexpr CGColor CGColorGetConstantColor(CGConstantColor) {
     return {0.0, 0.0, 0.0, 1.0};
 }
 

@@ -25,14 +25,12 @@ TEST(FileNames, AreInitiallyEmpty) {
     EXPECT_THAT(names, IsEmpty());
     EXPECT_EQ(names.size(), 0U);
     EXPECT_TRUE(names.begin() == names.end());
-    EXPECT_THAT(std::vector<std::string>(names), IsEmpty());
 }
 
 TEST(FileNames, KeepTheirOrderAndBytes) {
     const FileNames names = namesOf({"b", "a\n.png", "\xff\xfe", "b"});
     EXPECT_THAT(names, ElementsAre("b", "a\n.png", "\xff\xfe", "b"));
     EXPECT_EQ(names.size(), 4U);
-    EXPECT_THAT(std::vector<std::string>(names), ElementsAre("b", "a\n.png", "\xff\xfe", "b"));
 }
 
 TEST(FileNames, AreEqualOnlyWithTheSameNamesInTheSameOrder) {

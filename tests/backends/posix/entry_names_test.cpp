@@ -39,7 +39,7 @@ TEST_P(EntryNames, OnlyTheTwoNamesOfFoldersAreLeftOut) {
     for (const std::string& name : all) {
         backend_.addFile(folder_ + "/" + name);
     }
-    EXPECT_THAT(std::vector<std::string>(*namesIn(folder_)), UnorderedElementsAreArray(all));
+    EXPECT_THAT(*namesIn(folder_), UnorderedElementsAreArray(all));
 }
 
 TEST_P(EntryNames, NamesOfEveryLengthAreListedInHoweverManyReads) {
@@ -50,7 +50,8 @@ TEST_P(EntryNames, NamesOfEveryLengthAreListedInHoweverManyReads) {
             backend_.addFile(folder_ + "/" + all.back());
         }
     }
-    std::vector<std::string> listed = *namesIn(folder_);
+    const FileNames names = *namesIn(folder_);
+    std::vector<std::string> listed(names.begin(), names.end());
     std::sort(listed.begin(), listed.end());
     std::sort(all.begin(), all.end());
     EXPECT_EQ(listed, all);

@@ -23,7 +23,8 @@ protected:
         sim.cameras().deliverPhoto(contents);
     }
     std::vector<std::string> files() {
-        return sim.platform().foundation.defaultManager().contentsOfDirectoryAtPath("/f").value();
+        const auto names = sim.files().contentsOfDirectoryAtPath("/f").value();
+        return {names.begin(), names.end()};
     }
 };
 
