@@ -20,8 +20,9 @@ std::unique_ptr<NSDateFormatter> PosixFoundation::dateFormatter() {
 }
 
 std::shared_ptr<NSThread> PosixFoundation::threadWithEntry(std::function<void()> entry) {
-    return PosixThread::withEntry(std::move(entry), [this](const NSError& error) {
-        NSLog(error.localizedDescription);
+    return std::make_shared<PosixThread>(std::move(entry), [this] {
+        NSLog("A thread could not be started because the system refuses more of them; end other "
+              "programs and try again");
         if (threadFailed_) {
             threadFailed_();
         }

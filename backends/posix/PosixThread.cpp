@@ -1,6 +1,5 @@
 #include "backends/posix/PosixThread.h"
 
-#include <cerrno>
 #include <utility>
 
 #include "backends/posix/threads.h"
@@ -13,19 +12,14 @@ thread_local std::shared_ptr<NSThread> runningThread;
 
 } // namespace
 
-std::shared_ptr<PosixThread> PosixThread::withEntry(std::function<void()> entry,
-                                                    std::function<void(const NSError&)> failed) {
-    return std::shared_ptr<PosixThread>(new PosixThread(std::move(entry), std::move(failed)));
-}
-
 std::shared_ptr<NSThread> PosixThread::current() {
     if (!runningThread) {
-        runningThread = withEntry({});
+        runningThread = std::make_shared<PosixThread>(nullptr);
     }
     return runningThread;
 }
 
-PosixThread::PosixThread(std::function<void()> entry, std::function<void(const NSError&)> failed)
+PosixThread::PosixThread(std::function<void()> entry, std::function<void()> failed)
     : entry_(std::move(entry)), failed_(std::move(failed)) {}
 
 void PosixThread::start() {
@@ -33,9 +27,7 @@ void PosixThread::start() {
         return;
     }
     if (!startDetachedThread([self = shared_from_this()] { self->run(); }) && failed_) {
-        failed_({"NSPOSIXErrorDomain", EAGAIN,
-                 "A thread could not be started because the system refuses more of them; end "
-                 "other programs and try again"});
+        failed_();
     }
 }
 

@@ -4,7 +4,6 @@
 #include <functional>
 #include <memory>
 
-#include "platform/foundation/NSError.h"
 #include "platform/foundation/NSThread.h"
 
 namespace vistrane {
@@ -13,9 +12,8 @@ namespace vistrane {
 class PosixThread final : public NSThread, public std::enable_shared_from_this<PosixThread> {
 public:
     /// `failed` is called within `start` if the system refuses a thread; the entry then never runs.
-    /// A second `start` does nothing.
-    static std::shared_ptr<PosixThread> withEntry(std::function<void()> entry,
-                                                  std::function<void(const NSError&)> failed = {});
+    /// A second `start` does nothing. A `std::shared_ptr` must own the object.
+    explicit PosixThread(std::function<void()> entry, std::function<void()> failed = {});
 
     /// The object of the calling thread. A thread that was started in another way gets an object
     /// with the first call.
@@ -26,11 +24,10 @@ public:
     bool isCancelled() const override { return cancelled_; }
 
 private:
-    PosixThread(std::function<void()> entry, std::function<void(const NSError&)> failed);
     void run();
 
     std::function<void()> entry_;
-    std::function<void(const NSError&)> failed_;
+    std::function<void()> failed_;
     std::atomic<bool> started_{false};
     std::atomic<bool> cancelled_{false};
 };

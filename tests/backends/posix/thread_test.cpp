@@ -16,7 +16,7 @@ namespace {
 
 TEST(PosixThread, RunsOnAThreadOfItsOwn) {
     std::promise<std::thread::id> where;
-    PosixThread::withEntry([&] { where.set_value(std::this_thread::get_id()); })->start();
+    std::make_shared<PosixThread>([&] { where.set_value(std::this_thread::get_id()); })->start();
     EXPECT_NE(where.get_future().get(), std::this_thread::get_id());
 }
 
@@ -24,7 +24,7 @@ TEST(PosixThread, ASecondStartDoesNothing) {
     std::atomic<int> runs{0};
     std::promise<void> released;
     const auto captured = std::shared_ptr<void>(nullptr, [&](void*) { released.set_value(); });
-    auto thread = PosixThread::withEntry([&runs, held = captured] { ++runs; });
+    auto thread = std::make_shared<PosixThread>([&runs, held = captured] { ++runs; });
     thread->start();
     thread->start();
     while (captured.use_count() > 1) {
@@ -36,7 +36,7 @@ TEST(PosixThread, ASecondStartDoesNothing) {
 
 TEST(PosixThread, AnotherThreadMayCancelIt) {
     std::promise<void> ended;
-    const auto thread = PosixThread::withEntry([&] {
+    const auto thread = std::make_shared<PosixThread>([&] {
         while (!PosixThread::current()->isCancelled()) {
             std::this_thread::yield();
         }
@@ -54,7 +54,7 @@ TEST(PosixThread, AThreadThatCapturesItselfIsDestroyed) {
     {
         const auto captured = std::shared_ptr<void>(nullptr, [&](void*) { released.set_value(); });
         auto own = std::make_shared<std::shared_ptr<NSThread>>();
-        const auto thread = PosixThread::withEntry([captured, own] {});
+        const auto thread = std::make_shared<PosixThread>([captured, own] {});
         *own = thread;
         thread->start();
     }
@@ -70,7 +70,7 @@ TEST(PosixThread, EveryThreadHasOneObject) {
 
 [[noreturn]] void exitWhileAThreadRuns() {
     std::promise<void> started;
-    PosixThread::withEntry([&started] {
+    std::make_shared<PosixThread>([&started] {
         started.set_value();
         for (;;) {
             if (PosixThread::current()->isCancelled()) {
