@@ -123,7 +123,7 @@ void WindowSession::launch() {
     handleEndings();
     followAppearance();
     connectInterface();
-    parts_.interface.holdSmallWindows();
+    parts_.interface.setSmallWindowsHeldBack(true);
     // Before the window is shown, because a window manager may not remove a task-bar entry later.
     const bool isDockSettingStored = parts_.defaults.integerForKey("firstTime") == 1;
     if (isDockSettingStored) {
@@ -206,7 +206,7 @@ void WindowSession::showOtherWindows() {
         [this] { parts_.controller.realUnhide(&parts_.controller); });
     awaitDisplay();
     // Last, so that they are in front of the main window and can be placed relative to it.
-    parts_.interface.releaseSmallWindows();
+    parts_.interface.setSmallWindowsHeldBack(false);
     awaitDisplay();
     if (QApplication::activeWindow() == nullptr) {
         // Some window managers do not activate a new window that has no task-bar entry.

@@ -31,6 +31,7 @@ public:
     virtual void miniaturizeAll(NSObject* sender) = 0;
     /// Takes effect immediately. Returns whether the policy has changed.
     virtual bool setActivationPolicy(NSApplicationActivationPolicy policy) = 0;
+    /// Brings the program to the front. The program always passes true.
     virtual void activateIgnoringOtherApps(bool ignoring) = 0;
 };
 

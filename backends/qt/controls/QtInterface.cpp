@@ -174,12 +174,12 @@ public:
 private:
     void addForm(QtNib& nib, QWidget& root);
     void addWidget(QtNib& nib, QWidget& widget, QtWindow& window);
-    void addSlider(QtNib& nib, SliderWidget& widget, QtWindow& window);
+    void addSlider(QtNib& nib, SliderWidget& widget);
     void addView(QtNib& nib, PictureWidget& widget);
     void addMenus();
     void addMenuAction(QAction& item);
     template <typename Control>
-    void add(QtNib& nib, QWidget& widget, QtWindow& window, std::shared_ptr<Control> control);
+    void add(QtNib& nib, QWidget& widget, std::shared_ptr<Control> control);
     void addSender(const QObject& widget, const QtNib::Connection& connect);
 
     Windows& windows_;
@@ -223,17 +223,17 @@ void QtInterface::Connector::addForm(QtNib& nib, QWidget& root) {
 
 void QtInterface::Connector::addWidget(QtNib& nib, QWidget& widget, QtWindow& window) {
     if (auto* const slider = dynamic_cast<SliderWidget*>(&widget)) {
-        addSlider(nib, *slider, window);
+        addSlider(nib, *slider);
     } else if (auto* const picture = dynamic_cast<PictureWidget*>(&widget)) {
         addView(nib, *picture);
     } else if (auto* const popUp = dynamic_cast<PopUpWidget*>(&widget)) {
-        add(nib, widget, window, std::make_shared<QtPopUpButton>(*popUp));
+        add(nib, widget, std::make_shared<QtPopUpButton>(*popUp));
     } else if (auto* const button = dynamic_cast<QAbstractButton*>(&widget)) {
-        add(nib, widget, window, std::make_shared<QtButton>(*button));
+        add(nib, widget, std::make_shared<QtButton>(*button));
     } else if (auto* const line = dynamic_cast<QLineEdit*>(&widget)) {
         const auto field = std::make_shared<QtTextField>(*line);
         window.addField(field);
-        add(nib, widget, window, field);
+        add(nib, widget, field);
     } else if (auto* const label = dynamic_cast<QLabel*>(&widget)) {
         nib.addOutlet(widget.objectName().toStdString(), std::make_shared<QtLabel>(*label));
     } else if (auto* const bar = dynamic_cast<QProgressBar*>(&widget)) {
@@ -242,9 +242,9 @@ void QtInterface::Connector::addWidget(QtNib& nib, QWidget& widget, QtWindow& wi
     }
 }
 
-void QtInterface::Connector::addSlider(QtNib& nib, SliderWidget& widget, QtWindow& window) {
+void QtInterface::Connector::addSlider(QtNib& nib, SliderWidget& widget) {
     const auto slider = std::make_shared<QtSlider>(widget);
-    add(nib, widget, window, slider);
+    add(nib, widget, slider);
     const QString cellClass = widget.property("cellClass").toString();
     if (!cellClass.isEmpty()) {
         nib.addCellSlider(cellClass.toStdString(), slider);
@@ -261,9 +261,7 @@ void QtInterface::Connector::addView(QtNib& nib, PictureWidget& widget) {
 }
 
 template <typename Control>
-void QtInterface::Connector::add(QtNib& nib, QWidget& widget, QtWindow& window,
-                                 std::shared_ptr<Control> control) {
-    window.addControl(*control, widget);
+void QtInterface::Connector::add(QtNib& nib, QWidget& widget, std::shared_ptr<Control> control) {
     nib.addOutlet(widget.objectName().toStdString(), control);
     addSender(widget, [control](const NSAction& action) { control->setAction(action); });
 }
@@ -336,12 +334,8 @@ std::vector<QWidget*> QtInterface::windows() {
     return {&windows_->mainWindow, &windows_->infoPanel, &windows_->tipsWindow};
 }
 
-void QtInterface::holdSmallWindows() {
-    connector_->setSmallWindowsHeldBack(true);
-}
-
-void QtInterface::releaseSmallWindows() {
-    connector_->setSmallWindowsHeldBack(false);
+void QtInterface::setSmallWindowsHeldBack(bool areHeldBack) {
+    connector_->setSmallWindowsHeldBack(areHeldBack);
 }
 
 QMenu& QtInterface::statusMenu() {

@@ -43,10 +43,9 @@ public:
     /// stay visible while the main window is minimised. They first appear centred on it.
     std::vector<QWidget*> windows();
 
-    /// Delays showing the small windows, which `awakeFromNib` of the objects may request.
-    void holdSmallWindows();
-    /// Shows the requested ones, in front of the main window.
-    void releaseSmallWindows();
+    /// Delays showing the small windows, which `awakeFromNib` of the objects may request. At the
+    /// end of the delay, the requested ones are shown in front of the main window.
+    void setSmallWindowsHeldBack(bool areHeldBack);
 
     /// The menu of the icon in the desktop's status area.
     QMenu& statusMenu();

@@ -13,21 +13,11 @@ QtWindow::QtWindow(QWidget& widget) : widget_(widget) {
     widget.installEventFilter(this);
 }
 
-bool QtWindow::makeFirstResponder(NSObject* responder) {
+bool QtWindow::makeFirstResponder(NSObject*) {
     for (const std::shared_ptr<QtTextField>& field : fields_) {
-        if (field.get() != responder) {
-            field->endEditing();
-        }
+        field->endEditing();
     }
-    if (responder == nullptr) {
-        takeFocus();
-        return true;
-    }
-    const auto control = controls_.find(responder);
-    if (control == controls_.end() || control->second == nullptr) {
-        return false;
-    }
-    control->second->setFocus();
+    takeFocus();
     return true;
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -16,18 +15,15 @@
 
 namespace vistrane {
 
-/// A window on a widget that outlives it, and the controls that can have its keyboard focus.
+/// A window on a widget that outlives it.
 class QtWindow final : public NSWindow, private QObject {
 public:
     explicit QtWindow(QWidget& widget);
 
-    /// `widget` is the control's widget in this window.
-    void addControl(const NSObject& control, QWidget& widget) { controls_[&control] = &widget; }
-    /// A control whose editing the window ends. Add it before or after `addControl`.
+    /// A control whose editing the window ends.
     void addField(std::shared_ptr<QtTextField> field) { fields_.push_back(std::move(field)); }
 
-    /// Ends editing in every other field and gives the focus to the control. Returns false if the
-    /// window has no such control. With null, no control has the focus, so that typing changes no
+    /// Ends editing in every field. No control has the focus afterwards, so that typing changes no
     /// field; the tab key continues from the control that had it.
     bool makeFirstResponder(NSObject* responder) override;
     /// Shows the window, even if it is minimised. While showing is delayed, it appears later.
@@ -52,7 +48,6 @@ private:
     QWidget& widget_;
     /// Has the focus if no control has it. The tab key skips it.
     QPointer<QWidget> noControl_;
-    std::map<const NSObject*, QPointer<QWidget>> controls_;
     std::vector<std::shared_ptr<QtTextField>> fields_;
     Action willClose_;
     bool isHeldBack_ = false;

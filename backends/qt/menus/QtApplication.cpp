@@ -89,14 +89,10 @@ bool QtApplication::setActivationPolicy(NSApplicationActivationPolicy policy) {
     return policy == NSApplicationActivationPolicyRegular || canLeaveTaskBar();
 }
 
-void QtApplication::activateIgnoringOtherApps(bool ignoring) {
+void QtApplication::activateIgnoringOtherApps(bool) {
     QWidget* const active = activeWindow();
     QWidget* const front = isOnScreen(active) ? active : mainWindow_.data();
     if (!isOnScreen(front)) {
-        return;
-    }
-    if (!ignoring) {
-        QApplication::alert(front);
         return;
     }
     if (front != mainWindow_ && isOnScreen(mainWindow_)) {

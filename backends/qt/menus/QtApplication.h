@@ -41,7 +41,7 @@ public:
     bool setActivationPolicy(NSApplicationActivationPolicy policy) override;
 
     /// Brings the main window and then the active one to the front, if the window system allows it.
-    /// Minimised and hidden windows stay as they are. If `ignoring` is false, only alerts the user.
+    /// Minimised and hidden windows stay as they are.
     void activateIgnoringOtherApps(bool ignoring) override;
 
 protected:

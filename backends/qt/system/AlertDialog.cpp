@@ -48,7 +48,7 @@ int escapeButtonOf(const AlertContents& contents) {
 AlertDialog::AlertDialog(const AlertContents& contents, QWidget* accessory, QWidget* parent)
     : QDialog(parent), escapeButton_(escapeButtonOf(contents)), accessory_(accessory) {
     setObjectName("alert");
-    setWindowTitle(QString::fromStdString(contents.title));
+    setWindowTitle("Vistrane");
     setAccessibleName(QString::fromStdString(contents.message));
     setAccessibleDescription(QString::fromStdString(contents.informative).trimmed());
 

@@ -29,7 +29,6 @@ QWidget* dialogParent(const QtDialogRules& rules);
 
 /// The contents of an alert.
 struct AlertContents {
-    std::string title = "Vistrane";
     std::string message;
     std::string informative;
     /// From left to right, in the order of their answers; the first is the default. Not empty.
@@ -61,18 +60,12 @@ public:
     NSModalResponse runModal() override;
 
 private:
-    /// The dialog is created when the alert runs. Until then only its title can be set.
-    class Window final : public NSWindow {
-    public:
-        explicit Window(AlertContents& contents) : contents_(contents) {}
+    /// The dialog is created when the alert runs, and title bars belong to the window manager.
+    struct Window final : NSWindow {
         bool makeFirstResponder(NSObject*) override { return false; }
         void makeKeyAndOrderFront(NSObject*) override {}
-        void setTitle(const std::string& title) override { contents_.title = title; }
-        /// Does nothing: title bars belong to the window manager.
+        void setTitle(const std::string&) override {}
         void setTitlebarAppearsTransparent(bool) override {}
-
-    private:
-        AlertContents& contents_;
     };
 
     NSModalResponse runOnMainThread() const;
@@ -80,7 +73,7 @@ private:
 
     const std::shared_ptr<const QtDialogRules> rules_;
     AlertContents contents_;
-    Window window_{contents_};
+    Window window_;
 };
 
 } // namespace vistrane

@@ -333,17 +333,17 @@ TEST_F(QtInterfaceTest, ASmallWindowFirstAppearsInTheMiddleOfTheMainOneAndThenWh
 }
 
 TEST_F(QtInterfaceTest, AWindowThatIsShownTooEarlyComesUpInFrontOfTheMainOne) {
-    interface_.holdSmallWindows();
+    interface_.setSmallWindowsHeldBack(true);
     openTips();
     QWidget& tips = widget<QWidget>("tipWindow");
     EXPECT_FALSE(tips.isVisible());
     show();
     EXPECT_FALSE(tips.isVisible());
-    interface_.releaseSmallWindows();
+    interface_.setSmallWindowsHeldBack(false);
     EXPECT_TRUE(QTest::qWaitForWindowActive(&tips));
     EXPECT_FALSE(widget<QWidget>("infoPanel").isVisible());
     tips.close();
-    interface_.releaseSmallWindows();
+    interface_.setSmallWindowsHeldBack(false);
     EXPECT_FALSE(tips.isVisible());
 }
 
