@@ -6,21 +6,14 @@
 #include <utility>
 
 #include "platform/appkit/NSButton.h"
-#include "platform/appkit/NSNib.h"
+#include "platform/appkit/NSMenu.h"
 
 namespace vistrane {
 
-/// A button without a screen. `performClick` acts like a user's click.
+/// A push button without a screen. `performClick` acts like a user's click.
 class ConsoleButton final : public NSButton {
 public:
-    enum class Kind {
-        push,
-        /// A click toggles the state before the action is sent.
-        checkBox
-    };
-
-    explicit ConsoleButton(std::string title, Kind kind = Kind::push)
-        : kind_(kind), title_(std::move(title)) {}
+    explicit ConsoleButton(std::string title) : title_(std::move(title)) {}
 
     std::string title() const override { return title_; }
     void setTitle(const std::string& title) override { title_ = title; }
@@ -38,20 +31,12 @@ public:
 
     /// Sends the action. A disabled button does nothing.
     void performClick() {
-        if (!enabled_) {
-            return;
-        }
-        if (kind_ == Kind::checkBox) {
-            setState(state_ == NSControlStateValueOff ? NSControlStateValueOn
-                                                      : NSControlStateValueOff);
-        }
-        if (action_) {
+        if (enabled_ && action_) {
             action_(this);
         }
     }
 
 private:
-    const Kind kind_;
     std::string title_;
     NSInteger state_ = NSControlStateValueOff;
     /// The compile thread writes it too.

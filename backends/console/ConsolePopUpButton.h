@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/appkit/NSNib.h"
+#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSPopUpButton.h"
 
 namespace vistrane {

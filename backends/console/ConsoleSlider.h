@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "platform/SliderValue.h"
-#include "platform/appkit/NSNib.h"
+#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSSlider.h"
 
 namespace vistrane {
@@ -21,9 +21,6 @@ public:
     void setIntegerValue(NSInteger value) override { value_.set(static_cast<double>(value)); }
 
     void setAction(NSAction action) { action_ = std::move(action); }
-    double minValue() const { return value_.minimum(); }
-    double maxValue() const { return value_.maximum(); }
-    double doubleValue() const { return value_.doubleValue(); }
 
     /// Moves the knob, within the range, and sends the action.
     void userMoves(double value) {

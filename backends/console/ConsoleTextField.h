@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/appkit/NSNib.h"
+#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSString.h"
 

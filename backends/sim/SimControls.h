@@ -7,13 +7,12 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "backends/sim/CallLog.h"
-#include "platform/NibOutlets.h"
+#include "platform/NibTables.h"
 #include "platform/SliderValue.h"
 #include "platform/appkit/CALayer.h"
 #include "platform/appkit/NSButton.h"
@@ -264,10 +263,10 @@ struct SimMenu final : SimOf<NSMenu> {
 
 /// An interface file with every outlet of the controller and of the panel, as a control of that
 /// name. The rate slider "fpsS" has the range 1 to 60, the frame slider 0 to 100.
-class SimNib final : public NibOutlets {
+class SimNib final : public NibTables {
 public:
     explicit SimNib(CallLog& log) : log_(log) {
-        add<SimWindow>({"myWindow", "tipWindow", "panel"});
+        add<SimWindow>({"myWindow", "tipWindow"});
         add<SimTextField>({"hInput", "mInput", "sInput", "fpsD", "timeD", "currentS",
                            "versionLabel", "tipText", "picCount"});
         add<SimSlider>({"fpsS", "photoSlider"});
@@ -282,8 +281,6 @@ public:
         add<SimMenuItem>({"mantisSubmenuS", "mantisSubmenuD", "mantisSubmenuM"});
     }
 
-    /// Gives the panel the window "panel".
-    void window(NSPanel& panel) override { panel.setContents(control<SimWindow>("panel")); }
     void sliderCell(const std::string& className,
                     std::function<std::shared_ptr<NSSliderCell>()> make) override {
         offer(cells_, className, std::move(make));
@@ -296,17 +293,17 @@ public:
     void leaveOut(const std::string& name) { addOutlet(name, nullptr); }
 
     // The control of that name. A wrong name or kind is an error of the test and ends it.
-    SimWindow& window(const std::string& name) { return *control<SimWindow>(name); }
-    SimTextField& textField(const std::string& name) { return *control<SimTextField>(name); }
-    SimSlider& slider(const std::string& name) { return *control<SimSlider>(name); }
-    SimButton& button(const std::string& name) { return *control<SimButton>(name); }
-    SimImageView& imageView(const std::string& name) { return *control<SimImageView>(name); }
-    SimPopUpButton& popUp(const std::string& name) { return *control<SimPopUpButton>(name); }
-    SimView& view(const std::string& name) { return *control<SimView>(name); }
-    SimMenu& menu(const std::string& name) { return *control<SimMenu>(name); }
-    SimMenuItem& menuItem(const std::string& name) { return *control<SimMenuItem>(name); }
+    SimWindow& window(const std::string& name) { return the<SimWindow>(name); }
+    SimTextField& textField(const std::string& name) { return the<SimTextField>(name); }
+    SimSlider& slider(const std::string& name) { return the<SimSlider>(name); }
+    SimButton& button(const std::string& name) { return the<SimButton>(name); }
+    SimImageView& imageView(const std::string& name) { return the<SimImageView>(name); }
+    SimPopUpButton& popUp(const std::string& name) { return the<SimPopUpButton>(name); }
+    SimView& view(const std::string& name) { return the<SimView>(name); }
+    SimMenu& menu(const std::string& name) { return the<SimMenu>(name); }
+    SimMenuItem& menuItem(const std::string& name) { return the<SimMenuItem>(name); }
     SimProgressIndicator& progress(const std::string& name) {
-        return *control<SimProgressIndicator>(name);
+        return the<SimProgressIndicator>(name);
     }
 
     /// Makes a cell of that class and wakes it.
@@ -338,17 +335,12 @@ private:
     template <class Control>
     void add(std::initializer_list<const char*> names) {
         for (const char* name : names) {
-            controls_[name] = std::make_shared<Control>(log_, name);
-            addOutlet(name, controls_[name]);
+            addOutlet(name, std::make_shared<Control>(log_, name));
         }
     }
     template <class Control>
-    std::shared_ptr<Control> control(const std::string& name) {
-        auto control = std::dynamic_pointer_cast<Control>(controls_.at(name));
-        if (!control) {
-            throw std::logic_error("the control " + name + " is of another kind");
-        }
-        return control;
+    Control& the(const std::string& name) const {
+        return dynamic_cast<Control&>(*control(name));
     }
     template <class Table, class Offer>
     void offer(Table& table, const std::string& name, Offer given) {
@@ -358,7 +350,6 @@ private:
     }
 
     CallLog& log_;
-    std::map<std::string, std::shared_ptr<NSObject>> controls_;
     std::map<std::string, std::function<std::shared_ptr<NSSliderCell>()>> cells_;
     std::map<std::string, NSAction> actions_;
 };

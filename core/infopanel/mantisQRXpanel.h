@@ -75,8 +75,8 @@ public:
     std::int32_t demoCount = 0;
 
     // ---- Set-up --------------------------------------------------------------------------------
-    /// Takes the window, fills the outlets and registers the actions. Returns the names of the
-    /// required outlets that the interface file lacks.
+    /// Fills the outlets and registers the actions. Returns the names of the required outlets that
+    /// the interface file lacks.
     std::vector<std::string> connectInterface(NSNib& nib);
     /// Call once, after `connectInterface`. Opens the tips unless the user has switched them off.
     void awakeFromNib();

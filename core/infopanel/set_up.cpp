@@ -23,8 +23,6 @@ std::string versionOf(const NSBundle& bundle) {
 mantisQRXpanel::mantisQRXpanel(const Platform& platform) : platform_(platform) {}
 
 std::vector<std::string> mantisQRXpanel::connectInterface(NSNib& nib) {
-    nib.window(*this);
-
     Outlets outlets(nib);
     outlets.require("mantisSubmenuS", mantisSubmenuS);
     outlets.require("mantisSubmenuD", mantisSubmenuD);

@@ -57,7 +57,6 @@ struct Session::Parts {
         : backend(loop, defaults, log, observer,
                   {programVersion, cameraOptions(options), movieOptions(options.movie)}),
           cleanUp(options.cleanUp) {
-        interface.addTo(nib);
         backend.foundation.setThreadFailureHandler([this] { threadIsMissing = true; });
         interface.progressBar->setObserver(
             [this](double value, double maximum) { output.showProgress(value, maximum); });
@@ -93,7 +92,6 @@ struct Session::Parts {
                              ConsoleAlertRules{loop, log, [this] { return answer(); }}),
                          workspace, loop, backend.pictures, report};
     ConsoleInterface interface;
-    ConsoleNib nib;
     AppDelegate controller{backend.platform(appKit)};
     const std::function<void()> cleanUp;
     std::string folder;
@@ -123,7 +121,7 @@ Session::Session(const SessionOptions& options)
 }
 
 void Session::launch() {
-    const std::vector<std::string> missing = parts_.controller.connectInterface(parts_.nib);
+    const std::vector<std::string> missing = parts_.controller.connectInterface(parts_.interface);
     if (!missing.empty()) {
         fail("The interface has no control '" + missing.front() + "'.");
     }

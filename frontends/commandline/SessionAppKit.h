@@ -6,7 +6,6 @@
 
 #include "backends/console/ConsoleAlert.h"
 #include "backends/console/ConsoleApplication.h"
-#include "backends/console/ConsoleOpenPanel.h"
 #include "backends/pictures/PictureAppKit.h"
 #include "backends/qt/loop/QtRunLoop.h"
 #include "frontends/commandline/CompileReport.h"
@@ -30,10 +29,9 @@ public:
     std::unique_ptr<NSAlert> alertWithError(const NSError& error) override {
         return std::make_unique<ConsoleAlert>(alertRules_, error);
     }
-    std::unique_ptr<NSOpenPanel> openPanel() override {
-        return std::make_unique<ConsoleOpenPanel>();
-    }
-    /// Only the info panel creates menus, and the command line has no info panel.
+    /// Null: no control of the command line opens the panel.
+    std::unique_ptr<NSOpenPanel> openPanel() override { return nullptr; }
+    /// Null: only the info panel creates menus, and the command line has no info panel.
     std::shared_ptr<NSMenu> menu() override { return nullptr; }
 
     /// Silent: the program beeps at a first run, which every command is.

@@ -3,18 +3,11 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
-#include "platform/appkit/NSButton.h"
-#include "platform/appkit/NSImageView.h"
 #include "platform/appkit/NSMenu.h"
-#include "platform/appkit/NSPanel.h"
-#include "platform/appkit/NSPopUpButton.h"
-#include "platform/appkit/NSProgressIndicator.h"
-#include "platform/appkit/NSSlider.h"
 #include "platform/appkit/NSSliderCell.h"
-#include "platform/appkit/NSTextField.h"
-#include "platform/appkit/NSView.h"
-#include "platform/appkit/NSWindow.h"
+#include "platform/foundation/NSObject.h"
 
 namespace vistrane {
 
@@ -29,20 +22,14 @@ public:
     NSNib(const NSNib&) = delete;
     NSNib& operator=(const NSNib&) = delete;
 
-    /// Sets `field` to the control of that outlet name; leaves it null if the file has none.
-    virtual void outlet(const std::string& name, std::shared_ptr<NSWindow>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSTextField>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSSlider>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSButton>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSImageView>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSPopUpButton>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSView>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSProgressIndicator>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSMenu>& field) = 0;
-    virtual void outlet(const std::string& name, std::shared_ptr<NSMenuItem>& field) = 0;
-
-    /// For an object that is itself a panel: gives it the window that the file describes.
-    virtual void window(NSPanel& panel) = 0;
+    /// Sets `field` to the control of that outlet name; leaves it null if the file has none of the
+    /// field's type.
+    template <typename Control>
+    void outlet(const std::string& name, std::shared_ptr<Control>& field) {
+        if (auto found = std::dynamic_pointer_cast<Control>(control(name))) {
+            field = std::move(found);
+        }
+    }
 
     /// Registers a class of slider cells. The file creates one for each slider that names the
     /// class, and calls its `awakeFromNib`.
@@ -55,6 +42,9 @@ public:
 
 protected:
     NSNib() = default;
+
+    /// The control of that outlet name; null if the file has none.
+    virtual std::shared_ptr<NSObject> control(const std::string& name) const = 0;
 };
 
 } // namespace vistrane

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/appkit/NSNib.h"
+#include "platform/appkit/NSMenu.h"
 
 namespace vistrane {
 

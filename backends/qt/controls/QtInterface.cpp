@@ -1,6 +1,7 @@
 #include "backends/qt/controls/QtInterface.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <utility>
 
@@ -15,7 +16,6 @@
 #include "backends/qt/controls/QtButton.h"
 #include "backends/qt/controls/QtImage.h"
 #include "backends/qt/controls/QtImageView.h"
-#include "backends/qt/controls/QtNib.h"
 #include "backends/qt/controls/QtPopUpButton.h"
 #include "backends/qt/controls/QtProgressIndicator.h"
 #include "backends/qt/controls/QtSlider.h"
@@ -23,6 +23,7 @@
 #include "backends/qt/controls/QtWindow.h"
 #include "backends/qt/menus/QtMenu.h"
 #include "backends/qt/menus/QtMenuItem.h"
+#include "platform/NibTables.h"
 
 #include "ui_autostart_view.h"
 #include "ui_info_panel.h"
@@ -35,6 +36,28 @@ namespace {
 
 constexpr char controllerName[] = "AppDelegate";
 constexpr char panelName[] = "mantisQRXpanel";
+
+/// The interface files from the view of one object.
+class QtNib final : public NibTables {
+public:
+    /// Adds a slider that is drawn by a cell of that class.
+    void addCellSlider(const std::string& className, std::shared_ptr<QtSlider> slider) {
+        cellSliders_.emplace(className, std::move(slider));
+    }
+
+    void sliderCell(const std::string& className,
+                    std::function<std::shared_ptr<NSSliderCell>()> make) override {
+        const auto [first, last] = cellSliders_.equal_range(className);
+        for (auto entry = first; entry != last; ++entry) {
+            const std::shared_ptr<NSSliderCell> cell = make();
+            cell->awakeFromNib();
+            entry->second->setCell(cell);
+        }
+    }
+
+private:
+    std::multimap<std::string, std::shared_ptr<QtSlider>> cellSliders_;
+};
 
 /// Keeps a menu item enabled exactly while a button is.
 class EnabledFollower final : public QObject {
@@ -198,7 +221,6 @@ QtInterface::Connector::Connector(Windows& windows, const QtResources& resources
     addForm(panel, windows.autostartForm);
     // The panel puts the version into the main window's title.
     panel.addOutlet("myWindow", controlWindows_.at("myWindow"));
-    panel.setPanelWindow(controlWindows_.at("infoPanel"));
     addMenus();
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "backends/console/ConsoleAlert.h"
+#include "backends/console/ConsoleImageView.h"
 #include "backends/console/ConsoleInterface.h"
 #include "tests/backends/qt/loop/QtLoopBackend.h"
 
@@ -14,13 +15,11 @@ namespace vistrane {
 /// The console for the contract suites, on the real clock.
 class ConsoleBackend : public QtLoopBackend {
 public:
-    ConsoleBackend() { interface_.addTo(nib_); }
-
     std::unique_ptr<NSAlert> alert() { return std::make_unique<ConsoleAlert>(alertRules_); }
     std::unique_ptr<NSAlert> alertWithError(const NSError& error) {
         return std::make_unique<ConsoleAlert>(alertRules_, error);
     }
-    std::shared_ptr<NSView> view() { return std::make_shared<ConsoleView>(); }
+    std::shared_ptr<NSView> view() { return std::make_shared<ConsoleImageView>(); }
     void answerNextAlert(NSInteger button, double seconds) {
         button_ = button;
         secondsUp_ = seconds;
@@ -49,11 +48,11 @@ public:
         return std::min(shown.doubleValue() / shown.maxValue(), 1.0);
     }
 
-    NSNib& nib() { return nib_; }
+    NSNib& nib() { return interface_; }
     std::string missingOutlet() { return "noSuchControl"; }
     void click(const std::string& outlet, const std::string&) {
         std::shared_ptr<NSButton> button;
-        nib_.outlet(outlet, button);
+        interface_.outlet(outlet, button);
         dynamic_cast<ConsoleButton&>(*button).performClick();
     }
 
@@ -70,7 +69,6 @@ private:
     }
 
     ConsoleInterface interface_;
-    ConsoleNib nib_;
     NSInteger button_ = 0;
     double secondsUp_ = 0.0;
     std::shared_ptr<const ConsoleAlertRules> alertRules_ =

@@ -34,12 +34,6 @@ TEST_F(PanelSetUp, EveryActionIsOfferedUnderItsSelector) {
                              "featureRequest:", "moreBYmantisqrx:"));
 }
 
-TEST_F(PanelSetUp, ThePanelIsTheWindowThatTheInterfaceDescribesForIt) {
-    panel.setTitle("Info");
-    panel.makeKeyAndOrderFront(nullptr);
-    EXPECT_THAT(sim.takeCalls(), ElementsAre("panel setTitle: Info", "panel makeKeyAndOrderFront"));
-}
-
 TEST(PanelConnections, MissingOutletsAreNamedUnlessThePanelCanDoWithoutThem) {
     Sim sim;
     mantisQRXpanel panel(sim.platform());

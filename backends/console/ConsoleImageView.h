@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "platform/appkit/NSImageView.h"
-#include "platform/appkit/NSView.h"
 
 namespace vistrane {
 
@@ -22,31 +21,21 @@ private:
     std::vector<std::shared_ptr<CALayer>> sublayers_;
 };
 
-/// A view that is on no screen: its bounds are zero. `Interface` is `NSView` or an interface that
-/// extends it.
-template <typename Interface>
-class ConsoleViewOf : public Interface {
+/// A view that is on no screen: its bounds are zero. Also used for views without a picture.
+class ConsoleImageView final : public NSImageView {
 public:
     NSRect bounds() const override { return NSZeroRect; }
     void setWantsLayer(bool wanted) override {
-        if (!wanted) {
-            layer_.reset();
-        } else if (!layer_) {
+        if (wanted && !layer_) {
             layer_ = std::make_shared<ConsoleLayer>();
         }
     }
     std::shared_ptr<CALayer> layer() override { return layer_; }
     void setNeedsDisplay(bool) override {}
+    void setImage(std::shared_ptr<NSImage>) override {}
 
 private:
     std::shared_ptr<ConsoleLayer> layer_;
-};
-
-class ConsoleView final : public ConsoleViewOf<NSView> {};
-
-class ConsoleImageView final : public ConsoleViewOf<NSImageView> {
-public:
-    void setImage(std::shared_ptr<NSImage>) override {}
 };
 
 } // namespace vistrane
