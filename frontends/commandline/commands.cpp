@@ -22,9 +22,20 @@ namespace {
 constexpr int demoStills = 10;
 constexpr int demoFramesPerSecond = 10;
 
-int refuse(const std::string& reason) {
+/// Writes the reason to standard error and ends the process with status 1.
+[[noreturn]] void refuse(const std::string& reason) {
     std::cerr << "vistrane: " << reason << '\n';
-    return 1;
+    std::exit(1);
+}
+
+/// The path of a project folder. Ends the process, with the reason and the hint, if the folder
+/// cannot be used.
+std::string checkedFolder(const std::string& argument, const std::string& hint = {}) {
+    const ProjectFolderArgument folder = projectFolderArgument(argument);
+    if (!folder.error.empty()) {
+        refuse(folder.error + hint);
+    }
+    return folder.path;
 }
 
 /// A hint for an argument that may be a misspelled command.
@@ -81,11 +92,7 @@ int run(const VersionCommand&) {
 int run(const WindowCommand& command) {
     WindowOptions options{.version = programVersion, .demoCamera = command.demoCamera};
     if (command.folder) {
-        const ProjectFolderArgument folder = projectFolderArgument(*command.folder);
-        if (!folder.error.empty()) {
-            return refuse(folder.error + hintOnCommands(*command.folder));
-        }
-        options.folder = folder.path;
+        options.folder = checkedFolder(*command.folder, hintOnCommands(*command.folder));
     }
     openWindow(options);
 }
@@ -103,11 +110,7 @@ int run(const DevicesCommand& command) {
 }
 
 int run(const FramesCommand& command) {
-    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
-    if (!folder.error.empty()) {
-        return refuse(folder.error);
-    }
-    Session& session = startSession({.folder = folder.path});
+    Session& session = startSession({.folder = checkedFolder(command.folder)});
     const char end = command.endsWithNul ? '\0' : '\n';
     for (const std::string& path : session.frames()) {
         session.print(path, end);
@@ -116,21 +119,14 @@ int run(const FramesCommand& command) {
 }
 
 int run(const CompileCommand& command) {
-    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
-    if (!folder.error.empty()) {
-        return refuse(folder.error);
-    }
-    Session& session = startSession({.folder = folder.path, .movie = command.movie});
+    Session& session =
+        startSession({.folder = checkedFolder(command.folder), .movie = command.movie});
     session.print(session.compile(command.movie.framesPerSecond));
     session.end(0);
 }
 
 int run(const CaptureCommand& command) {
-    const ProjectFolderArgument folder = projectFolderArgument(command.folder);
-    if (!folder.error.empty()) {
-        return refuse(folder.error);
-    }
-    Session& session = startSession({.folder = folder.path,
+    Session& session = startSession({.folder = checkedFolder(command.folder),
                                      .findsCameras = true,
                                      .demoCamera = command.demoCamera,
                                      .movie = command.movie});
@@ -142,15 +138,11 @@ int run(const DemoCommand& command) {
     std::string path;
     std::function<void()> cleanUp = [] {};
     if (command.folder) {
-        const ProjectFolderArgument folder = projectFolderArgument(*command.folder);
-        if (!folder.error.empty()) {
-            return refuse(folder.error);
-        }
-        path = folder.path;
+        path = checkedFolder(*command.folder);
     } else {
         const NewFolder folder = createDemoFolder(videosFolder());
         if (!folder.error.empty()) {
-            return refuse(folder.error);
+            refuse(folder.error);
         }
         path = folder.path;
         cleanUp = [path] { removeIfEmpty(path); };
