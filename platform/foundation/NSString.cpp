@@ -54,7 +54,8 @@ std::int32_t intValue(std::string_view text) {
 std::string_view pathExtension(std::string_view path) {
     const std::string_view name = path.substr(path.rfind('/') + 1);
     const std::size_t dot = name.rfind('.');
-    return dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
+    const bool hasExtension = dot != std::string_view::npos && dot > 0;
+    return hasExtension ? name.substr(dot + 1) : std::string_view();
 }
 
 std::string stringWithFormat(std::string_view format,

@@ -13,7 +13,8 @@ namespace vistrane {
 std::int32_t intValue(std::string_view text);
 std::int64_t integerValue(std::string_view text);
 
-/// The part after the last dot of the last path component; empty without a dot.
+/// The part after the last dot of the last path component. Empty without a dot, and when the only
+/// dot is the first character, as in ".png".
 std::string_view pathExtension(std::string_view path);
 
 /// The argument for a placeholder of a format: a text for "%@", a number for "%d".
