@@ -22,6 +22,7 @@ public:
     void imageCouldNotBeRead(const std::string&, const NSError& reason) override {
         log_(reason.localizedDescription);
     }
+    void imageHasFlaw(const NSError& flaw) override { log_(flaw.localizedDescription); }
     void fileIsBeingWritten(const std::string&) override { isWritingFile_ = true; }
     void fileWasWritten(const std::string&) override { isWritingFile_ = false; }
     void fileCouldNotBeWritten(const std::string&, const NSError& reason) override {

@@ -16,7 +16,11 @@ public:
         (void)path, (void)reason;
     }
 
-    /// `NSData::writeToFile` begins. One of the next two calls follows.
+    /// A picture file was read although a part that the pixels do not need is damaged. Called once
+    /// for each path.
+    virtual void imageHasFlaw(const NSError& flaw) { (void)flaw; }
+
+    /// `NSData::writeToFile` begins. One of the two calls below follows.
     virtual void fileIsBeingWritten(const std::string& path) { (void)path; }
     /// All bytes were written.
     virtual void fileWasWritten(const std::string& path) { (void)path; }

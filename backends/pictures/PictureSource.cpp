@@ -19,18 +19,30 @@ namespace {
 constexpr double metresPerInch = 0.0254;
 constexpr double pointsPerInch = 72.0;
 
+NSError damaged(const std::string& name, const std::string& how) {
+    return pictureError(PictureFault::Damaged, name,
+                        "is damaged (" + how + "); make or copy it again, or remove it");
+}
+
+/// Decodes a picture without keeping it.
+class NoRows final : public PictureRows {
+public:
+    void begin() override {}
+    void take(const std::uint8_t*) override {}
+};
+
 class PngPicture final : public PictureSource {
 public:
     PngPicture(PictureShape shape, std::string name, std::shared_ptr<const NSData> file,
                const PngHeader& header)
-        : PictureSource(shape, std::move(name)), file_(std::move(file)), header_(header) {}
+        : PictureSource(shape, std::move(name), header.flaw), file_(std::move(file)),
+          header_(header) {}
 
     std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
                                       std::ptrdiff_t stride) const override {
         const std::span<const std::uint8_t> bytes(file_->bytes(), file_->length());
         if (const auto fault = decodePng(bytes, header_, form, rows, stride)) {
-            return pictureError(PictureFault::Damaged, name(),
-                                "is damaged (" + *fault + "); make or copy it again, or remove it");
+            return damaged(name(), *fault);
         }
         if (header_.profile) {
             convertToSrgb(bytes.subspan(header_.profile->offset, header_.profile->length), form,
@@ -138,7 +150,13 @@ PictureSourceResult pictureFromPng(std::shared_ptr<const NSData> file, std::stri
         return pictureError(refusal->fault, name, refusal->what);
     }
     const PngHeader& header = std::get<PngHeader>(read);
-    return std::make_shared<PngPicture>(shapeOf(header), std::move(name), std::move(file), header);
+    auto picture = std::make_shared<const PngPicture>(shapeOf(header), std::move(name),
+                                                      std::move(file), header);
+    NoRows rows;
+    if (!header.flaw.empty() && picture->passRows(picture->shape().compactForm(), rows)) {
+        return damaged(picture->name(), header.flaw);
+    }
+    return picture;
 }
 
 } // namespace vistrane

@@ -87,9 +87,12 @@ public:
     /// A path or a description, for messages.
     const std::string& name() const { return name_; }
 
-    /// Writes all pixels as sRGB values: the top row at `rows`, with a row stride of `stride` bytes
-    /// (a negative stride turns the picture upside down). The form RGB drops alpha. Writes nothing
-    /// between the rows. After a failure the content of the rows is unspecified.
+    /// What is damaged in the file although all pixels are whole; empty if nothing is.
+    const std::string& flaw() const { return flaw_; }
+
+    /// Writes all pixels as sRGB values: the top row at `rows`, rows `stride` bytes apart (a
+    /// negative stride turns the picture upside down). RGB drops alpha. Writes nothing between the
+    /// rows. After a failure their content is unspecified.
     virtual std::optional<NSError> readPixels(PixelForm form, std::uint8_t* rows,
                                               std::ptrdiff_t stride) const = 0;
 
@@ -117,18 +120,20 @@ public:
     }
 
 protected:
-    PictureSource(PictureShape shape, std::string name) : shape_(shape), name_(std::move(name)) {}
+    PictureSource(PictureShape shape, std::string name, std::string flaw = {})
+        : shape_(shape), name_(std::move(name)), flaw_(std::move(flaw)) {}
 
 private:
     PictureShape shape_;
     std::string name_;
+    std::string flaw_;
 };
 
 /// A picture, or why there is none.
 using PictureSourceResult = std::variant<std::shared_ptr<const PictureSource>, NSError>;
 
-/// Opens a PNG file. Validates everything but the compressed pixels, which are decoded each time
-/// they are read.
+/// The picture of a PNG file. Validates the file except for the compressed pixels, which are
+/// decoded each time they are read. In a file with a flaw they are validated as well.
 PictureSourceResult pictureFromPng(ByteArray file, std::string name, const PictureLimits& limits);
 PictureSourceResult pictureFromPng(std::shared_ptr<const NSData> file, std::string name,
                                    const PictureLimits& limits);

@@ -11,6 +11,7 @@
 #include "backends/pictures/PictureSource.h"
 #include "backends/pictures/file_bytes.h"
 #include "backends/pictures/graphics_state.h"
+#include "backends/pictures/picture_errors.h"
 
 namespace vistrane {
 
@@ -41,8 +42,14 @@ Pictures::~Pictures() = default;
 std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& path) const {
     const auto load = [&](OpenFile& file) -> PictureSourceResult {
         FileBytesResult read = file.read();
-        return read.error ? PictureSourceResult(*read.error)
-                          : pictureFromPng(std::move(read.bytes), path, limits_);
+        if (read.error) {
+            return *read.error;
+        }
+        PictureSourceResult picture = pictureFromPng(std::move(read.bytes), path, limits_);
+        if (const auto source = sourceOf(picture); source && !source->flaw().empty()) {
+            reportFlaw(*source);
+        }
+        return picture;
     };
     auto opened = OpenFile::at(path, limits_.largestFile);
     auto* const file = std::get_if<OpenFile>(&opened);
@@ -55,6 +62,18 @@ std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& pa
         return nullptr;
     }
     return std::make_shared<MediaImage>(sourceOf(result));
+}
+
+void Pictures::reportFlaw(const PictureSource& picture) const {
+    {
+        const std::lock_guard lock(flawsMutex_);
+        if (!reportedFlaws_.insert(picture.name()).second) {
+            return;
+        }
+    }
+    observer_.imageHasFlaw(pictureError(PictureFault::Damaged, picture.name(),
+                                        "was read although it is damaged (" + picture.flaw() +
+                                            "): its pixels are whole"));
 }
 
 std::shared_ptr<NSImage> Pictures::imageWithData(const std::shared_ptr<NSData>& data) const {

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
+#include <set>
 #include <string>
 
 #include "backends/pictures/PictureLimits.h"
 #include "backends/pictures/PictureObserver.h"
+#include "backends/pictures/PictureSource.h"
 #include "platform/appkit/NSBitmapImageRep.h"
 #include "platform/appkit/NSGraphicsContext.h"
 #include "platform/appkit/NSImage.h"
@@ -46,9 +49,14 @@ public:
     void restoreGraphicsState() const;
 
 private:
+    void reportFlaw(const PictureSource& picture) const;
+
     PictureObserver& observer_;
     PictureLimits limits_;
     std::unique_ptr<PictureCache> cache_;
+    mutable std::mutex flawsMutex_;
+    /// The names of the pictures whose flaw was reported.
+    mutable std::set<std::string> reportedFlaws_;
 };
 
 } // namespace vistrane

@@ -60,7 +60,9 @@ void skipOtherChunks(png_structp png) {
 void setUp(png_structp png, const PngHeader& header) {
     skipOtherChunks(png);
     png_set_user_limits(png, header.width, header.height);
-    png_set_crc_action(png, PNG_CRC_QUIET_USE, PNG_CRC_QUIET_USE);
+    // `readPngHeader` has refused wrong checksums of critical chunks, and skipped ancillary chunks
+    // with such.
+    png_set_crc_action(png, PNG_CRC_QUIET_USE, PNG_CRC_WARN_DISCARD);
 }
 
 void requestForm(png_structp png, png_infop info, PixelForm form) {

@@ -27,6 +27,7 @@ struct Chunk {
     std::span<const std::uint8_t> data;
     /// The position of its length field in the file.
     std::size_t offset = 0;
+    bool hasRightChecksum = true;
 
     bool isCritical() const { return (static_cast<unsigned char>(type[0]) & 0x20U) == 0; }
 };
@@ -35,8 +36,10 @@ PngRefusal damaged(const std::string& how) {
     return {PictureFault::Damaged, "is damaged (" + how + "); make or copy it again, or remove it"};
 }
 
-PngRefusal cutOff() {
-    return damaged("its end is missing");
+constexpr char cutOff[] = "its end is missing";
+
+std::string wrongChecksum(const Chunk& chunk) {
+    return "the checksum of " + std::string(chunk.type) + " is wrong";
 }
 
 bool isChunkType(std::string_view type) {
@@ -49,23 +52,22 @@ bool checksumFits(std::span<const std::uint8_t> typeAndData, std::uint32_t check
     return ::libdeflate_crc32(0, typeAndData.data(), typeAndData.size()) == checksum;
 }
 
-std::variant<Chunk, PngRefusal> chunkAt(std::span<const std::uint8_t> file, std::size_t offset) {
+/// The chunk, or why there is none.
+std::variant<Chunk, std::string> chunkAt(std::span<const std::uint8_t> file, std::size_t offset) {
     const auto rest = file.subspan(offset);
     if (rest.size() < chunkFrame) {
-        return cutOff();
+        return cutOff;
     }
     const std::uint32_t length = number(rest.data());
     const std::string_view type(reinterpret_cast<const char*>(rest.data()) + 4, 4);
     if (length > largestNumber || !isChunkType(type)) {
-        return damaged("a chunk has no valid header");
+        return "a chunk has no valid header";
     }
     if (rest.size() - chunkFrame < length) {
-        return cutOff();
+        return cutOff;
     }
-    if (!checksumFits(rest.subspan(4, 4 + length), number(rest.data() + 8 + length))) {
-        return damaged("the checksum of " + std::string(type) + " is wrong");
-    }
-    return Chunk{type, rest.subspan(8, length), offset};
+    return Chunk{type, rest.subspan(8, length), offset,
+                 checksumFits(rest.subspan(4, 4 + length), number(rest.data() + 8 + length))};
 }
 
 bool isColourForm(std::uint8_t colour, std::uint8_t depth) {
@@ -138,12 +140,15 @@ public:
         while (!ended_) {
             const auto found = chunkAt(file_, offset);
             ++header_.chunksVisited;
-            if (const auto* refusal = std::get_if<PngRefusal>(&found)) {
-                return *refusal;
+            if (const auto* fault = std::get_if<std::string>(&found)) {
+                if (!hasPixels()) {
+                    return damaged(*fault);
+                }
+                endWithFlaw(*fault);
+                break;
             }
             const Chunk& chunk = std::get<Chunk>(found);
-            const auto refusal =
-                offset == signature.size() ? readSizeAndForm(chunk, limits_, header_) : take(chunk);
+            const auto refusal = chunk.hasRightChecksum ? take(chunk) : takeDamaged(chunk);
             if (refusal) {
                 return *refusal;
             }
@@ -156,13 +161,40 @@ public:
     }
 
 private:
+    bool hasPixels() const { return header_.imageChunks.length > 0; }
+
+    void addFlaw(const std::string& flaw) {
+        if (header_.flaw.empty()) {
+            header_.flaw = flaw;
+        }
+    }
+
+    void endWithFlaw(const std::string& flaw) {
+        addFlaw(flaw);
+        ended_ = true;
+    }
+
+    std::optional<PngRefusal> takeDamaged(const Chunk& chunk) {
+        if (hasPixels() && chunk.type == "IEND") {
+            endWithFlaw(wrongChecksum(chunk));
+        } else if (chunk.isCritical()) {
+            return damaged(wrongChecksum(chunk));
+        } else {
+            addFlaw(wrongChecksum(chunk));
+        }
+        return std::nullopt;
+    }
+
     std::optional<PngRefusal> take(const Chunk& chunk) {
+        if (chunk.offset == signature.size()) {
+            return readSizeAndForm(chunk, limits_, header_);
+        }
         if (chunk.type == "IDAT") {
             return takeImageData(chunk);
         }
         if (chunk.type == "IEND") {
             ended_ = true;
-            const bool whole = header_.imageChunks.length > 0 && chunk.data.empty();
+            const bool whole = hasPixels() && chunk.data.empty();
             return whole ? std::nullopt : std::optional(damaged("it has no pixels"));
         }
         if (chunk.type == "PLTE") {
@@ -171,7 +203,7 @@ private:
         if (chunk.isCritical()) {
             return damaged("it has an unknown critical chunk " + std::string(chunk.type));
         }
-        if (header_.imageChunks.length == 0) {
+        if (!hasPixels()) {
             takeAncillary(chunk);
         }
         return std::nullopt;
@@ -197,12 +229,10 @@ private:
     std::optional<PngRefusal> takePalette(const Chunk& chunk) {
         const std::size_t length = chunk.data.size();
         const bool fits = length >= 3 && length <= 768 && length % 3 == 0;
-        if (header_.colour == PngColour::Palette &&
-            (!fits || hasPalette_ || header_.imageChunks.length > 0)) {
+        if (header_.colour == PngColour::Palette && (!fits || hasPalette_ || hasPixels())) {
             return damaged("its palette is not valid");
         }
-        const bool afterPixels = header_.imageChunks.length > 0;
-        if (hasPalette_ || afterPixels || header_.hasTransparencyChunk ||
+        if (hasPalette_ || hasPixels() || header_.hasTransparencyChunk ||
             header_.colour != PngColour::Palette) {
             header_.hasPlainColours = false;
         }

@@ -46,6 +46,8 @@ struct PngHeader {
     std::size_t longestImageChunk = 0;
     /// How many chunks were read. For tests that count work.
     std::size_t chunksVisited = 0;
+    /// What is damaged although the pixels may be whole; empty if nothing is.
+    std::string flaw;
 
     bool hasAlpha() const {
         return hasTransparencyChunk || colour == PngColour::GreyAlpha ||
@@ -62,9 +64,13 @@ struct PngRefusal {
 
 /// The first step of reading: allocates nothing for pixels and decodes nothing.
 ///
-/// Checks the signature, the IHDR fields, the limits, each chunk's order, length and checksum up to
-/// IEND, and that the image data can hold that many pixels. So a truncated file, or one with a
-/// wrong bit, is refused here unless its checksums are right. Bytes after IEND are ignored.
+/// Checks the signature, the IHDR fields, the limits, each chunk's place, length and checksum up
+/// to the end chunk, and that the image data can hold that many pixels at all. So a file that is
+/// truncated in its pixels, or has a wrong bit in a chunk that they need, is refused here unless
+/// its checksums are right. Bytes after the end chunk do not matter.
+///
+/// An ancillary chunk with a wrong checksum is skipped, and damage after the last chunk of image
+/// data ends the reading. Both are a `flaw`: only decoding tells whether the pixels are whole.
 std::variant<PngHeader, PngRefusal> readPngHeader(std::span<const std::uint8_t> file,
                                                   const PictureLimits& limits);
 

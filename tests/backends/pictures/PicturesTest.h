@@ -32,12 +32,14 @@ public:
     void imageCouldNotBeRead(const std::string& path, const NSError& reason) override {
         unread.emplace_back(path, reason);
     }
+    void imageHasFlaw(const NSError& flaw) override { flaws.push_back(flaw); }
     void fileWasWritten(const std::string& path) override { written.push_back(path); }
     void fileCouldNotBeWritten(const std::string& path, const NSError& reason) override {
         unwritten.emplace_back(path, reason);
     }
 
     std::vector<std::pair<std::string, NSError>> unread;
+    std::vector<NSError> flaws;
     std::vector<std::string> written;
     std::vector<std::pair<std::string, NSError>> unwritten;
 };

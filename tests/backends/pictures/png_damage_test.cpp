@@ -14,25 +14,67 @@ std::vector<Bytes> smallFiles() {
             withDensity(randomPng({4, 8, false, false}, 4, 4).file, 2835, 2835)};
 }
 
-TEST_F(PngDamage, TruncatedFilesAreRefused) {
+/// The length of an empty chunk, and of the end chunk.
+constexpr std::size_t endChunk = 12;
+
+TEST_F(PngDamage, FilesTruncatedInTheirPixelsAreRefused) {
     for (const Bytes& file : smallFiles()) {
-        ASSERT_TRUE(load(file));
+        const auto image = load(file);
+        ASSERT_TRUE(image);
+        const auto width = std::size_t(image->size().width);
+        const auto height = std::size_t(image->size().height);
         for (std::size_t length = 0; length < file.size(); ++length) {
-            EXPECT_FALSE(load(Bytes(file.begin(), file.begin() + std::ptrdiff_t(length))))
-                << length;
+            const auto cut = load(Bytes(file.begin(), file.begin() + std::ptrdiff_t(length)));
+            ASSERT_EQ(cut != nullptr, length >= file.size() - endChunk) << length;
+            if (cut) {
+                EXPECT_EQ(draw(cut, width, height).rgb, draw(image, width, height).rgb);
+            }
         }
     }
+}
+
+TEST_F(PngDamage, DamageThatThePixelsDoNotNeedIsReportedOnceForAFile) {
+    const Bytes whole = withDensity(randomPng({2, 8, false, false}, 4, 4).file, 5669, 5669);
+    Bytes wrongDensity = whole;
+    wrongDensity[53] ^= 1; // in the pHYs chunk, which follows the header
+    const Bytes withoutEnd(whole.begin(), whole.end() - endChunk);
+    put(folder_ / "density.png", wrongDensity);
+    put(folder_ / "end.png", withoutEnd);
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_EQ(pictures_.imageWithContentsOfFile(folder_ / "density.png")->size(),
+                  (NSSize{4.0, 4.0}));
+        EXPECT_EQ(pictures_.imageWithContentsOfFile(folder_ / "end.png")->size(),
+                  (NSSize{2.0, 2.0}));
+    }
+    EXPECT_TRUE(observer_.unread.empty());
+    ASSERT_EQ(observer_.flaws.size(), 2U);
+    EXPECT_THAT(observer_.flaws[0].localizedDescription,
+                ::testing::AllOf(HasSubstr("density.png"), HasSubstr("checksum of pHYs")));
+    EXPECT_THAT(observer_.flaws[1].localizedDescription,
+                ::testing::AllOf(HasSubstr("end.png"), HasSubstr("its end is missing")));
+}
+
+/// libpng refuses a file whose damage follows the pixels: those of the whole file then.
+PngSample whatLibpngReads(const Bytes& changed, const Bytes& whole) {
+    return readByLibpng(changed).value_or(*readByLibpng(whole));
 }
 
 /// Under right checksums a wrong bit reaches the parsers and the pixels.
 TEST_F(PngDamage, AWrongBitIsRefusedAndUnderRightChecksumsMayBeReadLikeLibpng) {
     std::size_t refused = 0;
     std::size_t same = 0;
+    std::size_t flawed = 0;
     for (const Bytes& file : smallFiles()) {
         for (std::size_t bit = 0; bit < file.size() * 8; ++bit) {
             Bytes changed = file;
             changed[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
-            EXPECT_FALSE(load(changed)) << bit;
+            if (const auto despite = load(changed)) {
+                const PngSample expected = whatLibpngReads(changed, file);
+                EXPECT_EQ(draw(despite, expected.width, expected.height).rgb,
+                          overBlack(expected.rgba))
+                    << bit;
+                ++flawed;
+            }
             changed = withRightChecksums(changed);
             const auto image = load(changed);
             if (!image || image->size().width > 4096 || image->size().height > 4096) {
@@ -47,16 +89,16 @@ TEST_F(PngDamage, AWrongBitIsRefusedAndUnderRightChecksumsMayBeReadLikeLibpng) {
                 EXPECT_FALSE(image->TIFFRepresentation());
                 continue;
             }
-            const auto expected = readByLibpng(changed);
-            ASSERT_TRUE(expected) << bit;
-            if (image->size() == NSSize{double(expected->width), double(expected->height)}) {
-                EXPECT_EQ(drawn.rgb, overBlack(expected->rgba)) << bit;
+            const PngSample expected = whatLibpngReads(changed, file);
+            if (image->size() == NSSize{double(expected.width), double(expected.height)}) {
+                EXPECT_EQ(drawn.rgb, overBlack(expected.rgba)) << bit;
                 ++same;
             }
         }
     }
     EXPECT_GT(refused, 0U);
     EXPECT_GT(same, 0U);
+    EXPECT_GT(flawed, 0U);
 }
 
 TEST_F(PngDamage, DamagedPixelsMarkTheBufferWithFileAndReason) {
