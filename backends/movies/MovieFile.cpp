@@ -1,5 +1,7 @@
 #include "backends/movies/MovieFile.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -7,10 +9,12 @@
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
 
+#include "backends/movies/MovieIndex.h"
 #include "backends/movies/exclusive_rename.h"
 #include "backends/movies/movie_errors.h"
 #include "backends/posix/entry_names.h"
@@ -81,7 +85,43 @@ bool isSameFile(int folder, const std::string& name, int file) {
            named.st_ino == opened.st_ino;
 }
 
-/// Removes a hidden file that no process has locked. A lock ends with its process.
+/// Renames `hidden` to the first free one of "NAME-2.mov", "NAME-3.mov" and so on. Returns that
+/// name, or nothing if the file system refuses.
+std::optional<std::string> renameToFreeName(int folder, const std::string& hidden,
+                                            const std::string& name) {
+    const std::size_t dot = std::min(name.rfind('.'), name.size());
+    for (int number = 2; number < 1000; ++number) {
+        const std::string free =
+            name.substr(0, dot) + "-" + std::to_string(number) + name.substr(dot);
+        const int error = renameWithoutReplacing(folder, hidden, free);
+        if (error != EEXIST) {
+            return error == 0 ? std::optional(free) : std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Whether the size of the media box was written, which is the last thing to be written.
+bool isComplete(int file) {
+    std::array<std::uint8_t, 8> size{};
+    return ::pread(file, size.data(), size.size(), mediaBoxSizeOffset) ==
+               static_cast<ssize_t>(size.size()) &&
+           size != std::array<std::uint8_t, 8>{};
+}
+
+/// Publishes a complete movie that was never renamed, if the file system allows it.
+void recover(int folder, const std::string& hidden) {
+    constexpr std::string_view extension = ".mov";
+    std::string name = hidden.substr(1, hidden.size() - hiddenSuffix.size() - 1);
+    if (!name.ends_with(extension)) { // a long name was shortened
+        name += extension;
+    }
+    if (renameWithoutReplacing(folder, hidden, name) == EEXIST) {
+        renameToFreeName(folder, hidden, name);
+    }
+}
+
+/// Removes a hidden file that no process has locked: a lock ends with its process.
 void removeIfLeftover(int folder, const std::string& name) {
     const Descriptor file(
         ::openat(folder, name.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY));
@@ -89,7 +129,13 @@ void removeIfLeftover(int folder, const std::string& name) {
     if (!file.isOpen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return;
     }
-    if (::flock(file.number(), LOCK_EX | LOCK_NB) == 0 && isSameFile(folder, name, file.number())) {
+    if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0 ||
+        !isSameFile(folder, name, file.number())) {
+        return;
+    }
+    if (isComplete(file.number())) {
+        recover(folder, name);
+    } else {
         ::unlinkat(folder, name.c_str(), 0);
     }
 }
@@ -143,13 +189,13 @@ Reservation reserve(int folder, const std::string& hiddenName) {
 NSError nameTakenError(const std::string& path) {
     return movieError(AVErrorFileAlreadyExists,
                       "The movie cannot be made: something with its name is already there (" +
-                          shownText(path) + "). Move it away or rename it, then compile again");
+                          shownText(path) + "). Move it away or rename it");
 }
 
 NSError nameReservedError(const std::string& path) {
     return movieError(AVErrorFileAlreadyExists,
                       "The movie cannot be made: it is being written already (" + shownText(path) +
-                          "). Wait until that is done, then compile again");
+                          "). Wait until that is done");
 }
 
 } // namespace
@@ -213,16 +259,31 @@ std::optional<NSError> MovieFile::writeAt(std::uint64_t offset, const void* byte
     return error != 0 ? std::optional(writeFailure(error)) : std::nullopt;
 }
 
-std::optional<NSError> MovieFile::publish() {
-    if (const int error = syncToDisk(file_.number())) {
-        return writeFailure(error);
+std::optional<NSError> MovieFile::publish(std::uint64_t offset,
+                                          std::span<const std::uint8_t> mediaSize) {
+    // Twice, so that the mark of a complete file never reaches the disk before its content.
+    int number = syncToDisk(file_.number());
+    if (auto error = writeAt(offset, mediaSize.data(), mediaSize.size())) {
+        return error;
     }
-    if (auto error = rename()) {
+    if (number == 0) {
+        number = syncToDisk(file_.number());
+    }
+    if (auto error = number != 0 ? unsyncedError(number) : rename()) {
         return error;
     }
     // Ignores failures: the movie is complete, and some file systems cannot flush folders.
     syncToDisk(folder_.number());
     return std::nullopt;
+}
+
+std::optional<NSError> MovieFile::unsyncedError(int number) {
+    const std::lock_guard lock(mutex_);
+    if (place_ != Place::hidden) {
+        return cancelledError(path_);
+    }
+    return posixError(number, "The finished movie cannot be brought to the disk",
+                      keep() + ". See that it plays, and copy it to another disk");
 }
 
 std::optional<NSError> MovieFile::rename() {
@@ -235,9 +296,27 @@ std::optional<NSError> MovieFile::rename() {
         place_ = Place::published;
         return std::nullopt;
     }
-    removeHiddenFile();
-    return number == EEXIST ? nameTakenError(path_)
-                            : systemError(number, "The finished movie cannot be renamed", path_);
+    return number == EEXIST ? movieError(AVErrorFileAlreadyExists,
+                                         "Something with the finished movie's name is already "
+                                         "there (" +
+                                             shownText(path_) + "). " + keep())
+                            : posixError(number, "The finished movie cannot be renamed", keep());
+}
+
+NSError MovieFile::posixError(int number, const std::string& what,
+                              const std::string& remedy) const {
+    return {"NSPOSIXErrorDomain", number,
+            what + " (" + shownText(path_) + "): " + std::generic_category().message(number) +
+                ". " + remedy};
+}
+
+/// Keeps the complete movie under another name. Returns a sentence that says which. Requires the
+/// lock.
+std::string MovieFile::keep() {
+    const std::string name =
+        renameToFreeName(folder_.number(), hiddenName_, name_).value_or(hiddenName_);
+    place_ = Place::published;
+    return "It was kept as '" + shownText(name) + "' in the same folder";
 }
 
 void MovieFile::discard() {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "backends/posix/Descriptor.h"
@@ -16,10 +17,15 @@ struct MovieFileResult;
 
 /// The file of an unfinished movie.
 ///
-/// A hidden file in the movie's folder, renamed atomically when it is complete, so that the final
-/// name never refers to an incomplete movie. The lock on the hidden file reserves the name against
-/// other writers; an unlocked file is the leftover of a process that died. The destructor removes
-/// an unpublished file. One thread, except for `discard`.
+/// It is a hidden file beside its later name, and is renamed in one step when it is complete, so
+/// that under the name there is a complete movie or nothing. The hidden file is locked: the lock
+/// reserves the name against every other writer, and an unlocked file is the leftover of a process
+/// that died. The destructor removes an unpublished file. One thread, except for `discard`.
+///
+/// A complete movie is never removed. If it cannot get its name it is kept as "NAME-2.mov" or the
+/// next free number, and if that is impossible too under its hidden name. The size of the media
+/// box, which is written last, marks a complete file: the next writer in the folder publishes one
+/// that a process left when it died, and removes other leftovers.
 class MovieFile {
 public:
     /// Reserves the name. Fails if anything of that name exists, if another writer has reserved it,
@@ -38,8 +44,9 @@ public:
     /// Overwrites bytes that were written before.
     std::optional<NSError> writeAt(std::uint64_t offset, const void* bytes, std::size_t count);
 
-    /// Flushes the complete file to the disk and renames it to the movie's name.
-    std::optional<NSError> publish();
+    /// Brings the file to the disk, writes `mediaSize` at `offset`, which completes it, and renames
+    /// it to the movie's name. The error says under which name a complete movie was kept.
+    std::optional<NSError> publish(std::uint64_t offset, std::span<const std::uint8_t> mediaSize);
 
     /// Removes the hidden file immediately, so that it is never published. Does nothing after
     /// publishing. Any thread.
@@ -52,6 +59,9 @@ private:
               std::string name);
 
     std::optional<NSError> rename();
+    std::optional<NSError> unsyncedError(int number);
+    NSError posixError(int number, const std::string& what, const std::string& remedy) const;
+    std::string keep();
     NSError writeFailure(int number) const;
     void removeHiddenFile();
 

@@ -262,8 +262,12 @@ private:
         return table;
     }
 
-    void composition(const std::vector<Run>& offsets) {
+    /// Two runs without samples end the table. ffmpeg's demuxer shifts the decoding times by the
+    /// least offset, and leaves the last two runs out when it looks for it: packets would be
+    /// presented before they are decoded.
+    void composition(std::vector<Run> offsets) {
         constexpr unsigned signedOffsets = 1;
+        offsets.insert(offsets.end(), 2, Run{});
         out_.versionAndFlags(signedOffsets, 0);
         runs(offsets);
     }

@@ -145,6 +145,11 @@ void MovieJob::finish(std::function<void()> handler) {
     }
 }
 
+bool MovieJob::isFinishing() const {
+    const std::lock_guard lock(mutex_);
+    return isFinishing_;
+}
+
 void MovieJob::abandon() {
     bool isOurs = false;
     {
@@ -288,10 +293,7 @@ std::optional<NSError> MovieJob::completeFile() {
     if (auto error = file_->write(index.data(), index.size())) {
         return error;
     }
-    if (auto error = file_->writeAt(mediaBoxSizeOffset, mediaSize.data(), mediaSize.size())) {
-        return error;
-    }
-    return file_->publish();
+    return file_->publish(mediaBoxSizeOffset, mediaSize);
 }
 
 void MovieJob::reportOutcome(const std::optional<NSError>& error) {

@@ -71,7 +71,9 @@ public:
     /// then the callbacks of `MovieJobs`. A second call does nothing.
     void finish(std::function<void()> handler);
 
-    /// Cancels the movie: stops the work and removes the hidden file immediately.
+    bool isFinishing() const;
+
+    /// Cancels the movie: stops the work and removes the hidden file at once.
     void abandon();
 
     MovieJobs& jobs() { return *jobs_; }

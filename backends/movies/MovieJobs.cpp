@@ -40,24 +40,56 @@ void MovieJobs::ended(const MovieJob& job, const std::optional<NSError>& error) 
         callbacks = std::move(entry->callbacks);
         entries_.erase(entry);
     }
+    changed_.notify_all();
     for (const Finished& callback : callbacks) {
         report([&](MovieObserver&) { callback(error); });
     }
 }
 
-void MovieJobs::abandonAll() {
+/// No movie begins from now on. Returns the active jobs.
+std::vector<std::shared_ptr<MovieJob>> MovieJobs::endCreation() {
+    const auto creation = lockCreation();
+    const std::lock_guard lock(mutex_);
+    isEnded_ = true;
     std::vector<std::shared_ptr<MovieJob>> jobs;
-    {
-        const auto creation = lockCreation();
-        const std::lock_guard lock(mutex_);
-        isEnded_ = true;
-        for (const Entry& entry : entries_) {
-            if (auto job = entry.job.lock()) {
-                jobs.push_back(std::move(job));
-            }
+    for (const Entry& entry : entries_) {
+        if (auto job = entry.job.lock()) {
+            jobs.push_back(std::move(job));
         }
     }
-    for (const auto& job : jobs) {
+    return jobs;
+}
+
+void MovieJobs::abandonAll() {
+    for (const auto& job : endCreation()) {
+        job->abandon();
+    }
+}
+
+void MovieJobs::end(std::optional<std::chrono::milliseconds> timeout) {
+    std::vector<std::shared_ptr<MovieJob>> finishing = endCreation();
+    std::erase_if(finishing, [](const std::shared_ptr<MovieJob>& job) {
+        const bool isUnfinished = !job->isFinishing();
+        if (isUnfinished) {
+            job->abandon();
+        }
+        return isUnfinished;
+    });
+    const auto haveEnded = [&] {
+        return std::none_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
+            return std::any_of(finishing.begin(), finishing.end(),
+                               [&](const auto& job) { return job.get() == entry.identity; });
+        });
+    };
+    {
+        std::unique_lock lock(mutex_);
+        if (timeout) {
+            changed_.wait_for(lock, *timeout, haveEnded);
+        } else {
+            changed_.wait(lock, haveEnded);
+        }
+    }
+    for (const auto& job : finishing) {
         job->abandon();
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -27,10 +29,10 @@ public:
     MovieJobs(const MovieJobs&) = delete;
     MovieJobs& operator=(const MovieJobs&) = delete;
 
-    /// Lock this while creating a movie, so that `abandonAll` misses none.
+    /// Held while a movie is being created, so that `abandonAll` and `end` miss none.
     std::unique_lock<std::mutex> lockCreation() { return std::unique_lock(creation_); }
 
-    /// Whether `abandonAll` was called, so that no movie may begin. Requires the creation lock.
+    /// `abandonAll` or `end` was called: no movie may begin. Requires the creation lock.
     bool isEnded() const;
 
     void add(const std::string& path, const std::shared_ptr<MovieJob>& job);
@@ -43,6 +45,8 @@ public:
 
     /// See `Movies::abandonAll`.
     void abandonAll();
+    /// See `Movies::end`.
+    void end(std::optional<std::chrono::milliseconds> timeout);
 
     /// Waits for calls in progress. No call begins afterwards.
     void close();
@@ -60,7 +64,10 @@ private:
 
     std::mutex creation_;
 
+    std::vector<std::shared_ptr<MovieJob>> endCreation();
+
     mutable std::mutex mutex_; // guards the next two
+    std::condition_variable changed_;
     std::vector<Entry> entries_;
     bool isEnded_ = false;
 

@@ -62,4 +62,8 @@ void Movies::abandonAll() {
     jobs_->abandonAll();
 }
 
+void Movies::end(std::optional<std::chrono::milliseconds> timeout) {
+    jobs_->end(timeout);
+}
+
 } // namespace vistrane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -55,6 +56,10 @@ public:
     /// files, so that they are never published, and refuses new writers. Does not wait for encoding
     /// threads.
     void abandonAll();
+
+    /// The same, except that movies whose finishing was requested are waited for until they are
+    /// complete or have failed, with their outcome reported; `timeout` limits the wait.
+    void end(std::optional<std::chrono::milliseconds> timeout);
 
 private:
     MovieOptions options_;

@@ -3,11 +3,16 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace vistrane {
 
 namespace {
+
+bool isUnsupported(int number) {
+    return number == EINVAL || number == ENOSYS || number == EOPNOTSUPP || number == EPERM;
+}
 
 /// For file systems that have links but no exclusive rename, such as network file systems.
 int linkAndUnlink(int folder, const std::string& from, const std::string& to) {
@@ -18,15 +23,29 @@ int linkAndUnlink(int folder, const std::string& from, const std::string& to) {
     return 0;
 }
 
+/// For file systems that have neither, such as the shared folders of virtual machines.
+int lookAndRename(int folder, const std::string& from, const std::string& to) {
+    struct stat status {};
+    if (::fstatat(folder, to.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        return EEXIST;
+    }
+    return errno == ENOENT && ::renameat(folder, from.c_str(), folder, to.c_str()) == 0 ? 0 : errno;
+}
+
 } // namespace
 
 int renameWithoutReplacing(int folder, const std::string& from, const std::string& to) {
     if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) {
         return 0;
     }
-    const int number = errno;
-    const bool isUnsupported = number == EINVAL || number == ENOSYS || number == EOPNOTSUPP;
-    return isUnsupported ? linkAndUnlink(folder, from, to) : number;
+    int number = errno;
+    if (isUnsupported(number)) {
+        number = linkAndUnlink(folder, from, to);
+    }
+    if (isUnsupported(number)) {
+        number = lookAndRename(folder, from, to);
+    }
+    return number;
 }
 
 } // namespace vistrane

@@ -13,7 +13,7 @@ const char* adviceFor(int number) {
     switch (number) {
     case ENOSPC:
     case EDQUOT:
-        return "Free some space on that disk and compile again";
+        return "Free some space on that disk";
     case EFBIG:
         return "The file has reached the size limit: raise the limit, or use "
                "another disk";
@@ -28,9 +28,9 @@ const char* adviceFor(int number) {
         return "Choose a project folder with a shorter path";
     case EMFILE:
     case ENFILE:
-        return "Too many files are open: close some programs and compile again";
+        return "Too many files are open: close some programs";
     default:
-        return "Check that disk and compile again";
+        return "Check that disk";
     }
 }
 

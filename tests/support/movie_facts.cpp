@@ -24,7 +24,7 @@ std::string outputOf(const std::vector<std::string>& command) {
 /// The values of ffprobe's "section|key=value|..." lines by "section.key", in the order of lines.
 std::map<std::string, std::vector<std::string>> probe(const std::string& path) {
     const std::string entries =
-        "format=nb_streams:format_tags=major_brand:frame=pts:packet=pts,duration:"
+        "format=nb_streams:format_tags=major_brand:frame=pts:packet=pts,dts,duration:"
         "stream=codec_name,width,height,pix_fmt,color_range,color_space,color_transfer,"
         "color_primaries,chroma_location,time_base,start_pts,duration_ts";
     std::istringstream lines(outputOf(
@@ -76,6 +76,10 @@ MovieFacts movieFacts(const std::string& path) {
             (facts.colour.empty() ? "" : " ") + only(values[std::string("stream.") + key]);
     }
     facts.times = numbers(values["packet.pts"]);
+    const std::vector<long> decoding = numbers(values["packet.dts"]);
+    for (std::size_t i = 0; i < decoding.size(); ++i) {
+        facts.isPresentedBeforeDecoding |= facts.times.at(i) < decoding[i];
+    }
     facts.durations = numbers(values["packet.duration"]);
     facts.decodedTimes = numbers(values["frame.pts"]);
     // Packets come in decoding order.

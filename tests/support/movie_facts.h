@@ -19,6 +19,8 @@ struct MovieFacts {
     /// Of each frame, in presentation order.
     std::vector<long> times;
     std::vector<long> durations;
+    /// Whether a packet's presentation time lies before its decoding time.
+    bool isPresentedBeforeDecoding = false;
     /// The frames' times in the order in which the decoder delivers them.
     std::vector<long> decodedTimes;
     /// Pixel format, range, matrix, transfer function, primaries and chroma location.

@@ -144,18 +144,6 @@ TEST_F(MovieFileTest, ASecondWriterForTheSameNameFails) {
     EXPECT_FALSE(create(path).error);
 }
 
-TEST_F(MovieFileTest, ANameTakenDuringTheWritingIsNotOverwritten) {
-    OpenMovie movie = open();
-    movie.appendFrames(1);
-    put(path, "precious");
-    movie.finish();
-    const auto outcome = observer.outcome(path);
-    ASSERT_TRUE(outcome);
-    EXPECT_THAT(outcome->localizedDescription, HasSubstr("already there"));
-    EXPECT_EQ(contents(path), "precious");
-    EXPECT_THAT(folder.names(), ElementsAre("m.mov"));
-}
-
 TEST_F(MovieFileTest, AWriterThatGoesAwayUnfinishedLeavesNothing) {
     {
         OpenMovie movie = open();

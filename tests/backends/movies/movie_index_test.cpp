@@ -35,7 +35,8 @@ TEST(MovieIndex, DurationsAreInPresentationOrder) {
 
 TEST(MovieIndex, OffsetsLeadToDecodingOrderAndMayBeNegative) {
     MovieBoxes boxes = boxesOfIndex(track({0, 5, 3, 2, 4, 6}, 7));
-    EXPECT_EQ(boxes["ctts"], (Numbers{1 << 24, 6, 1, 0, 1, 3, 1, 0, 1, -2, 1, -1, 1, 0}));
+    EXPECT_EQ(boxes["ctts"],
+              (Numbers{1 << 24, 8, 1, 0, 1, 3, 1, 0, 1, -2, 1, -1, 1, 0, 0, 0, 0, 0}));
     EXPECT_EQ(boxes["cslg"], (Numbers{0, 2, -2, 3, 0, 7}));
 }
 

@@ -1,4 +1,7 @@
+#include <filesystem>
+
 #include "tests/backends/movies/MovieTest.h"
+#include "tests/support/Program.h"
 #include "tests/support/movie_boxes.h"
 #include "tests/support/movie_facts.h"
 
@@ -59,6 +62,18 @@ TEST_F(MovieTiming, ReorderedPicturesAreDecodedInPresentationOrder) {
     // Without reordering, this test and the durations above would prove little.
     EXPECT_GT(boxesOf(path)["ctts"].size(), 4U);
     EXPECT_EQ(movieFacts(path).decodedTimes, frameTimes(40));
+}
+
+TEST_F(MovieTiming, NoPictureIsPresentedBeforeItIsDecoded) {
+    for (int frames = 1; frames <= 40; frames += frames < 12 ? 1 : 7) {
+        make(frames);
+        EXPECT_FALSE(movieFacts(path).isPresentedBeforeDecoding) << frames;
+        // ffmpeg warns of such packets when it copies them.
+        const Ended copied = runTool({"ffmpeg", "-v", "warning", "-nostdin", "-y", "-i",
+                                      "file:" + path, "-c", "copy", "file:" + folder / "copy.mov"});
+        EXPECT_EQ(copied.errors, "") << frames;
+        std::filesystem::remove(path);
+    }
 }
 
 TEST_F(MovieTiming, ALoneFrameLastsOneTickOf25) {

@@ -1,0 +1,150 @@
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "tests/backends/movies/MovieTest.h"
+#include "tests/support/movie_boxes.h"
+
+namespace {
+
+// The error numbers of the calls below; 0 for none.
+int renameError = 0;
+int linkError = 0;
+int syncError = 0;
+
+int failWith(int number) {
+    errno = number;
+    return -1;
+}
+
+} // namespace
+
+// File systems that this machine does not have: these functions take the place of the C library's
+// in this program.
+extern "C" {
+int renameat2(int oldFolder, const char* old, int newFolder, const char* name,
+              unsigned int flags) noexcept {
+    return renameError != 0
+               ? failWith(renameError)
+               : static_cast<int>(::syscall(SYS_renameat2, oldFolder, old, newFolder, name, flags));
+}
+int linkat(int oldFolder, const char* old, int newFolder, const char* name, int flags) noexcept {
+    return linkError != 0
+               ? failWith(linkError)
+               : static_cast<int>(::syscall(SYS_linkat, oldFolder, old, newFolder, name, flags));
+}
+int fsync(int descriptor) {
+    return syncError != 0 ? failWith(syncError)
+                          : static_cast<int>(::syscall(SYS_fsync, descriptor));
+}
+}
+
+namespace vistrane {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+class MoviePublishing : public MovieTest {
+protected:
+    ~MoviePublishing() override { renameError = linkError = syncError = 0; }
+
+    /// The error of a movie that is finished now.
+    std::string failure() {
+        RecordingObserver recorder;
+        Movies making(recorder);
+        OpenMovie movie(making, path, 64, 48);
+        movie.appendFrames(3);
+        if (isNameTaken) {
+            std::ofstream(path) << "precious";
+        }
+        movie.finish();
+        const auto outcome = recorder.outcome(path);
+        return outcome ? outcome->localizedDescription : "none";
+    }
+
+    bool isNameTaken = false;
+};
+
+TEST_F(MoviePublishing, NeedsNeitherExclusiveRenameNorLinks) {
+    for (const auto& [first, second] : {std::pair(EINVAL, 0), std::pair(EINVAL, EPERM),
+                                        std::pair(ENOSYS, EOPNOTSUPP), std::pair(EPERM, EPERM)}) {
+        renameError = first;
+        linkError = second;
+        EXPECT_EQ(failure(), "none");
+        EXPECT_THAT(folder.names(), ElementsAre("m.mov"));
+        EXPECT_FALSE(boxesOf(path).empty());
+        std::remove(path.c_str());
+    }
+}
+
+TEST_F(MoviePublishing, AMovieWhoseNameIsTakenIsKeptUnderAnother) {
+    isNameTaken = true;
+    for (const int number : {0, EINVAL}) {
+        renameError = number;
+        linkError = number;
+        EXPECT_THAT(failure(), AllOf(HasSubstr("already there"), HasSubstr("'m-2.mov'")));
+        EXPECT_EQ(contents(path), "precious");
+        EXPECT_THAT(folder.names(), ElementsAre("m-2.mov", "m.mov"));
+        EXPECT_FALSE(boxesOf(folder / "m-2.mov").empty());
+        std::remove(path.c_str());
+        std::remove((folder / "m-2.mov").c_str());
+    }
+}
+
+TEST_F(MoviePublishing, AMovieThatCannotBeRenamedIsKeptAndTheNextWriterPublishesIt) {
+    renameError = EIO;
+    EXPECT_THAT(failure(), HasSubstr("'.m.mov.vistrane-part'"));
+    EXPECT_THAT(folder.names(), ElementsAre(".m.mov.vistrane-part"));
+    renameError = 0;
+    {
+        const auto other = create(folder / "other.mov");
+        EXPECT_FALSE(other.error);
+        EXPECT_THAT(folder.names(), ElementsAre(".other.mov.vistrane-part", "m.mov"));
+    }
+    EXPECT_FALSE(boxesOf(path).empty());
+}
+
+TEST_F(MoviePublishing, AMovieThatIsNotOnTheDiskForSureDoesNotGetItsName) {
+    syncError = EIO;
+    EXPECT_THAT(failure(), AllOf(HasSubstr("brought to the disk"), HasSubstr("'m-2.mov'")));
+    EXPECT_THAT(folder.names(), ElementsAre("m-2.mov"));
+    EXPECT_FALSE(boxesOf(folder / "m-2.mov").empty());
+}
+
+TEST_F(MoviePublishing, EndingWaitsForAMovieThatIsBeingFinishedAndCancelsOthers) {
+    OpenMovie finishing = open(320, 240);
+    finishing.appendFrames(40, noise);
+    OpenMovie unfinished(movies, folder / "n.mov", 64, 48);
+    unfinished.appendFrames(1);
+    finishing.finish();
+    movies.end(std::nullopt);
+    EXPECT_THAT(folder.names(), ElementsAre("m.mov"));
+    EXPECT_FALSE(boxesOf(path).empty());
+    EXPECT_TRUE(observer.hasOutcome(path));
+    EXPECT_TRUE(create(folder / "o.mov").error);
+}
+
+TEST_F(MoviePublishing, EndingWaitsNoLongerThanItMay) {
+    OpenMovie movie = open(320, 240);
+    movie.appendFrames(40, noise);
+    movie.finish();
+    movies.end(std::chrono::milliseconds(0));
+    const bool isWhole = !boxesOf(path).empty();
+    EXPECT_THAT(folder.names(), testing::SizeIs(isWhole ? 1 : 0));
+}
+
+} // namespace
+} // namespace vistrane
