@@ -27,7 +27,7 @@ void CaptureCore::work() {
             expireRequests();
             watch(lock);
             if (!hasWork()) {
-                changed.wait_until(lock, nextTime());
+                changed.wait_for(lock, nextTime() - clock.now());
             }
         }
     }
@@ -50,8 +50,8 @@ void CaptureCore::serveTarget(Lock& lock) {
     if (target) {
         current = target->camera.facts;
         others.clear();
-        startEnd = Clock::now() + options.firstPicture;
-        nextAttempt = Clock::now();
+        startEnd = clock.now() + options.firstPicture;
+        nextAttempt = clock.now();
         attempts = 0;
     }
     changed.notify_all();
@@ -59,7 +59,7 @@ void CaptureCore::serveTarget(Lock& lock) {
 
 /// Creates and starts a pipeline if the camera is listed.
 void CaptureCore::attempt(Lock& lock) {
-    nextAttempt = Clock::now() + (phase == Phase::starting ? startRetry : options.retry);
+    nextAttempt = clock.now() + (phase == Phase::starting ? startRetry : options.retry);
     if (stuck && !stuck->hasEnded()) {
         return;
     }
@@ -95,7 +95,7 @@ void CaptureCore::attempt(Lock& lock) {
     }
     current = camera->facts;
     pictureCame = false;
-    lastPicture = Clock::now();
+    lastPicture = clock.now();
     lastPictureTime = GST_CLOCK_TIME_NONE;
     for (StillRequest& request : requests) {
         request.after = GST_CLOCK_TIME_NONE;
@@ -105,16 +105,16 @@ void CaptureCore::attempt(Lock& lock) {
     pipeline->wantPreview(previewWanted);
     period = mode->period();
     for (StillRequest& request : requests) {
-        request.deadline = std::max(request.deadline, Clock::now() + forCamera(options.still));
+        request.deadline = std::max(request.deadline, clock.now() + forCamera(options.still));
     }
-    nextLook = Clock::now() + forCamera(options.doubt);
-    // Some cameras occasionally deliver nothing after a start, others are only slow. So short and
-    // long attempts alternate.
+    nextLook = clock.now() + forCamera(options.doubt);
+    // Some cameras deliver nothing after one start in many, others are only slow: a short attempt
+    // is followed by a long one.
     const bool isShort = ++attempts % 2 == 1;
-    attemptEnd = Clock::now() +
+    attemptEnd = clock.now() +
                  forCamera(isShort ? options.secondTry : options.firstPicture - options.secondTry);
     if (attempts == 1) {
-        startEnd = std::max(startEnd, Clock::now() + forCamera(options.firstPicture));
+        startEnd = std::max(startEnd, clock.now() + forCamera(options.firstPicture));
     }
     if (!pipeline->start()) {
         failure = "the system refuses more threads";
@@ -172,7 +172,7 @@ void CaptureCore::confirm(Lock& lock) {
 /// Does not report the camera as lost: a virtual camera that restarts is back within moments.
 void CaptureCore::tryAgain(Lock& lock) {
     dropPipeline(lock);
-    nextAttempt = Clock::now() + (phase == Phase::starting ? startRetry : options.retry);
+    nextAttempt = clock.now() + (phase == Phase::starting ? startRetry : options.retry);
 }
 
 void CaptureCore::goLive() {
@@ -188,7 +188,7 @@ void CaptureCore::watch(Lock& lock) {
     if (servedTarget != targetNumber || !target || quitting) {
         return;
     }
-    const auto now = Clock::now();
+    const auto now = clock.now();
     if (phase == Phase::starting && now >= startEnd) {
         lose(lock, "");
     } else if (!pipeline) {
@@ -232,7 +232,7 @@ void CaptureCore::lose(Lock& lock, const std::string& reason) {
     }
     dropPipeline(lock);
     if (number == targetNumber) {
-        nextAttempt = Clock::now() + options.retry;
+        nextAttempt = clock.now() + options.retry;
     }
 }
 
@@ -262,7 +262,7 @@ void CaptureCore::serveStill(Lock& lock) {
 }
 
 void CaptureCore::expireRequests() {
-    const auto now = Clock::now();
+    const auto now = clock.now();
     while (!requests.empty() && now >= requests.front().deadline) {
         const std::uint64_t number = requests.front().number;
         requests.pop_front();
@@ -290,10 +290,11 @@ void CaptureCore::dropPipeline(Lock& lock) {
     }
 }
 
-CaptureCore::Clock::time_point CaptureCore::nextTime() const {
-    const auto now = Clock::now();
+CaptureCore::Clock::time_point CaptureCore::nextTime() {
+    const auto now = clock.now();
     auto next = now + std::chrono::hours(1);
     if (target) {
+        next = now + Clock::longestStep / 2;
         if (!requests.empty()) {
             next = std::min(next, requests.front().deadline);
         }
@@ -342,7 +343,7 @@ void CaptureCore::pictureArrived(std::uint64_t ofRun, GstClockTime time) {
     if (ofRun != run) {
         return;
     }
-    lastPicture = Clock::now();
+    lastPicture = clock.now();
     lastPictureTime = time;
     if (!pictureCame) {
         pictureCame = true;

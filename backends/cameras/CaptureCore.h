@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "backends/cameras/AwakeClock.h"
 #include "backends/cameras/CameraList.h"
 #include "backends/cameras/CameraObserver.h"
 #include "backends/cameras/CameraOptions.h"
@@ -26,7 +27,7 @@ namespace vistrane {
 /// The state of a `CaptureEngine`, shared by the main thread, the engine's thread and GStreamer's
 /// threads. Lives until the last of them releases it; if a driver hangs, it outlives the engine.
 struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
-    using Clock = std::chrono::steady_clock;
+    using Clock = AwakeClock;
 
     enum class Phase {
         idle,
@@ -63,6 +64,8 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     std::condition_variable changed;
 
     // Guarded by the mutex.
+    /// All times below are this clock's.
+    AwakeClock clock;
     CameraObserver* observer;
     bool quitting = false;
     bool threadHasEnded = false;
@@ -120,7 +123,7 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     void serveStill(Lock& lock);
     void expireRequests();
     void dropPipeline(Lock& lock);
-    Clock::time_point nextTime() const;
+    Clock::time_point nextTime();
     bool hasWork() const;
 
     // GStreamer's threads.

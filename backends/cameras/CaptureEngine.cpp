@@ -80,7 +80,7 @@ void CaptureEngine::requestStill(std::uint64_t request) {
         return;
     }
     core_->requests.push_back(CaptureCore::StillRequest{
-        request, CaptureCore::Clock::now() + core_->forCamera(core_->options.still),
+        request, core_->clock.now() + core_->forCamera(core_->options.still),
         core_->lastPictureTime});
     if (core_->pipeline) {
         core_->pipeline->wantStills(true);

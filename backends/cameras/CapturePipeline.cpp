@@ -322,7 +322,8 @@ void addPreviewBranch(Builder& builder, GstElement* tee, bool isJpeg, const Shar
     }
     GstElement* scale = builder.add("videoscale");
     GstElement* convert = builder.add("videoconvert");
-    const std::string caps = "video/x-raw,format=BGRx,pixel-aspect-ratio=1/1,width=[1," +
+    // Y'CbCr stays what it is: `YuvConversion` is more exact.
+    const std::string caps = "video/x-raw,format={AYUV,BGRx},pixel-aspect-ratio=1/1,width=[1," +
                              std::to_string(previewSide) + "],height=[1," +
                              std::to_string(previewSide) + "]";
     GstElement* sink = addSink(builder, caps.c_str(), events, onPreview);

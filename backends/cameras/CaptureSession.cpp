@@ -1,8 +1,12 @@
 #include "backends/cameras/CaptureSession.h"
 
 #include <algorithm>
+#include <cstring>
+#include <optional>
 #include <utility>
+#include <vector>
 
+#include "backends/cameras/YuvConversion.h"
 #include "backends/pictures/PictureData.h"
 
 namespace vistrane {
@@ -19,43 +23,36 @@ private:
     std::shared_ptr<NSData> data_;
 };
 
-/// Keeps a preview sample mapped.
-struct HeldPreview {
-    GstPointer<GstSample> sample;
-    GstVideoFrame frame{};
-    bool isMapped = false;
-
-    explicit HeldPreview(GstSample* borrowed) : sample(gst_sample_ref(borrowed)) {
-        GstVideoInfo info;
-        const GstCaps* caps = gst_sample_get_caps(borrowed);
-        isMapped =
-            caps != nullptr && gst_video_info_from_caps(&info, caps) &&
-            gst_video_frame_map(&frame, &info, gst_sample_get_buffer(borrowed), GST_MAP_READ);
+/// The sample's picture, AYUV or BGRx, as BGRx. Empty if there is none.
+PreviewPicture pictureOf(GstSample* sample) {
+    const GstCaps* const caps = sample != nullptr ? gst_sample_get_caps(sample) : nullptr;
+    GstVideoInfo info;
+    GstVideoFrame frame;
+    if (caps == nullptr || !gst_video_info_from_caps(&info, caps) ||
+        !gst_video_frame_map(&frame, &info, gst_sample_get_buffer(sample), GST_MAP_READ)) {
+        return {};
     }
-    ~HeldPreview() {
-        if (isMapped) {
-            gst_video_frame_unmap(&frame);
+    const auto width = static_cast<std::size_t>(GST_VIDEO_FRAME_WIDTH(&frame));
+    const auto height = static_cast<std::size_t>(GST_VIDEO_FRAME_HEIGHT(&frame));
+    const auto conversion = GST_VIDEO_INFO_IS_YUV(&info) ? YuvConversion::of(info.colorimetry)
+                                                         : std::optional<YuvConversion>();
+    const std::size_t stride = 4 * width;
+    auto pixels = std::make_shared<std::vector<std::uint8_t>>(stride * height);
+    for (std::size_t y = 0; y < height; ++y) {
+        const auto* row = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, 0)) +
+                          y * static_cast<std::size_t>(GST_VIDEO_FRAME_PLANE_STRIDE(&frame, 0));
+        if (conversion) {
+            conversion->toBgrx(row, width, pixels->data() + y * stride);
+        } else {
+            std::memcpy(pixels->data() + y * stride, row, stride);
         }
     }
-    HeldPreview(const HeldPreview&) = delete;
-    HeldPreview& operator=(const HeldPreview&) = delete;
-};
-
-PreviewPicture pictureOf(GstSample* sample) {
+    gst_video_frame_unmap(&frame);
     PreviewPicture picture;
-    if (sample == nullptr) {
-        return picture;
-    }
-    auto held = std::make_shared<HeldPreview>(sample);
-    if (!held->isMapped) {
-        return picture;
-    }
-    picture.width = GST_VIDEO_FRAME_WIDTH(&held->frame);
-    picture.height = GST_VIDEO_FRAME_HEIGHT(&held->frame);
-    picture.stride = static_cast<std::size_t>(GST_VIDEO_FRAME_PLANE_STRIDE(&held->frame, 0));
-    const auto* first =
-        static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&held->frame, 0));
-    picture.pixels = std::shared_ptr<const std::uint8_t>(std::move(held), first);
+    picture.width = static_cast<int>(width);
+    picture.height = static_cast<int>(height);
+    picture.stride = stride;
+    picture.pixels = {pixels, pixels->data()};
     return picture;
 }
 

@@ -13,8 +13,7 @@ namespace vistrane {
 /// A small picture for the live preview: the top row first, four bytes per pixel: blue, green, red,
 /// one ignored. Full-range RGB. If all fields are 0 or null, there is no picture.
 struct PreviewPicture {
-    /// The top row. The row stride is `stride` bytes. Immutable. It occupies a buffer of the
-    /// camera, so release it soon.
+    /// The top row. Rows are `stride` bytes apart. Immutable.
     std::shared_ptr<const std::uint8_t> pixels;
     int width = 0;
     int height = 0;
