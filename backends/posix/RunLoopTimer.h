@@ -26,7 +26,9 @@ public:
     /// When it is due next.
     std::int64_t nextDate() const { return grid_.next(); }
     bool isTicking() const { return ticking_ > 0; }
-    /// Ticks once for all dates up to `now`.
+    bool isHeld() const { return isHeld_; }
+    void setHeld(bool held) { isHeld_ = held; }
+    /// Ticks for every date up to `now`.
     void tick(std::int64_t now);
 
 private:
@@ -39,6 +41,7 @@ private:
     std::shared_ptr<const std::function<void(NSTimer&)>> tick_;
     bool repeats_;
     int ticking_ = 0;
+    bool isHeld_ = false;
 };
 
 } // namespace vistrane

@@ -27,6 +27,15 @@ std::shared_ptr<NSTimer> RunLoopTimers::schedule(double interval,
     return timer;
 }
 
+void RunLoopTimers::setHeld(const NSTimer& timer, bool held) {
+    for (const std::shared_ptr<RunLoopTimer>& each : timers_) {
+        if (each.get() == &timer) {
+            each->setHeld(held);
+        }
+    }
+    changed();
+}
+
 std::optional<std::int64_t> RunLoopTimers::nextDate() const {
     const std::shared_ptr<RunLoopTimer> timer = next();
     return timer ? std::optional(timer->nextDate()) : std::nullopt;
@@ -43,7 +52,7 @@ void RunLoopTimers::runDue() {
 std::shared_ptr<RunLoopTimer> RunLoopTimers::next() const {
     std::shared_ptr<RunLoopTimer> found;
     for (const std::shared_ptr<RunLoopTimer>& timer : timers_) {
-        const bool mayTick = modalDepth_ == 0 && !timer->isTicking();
+        const bool mayTick = modalDepth_ == 0 && !timer->isTicking() && !timer->isHeld();
         if (mayTick && (!found || timer->nextDate() < found->nextDate())) {
             found = timer;
         }

@@ -26,8 +26,12 @@ public:
     std::shared_ptr<NSTimer> schedule(double interval, std::function<void(NSTimer&)> tick,
                                       bool repeats);
 
-    /// When the next timer is due, in nanoseconds of the monotonic clock. Nothing if no timer may
-    /// tick.
+    /// Holds one of these timers back, or lets it go on: then it ticks at most once for the dates
+    /// that have passed. Another or an invalid timer is ignored.
+    void setHeld(const NSTimer& timer, bool held);
+
+    /// When the next timer is due, in nanoseconds of the monotonic clock. Nothing while no timer
+    /// may tick.
     std::optional<std::int64_t> nextDate() const;
 
     /// Ticks each timer that is due at the moment of the call, at most once.

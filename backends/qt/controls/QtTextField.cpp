@@ -46,6 +46,14 @@ QtTextField::QtTextField(QLineEdit& widget) : QtText(widget, widget.text()), wid
         keep(text.toStdString());
         isEdited_ = true;
     });
+    QObject::connect(&widget, &QLineEdit::textChanged, &connections_, [this](const QString& text) {
+        if (text != vistrane::shownText(stringValue())) {
+            // Neither the program nor a key: a screen reader, which need not move the focus.
+            keep(text.toStdString());
+            isEdited_ = true;
+            endEditing();
+        }
+    });
     QObject::connect(&widget, &QLineEdit::returnPressed, &connections_, [this] {
         isEdited_ = true;
         endEditing();

@@ -35,6 +35,10 @@ public:
     std::shared_ptr<NSTimer> scheduleTimer(double interval, std::function<void(NSTimer&)> tick,
                                            bool repeats);
 
+    /// Holds a timer back while the user drags something that it moves, or lets it go on: then it
+    /// ticks at most once for the dates that have passed.
+    void setHeld(const NSTimer& timer, bool held) { timers_.setHeld(timer, held); }
+
     /// Work for the main thread. Any thread may post to it while the run loop lives.
     DispatchQueue& mainQueue() { return mainQueue_; }
 

@@ -3,6 +3,8 @@
 #include <utility>
 
 #include <QApplication>
+#include <QEvent>
+#include <QMetaObject>
 #include <QPalette>
 #include <QProgressBar>
 #include <QStyle>
@@ -75,12 +77,30 @@ struct DesktopLook {
     QPalette palette = QApplication::palette();
 };
 
-const DesktopLook& desktopLook() {
-    static const DesktopLook look;
+DesktopLook& desktopLook() {
+    static DesktopLook look;
     return look;
 }
 
 } // namespace
+
+/// Calls `changed`, from the event loop, after the application's palette has changed.
+class Appearance::PaletteWatch final : public QObject {
+public:
+    explicit PaletteWatch(std::function<void()> changed) : changed_(std::move(changed)) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp) {
+            QMetaObject::invokeMethod(this, changed_, Qt::QueuedConnection);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+    std::function<void()> changed_;
+};
 
 Appearance::Appearance() : paletteIsDark_(isDarkPalette(desktopLook().palette)) {
     portal_ = std::make_unique<Portal>([this] {
@@ -88,6 +108,20 @@ Appearance::Appearance() : paletteIsDark_(isDarkPalette(desktopLook().palette)) 
             changed_();
         }
     });
+    paletteWatch_ = std::make_unique<PaletteWatch>([this] { paletteChanged(); });
+}
+
+void Appearance::paletteChanged() {
+    // With a preference of the portal the palette may be the program's own.
+    const QPalette palette = QApplication::palette();
+    if (portal_->scheme() != Portal::noPreference || isDarkPalette(palette) == paletteIsDark_) {
+        return;
+    }
+    paletteIsDark_ = !paletteIsDark_;
+    desktopLook().palette = palette;
+    if (changed_) {
+        changed_();
+    }
 }
 
 Appearance::~Appearance() = default;

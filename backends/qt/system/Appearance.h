@@ -9,9 +9,9 @@
 
 namespace vistrane {
 
-/// Whether the desktop is light or dark, according to the desktop portal or, if that has no
-/// preference, the application's initial palette. Main thread only, while there is an application
-/// object.
+/// Whether the desktop is light or dark, by the desktop portal or, if that has no preference, by
+/// the palette that the desktop gives the application. Main thread only, while there is an
+/// application object.
 class Appearance {
 public:
     /// Asks the portal and waits for the answer for at most 0.3 s. A later answer counts as a
@@ -31,10 +31,14 @@ public:
 
 private:
     class Portal;
+    class PaletteWatch;
+
+    void paletteChanged();
 
     std::function<void()> changed_;
     bool paletteIsDark_;
     std::unique_ptr<Portal> portal_;
+    std::unique_ptr<PaletteWatch> paletteWatch_;
 };
 
 /// The program's own colours.

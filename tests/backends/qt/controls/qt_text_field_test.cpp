@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QLabel>
 
 #include "tests/backends/qt/controls/ControlWidgets.h"
@@ -31,6 +32,17 @@ TEST_F(QtTextFieldTest, TypingChangesTheValueAtOnceAndSendsNothing) {
     EXPECT_EQ(field_->stringValue(), "75x");
     EXPECT_EQ(field_->intValue(), 75);
     EXPECT_EQ(sent_, 0);
+}
+
+TEST_F(QtTextFieldTest, TheTextOfAScreenReaderIsTakenAndSendsTheAction) {
+    QAccessibleInterface* const reader = QAccessible::queryAccessibleInterface(line_);
+    ASSERT_NE(reader, nullptr);
+    reader->setText(QAccessible::Value, QStringLiteral("30"));
+    EXPECT_EQ(field_->intValue(), 30);
+    EXPECT_EQ(sent_, 1);
+    field_->setStringValue("31");
+    EXPECT_EQ(line_->text(), QStringLiteral("31"));
+    EXPECT_EQ(sent_, 1);
 }
 
 TEST_F(QtTextFieldTest, EnterSendsTheActionOnceWithOrWithoutAnEdit) {

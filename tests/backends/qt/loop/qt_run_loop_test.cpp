@@ -52,6 +52,25 @@ TEST(QtRunLoop, TimersAndWorkRunInQtsOwnLoop) {
     other.join();
 }
 
+TEST(QtRunLoop, AHeldTimerTicksOnceForTheDatesThatPassedAndOthersGoOn) {
+    QtRunLoop loop;
+    int heldTicks = 0;
+    int otherTicks = 0;
+    const auto held = loop.scheduleTimer(
+        0.001, [&](NSTimer&) { ++heldTicks; }, true);
+    const auto other = loop.scheduleTimer(
+        0.001, [&](NSTimer&) { ++otherTicks; }, true);
+    loop.setHeld(*held, true);
+    EXPECT_TRUE(execUntil([&] { return otherTicks >= 20; }));
+    EXPECT_EQ(heldTicks, 0);
+    other->invalidate();
+    loop.setHeld(*held, false);
+    runFor(loop, 0.0);
+    EXPECT_EQ(heldTicks, 1);
+    EXPECT_TRUE(execUntil([&] { return heldTicks >= 3; }));
+    held->invalidate();
+}
+
 TEST(QtRunLoop, WorkThatAddsWorkDoesNotStarveTimers) {
     QtRunLoop loop;
     bool ended = false;

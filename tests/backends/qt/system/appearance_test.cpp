@@ -48,6 +48,18 @@ TEST_F(AppearanceTest, WithoutAPortalThePaletteDecides) {
     EXPECT_EQ(appearance.interfaceStyle(), std::nullopt);
 }
 
+TEST_F(AppearanceTest, WithoutAPortalAChangedPaletteIsFollowed) {
+    Appearance appearance;
+    std::vector<bool> changes;
+    appearance.setChangeHandler([&] { changes.push_back(appearance.isDark()); });
+    for (const bool isDark : {true, false}) {
+        QApplication::setPalette(ownPalette(isDark));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return appearance.isDark() == isDark; }, timeout));
+        EXPECT_EQ(changes.size(), isDark ? 1U : 2U);
+    }
+    QApplication::setPalette(QPalette());
+}
+
 TEST_F(AppearanceTest, ADarkDesktopIsDarkFromTheStart) {
     services_.offerScheme(1U);
     const Appearance appearance;
