@@ -53,7 +53,12 @@ void SessionBackend::handleSignals(const Endings& endings) {
                            [this, endings](int status) { endWithoutMainThread(status, endings); }});
 }
 
-/// Waits until a frame that is being written is complete, and removes unfinished movies.
+void SessionBackend::endMovies(int status) {
+    constexpr int firstSignalStatus = 129;
+    movies.end(status < firstSignalStatus ? std::nullopt : std::optional(endTimeout));
+}
+
+/// Waits for a frame that is being written and for movies that are being finished.
 void SessionBackend::endWithoutMainThread(int status, const Endings& endings) {
     startDetachedThread([status] {
         std::this_thread::sleep_for(endTimeout);
@@ -61,7 +66,7 @@ void SessionBackend::endWithoutMainThread(int status, const Endings& endings) {
     });
     waitWhile(endings.isEnding);
     waitWhile([this] { return observer_.isWritingFile(); });
-    movies.abandonAll();
+    endMovies(status);
     endings.cleanUp();
     std::_Exit(status);
 }

@@ -57,6 +57,10 @@ public:
     /// From now on signals end the process with these functions.
     void handleSignals(const Endings& endings);
 
+    /// Before the process ends with `status`: cancels the movies that are still being made, and
+    /// waits for those that only need to be finished, after a signal for five seconds at most.
+    void endMovies(int status);
+
     // in the order of their dependencies
     QtDispatch dispatch;
     NotificationCenter notificationCenter;

@@ -6,8 +6,6 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "backends/posix/Descriptor.h"
-
 namespace vistrane {
 
 namespace {
@@ -17,16 +15,20 @@ constexpr std::string_view clearLine = "\r\x1b[K";
 
 constexpr std::size_t usualColumns = 80;
 
+constexpr std::size_t mostUnread = 1 << 20;
+
 } // namespace
 
 ConsoleOutput::ConsoleOutput(int descriptor)
-    : descriptor_(descriptor), isTerminal_(isatty(descriptor) == 1) {}
+    : descriptor_(descriptor), isTerminal_(isatty(descriptor) == 1),
+      writer_(
+          descriptor, [](int) {}, mostUnread) {}
 
 void ConsoleOutput::writeLine(std::string_view text) {
     const std::lock_guard lock(mutex_);
     std::string bytes(bar_.empty() ? std::string_view() : clearLine);
     bytes.append(text).append("\n").append(bar_);
-    write(bytes);
+    writer_.write(bytes);
 }
 
 void ConsoleOutput::showProgress(double value, double maximum) {
@@ -39,7 +41,7 @@ void ConsoleOutput::showProgress(double value, double maximum) {
     if (bar == bar_) {
         return;
     }
-    write(std::string(clearLine) + bar);
+    writer_.write(std::string(clearLine) + bar);
     bar_ = std::move(bar);
 }
 
@@ -65,8 +67,8 @@ std::size_t ConsoleOutput::columns() const {
     return size.ws_col;
 }
 
-void ConsoleOutput::write(std::string_view bytes) const {
-    writeAll(descriptor_, bytes.data(), bytes.size());
+void ConsoleOutput::flush(std::chrono::milliseconds timeout) {
+    writer_.flush(timeout);
 }
 
 } // namespace vistrane

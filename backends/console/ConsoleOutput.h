@@ -1,8 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <mutex>
 #include <string>
 #include <string_view>
+
+#include "backends/posix/BackgroundWriter.h"
 
 namespace vistrane {
 
@@ -17,21 +20,25 @@ public:
     ConsoleOutput(const ConsoleOutput&) = delete;
     ConsoleOutput& operator=(const ConsoleOutput&) = delete;
 
-    /// Writes the text unchanged, then a newline. Waits while the descriptor is full. Ignores other
-    /// errors.
+    /// Writes the text unchanged, then a newline, on a thread of its own: a reader that stops must
+    /// not stop the program. Text is discarded while more than a megabyte is unread, and after an
+    /// error.
     void writeLine(std::string_view text);
 
     /// Draws the bar at `value` of `maximum`. Removes it unless both are greater than 0 and the
     /// maximum is finite.
     void showProgress(double value, double maximum);
 
+    /// Waits until everything is written, at most `timeout`.
+    void flush(std::chrono::milliseconds timeout);
+
 private:
     std::string barFor(double value, double maximum) const;
     std::size_t columns() const;
-    void write(std::string_view bytes) const;
 
     const int descriptor_;
     const bool isTerminal_;
+    BackgroundWriter writer_;
     std::mutex mutex_;
     /// The bar on the terminal, or an empty string.
     std::string bar_;

@@ -291,7 +291,8 @@ Usage:
                    [--compile [--fps N] [--x264-preset NAME] [--crf N]] [--demo-camera]
       Save a still into the folder now and after every interval, and print each path. The
       interval is H:M:S or a number of seconds, at most 999:59:59; the default is 5 seconds.
-      Without --count, capturing continues until it is interrupted, and no movie is made.
+      Without --count, capturing continues until it is interrupted, and no movie is made. With
+      --count, it fails when the camera gives no still for a minute and three intervals.
   vistrane demo [FOLDER]
       Capture ten stills from the demo camera, one per second, make a movie of them at 10 frames
       per second, and print its path. The default folder is a new one in your Videos folder.

@@ -7,7 +7,7 @@
 
 #include "backends/qt/loop/QtRunLoop.h"
 #include "frontends/SessionObserver.h"
-#include "frontends/commandline/CompileReport.h"
+#include "frontends/CompileReport.h"
 
 namespace vistrane {
 

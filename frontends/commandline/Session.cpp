@@ -17,6 +17,7 @@
 #include "backends/posix/BackgroundWriter.h"
 #include "backends/qt/loop/core_application.h"
 #include "core/app/AppDelegate.h"
+#include "core/capture/interval.h"
 #include "frontends/SessionBackend.h"
 #include "frontends/commandline/CommandObserver.h"
 #include "frontends/commandline/SessionAppKit.h"
@@ -44,6 +45,12 @@ MovieOptions movieOptions(const MovieArguments& movie) {
     }
     return result;
 }
+
+/// How long the end waits for a reader of the messages.
+constexpr std::chrono::milliseconds messageTimeout{5000};
+
+/// Without a still for this time and three intervals, a capture of a number of stills has failed.
+constexpr std::chrono::seconds captureTimeout{60};
 
 } // namespace
 
@@ -187,6 +194,12 @@ void Session::enterInterval(const IntervalTexts& texts) {
     say(interface.timeD->stringValue());
 }
 
+std::chrono::seconds Session::interval() const {
+    const ConsoleInterface& interface = parts_.interface;
+    return std::chrono::seconds(totalSeconds(
+        interface.hInput->intValue(), interface.mInput->intValue(), interface.sInput->intValue()));
+}
+
 bool Session::capture(std::optional<int> count,
                       const std::function<void(const std::string&)>& saved) {
     ConsoleButton& startButton = *parts_.interface.startB;
@@ -194,7 +207,10 @@ bool Session::capture(std::optional<int> count,
     std::string lastPath;
     int failures = 0;
     bool isOver = false;
+    const auto timeout = captureTimeout + 3 * interval();
+    auto lastOutcome = std::chrono::steady_clock::now();
     const auto endWhenEnough = [&] {
+        lastOutcome = std::chrono::steady_clock::now();
         const auto stills = static_cast<int>(paths.size()) + failures;
         if (!isOver && count && stills >= *count) {
             isOver = true;
@@ -216,7 +232,13 @@ bool Session::capture(std::optional<int> count,
 
     waitForStampBoundary();
     startButton.performClick();
-    waitUntil([&] { return isOver; });
+    waitUntil([&] {
+        if (count && std::chrono::steady_clock::now() > lastOutcome + timeout) {
+            fail("The camera has given no still for " + std::to_string(timeout.count()) +
+                 " seconds. See that it works and that no other program uses it.");
+        }
+        return isOver;
+    });
 
     // Stills that were requested before the end may still arrive.
     parts_.observer.frameWasSaved = saved;
@@ -278,7 +300,7 @@ void Session::end(int status) {
     if (parts_.isLaunched) {
         parts_.controller.applicationWillTerminate();
     }
-    parts_.backend.movies.abandonAll();
+    parts_.backend.endMovies(status);
     if (parts_.isInterrupted) {
         parts_.results.flush(std::chrono::milliseconds(200));
     } else if (!parts_.results.flush()) {
@@ -288,6 +310,7 @@ void Session::end(int status) {
     if (status != 0) {
         parts_.cleanUp();
     }
+    parts_.output.flush(parts_.isInterrupted ? std::chrono::milliseconds(200) : messageTimeout);
     // Other threads may still be running, so nothing is destroyed.
     std::_Exit(status);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -75,6 +76,8 @@ public:
 private:
     struct Parts;
 
+    /// As the fields show it.
+    std::chrono::seconds interval() const;
     void waitUntil(const std::function<bool()>& condition);
     void waitForStampBoundary();
     void waitForListing(const std::string& path);

@@ -9,20 +9,24 @@
 #include "backends/pictures/PictureAppKit.h"
 #include "backends/qt/controls/QtImage.h"
 #include "backends/qt/controls/QtResources.h"
+#include "backends/qt/loop/QtRunLoop.h"
 #include "backends/qt/menus/QtMenu.h"
 #include "backends/qt/system/QtAlert.h"
 #include "backends/qt/system/QtOpenPanel.h"
+#include "frontends/CompileReport.h"
 
 namespace vistrane {
 
-/// The AppKit kit of the window. The constructor's arguments outlive it.
+/// The AppKit kit of the window. Reports each frame that the compile thread loads. The constructor's
+/// arguments outlive it.
 class WindowAppKit final : public PictureAppKit {
 public:
     WindowAppKit(NSApplication& application, NSWorkspace& workspace,
                  std::shared_ptr<const QtDialogRules> dialogRules, const QtResources& resources,
-                 const Pictures& pictures)
+                 const Pictures& pictures, const QtRunLoop& loop, CompileReport& report)
         : PictureAppKit(pictures), application_(application), workspace_(workspace),
-          dialogRules_(std::move(dialogRules)), resources_(resources) {}
+          dialogRules_(std::move(dialogRules)), resources_(resources), loop_(loop),
+          report_(report) {}
 
     NSApplication& sharedApplication() override { return application_; }
     NSWorkspace& sharedWorkspace() override { return workspace_; }
@@ -40,6 +44,13 @@ public:
         return resources_.imageNamed(name);
     }
 
+    std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {
+        if (!loop_.isMainThread()) {
+            report_.frameIsLoaded(path);
+        }
+        return PictureAppKit::imageWithContentsOfFile(path);
+    }
+
     void NSBeep() override { QApplication::beep(); }
 
 private:
@@ -47,6 +58,8 @@ private:
     NSWorkspace& workspace_;
     const std::shared_ptr<const QtDialogRules> dialogRules_;
     const QtResources& resources_;
+    const QtRunLoop& loop_;
+    CompileReport& report_;
 };
 
 } // namespace vistrane

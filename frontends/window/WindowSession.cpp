@@ -9,6 +9,7 @@
 #include <QEvent>
 #include <QIcon>
 #include <QMenu>
+#include <QSlider>
 #include <QWindow>
 
 #include "backends/posix/clock.h"
@@ -25,6 +26,7 @@
 #include "core/infopanel/mantisQRXpanel.h"
 #include "frontends/SessionBackend.h"
 #include "frontends/window/WindowAppKit.h"
+#include "frontends/window/WindowObserver.h"
 
 namespace vistrane {
 
@@ -78,7 +80,8 @@ struct WindowSession::Parts {
     QtUserDefaults defaults{settingsPath(), logLine};
     Appearance appearance;
     SleepInhibitor sleepInhibitor{logLine};
-    SessionObserver observer{logLine};
+    WindowObserver observer{
+        logLine, loop, [this](const std::string& text) { interface.messageBar().showMessage({text}); }};
     SessionBackend backend;
     QtWorkspace workspace{[this](const std::string& path, Movies::Finished callback) {
                               return backend.movies.whenFinished(path, std::move(callback));
@@ -91,12 +94,14 @@ struct WindowSession::Parts {
     WindowAppKit appKit{application, workspace,
                         std::make_shared<const QtDialogRules>(
                             QtDialogRules{loop, [this] { return dialogParent(); }, widgetOf}),
-                        resources, backend.pictures};
+                        resources, backend.pictures, loop, observer.report()};
     std::unique_ptr<CloseRequests> closeRequests;
     const Platform platform = backend.platform(appKit);
     AppDelegate controller{platform};
     mantisQRXpanel panel{platform};
-    /// Whether `mainWindowIsDrawn` has run.
+    /// Of the player, while the user drags the frame slider.
+    std::shared_ptr<NSTimer> heldTimer;
+    /// `mainWindowIsDrawn` has run.
     bool isDrawn = false;
     /// Whether the settings are restored. Before that, ending saves nothing.
     bool isLaunched = false;
@@ -123,6 +128,7 @@ void WindowSession::launch() {
     handleEndings();
     followAppearance();
     connectInterface();
+    showFailuresOfThreads();
     parts_.interface.setSmallWindowsHeldBack(true);
     // Before the window is shown, because a window manager may not remove a task-bar entry later.
     const bool isDockSettingStored = parts_.defaults.integerForKey("firstTime") == 1;
@@ -141,6 +147,7 @@ void WindowSession::launch() {
     parts_.controller.applicationDidFinishLaunching();
     showNoCameraHint();
     keepAwakeWhileCapturing();
+    holdPlayerWhileScrubbing();
 }
 
 void WindowSession::run(const std::function<void()>& launched) {
@@ -254,6 +261,34 @@ void WindowSession::keepAwakeWhileCapturing() {
         true);
 }
 
+/// The compile thread gives the button back when it ends. One that cannot be started never does.
+void WindowSession::showFailuresOfThreads() {
+    parts_.backend.foundation.setThreadFailureHandler([this] {
+        parts_.controller.compilingB->setState(NSControlStateValueOff);
+        parts_.controller.compilingB->setEnabled(true);
+        parts_.interface.messageBar().showMessage(
+            {"The movie cannot be made, because the system refuses another thread. Close some "
+             "programs, then compile again."});
+    });
+}
+
+/// While the user drags the frame slider, playback must not move it. The kit's run loop would hold
+/// every timer back then; capturing and listing go on here.
+void WindowSession::holdPlayerWhileScrubbing() {
+    const auto* slider = parts_.interface.mainWindow().findChild<QSlider*>("photoSlider");
+    connect(slider, &QSlider::sliderPressed, this, [this] {
+        parts_.heldTimer = parts_.controller.playTimer;
+        if (parts_.heldTimer) {
+            parts_.loop.setHeld(*parts_.heldTimer, true);
+        }
+    });
+    connect(slider, &QSlider::sliderReleased, this, [this] {
+        if (const auto timer = std::exchange(parts_.heldTimer, nullptr)) {
+            parts_.loop.setHeld(*timer, false);
+        }
+    });
+}
+
 void WindowSession::handleEndings() {
     running = this;
     std::atexit([] { running->end(1); });
@@ -282,7 +317,15 @@ void WindowSession::end(int status) {
         parts_.controller.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationWillTerminate();
     }
-    parts_.backend.movies.abandonAll();
+    const bool isDisplayGone = status == 1;
+    if (!isDisplayGone) {
+        // Finishing a movie may take a while.
+        for (QWidget* window : parts_.interface.windows()) {
+            window->hide();
+        }
+        QGuiApplication::sync();
+    }
+    parts_.backend.endMovies(status);
     parts_.log.flush();
     // Other threads may still be running, so nothing is destroyed.
     std::_Exit(status);

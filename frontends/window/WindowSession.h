@@ -46,6 +46,8 @@ private:
     void takeKeyboard();
     void followAppearance();
     void keepAwakeWhileCapturing();
+    void showFailuresOfThreads();
+    void holdPlayerWhileScrubbing();
     void handleEndings();
     [[noreturn]] void end(int status);
 

@@ -134,6 +134,7 @@ public:
     QMenu contextMenu;
     QAction* statusSubmenuItem = nullptr;
     QAction* contextSubmenuItem = nullptr;
+    MessageBar* messageBar = nullptr;
 
 private:
     void fillMenus();
@@ -146,6 +147,7 @@ private:
 
 QtInterface::Windows::Windows() {
     mainFile_.setupUi(&mainWindow);
+    messageBar = new MessageBar(mainWindow);
     infoFile_.setupUi(&infoPanel);
     tipsFile_.setupUi(&tipsWindow);
     autostartFile_.setupUi(&autostartForm);
@@ -350,6 +352,10 @@ NSNib& QtInterface::nib(const std::string& objectName) {
 
 QWidget& QtInterface::mainWindow() {
     return windows_->mainWindow;
+}
+
+MessageBar& QtInterface::messageBar() {
+    return *windows_->messageBar;
 }
 
 std::vector<QWidget*> QtInterface::windows() {

@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QWidget>
 
+#include "backends/qt/controls/MessageBar.h"
 #include "backends/qt/controls/QtResources.h"
 #include "platform/appkit/NSNib.h"
 
@@ -39,8 +40,10 @@ public:
     NSNib& nib(const std::string& objectName);
 
     QWidget& mainWindow();
-    /// The main window, the info panel and the tips. The latter two are independent windows, which
-    /// stay visible while the main window is minimised. They first appear centred on it.
+    /// Of the main window.
+    MessageBar& messageBar();
+    /// The main window, the info panel and the tips. They are independent: the latter two stay on
+    /// the screen while the main window is minimised. They first appear centred on it.
     std::vector<QWidget*> windows();
 
     /// Delays showing the small windows, which `awakeFromNib` of the objects may request. At the

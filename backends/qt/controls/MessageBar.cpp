@@ -1,0 +1,99 @@
+#include "backends/qt/controls/MessageBar.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMainWindow>
+#include <QStyle>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "backends/qt/controls/shown_text.h"
+
+namespace vistrane {
+
+MessageBar::MessageBar(QMainWindow& window)
+    : icon_(new QLabel), text_(new QLabel), button_(new QToolButton) {
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::ToolTipBase);
+    setForegroundRole(QPalette::ToolTipText);
+    hide();
+    text_->setTextFormat(Qt::PlainText);
+    text_->setWordWrap(true);
+    text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    text_->setForegroundRole(QPalette::ToolTipText);
+    button_->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    auto* const close = new QToolButton;
+    close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+    close->setAccessibleName(tr("Close this message"));
+    close->setToolTip(tr("Close this message"));
+    for (QToolButton* each : {button_, close}) {
+        each->setAutoRaise(true);
+        each->setFocusPolicy(Qt::TabFocus);
+    }
+
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(14, 4, 14, 4);
+    row->setSpacing(12);
+    row->addWidget(icon_);
+    row->addWidget(text_, 1);
+    row->addWidget(button_);
+    row->addWidget(close);
+
+    auto* const contents = new QWidget;
+    auto* const column = new QVBoxLayout(contents);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(this);
+    column->addWidget(window.takeCentralWidget(), 1);
+    window.setCentralWidget(contents);
+    connect(close, &QToolButton::clicked, this, [this] { closeFirst(); });
+    connect(button_, &QToolButton::clicked, this, [this] {
+        const std::function<void()> action = messages_.front().action;
+        closeFirst();
+        if (action) {
+            action();
+        }
+    });
+}
+
+void MessageBar::showMessage(BarMessage message) {
+    const bool isWaiting =
+        std::any_of(messages_.begin(), messages_.end(),
+                    [&](const BarMessage& other) { return other.text == message.text; });
+    if (isWaiting) {
+        return;
+    }
+    messages_.push_back(std::move(message));
+    if (messages_.size() == 1) {
+        showFirst();
+    }
+}
+
+void MessageBar::showFirst() {
+    const BarMessage& message = messages_.front();
+    const QString text = shownText(message.text);
+    const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+    icon_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side));
+    text_->setText(text);
+    setAccessibleName(text);
+    button_->setText(withoutMnemonic(shownText(message.buttonTitle)));
+    button_->setVisible(!message.buttonTitle.empty());
+    show();
+    QAccessibleEvent event(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&event);
+}
+
+void MessageBar::closeFirst() {
+    messages_.pop_front();
+    if (messages_.empty()) {
+        hide();
+    } else {
+        showFirst();
+    }
+}
+
+} // namespace vistrane
