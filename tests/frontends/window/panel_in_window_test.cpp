@@ -55,13 +55,14 @@ protected:
     Unobserved observer_;
     Pictures pictures_{observer_};
     QtRunLoop loop_;
+    CompileReport report_;
     QtResources resources_;
     QtInterface interface_{resources_};
     WindowAppKit appKit_{simPlatform_.appKit.sharedApplication(),
                          simPlatform_.appKit.sharedWorkspace(),
                          std::make_shared<const QtDialogRules>(QtDialogRules{
                              loop_, [this] { return &interface_.mainWindow(); }, widgetOf}),
-                         resources_, pictures_};
+                         resources_, pictures_, loop_, report_};
     const Platform platform_{simPlatform_.foundation,   appKit_,
                              simPlatform_.avFoundation, simPlatform_.coreVideo,
                              simPlatform_.coreGraphics, simPlatform_.dispatch};
