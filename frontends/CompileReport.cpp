@@ -28,7 +28,8 @@ void CompileReport::frameWasRefused(const NSError& reason) {
     const std::string& why = reason_.empty() ? reason.localizedDescription : reason_;
     const std::string frame = shownText(path_);
     const bool namesFrame = why.find(frame) != std::string::npos;
-    leftOut_.push_back({path_, "Not in the movie: " + (namesFrame ? why : frame + ": " + why), why});
+    leftOut_.push_back(
+        {path_, "Not in the movie: " + (namesFrame ? why : frame + ": " + why), why});
 }
 
 std::vector<std::string> CompileReport::lines() const {
@@ -62,8 +63,10 @@ std::optional<std::string> CompileReport::sentence() const {
         return std::nullopt;
     }
     const std::size_t named = std::min(leftOut_.size(), mostNames);
-    std::string text = leftOut_.size() == 1 ? "A frame is not in the movie, because it could not be read: "
-                                            : std::to_string(leftOut_.size()) + " frames are not in the movie, because they could not be read: ";
+    std::string text = leftOut_.size() == 1
+                           ? "A frame is not in the movie, because it could not be read: "
+                           : std::to_string(leftOut_.size()) +
+                                 " frames are not in the movie, because they could not be read: ";
     for (std::size_t i = 0; i < named; ++i) {
         const std::string& path = leftOut_[i].path;
         text += (i > 0 ? ", " : "") + shownText(path.substr(path.rfind('/') + 1));

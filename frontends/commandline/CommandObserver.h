@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "backends/qt/loop/QtRunLoop.h"
-#include "frontends/SessionObserver.h"
 #include "frontends/CompileReport.h"
+#include "frontends/SessionObserver.h"
 
 namespace vistrane {
 

@@ -17,8 +17,8 @@
 
 namespace vistrane {
 
-/// The AppKit kit of the window. Reports each frame that the compile thread loads. The constructor's
-/// arguments outlive it.
+/// The AppKit kit of the window. Reports each frame that the compile thread loads. The
+/// constructor's arguments outlive it.
 class WindowAppKit final : public PictureAppKit {
 public:
     WindowAppKit(NSApplication& application, NSWorkspace& workspace,

@@ -80,8 +80,9 @@ struct WindowSession::Parts {
     QtUserDefaults defaults{settingsPath(), logLine};
     Appearance appearance;
     SleepInhibitor sleepInhibitor{logLine};
-    WindowObserver observer{
-        logLine, loop, [this](const std::string& text) { interface.messageBar().showMessage({text}); }};
+    WindowObserver observer{logLine, loop, [this](const std::string& text) {
+                                interface.messageBar().showMessage({text});
+                            }};
     SessionBackend backend;
     QtWorkspace workspace{[this](const std::string& path, Movies::Finished callback) {
                               return backend.movies.whenFinished(path, std::move(callback));
@@ -91,10 +92,14 @@ struct WindowSession::Parts {
     QtInterface interface { resources };
     std::unique_ptr<StatusIcon> statusIcon;
     QtApplication application{[this] { return statusIcon && statusIcon->isShown(); }};
-    WindowAppKit appKit{application, workspace,
+    WindowAppKit appKit{application,
+                        workspace,
                         std::make_shared<const QtDialogRules>(
                             QtDialogRules{loop, [this] { return dialogParent(); }, widgetOf}),
-                        resources, backend.pictures, loop, observer.report()};
+                        resources,
+                        backend.pictures,
+                        loop,
+                        observer.report()};
     std::unique_ptr<CloseRequests> closeRequests;
     const Platform platform = backend.platform(appKit);
     AppDelegate controller{platform};

@@ -83,8 +83,8 @@ defect MovieHasTheOldColourMatrix backends/movies/color_weights.h 'movie_parts_t
     'blueShare = 0.0722;' 'blueShare = 0.114;'
 
 defect MovieBeingWrittenIsNotLocked backends/movies movies_test \
-    'LOCK_EX | LOCK_NB) != 0' \
-    'LOCK_UN) != 0'
+    'LOCK_EX | LOCK_NB) != 0 && errno' \
+    'LOCK_UN) != 0 && errno'
 
 defect FinishedMovieReplacesAFile backends/movies movies_test \
     'to.c_str(), RENAME_NOREPLACE)' \

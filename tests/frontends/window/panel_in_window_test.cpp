@@ -62,7 +62,10 @@ protected:
                          simPlatform_.appKit.sharedWorkspace(),
                          std::make_shared<const QtDialogRules>(QtDialogRules{
                              loop_, [this] { return &interface_.mainWindow(); }, widgetOf}),
-                         resources_, pictures_, loop_, report_};
+                         resources_,
+                         pictures_,
+                         loop_,
+                         report_};
     const Platform platform_{simPlatform_.foundation,   appKit_,
                              simPlatform_.avFoundation, simPlatform_.coreVideo,
                              simPlatform_.coreGraphics, simPlatform_.dispatch};
