@@ -15,8 +15,8 @@ public:
     virtual void pictureWasAppended() {}
     virtual void pictureWasRefused(const NSError& reason) { (void)reason; }
 
-    /// The outcome of a movie after `finishWriting...`: the complete file is at `path`, or there is
-    /// no file.
+    /// The outcome of a movie after `finishWriting...`: the complete file is at `path`, or not. The
+    /// reason says where a complete movie was kept that could not get its name.
     virtual void movieIsWhole(const std::string& path) { (void)path; }
     virtual void movieFailed(const std::string& path, const NSError& reason) {
         (void)path, (void)reason;

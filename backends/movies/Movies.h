@@ -18,8 +18,9 @@ class MovieJobs;
 /// The movie half of the AVFoundation kit: H.264 in QuickTime files. Any thread.
 ///
 /// Pixel buffers are those of `MediaCoreVideo`. An unfinished movie is a hidden file in the movie's
-/// folder (".<name>.vistrane-part"). It is removed if the movie is cancelled or fails; after a
-/// crash, the next writer in that folder removes it.
+/// folder (".<name>.vistrane-part"). It is removed if the movie is cancelled or fails before it is
+/// complete; after a crash, the next writer in that folder removes it, or publishes it if it is
+/// complete.
 ///
 /// The destructor cancels every unfinished movie. It waits only for calls of handlers and of the
 /// observer that are in progress; no call begins afterwards. It must not run within one.

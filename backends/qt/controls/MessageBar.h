@@ -12,7 +12,7 @@ class QToolButton;
 
 namespace vistrane {
 
-/// A message that nobody has to answer.
+/// A notice for the user, with at most one action.
 struct BarMessage {
     /// One sentence, which says what happened and what to do.
     std::string text;
