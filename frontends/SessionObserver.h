@@ -29,7 +29,9 @@ public:
         isWritingFile_ = false;
         logLostFrame(reason);
     }
-    void pictureWasRefused(const NSError& reason) override { log_(reason.localizedDescription); }
+    void pictureWasRefused(const std::string&, const NSError& reason) override {
+        log_(reason.localizedDescription);
+    }
     void movieFailed(const std::string&, const NSError& reason) override {
         log_(reason.localizedDescription);
     }

@@ -77,6 +77,7 @@ public:
     void abandon();
 
     MovieJobs& jobs() { return *jobs_; }
+    const std::string& path() const { return path_; }
 
 private:
     struct Item {

@@ -13,7 +13,9 @@ public:
     /// An append was accepted or refused. Called on the appending thread, before the append
     /// returns.
     virtual void pictureWasAppended() {}
-    virtual void pictureWasRefused(const NSError& reason) { (void)reason; }
+    virtual void pictureWasRefused(const std::string& moviePath, const NSError& reason) {
+        (void)moviePath, (void)reason;
+    }
 
     /// The outcome of a movie after `finishWriting...`: the complete file is at `path`, or not. The
     /// reason says where a complete movie was kept that could not get its name.

@@ -43,8 +43,8 @@ std::optional<NSError> MovieTrackWriter::append(CVPixelBufferRef buffer, CMTime 
     if (error) {
         job_->setLastRefusal(*error);
     }
-    job_->jobs().report([&error](MovieObserver& observer) {
-        error ? observer.pictureWasRefused(*error) : observer.pictureWasAppended();
+    job_->jobs().report([&](MovieObserver& observer) {
+        error ? observer.pictureWasRefused(job_->path(), *error) : observer.pictureWasAppended();
     });
     return error;
 }

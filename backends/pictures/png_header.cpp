@@ -177,7 +177,7 @@ private:
     std::optional<PngRefusal> takeDamaged(const Chunk& chunk) {
         if (hasPixels() && chunk.type == "IEND") {
             endWithFlaw(wrongChecksum(chunk));
-        } else if (chunk.isCritical()) {
+        } else if (chunk.isCritical() || chunk.offset == signature.size()) {
             return damaged(wrongChecksum(chunk));
         } else {
             addFlaw(wrongChecksum(chunk));

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "backends/qt/loop/QtRunLoop.h"
-#include "frontends/CompileReport.h"
 #include "frontends/SessionObserver.h"
+#include "frontends/commandline/CompileReport.h"
 
 namespace vistrane {
 
@@ -36,7 +36,9 @@ public:
     void fileWasWritten(const std::string& path) override;
     void fileCouldNotBeWritten(const std::string& path, const NSError& reason) override;
     void pictureWasAppended() override { report_.frameWasAppended(); }
-    void pictureWasRefused(const NSError& reason) override { report_.frameWasRefused(reason); }
+    void pictureWasRefused(const std::string&, const NSError& reason) override {
+        report_.frameWasRefused(reason);
+    }
     void movieIsWhole(const std::string& path) override { setOutcome({path, std::nullopt}); }
     void movieFailed(const std::string& path, const NSError& reason) override {
         setOutcome({path, reason});

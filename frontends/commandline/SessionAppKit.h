@@ -8,7 +8,7 @@
 #include "backends/console/ConsoleApplication.h"
 #include "backends/pictures/PictureAppKit.h"
 #include "backends/qt/loop/QtRunLoop.h"
-#include "frontends/CompileReport.h"
+#include "frontends/commandline/CompileReport.h"
 
 namespace vistrane {
 

@@ -13,7 +13,7 @@
 #include "backends/qt/menus/QtMenu.h"
 #include "backends/qt/system/QtAlert.h"
 #include "backends/qt/system/QtOpenPanel.h"
-#include "frontends/CompileReport.h"
+#include "frontends/window/LeftOutFrames.h"
 
 namespace vistrane {
 
@@ -23,10 +23,10 @@ class WindowAppKit final : public PictureAppKit {
 public:
     WindowAppKit(NSApplication& application, NSWorkspace& workspace,
                  std::shared_ptr<const QtDialogRules> dialogRules, const QtResources& resources,
-                 const Pictures& pictures, const QtRunLoop& loop, CompileReport& report)
+                 const Pictures& pictures, const QtRunLoop& loop, LeftOutFrames& leftOut)
         : PictureAppKit(pictures), application_(application), workspace_(workspace),
           dialogRules_(std::move(dialogRules)), resources_(resources), loop_(loop),
-          report_(report) {}
+          leftOut_(leftOut) {}
 
     NSApplication& sharedApplication() override { return application_; }
     NSWorkspace& sharedWorkspace() override { return workspace_; }
@@ -46,7 +46,7 @@ public:
 
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {
         if (!loop_.isMainThread()) {
-            report_.frameIsLoaded(path);
+            leftOut_.frameIsLoaded(path);
         }
         return PictureAppKit::imageWithContentsOfFile(path);
     }
@@ -59,7 +59,7 @@ private:
     const std::shared_ptr<const QtDialogRules> dialogRules_;
     const QtResources& resources_;
     const QtRunLoop& loop_;
-    CompileReport& report_;
+    LeftOutFrames& leftOut_;
 };
 
 } // namespace vistrane

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "backends/qt/loop/QtRunLoop.h"
-#include "frontends/CompileReport.h"
 #include "frontends/SessionObserver.h"
+#include "frontends/window/LeftOutFrames.h"
 
 namespace vistrane {
 
@@ -18,30 +18,21 @@ public:
                    std::function<void(const std::string& text)> show)
         : SessionObserver(std::move(log)), loop_(loop), show_(std::move(show)) {}
 
-    /// Of the movie that is being made.
-    CompileReport& report() { return report_; }
+    LeftOutFrames& leftOut() { return leftOut_; }
 
-    void imageCouldNotBeRead(const std::string& path, const NSError& reason) override {
-        SessionObserver::imageCouldNotBeRead(path, reason);
-        if (!loop_.isMainThread()) {
-            report_.frameCouldNotBeRead(reason);
-        }
+    void pictureWasRefused(const std::string& moviePath, const NSError& reason) override {
+        SessionObserver::pictureWasRefused(moviePath, reason);
+        leftOut_.frameWasRefused(moviePath);
     }
-    void pictureWasAppended() override { report_.frameWasAppended(); }
-    void pictureWasRefused(const NSError& reason) override {
-        SessionObserver::pictureWasRefused(reason);
-        report_.frameWasRefused(reason);
-    }
-    void movieIsWhole(const std::string&) override {
-        if (const auto sentence = report_.sentence()) {
+    void movieIsWhole(const std::string& path) override {
+        if (const auto sentence = leftOut_.takeSentence(path)) {
             post(*sentence);
         }
-        report_.clear();
     }
     void movieFailed(const std::string& path, const NSError& reason) override {
         SessionObserver::movieFailed(path, reason);
+        leftOut_.takeSentence(path);
         post(reason.localizedDescription + ".");
-        report_.clear();
     }
 
 private:
@@ -51,7 +42,7 @@ private:
 
     QtRunLoop& loop_;
     const std::function<void(const std::string& text)> show_;
-    CompileReport report_;
+    LeftOutFrames leftOut_;
 };
 
 } // namespace vistrane

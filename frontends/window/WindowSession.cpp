@@ -99,7 +99,7 @@ struct WindowSession::Parts {
                         resources,
                         backend.pictures,
                         loop,
-                        observer.report()};
+                        observer.leftOut()};
     std::unique_ptr<CloseRequests> closeRequests;
     const Platform platform = backend.platform(appKit);
     AppDelegate controller{platform};
@@ -269,7 +269,6 @@ void WindowSession::keepAwakeWhileCapturing() {
 /// The compile thread gives the button back when it ends. One that cannot be started never does.
 void WindowSession::showFailuresOfThreads() {
     parts_.backend.foundation.setThreadFailureHandler([this] {
-        parts_.controller.compilingB->setState(NSControlStateValueOff);
         parts_.controller.compilingB->setEnabled(true);
         parts_.interface.messageBar().showMessage(
             {"The movie cannot be made, because the system refuses another thread. Close some "
@@ -305,6 +304,10 @@ void WindowSession::handleEndings() {
 bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Close && watched == &parts_.interface.mainWindow()) {
         end(0);
+    }
+    if (event->type() == QEvent::WindowBlocked) {
+        // A modal alert takes the mouse: the slider would never be released.
+        parts_.interface.mainWindow().findChild<QSlider*>("photoSlider")->setSliderDown(false);
     }
     if (event->type() == QEvent::Expose) {
         // Queued, so that the window is drawn first.

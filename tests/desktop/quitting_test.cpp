@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "tests/desktop/DesktopTest.h"
+#include "tests/support/movie_facts.h"
 
 namespace vistrane {
 namespace {
@@ -32,6 +33,20 @@ TEST_F(Quitting, DuringACompileLeavesNoBrokenMovie) {
     expectTheChangeIsSaved();
     EXPECT_THAT(desktop.opened(), IsEmpty());
     EXPECT_THAT(namesEndingIn(".mov", folder), IsEmpty());
+}
+
+TEST_F(Quitting, WhenOnlyTheEndOfTheMovieIsMissingLetsItBecomeWhole) {
+    startWithFrames(40, 30, {.width = 1280, .height = 720, .isNoise = true});
+    makeAChange();
+    const Control compile = button("Compile Movie");
+    clickButton("Compile Movie");
+    await("the compile to begin", [&] { return !compile.is(ControlState::enabled); });
+    await("the last frame", [&] { return compile.is(ControlState::enabled); });
+    EXPECT_EQ(quit(), 0);
+    expectTheChangeIsSaved();
+    const auto movies = namesEndingIn(".mov", folder);
+    ASSERT_EQ(movies.size(), 1U);
+    EXPECT_EQ(movieFacts(folder + "/" + movies.front()).times.size(), 40U);
 }
 
 TEST_F(Quitting, WhileItStartsKeepsTheSettings) {

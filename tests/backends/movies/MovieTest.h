@@ -27,7 +27,7 @@ namespace vistrane {
 class RecordingObserver final : public MovieObserver {
 public:
     void pictureWasAppended() override { ++appended_; }
-    void pictureWasRefused(const NSError& reason) override {
+    void pictureWasRefused(const std::string&, const NSError& reason) override {
         const std::lock_guard lock(mutex_);
         refusals_.push_back(reason);
     }

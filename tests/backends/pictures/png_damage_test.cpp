@@ -33,6 +33,15 @@ TEST_F(PngDamage, FilesTruncatedInTheirPixelsAreRefused) {
     }
 }
 
+TEST_F(PngDamage, NothingButTheHeaderMayBeTheFirstChunk) {
+    const Bytes whole = withDensity(randomPng({2, 8, false, false}, 4, 4).file, 5669, 5669);
+    // The signature has 8 bytes, the header chunk 25.
+    Bytes withoutHeader = whole;
+    withoutHeader.erase(withoutHeader.begin() + 8, withoutHeader.begin() + 33);
+    withoutHeader[28] ^= 1; // in the pHYs chunk
+    EXPECT_FALSE(load(withoutHeader));
+}
+
 TEST_F(PngDamage, DamageThatThePixelsDoNotNeedIsReportedOnceForAFile) {
     const Bytes whole = withDensity(randomPng({2, 8, false, false}, 4, 4).file, 5669, 5669);
     Bytes wrongDensity = whole;

@@ -1,4 +1,4 @@
-#include "frontends/CompileReport.h"
+#include "frontends/commandline/CompileReport.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

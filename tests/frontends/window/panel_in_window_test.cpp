@@ -55,7 +55,7 @@ protected:
     Unobserved observer_;
     Pictures pictures_{observer_};
     QtRunLoop loop_;
-    CompileReport report_;
+    LeftOutFrames leftOut_;
     QtResources resources_;
     QtInterface interface_{resources_};
     WindowAppKit appKit_{simPlatform_.appKit.sharedApplication(),
@@ -65,7 +65,7 @@ protected:
                          resources_,
                          pictures_,
                          loop_,
-                         report_};
+                         leftOut_};
     const Platform platform_{simPlatform_.foundation,   appKit_,
                              simPlatform_.avFoundation, simPlatform_.coreVideo,
                              simPlatform_.coreGraphics, simPlatform_.dispatch};

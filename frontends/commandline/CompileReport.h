@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,15 +26,8 @@ public:
     /// because they are not the cause.
     std::vector<std::string> linesWithoutMovie(const NSError& reason) const;
 
-    /// One sentence that names the first five frames that were left out, or nothing if none was.
-    std::optional<std::string> sentence() const;
-
-    /// Forgets everything, for the next movie.
-    void clear();
-
 private:
     struct LeftOut {
-        std::string path;
         std::string line;
         std::string reason;
     };

@@ -1,6 +1,4 @@
-#include "frontends/CompileReport.h"
-
-#include <algorithm>
+#include "frontends/commandline/CompileReport.h"
 
 #include "platform/shown_text.h"
 
@@ -28,8 +26,7 @@ void CompileReport::frameWasRefused(const NSError& reason) {
     const std::string& why = reason_.empty() ? reason.localizedDescription : reason_;
     const std::string frame = shownText(path_);
     const bool namesFrame = why.find(frame) != std::string::npos;
-    leftOut_.push_back(
-        {path_, "Not in the movie: " + (namesFrame ? why : frame + ": " + why), why});
+    leftOut_.push_back({"Not in the movie: " + (namesFrame ? why : frame + ": " + why), why});
 }
 
 std::vector<std::string> CompileReport::lines() const {
@@ -54,33 +51,6 @@ std::vector<std::string> CompileReport::linesWithoutMovie(const NSError& reason)
     lines.push_back("0 of " + std::to_string(appended_ + leftOut_.size()) +
                     " frames went into a movie.");
     return lines;
-}
-
-std::optional<std::string> CompileReport::sentence() const {
-    constexpr std::size_t mostNames = 5;
-    const std::lock_guard lock(mutex_);
-    if (leftOut_.empty()) {
-        return std::nullopt;
-    }
-    const std::size_t named = std::min(leftOut_.size(), mostNames);
-    std::string text = leftOut_.size() == 1
-                           ? "A frame is not in the movie, because it could not be read: "
-                           : std::to_string(leftOut_.size()) +
-                                 " frames are not in the movie, because they could not be read: ";
-    for (std::size_t i = 0; i < named; ++i) {
-        const std::string& path = leftOut_[i].path;
-        text += (i > 0 ? ", " : "") + shownText(path.substr(path.rfind('/') + 1));
-    }
-    if (leftOut_.size() > named) {
-        text += " and " + std::to_string(leftOut_.size() - named) + " more";
-    }
-    return text + ".";
-}
-
-void CompileReport::clear() {
-    const std::lock_guard lock(mutex_);
-    appended_ = 0;
-    leftOut_.clear();
 }
 
 } // namespace vistrane

@@ -1,0 +1,66 @@
+#include <filesystem>
+
+#include "tests/desktop/DesktopTest.h"
+#include "tests/support/movie_facts.h"
+
+namespace vistrane {
+namespace {
+
+/// The bar above the controls of the main window.
+class Messages : public DesktopTest {
+protected:
+    bool isShown(const std::string& text) { return seek("label", text).has_value(); }
+    void close(const std::string& text) {
+        clickButton("Close this message");
+        await("the end of the message", [&] { return !isShown(text); });
+    }
+};
+
+TEST_F(Messages, NameTheFramesThatAreNotInTheMovie) {
+    startWithFrames(9);
+    for (const char* name : {"002", "003", "004", "005", "006", "008"}) {
+        writeFile(folder + "/" + name + ".png", "this is no picture");
+    }
+    clickButton("Compile Movie");
+    EXPECT_EQ(movieFacts(openedMovie()).times.size(), 3U);
+    const std::string text = "6 frames could not be added to the movie: "
+                             "002.png, 003.png, 004.png, 005.png, 006.png and 1 more.";
+    awaitLabel(text);
+    keepScreen("left out");
+    // The window stays usable.
+    setSlider("Frame", 1);
+    awaitFrame(2, 9);
+    close(text);
+}
+
+TEST_F(Messages, TellThatAMovieFailed) {
+    startWithFrames(2);
+    for (const char* name : {"001", "002"}) {
+        writeFile(folder + "/" + name + ".png", "this is no picture");
+    }
+    clickButton("Compile Movie");
+    const Control message = labelFrom("No movie was made");
+    keepScreen("failed");
+    EXPECT_THAT(namesEndingIn(".mov", folder), testing::IsEmpty());
+    close(message.name());
+}
+
+TEST_F(Messages, PlayingWaitsWhileTheUserHoldsTheFrameSlider) {
+    startWithFrames(60, 10);
+    const QRect slider = find("slider", "Frame").extents();
+    clickButton("Play");
+    awaitFrame(2, 60);
+    screen().moveTo(slider.center());
+    screen().press();
+    const auto held = await("the held frame", [&] {
+        const auto shown = frameShown();
+        return shown && shown->first > 20 ? shown : std::nullopt;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(500)); // five frames
+    EXPECT_EQ(frameShown(), held);
+    screen().release();
+    await("playing to go on", [&] { return frameShown()->first > held->first + 2; });
+}
+
+} // namespace
+} // namespace vistrane
