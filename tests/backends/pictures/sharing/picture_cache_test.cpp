@@ -130,7 +130,7 @@ TEST_F(PictureCaches, AFileOfAnotherLengthOrTimeIsLoadedAnew) {
     longer.length = state().length;
     FileState later = before;
     later.changed = state().changed;
-    const auto held = {load(before), load(longer), load(later)};
+    [[maybe_unused]] const auto held = {load(before), load(longer), load(later)};
     EXPECT_EQ(loaded_, 3);
 }
 
