@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <memory>
+#include <mutex>
 
 #include <unistd.h>
 
@@ -140,16 +142,26 @@ int run(const DemoCommand& command) {
     if (command.folder) {
         path = checkedFolder(*command.folder);
     } else {
-        const NewFolder folder = createDemoFolder(videosFolder());
-        if (!folder.error.empty()) {
-            refuse(folder.error);
-        }
-        path = folder.path;
-        cleanUp = [path] { removeIfEmpty(path); };
+        // Handled before the folder is made: a signal during that waits for its path.
+        struct Made {
+            std::mutex mutex;
+            std::string path;
+        };
+        const auto made = std::make_shared<Made>();
+        cleanUp = [made] {
+            const std::lock_guard lock(made->mutex);
+            removeIfEmpty(made->path);
+        };
         EndingSignals::handle({{}, [cleanUp](int status) {
                                    cleanUp();
                                    std::_Exit(status);
                                }});
+        const std::lock_guard lock(made->mutex);
+        const NewFolder folder = createDemoFolder(videosFolder());
+        if (!folder.error.empty()) {
+            refuse(folder.error);
+        }
+        made->path = path = folder.path;
     }
     CaptureCommand capture;
     capture.device = demoCameraName;

@@ -69,7 +69,7 @@ GstPointer<GstSample> flatSample(const char* format, const char* colorimetry, co
                     static_cast<std::uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(&frame, component));
                 first[y * GST_VIDEO_FRAME_COMP_STRIDE(&frame, component) +
                       x * GST_VIDEO_FRAME_COMP_PSTRIDE(&frame, component)] =
-                    static_cast<std::uint8_t>(yuv[component]);
+                    static_cast<std::uint8_t>(component < yuv.size() ? yuv[component] : 255);
             }
         }
     }
