@@ -137,7 +137,7 @@ TEST_F(MoviePublishing, EndingWaitsForAMovieThatIsBeingFinishedAndCancelsOthers)
     EXPECT_TRUE(create(folder / "o.mov").error);
 }
 
-TEST_F(MoviePublishing, EndingWaitsNoLongerThanItMay) {
+TEST_F(MoviePublishing, EndingWithoutATimeoutLeftLeavesACompleteMovieOrNothing) {
     OpenMovie movie = open(320, 240);
     movie.appendFrames(40, noise);
     movie.finish();
