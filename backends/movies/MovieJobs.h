@@ -43,7 +43,7 @@ public:
     /// Removes an ended job and calls its callbacks with the outcome.
     void ended(const MovieJob& job, const std::optional<NSError>& error);
 
-    /// See `Movies::abandonAll`.
+    /// Cancels every unfinished movie; none may begin. Waits for nothing.
     void abandonAll();
     /// See `Movies::end`.
     void end(std::optional<std::chrono::milliseconds> timeout);

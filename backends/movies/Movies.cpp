@@ -58,10 +58,6 @@ bool Movies::whenFinished(const std::string& path, Finished callback) {
     return jobs_->whenFinished(path, std::move(callback));
 }
 
-void Movies::abandonAll() {
-    jobs_->abandonAll();
-}
-
 void Movies::end(std::optional<std::chrono::milliseconds> timeout) {
     jobs_->end(timeout);
 }

@@ -53,13 +53,10 @@ public:
     /// is being written there.
     bool whenFinished(const std::string& path, Finished callback);
 
-    /// Cancels every unfinished movie, for a process that is about to end: removes their hidden
-    /// files, so that they are never published, and refuses new writers. Does not wait for encoding
-    /// threads.
-    void abandonAll();
-
-    /// The same, except that movies whose finishing was requested are waited for until they are
-    /// complete or have failed, with their outcome reported; `timeout` limits the wait.
+    /// For a process that is about to end: refuses new writers, cancels every movie whose finishing
+    /// was not requested, removing its hidden file, and waits for the others until they are
+    /// complete or have failed, with their outcome reported. `timeout` limits the wait; then they
+    /// are cancelled too.
     void end(std::optional<std::chrono::milliseconds> timeout);
 
 private:

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -205,7 +206,7 @@ TEST_F(MovieFileTest, AbandoningAllRemovesEveryHiddenFileAtOnceAndForGood) {
     second.appendFrames(10, noise);
     second.finish();
     observer.outcome(folder / "n.mov");
-    std::thread([&] { movies.abandonAll(); }).join();
+    std::thread([&] { movies.end(std::chrono::milliseconds(0)); }).join();
     EXPECT_THAT(folder.names(), ElementsAre("n.mov"));
     EXPECT_FALSE(first.append(noise(320, 240, 0), CMTimeMake(99, 25)));
     EXPECT_TRUE(first.input->isReadyForMoreMediaData());
@@ -225,7 +226,7 @@ TEST_F(MovieFileTest, AbandoningAtAnyMomentLeavesACompleteMovieOrNothing) {
             while (appended.load() < round) {
                 std::this_thread::yield();
             }
-            ending.abandonAll();
+            ending.end(std::chrono::milliseconds(0));
         });
         for (int i = 0; i < 10; ++i) {
             movie.append(scene(64, 48, i), frameTime(i));
@@ -285,7 +286,7 @@ TEST_F(MovieProcess, ThatExitsDuringTheWritingNeitherHangsNorCrashes) {
             static OpenMovie* const movie = new OpenMovie(movies, shared, 320, 240);
             movie->appendFrames(30, noise);
             movie->finish();
-            movies.abandonAll();
+            movies.end(std::chrono::milliseconds(0));
             std::exit(0);
         },
         testing::ExitedWithCode(0), "");
