@@ -269,12 +269,14 @@ std::optional<NSError> MovieFile::publish(std::uint64_t offset,
     if (number == 0) {
         number = syncToDisk(file_.number());
     }
-    if (auto error = number != 0 ? unsyncedError(number) : rename()) {
-        return error;
+    auto error = number != 0 ? unsyncedError(number) : rename();
+    // Ends the lock before the outcome is reported: a kept movie is for the next writer to publish.
+    file_.close();
+    if (!error) {
+        // Ignores failures: the movie is complete, and some file systems cannot flush folders.
+        syncToDisk(folder_.number());
     }
-    // Ignores failures: the movie is complete, and some file systems cannot flush folders.
-    syncToDisk(folder_.number());
-    return std::nullopt;
+    return error;
 }
 
 std::optional<NSError> MovieFile::unsyncedError(int number) {

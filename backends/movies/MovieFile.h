@@ -67,7 +67,7 @@ private:
 
     const std::string path_;
     const Descriptor folder_;
-    const Descriptor file_;
+    Descriptor file_; // open until the file is published
     const std::string hiddenName_;
     const std::string name_;
     std::uint64_t size_ = 0;

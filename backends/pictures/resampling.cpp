@@ -72,12 +72,13 @@ void Resampling::addAverage(double from, double to, double low, double high) {
 void Resampling::addCubic(double middle, double widening, double low, double high) {
     const double reach = std::ceil(2.0 * widening);
     const double begin = std::floor(middle - 0.5) - reach + 1.0;
-    const double end = begin + 2.0 * reach;
+    const auto count = static_cast<std::size_t>(2.0 * reach);
     const std::size_t first = index(begin, low, high);
-    const std::size_t last = index(end - 1.0, low, high);
+    const std::size_t last = index(begin + 2.0 * reach - 1.0, low, high);
     const std::size_t offset = weights_.size();
     weights_.resize(offset + last - first + 1, 0.0F);
-    for (double position = begin; position < end; position += 1.0) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const double position = begin + static_cast<double>(i);
         weights_[offset + index(position, low, high) - first] +=
             static_cast<float>(catmullRom((position + 0.5 - middle) / widening));
     }
