@@ -1,5 +1,5 @@
 # Precompiles the headers that nearly every source includes, which take half of the compile time of
-# most sources. Sources must still include what they use: the preset asan-ubsan builds without this.
+# most sources. Sources must still include what they use: the preset tidy, which clang-tidy reads, has none.
 #
 # A precompiled header requires the same options and macros in all sources that use it.
 
