@@ -17,16 +17,18 @@ struct CameraOptions {
 
     /// How long a listing waits for the slowest provider.
     std::chrono::milliseconds listing{1500};
-    /// How long an input waits for a camera that is not listed. Some virtual cameras restart when
-    /// their last reader disconnects.
+    /// How long an input waits for its camera's first picture.
+    std::chrono::milliseconds opening{3000};
+    /// For how long an input repeats an attempt that fails, or that does not find the camera. Some
+    /// virtual cameras restart when their last reader disconnects.
     std::chrono::milliseconds reappear{1000};
     /// How long a call on the main thread waits for the camera's driver.
     std::chrono::milliseconds driverTimeout{3000};
     /// How long a started camera may take for its first picture.
     std::chrono::milliseconds firstPicture{8000};
     /// After this time without a first picture, the start is repeated once. Less than
-    /// `firstPicture`.
-    std::chrono::milliseconds secondTry{3000};
+    /// `firstPicture` and `opening`.
+    std::chrono::milliseconds secondTry{2000};
     /// After this time without a picture, check in a new listing whether the camera is still there.
     std::chrono::milliseconds doubt{700};
     /// After this time without a picture, the camera counts as disconnected, even if it is still

@@ -1,18 +1,14 @@
 #include "backends/cameras/Cameras.h"
 
 #include <algorithm>
-#include <thread>
 #include <utility>
 
-#include "backends/cameras/CapturePipeline.h"
 #include "backends/cameras/CaptureSession.h"
 #include "backends/cameras/camera_errors.h"
 
 namespace vistrane {
 
 namespace {
-
-constexpr std::chrono::milliseconds pauseBetweenListings{50};
 
 class DiscoverySession final : public AVCaptureDeviceDiscoverySession {
 public:
@@ -23,27 +19,6 @@ public:
 private:
     std::vector<std::shared_ptr<AVCaptureDevice>> devices_;
 };
-
-/// Finds the camera in a new listing. Waits for a camera that is restarting.
-std::optional<Camera> listedNow(CameraList& list, const CameraFacts& wanted,
-                                const CameraOptions& options) {
-    const auto deadline = std::chrono::steady_clock::now() + options.reappear;
-    for (;;) {
-        std::vector<Camera> cameras = list.listOf(wanted.provider, options.listing);
-        std::vector<CameraFacts> facts;
-        for (const Camera& camera : cameras) {
-            facts.push_back(camera.facts);
-        }
-        const std::size_t found = findAgain(wanted, {}, facts);
-        if (found != npos) {
-            return std::move(cameras[found]);
-        }
-        if (std::chrono::steady_clock::now() >= deadline) {
-            return std::nullopt;
-        }
-        std::this_thread::sleep_for(pauseBetweenListings);
-    }
-}
 
 } // namespace
 
@@ -93,17 +68,19 @@ Cameras::deviceInputWithDevice(const std::shared_ptr<AVCaptureDevice>& device) {
     if (!known) {
         return {nullptr, noSuchDevice()};
     }
-    std::optional<Camera> camera = known->camera();
-    if (!camera->isDemo()) {
-        camera = listedNow(*cameraList(), camera->facts, options_);
-        if (!camera) {
-            return {nullptr, deviceNotConnected(known->localizedName())};
-        }
+    // The newest session opens the camera and keeps it open: its start does not open it again.
+    std::shared_ptr<CaptureSession> session;
+    for (const auto& weak : sessions_) {
+        const auto candidate = weak.lock();
+        session = candidate && !candidate->isRunning() ? candidate : session;
     }
-    if (const auto reason = testOpening(*camera, options_.driverTimeout)) {
-        return {nullptr, deviceCannotBeOpened(known->localizedName(), *reason)};
+    if (!session) {
+        session = std::make_shared<CaptureSession>(cameraList(), observer_, options_, mainQueue_);
     }
-    return {std::make_shared<CameraInput>(device, std::move(*camera)), std::nullopt};
+    if (auto error = session->open(known->camera())) {
+        return {nullptr, std::move(error)};
+    }
+    return {std::make_shared<CameraInput>(device, known->camera()), std::nullopt};
 }
 
 std::shared_ptr<AVCaptureSession> Cameras::captureSession() {

@@ -14,6 +14,7 @@
 namespace vistrane {
 
 class CameraList;
+class CaptureSession;
 class MainThreadGate;
 
 /// The capture half of the AVFoundation kit, on GStreamer: v4l2, PipeWire and libcamera cameras, as
@@ -40,6 +41,9 @@ public:
     discoverySessionWithDeviceTypes(const std::vector<std::optional<AVCaptureDeviceType>>& types,
                                     AVMediaType mediaType, AVCaptureDevicePosition position);
 
+    /// Opens the camera and waits for its first picture, at most `CameraOptions::opening`; for a
+    /// camera whose three periods are longer, only until it has started. It stays open for the
+    /// start of the newest session, if there is one.
     AVCaptureDeviceInputResult
     deviceInputWithDevice(const std::shared_ptr<AVCaptureDevice>& device);
 
@@ -61,7 +65,7 @@ private:
     CameraOptions options_;
     std::shared_ptr<MainThreadGate> mainQueue_;
     std::shared_ptr<CameraList> list_;
-    std::vector<std::weak_ptr<AVCaptureSession>> sessions_;
+    std::vector<std::weak_ptr<CaptureSession>> sessions_;
 };
 
 } // namespace vistrane

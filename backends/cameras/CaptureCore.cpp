@@ -51,6 +51,7 @@ void CaptureCore::serveTarget(Lock& lock) {
         current = target->camera.facts;
         others.clear();
         startEnd = clock.now() + options.firstPicture;
+        lastReopening = clock.now() + options.reappear;
         nextAttempt = clock.now();
         attempts = 0;
     }
@@ -59,7 +60,7 @@ void CaptureCore::serveTarget(Lock& lock) {
 
 /// Creates and starts a pipeline if the camera is listed.
 void CaptureCore::attempt(Lock& lock) {
-    nextAttempt = clock.now() + (phase == Phase::starting ? startRetry : options.retry);
+    nextAttempt = clock.now() + (isStarting() ? startRetry : options.retry);
     if (stuck && !stuck->hasEnded()) {
         return;
     }
@@ -75,9 +76,7 @@ void CaptureCore::attempt(Lock& lock) {
     const CameraMode* mode = nullptr;
     const auto camera = lookForCamera(wanted);
     if (camera) {
-        const auto& modes = *camera->modes;
-        mode = wanted.preset == AVCaptureSessionPresetPhoto ? photoMode(modes) : nullptr;
-        mode = mode != nullptr ? mode : movingPictureMode(modes);
+        mode = modeFor(wanted.preset, *camera->modes);
         made = mode != nullptr ? CapturePipeline::create(*camera, *mode, events(newRun), reason)
                                : nullptr;
         reason = mode != nullptr ? reason : "its picture format is not supported";
@@ -90,6 +89,8 @@ void CaptureCore::attempt(Lock& lock) {
     if (!made) {
         if (!reason.empty()) {
             lose(lock, reason);
+        } else if (phase == Phase::opening) {
+            refuse(lock, deviceNotConnected(wanted.camera.facts.name));
         }
         return;
     }
@@ -172,7 +173,7 @@ void CaptureCore::confirm(Lock& lock) {
 /// Does not report the camera as lost: a virtual camera that restarts is back within moments.
 void CaptureCore::tryAgain(Lock& lock) {
     dropPipeline(lock);
-    nextAttempt = clock.now() + (phase == Phase::starting ? startRetry : options.retry);
+    nextAttempt = clock.now() + (isStarting() ? startRetry : options.retry);
 }
 
 void CaptureCore::goLive() {
@@ -197,7 +198,7 @@ void CaptureCore::watch(Lock& lock) {
         }
     } else if (failure) {
         const std::string reason = *failure;
-        const auto listed = phase == Phase::starting ? isStillListed(lock) : true;
+        const auto listed = isStarting() ? isStillListed(lock) : true;
         if (listed && *listed) {
             lose(lock, reason);
         } else if (listed) {
@@ -221,6 +222,10 @@ void CaptureCore::watch(Lock& lock) {
 }
 
 void CaptureCore::lose(Lock& lock, const std::string& reason) {
+    if (phase == Phase::opening) {
+        refuse(lock, deviceCannotBeOpened(target->camera.facts.name, reason));
+        return;
+    }
     const std::uint64_t number = targetNumber;
     const NSError error = cameraGivesNoPictures(target->camera.facts.name, reason);
     if (phase != Phase::gone) {
@@ -234,6 +239,16 @@ void CaptureCore::lose(Lock& lock, const std::string& reason) {
     if (number == targetNumber) {
         nextAttempt = clock.now() + options.retry;
     }
+}
+
+/// Tries again for a while, or ends the wait of `CaptureEngine::open`.
+void CaptureCore::refuse(Lock& lock, NSError reason) {
+    openingError = std::move(reason);
+    if (clock.now() >= lastReopening) {
+        phase = Phase::gone;
+        changed.notify_all();
+    }
+    tryAgain(lock);
 }
 
 void CaptureCore::serveStill(Lock& lock) {
@@ -376,6 +391,24 @@ void CaptureCore::failed(std::uint64_t ofRun, const std::string& reason) {
         failure = reason;
         changed.notify_all();
     }
+}
+
+std::uint64_t CaptureCore::setTarget(std::optional<Target> newTarget, Phase newPhase) {
+    target = std::move(newTarget);
+    phase = newPhase;
+    openingError.reset();
+    changed.notify_all();
+    return ++targetNumber;
+}
+
+bool CaptureCore::isOpen(const Camera& camera, AVCaptureSessionPreset preset) const {
+    return target && target->camera.facts.identity == camera.facts.identity &&
+           target->camera.facts.instance == camera.facts.instance &&
+           modeFor(target->preset, *camera.modes) == modeFor(preset, *camera.modes);
+}
+
+bool CaptureCore::isSlowAndStarted() const {
+    return pipeline && !failure && 3 * period > options.opening;
 }
 
 void CaptureCore::failRequests(const NSError& error) {

@@ -31,6 +31,9 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
 
     enum class Phase {
         idle,
+        /// `CaptureEngine::open` waits for the first picture. A failure is reported to its caller
+        /// only.
+        opening,
         /// Waiting for the first picture.
         starting,
         live,
@@ -83,6 +86,8 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     GstClockTime lastPictureTime = GST_CLOCK_TIME_NONE;
     std::optional<std::string> failure;
     GstPointer<GstSample> taken;
+    /// The last failure of an attempt to open the camera.
+    std::optional<NSError> openingError;
     /// The time between two pictures in the camera's mode; 0 if unknown.
     std::chrono::milliseconds period{0};
     std::shared_ptr<CapturePipeline> pipeline;
@@ -100,6 +105,8 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     /// The deadline for the first picture of any pipeline. After it the camera counts as
     /// disconnected.
     Clock::time_point startEnd;
+    /// After this time, an attempt to open the camera that fails is not repeated.
+    Clock::time_point lastReopening;
     Clock::time_point nextAttempt;
     Clock::time_point nextLook;
 
@@ -120,6 +127,7 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     void goLive();
     void watch(Lock& lock);
     void lose(Lock& lock, const std::string& reason);
+    void refuse(Lock& lock, NSError reason);
     void serveStill(Lock& lock);
     void expireRequests();
     void dropPipeline(Lock& lock);
@@ -134,6 +142,12 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     void failed(std::uint64_t ofRun, const std::string& reason);
 
     // Any thread, with the mutex locked.
+    /// Returns the target's number.
+    std::uint64_t setTarget(std::optional<Target> newTarget, Phase newPhase);
+    bool isOpen(const Camera& camera, AVCaptureSessionPreset preset) const;
+    bool isStarting() const { return phase == Phase::opening || phase == Phase::starting; }
+    /// Whether the camera is too slow for its first picture to arrive before `open` has to return.
+    bool isSlowAndStarted() const;
     void failRequests(const NSError& error);
     void report(const std::string& message) const;
 };

@@ -1,5 +1,6 @@
 #include "backends/cameras/CaptureEngine.h"
 
+#include <algorithm>
 #include <mutex>
 #include <utility>
 
@@ -20,9 +21,7 @@ CaptureEngine::CaptureEngine(std::shared_ptr<CameraList> list, CameraObserver& o
 
 CaptureEngine::~CaptureEngine() {
     std::unique_lock lock(core_->mutex);
-    core_->target.reset();
-    ++core_->targetNumber;
-    core_->phase = CaptureCore::Phase::idle;
+    core_->setTarget(std::nullopt, CaptureCore::Phase::idle);
     core_->failRequests(sessionWasStopped());
     core_->quitting = true;
     core_->observer = nullptr;
@@ -40,12 +39,35 @@ CaptureEngine::~CaptureEngine() {
     }
 }
 
+std::optional<NSError> CaptureEngine::open(const Camera& camera, AVCaptureSessionPreset preset) {
+    std::unique_lock lock(core_->mutex);
+    core_->setTarget(CaptureCore::Target{camera, preset}, CaptureCore::Phase::opening);
+    const auto& phase = core_->phase;
+    CaptureCore::Clock clock;
+    const auto end = clock.now() + core_->options.opening;
+    while (phase == CaptureCore::Phase::opening && !core_->threadHasEnded && clock.now() < end) {
+        core_->changed.wait_for(lock, std::min<CaptureCore::Clock::duration>(
+                                          end - clock.now(), CaptureCore::Clock::longestStep / 2));
+    }
+    if (phase == CaptureCore::Phase::opening && core_->isSlowAndStarted()) {
+        core_->phase = CaptureCore::Phase::starting;
+    }
+    if (phase == CaptureCore::Phase::live || phase == CaptureCore::Phase::starting) {
+        return std::nullopt;
+    }
+    NSError error =
+        core_->openingError.value_or(noFirstPicture(camera.facts.name, core_->options.opening));
+    core_->setTarget(std::nullopt, CaptureCore::Phase::idle);
+    return error;
+}
+
 void CaptureEngine::start(Camera camera, AVCaptureSessionPreset preset) {
     std::unique_lock lock(core_->mutex);
-    core_->target = CaptureCore::Target{std::move(camera), preset};
-    const std::uint64_t number = ++core_->targetNumber;
-    core_->phase = CaptureCore::Phase::starting;
-    core_->changed.notify_all();
+    if (core_->isOpen(camera, preset)) {
+        return;
+    }
+    const std::uint64_t number = core_->setTarget(CaptureCore::Target{std::move(camera), preset},
+                                                  CaptureCore::Phase::starting);
     core_->changed.wait_for(lock, core_->options.driverTimeout, [this, number] {
         return core_->servedTarget == number && core_->phase != CaptureCore::Phase::starting;
     });
@@ -53,11 +75,8 @@ void CaptureEngine::start(Camera camera, AVCaptureSessionPreset preset) {
 
 void CaptureEngine::stop() {
     std::unique_lock lock(core_->mutex);
-    core_->target.reset();
-    const std::uint64_t number = ++core_->targetNumber;
-    core_->phase = CaptureCore::Phase::idle;
+    const std::uint64_t number = core_->setTarget(std::nullopt, CaptureCore::Phase::idle);
     core_->failRequests(sessionWasStopped());
-    core_->changed.notify_all();
     core_->changed.wait_for(lock, core_->options.driverTimeout,
                             [this, number] { return core_->servedTarget == number; });
     core_->receiver.preview(nullptr);

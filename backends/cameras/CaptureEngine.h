@@ -47,8 +47,13 @@ public:
     CaptureEngine(const CaptureEngine&) = delete;
     CaptureEngine& operator=(const CaptureEngine&) = delete;
 
-    /// Waits for the first picture, at most `CameraOptions::driverTimeout`. The engine keeps trying
-    /// after that.
+    /// Waits for the first picture, at most `CameraOptions::opening`; for a camera whose three
+    /// periods are longer, only until it has started. Returns the reason if there is none; the
+    /// camera is then closed.
+    std::optional<NSError> open(const Camera& camera, AVCaptureSessionPreset preset);
+
+    /// Goes on with a camera that `open` has opened in the preset's mode. Otherwise waits for the
+    /// first picture, at most `CameraOptions::driverTimeout`, and keeps trying after that.
     void start(Camera camera, AVCaptureSessionPreset preset);
 
     /// When this returns, every pending request has its outcome.

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstring>
 #include <initializer_list>
 #include <mutex>
 #include <utility>
@@ -72,8 +73,14 @@ GstFlowReturn onPreview(GstAppSink* sink, gpointer kept) {
 
 std::string errorText(GstMessage* message) {
     GError* error = nullptr;
-    gst_message_parse_error(message, &error, nullptr);
+    gchar* details = nullptr;
+    gst_message_parse_error(message, &error, &details);
     const GstPointer<GError> owned(error);
+    const GstPointer<gchar> ownedDetails(details);
+    // The message itself is then "Internal data stream error".
+    if (details != nullptr && std::strstr(details, "not-negotiated") != nullptr) {
+        return "it refuses its picture format";
+    }
     const GstPointer<gchar> line(
         g_strdelimit(g_utf8_make_valid(error != nullptr ? error->message : "", -1), "\r\n", ' '));
     return line.get();
@@ -431,29 +438,6 @@ void CapturePipeline::wantStills(bool wanted) {
 
 void CapturePipeline::wantPreview(bool wanted) {
     g_object_set(elements_->previewValve.get(), "drop", wanted ? FALSE : TRUE, nullptr);
-}
-
-std::optional<std::string> testOpening(const Camera& camera, std::chrono::milliseconds timeout) {
-    auto reason = std::make_shared<std::optional<std::string>>();
-    const bool answered = runWithin(timeout, [camera, reason] {
-        // Declared first, because its connection must outlive its element.
-        const Source source = sourceOf(camera);
-        const GstPointer<GstElement> pipeline(
-            GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
-        Builder builder(pipeline.get());
-        if (builder.addMade(source.element) == nullptr) {
-            *reason = "its GStreamer element is not installed";
-            return;
-        }
-        if (gst_element_set_state(pipeline.get(), GST_STATE_READY) == GST_STATE_CHANGE_FAILURE) {
-            const GstPointer<GstBus> bus(gst_element_get_bus(pipeline.get()));
-            const GstPointer<GstMessage> message(
-                gst_bus_pop_filtered(bus.get(), GST_MESSAGE_ERROR));
-            *reason = message ? errorText(message.get()) : "it gives no reason";
-        }
-        gst_element_set_state(pipeline.get(), GST_STATE_NULL);
-    });
-    return answered ? *reason : "it does not answer";
 }
 
 } // namespace vistrane

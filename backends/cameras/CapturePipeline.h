@@ -3,7 +3,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "backends/cameras/CameraList.h"
@@ -60,8 +59,5 @@ private:
     explicit CapturePipeline(std::shared_ptr<Elements> elements);
     std::shared_ptr<Elements> elements_;
 };
-
-/// Opens the camera and closes it again. Returns the reason if that fails.
-std::optional<std::string> testOpening(const Camera& camera, std::chrono::milliseconds timeout);
 
 } // namespace vistrane

@@ -195,21 +195,27 @@ void CaptureSession::removeInput(const AVCaptureDeviceInput& input) {
     inputs_.erase(found);
 }
 
+std::optional<NSError> CaptureSession::open(const Camera& camera) {
+    return engine_.open(camera, preset_);
+}
+
 void CaptureSession::startRunning() {
-    if (inputs_.empty() || engine_.isRunning()) {
+    if (inputs_.empty() || isRunning()) {
         return;
     }
     engine_.start(std::static_pointer_cast<CameraInput>(inputs_.front())->camera(), preset_);
+    isRunning_ = true;
 }
 
 void CaptureSession::stopRunning() {
+    isRunning_ = false;
     if (engine_.isRunning()) {
         engine_.stop();
     }
 }
 
 bool CaptureSession::isRunning() const {
-    return engine_.isRunning();
+    return isRunning_ && engine_.isRunning();
 }
 
 void CaptureSession::requestStill(std::shared_ptr<AVCapturePhotoOutput> output,

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "backends/cameras/CaptureEngine.h"
@@ -66,6 +67,10 @@ public:
 
     std::shared_ptr<MediaPreviewLayer> makeLayer();
 
+    /// Opens a camera for the next start. Not while the session runs. Returns the reason if there
+    /// is no picture in time.
+    std::optional<NSError> open(const Camera& camera);
+
 private:
     struct Waiting {
         std::weak_ptr<AVCapturePhotoOutput> output;
@@ -81,6 +86,7 @@ private:
     std::shared_ptr<AVCapturePhotoOutput> output_;
     std::vector<std::shared_ptr<AVCaptureDeviceInput>> inputs_;
     std::uint64_t lastRequest_ = 0;
+    bool isRunning_ = false;
     CaptureEngine engine_;
 };
 

@@ -37,6 +37,11 @@ NSError deviceCannotBeOpened(const std::string& camera, const std::string& reaso
                             "): close other programs that use it, and check that you may use it");
 }
 
+NSError noFirstPicture(const std::string& camera, std::chrono::milliseconds waited) {
+    return deviceCannotBeOpened(camera, "it gives no picture within " +
+                                            std::to_string(waited.count()) + " ms");
+}
+
 NSError sessionNotRunning() {
     return captureError(AVErrorSessionNotRunning, "The camera is not running: pick a device first");
 }

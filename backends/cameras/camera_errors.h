@@ -10,6 +10,7 @@ namespace vistrane {
 NSError noSuchDevice();
 NSError deviceNotConnected(const std::string& camera);
 NSError deviceCannotBeOpened(const std::string& camera, const std::string& reason);
+NSError noFirstPicture(const std::string& camera, std::chrono::milliseconds waited);
 NSError sessionNotRunning();
 NSError sessionWasStopped();
 NSError noPictureInTime(const std::string& camera, std::chrono::milliseconds waited);

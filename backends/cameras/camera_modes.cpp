@@ -184,6 +184,11 @@ const CameraMode* movingPictureMode(const std::vector<CameraMode>& modes) {
     return best != modes.end() ? &*best : nullptr;
 }
 
+const CameraMode* modeFor(AVCaptureSessionPreset preset, const std::vector<CameraMode>& modes) {
+    const CameraMode* mode = preset == AVCaptureSessionPresetPhoto ? photoMode(modes) : nullptr;
+    return mode != nullptr ? mode : movingPictureMode(modes);
+}
+
 bool offersMediaType(const std::vector<CameraMode>& modes, AVMediaType type) {
     return std::any_of(modes.begin(), modes.end(), [type](const CameraMode& mode) {
         const bool muxed = mode.kind == Kind::muxed;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "backends/cameras/gst_pointers.h"
+#include "platform/avfoundation/AVCaptureDevice.h"
 #include "platform/avfoundation/AVMediaFormat.h"
 
 namespace vistrane {
@@ -44,6 +45,10 @@ const CameraMode* photoMode(const std::vector<CameraMode>& modes);
 /// The largest mode of at least 24 pictures per second; if there is none, the mode with the nearest
 /// rate. Null if there is no mode.
 const CameraMode* movingPictureMode(const std::vector<CameraMode>& modes);
+
+/// The mode for a preset: that of photos or, without one, that of moving pictures. Null if there is
+/// no mode.
+const CameraMode* modeFor(AVCaptureSessionPreset preset, const std::vector<CameraMode>& modes);
 
 /// Video: a mode of pictures or of an encoded stream. Muxed: a mode that contains sound.
 bool offersMediaType(const std::vector<CameraMode>& modes, AVMediaType type);

@@ -1,5 +1,5 @@
 #!/bin/bash
-# testcam.sh start|stop|wait [NAME]: a PipeWire camera called NAME (one word, "Testcam" by default),
+# testcam.sh start|stop|wait|freeze|thaw [NAME]: a PipeWire camera called NAME (one word, "Testcam" by default),
 # for use inside with_pipewire.sh. "start" returns when the camera is listed, "stop" when it is gone,
 # as if it were unplugged. TESTCAM_SOURCE and TESTCAM_CAPS change the picture:
 #
@@ -120,11 +120,17 @@ case $verb in
             exit 1
         fi
         ;;
+    freeze)
+        kill -STOP -- "-$(cat "$pidFile")"
+        ;;
+    thaw)
+        kill -CONT -- "-$(cat "$pidFile")"
+        ;;
     supervise)
         superviseProvider
         ;;
     *)
-        echo "usage: testcam.sh start|stop|wait [NAME]" >&2
+        echo "usage: testcam.sh start|stop|wait|freeze|thaw [NAME]" >&2
         exit 2
         ;;
 esac

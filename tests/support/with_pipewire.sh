@@ -98,6 +98,7 @@ waitUntilReady $daemon answers
 XDG_CONFIG_HOME=$configuration XDG_STATE_HOME=$XDG_RUNTIME_DIR/state \
     setpriv --pdeathsig KILL wireplumber >"$XDG_RUNTIME_DIR/wireplumber.log" 2>&1 &
 sessionManager=$!
+export WITH_PIPEWIRE_SESSION_MANAGER=$sessionManager
 waitUntilReady $sessionManager isManaged
 
 "$@" &

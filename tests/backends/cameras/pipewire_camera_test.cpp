@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include "backends/cameras/CaptureSession.h"
+
 // Run by with_pipewire.sh: real cameras of a private PipeWire.
 
 namespace vistrane {
@@ -31,6 +33,8 @@ bool testcam(const std::string& verb, const std::string& name, const std::string
 }
 
 constexpr char red[] = "TESTCAM_SOURCE='videotestsrc is-live=true pattern=red'";
+constexpr char silent[] = "TESTCAM_SOURCE='videotestsrc is-live=true ! valve drop=true "
+                          "drop-mode=forward-sticky-events'";
 constexpr char blue[] = "TESTCAM_SOURCE='videotestsrc is-live=true pattern=blue'";
 
 class PipeWireCamera : public testing::Test {
@@ -126,6 +130,50 @@ TEST_F(PipeWireCamera, ACameraThatIsGoneGivesNoInput) {
     EXPECT_THAT(result.error->localizedDescription, HasSubstr("'Testcam' is not there"));
 }
 
+TEST_F(PipeWireCamera, ACameraThatPipeWireDoesNotLinkGivesNoInput) {
+    const auto device = bed.device("Testcam");
+    ASSERT_EQ(std::system("kill -STOP $WITH_PIPEWIRE_SESSION_MANAGER"), 0);
+    const auto result = bed.cameras->deviceInputWithDevice(device);
+    ASSERT_EQ(std::system("kill -CONT $WITH_PIPEWIRE_SESSION_MANAGER"), 0);
+    EXPECT_EQ(result.input, nullptr);
+    ASSERT_TRUE(result.error);
+    EXPECT_THAT(result.error->localizedDescription, HasSubstr("'Testcam' cannot be opened"));
+    EXPECT_THAT(bed.observer.messages(), SizeIs(0));
+    // The next attempt is not disturbed by the first.
+    EXPECT_TRUE(bed.pick("Testcam"));
+    EXPECT_EQ(bed.still(), "");
+}
+
+TEST_F(PipeWireCamera, ACameraWithoutPicturesGivesNoInput) {
+    ASSERT_TRUE(testcam("start", "Othercam", silent));
+    const auto result = bed.cameras->deviceInputWithDevice(bed.device("Othercam"));
+    EXPECT_EQ(result.input, nullptr);
+    ASSERT_TRUE(result.error);
+    EXPECT_THAT(result.error->localizedDescription,
+                HasSubstr("cannot be opened (it gives no picture within 3000 ms)"));
+    EXPECT_THAT(bed.observer.messages(), SizeIs(0));
+}
+
+TEST_F(PipeWireCamera, ASlowCameraGivesAnInputBeforeItsFirstPicture) {
+    ASSERT_TRUE(testcam("start", "Othercam",
+                        std::string(silent) + " TESTCAM_CAPS=video/x-raw,format=I420,width=640,"
+                                              "height=480,framerate=1/60"));
+    EXPECT_TRUE(bed.cameras->deviceInputWithDevice(bed.device("Othercam")).input);
+}
+
+TEST_F(PipeWireCamera, PickingOpensTheCameraOnce) {
+    // The camera's provider ends with its last reader, and its node with it.
+    const auto node = [this] {
+        return std::dynamic_pointer_cast<CameraDevice>(bed.device("Testcam"))
+            ->camera()
+            .facts.instance;
+    };
+    const std::string before = node();
+    ASSERT_TRUE(bed.pick("Testcam"));
+    EXPECT_EQ(bed.still(), "");
+    EXPECT_EQ(node(), before);
+}
+
 TEST_F(PipeWireCamera, UnpluggedCameraEndsStillsInErrorsAndIsReopenedWhenItIsBack) {
     ASSERT_TRUE(bed.pick("Testcam"));
     ASSERT_TRUE(testcam("start", "Othercam", blue));
@@ -151,10 +199,10 @@ TEST_F(PipeWireCamera, UnpluggedCameraEndsStillsInErrorsAndIsReopenedWhenItIsBac
 
 TEST_F(PipeWireCamera, CameraThatFreezesIsReportedAndComesBack) {
     ASSERT_TRUE(bed.pick("Testcam"));
-    ASSERT_EQ(std::system("/bin/kill -STOP -- -$(cat $XDG_RUNTIME_DIR/testcam-testcam.pid)"), 0);
+    ASSERT_TRUE(testcam("freeze", "Testcam"));
     EXPECT_NE(bed.still(), "");
     ASSERT_TRUE(awaitMessages(1));
-    ASSERT_EQ(std::system("/bin/kill -CONT -- -$(cat $XDG_RUNTIME_DIR/testcam-testcam.pid)"), 0);
+    ASSERT_TRUE(testcam("thaw", "Testcam"));
     ASSERT_TRUE(awaitMessages(2));
     EXPECT_EQ(bed.still(), "");
 }

@@ -11,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::Ge;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Le;
 using testing::Not;
@@ -127,16 +128,23 @@ TEST_F(CameraProgram, AnInterruptEndsACaptureWhoseCameraIsGone) {
     EXPECT_THAT(namesIn(folder), Not(IsEmpty()));
 }
 
-TEST_F(CameraProgram, ACameraWithoutPicturesIsLoggedAndTakenUpWhenItHasSome) {
+TEST_F(CameraProgram, ACameraWithoutPicturesIsRefused) {
     ASSERT_TRUE(testcam("start", "Othercam", silent));
-    Program program(command(captureArguments({"--interval", "1", "--count", "1"}, "Othercam")),
-                    options);
-    ASSERT_TRUE(program.waitForError("photoOutput error: The camera 'Othercam' gives no pictures"));
-    ASSERT_TRUE(testcam("start", "Othercam"));
+    const Ended ended = run(captureArguments({"--interval", "1", "--count", "1"}, "Othercam"));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.errors, HasSubstr("deviceInputWithDevice: failed ("));
+    EXPECT_THAT(ended.errors, HasSubstr("The camera 'Othercam' cannot be opened (it gives no "
+                                        "picture within 3000 ms)"));
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+}
+
+TEST_F(CameraProgram, ACaptureOfANumberOfStillsEndsIfItsCameraStaysAway) {
+    Program program(command(captureArguments({"--interval", "1", "--count", "100"})), options);
+    ASSERT_TRUE(program.nextLine());
+    ASSERT_TRUE(testcam("stop", "Testcam"));
     const Ended ended = program.wait();
-    EXPECT_EQ(ended.status, 0);
-    ASSERT_THAT(ended.lines(), SizeIs(1));
-    expectBars(ended.lines()[0]);
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.errors, HasSubstr("The camera has given no still for 63 seconds"));
 }
 
 class EndedCamera : public CameraProgram, public testing::WithParamInterface<int> {};
