@@ -65,6 +65,7 @@ void SessionBackend::endWithoutMainThread(int status, const Endings& endings) {
         std::_Exit(status);
     });
     waitWhile(endings.isEnding);
+    endings.saveSettings();
     waitWhile([this] { return observer_.isWritingFile(); });
     endMovies(status);
     endings.cleanUp();

@@ -50,6 +50,8 @@ public:
         /// Whether the main thread is already ending the process and needs time to finish. Called
         /// on another thread if the main thread does not respond.
         std::function<bool()> isEnding = [] { return false; };
+        /// Called first, on another thread, if the main thread does not respond.
+        std::function<void()> saveSettings = [] {};
         /// Called last, on another thread, if the main thread does not respond.
         std::function<void()> cleanUp = [] {};
     };

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QEvent>
 #include <QIcon>
@@ -41,6 +42,9 @@ MovieOptions movieOptions() {
 
 /// How often to check whether the program captures, in seconds.
 constexpr double captureCheckInterval = 1.0;
+
+/// How often to remember the settings for an ending without the main thread, in seconds.
+constexpr double rememberInterval = 1.0;
 
 /// How long to wait for the windows to be exposed, in seconds.
 constexpr double exposeTimeout = 0.5;
@@ -152,6 +156,7 @@ void WindowSession::launch() {
     parts_.controller.applicationDidFinishLaunching();
     showNoCameraHint();
     keepAwakeWhileCapturing();
+    rememberSettings();
     holdPlayerWhileScrubbing();
 }
 
@@ -256,6 +261,19 @@ void WindowSession::followAppearance() {
     });
 }
 
+/// A camera or a disk may hold up the main thread when a signal ends the process.
+void WindowSession::rememberSettings() {
+    parts_.loop.scheduleTimer(
+        rememberInterval,
+        [this](NSTimer&) {
+            parts_.defaults.rehearse([this] {
+                parts_.panel.applicationShouldTerminateAfterLastWindowClosed();
+                parts_.controller.userDefaultsSave();
+            });
+        },
+        true);
+}
+
 void WindowSession::keepAwakeWhileCapturing() {
     parts_.loop.scheduleTimer(
         captureCheckInterval,
@@ -279,13 +297,17 @@ void WindowSession::showFailuresOfThreads() {
 /// While the user drags the frame slider, playback must not move it. The kit's run loop would hold
 /// every timer back then; capturing and listing go on here.
 void WindowSession::holdPlayerWhileScrubbing() {
-    const auto* slider = parts_.interface.mainWindow().findChild<QSlider*>("photoSlider");
-    connect(slider, &QSlider::sliderPressed, this, [this] {
-        parts_.heldTimer = parts_.controller.playTimer;
-        if (parts_.heldTimer) {
+    const QWidget& window = parts_.interface.mainWindow();
+    const auto* slider = window.findChild<QSlider*>("photoSlider");
+    const auto* play = window.findChild<QAbstractButton*>("previewPlayButton");
+    const auto hold = [this, slider] {
+        if (slider->isSliderDown() && parts_.controller.playTimer) {
+            parts_.heldTimer = parts_.controller.playTimer;
             parts_.loop.setHeld(*parts_.heldTimer, true);
         }
-    });
+    };
+    connect(slider, &QSlider::sliderPressed, this, hold);
+    connect(play, &QAbstractButton::clicked, this, hold); // the keyboard may start the player
     connect(slider, &QSlider::sliderReleased, this, [this] {
         if (const auto timer = std::exchange(parts_.heldTimer, nullptr)) {
             parts_.loop.setHeld(*timer, false);
@@ -298,7 +320,8 @@ void WindowSession::handleEndings() {
     std::atexit([] { running->end(1); });
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { end(0); });
     parts_.backend.handleSignals({.end = [this](int status) { end(status); },
-                                  .isEnding = [this] { return parts_.isEnding.load(); }});
+                                  .isEnding = [this] { return parts_.isEnding.load(); },
+                                  .saveSettings = [this] { parts_.defaults.saveRemembered(); }});
 }
 
 bool WindowSession::eventFilter(QObject* watched, QEvent* event) {

@@ -46,6 +46,7 @@ private:
     void takeKeyboard();
     void followAppearance();
     void keepAwakeWhileCapturing();
+    void rememberSettings();
     void showFailuresOfThreads();
     void holdPlayerWhileScrubbing();
     void handleEndings();

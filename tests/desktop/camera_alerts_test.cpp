@@ -1,3 +1,7 @@
+#include <chrono>
+#include <csignal>
+#include <thread>
+
 #include "tests/desktop/DesktopTest.h"
 
 namespace vistrane {
@@ -37,6 +41,20 @@ TEST_F(CameraAlerts, ACameraThatIsGoneGivesTwoAlertsInTheirOrder) {
     EXPECT_THAT(program().log(), HasSubstr("deviceInputWithDevice: failed ("));
     clickButton("Start Auto Capture");
     button("Start Auto Capture");
+}
+
+TEST_F(CameraAlerts, ASignalWhileACameraHoldsTheProgramUpSavesTheSettings) {
+    storeUsual();
+    start({folder});
+    fill("Seconds", "42");
+    awaitLabel("( t = 42 s )");
+    // Longer than the program takes to remember its settings.
+    std::this_thread::sleep_for(std::chrono::seconds(2));
+    ASSERT_TRUE(camera("freeze"));
+    pickCamera("Testcam");
+    program().signal(SIGTERM);
+    EXPECT_EQ(awaitEnd(), 128 + SIGTERM);
+    EXPECT_THAT(stored(), testing::Contains(testing::Pair("iSecond", 42)));
 }
 
 } // namespace

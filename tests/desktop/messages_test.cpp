@@ -62,5 +62,18 @@ TEST_F(Messages, PlayingWaitsWhileTheUserHoldsTheFrameSlider) {
     await("playing to go on", [&] { return frameShown()->first > held->first + 2; });
 }
 
+TEST_F(Messages, PlayingThatBeginsWhileTheUserHoldsTheFrameSliderWaits) {
+    startWithFrames(60, 10);
+    screen().moveTo(find("slider", "Frame").extents().center());
+    screen().press();
+    screen().press({"Alt_L", "p"});
+    // The kit shows the first frame when playing begins.
+    awaitFrame(1, 60);
+    std::this_thread::sleep_for(std::chrono::milliseconds(500)); // five frames
+    EXPECT_EQ(frameShown(), std::pair(1, 60));
+    screen().release();
+    await("playing to go on", [&] { return frameShown()->first > 3; });
+}
+
 } // namespace
 } // namespace vistrane

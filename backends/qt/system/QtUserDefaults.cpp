@@ -194,8 +194,13 @@ QVariant QtUserDefaults::find(const std::string& key, QMetaType::Type type) cons
 }
 
 void QtUserDefaults::set(const std::string& key, const QVariant& value) {
+    const std::lock_guard lock(mutex_);
+    if (isRehearsal_) {
+        remembered_[key] = value;
+        return;
+    }
     values_[key] = value;
-    changed_.insert(key);
+    changes_[key] = value;
 }
 
 NSInteger QtUserDefaults::integerForKey(const std::string& key) const {
@@ -232,12 +237,13 @@ void QtUserDefaults::setObject(const std::vector<std::uint8_t>& value, const std
 }
 
 void QtUserDefaults::synchronize() {
-    if (changed_.empty() || !isReadable_) {
+    const std::lock_guard lock(mutex_);
+    if (isRehearsal_ || changes_.empty() || !isReadable_) {
         return;
     }
-    const int error = save();
+    const int error = save(changes_);
     if (error == 0) {
-        changed_.clear();
+        changes_.clear();
     }
     if (error != std::exchange(reported_, error) && error != 0) {
         log_("The settings cannot be written to '" + path_ + "': " + std::strerror(error) +
@@ -245,7 +251,25 @@ void QtUserDefaults::synchronize() {
     }
 }
 
-int QtUserDefaults::save() {
+void QtUserDefaults::rehearse(const std::function<void()>& save) {
+    isRehearsal_ = true;
+    save();
+    isRehearsal_ = false;
+}
+
+void QtUserDefaults::saveRemembered() {
+    const std::unique_lock lock(mutex_, std::try_to_lock);
+    if (!lock.owns_lock() || !isReadable_) {
+        return;
+    }
+    Values changes = remembered_;
+    changes.insert(changes_.begin(), changes_.end());
+    if (!changes.empty()) {
+        save(changes);
+    }
+}
+
+int QtUserDefaults::save(const Values& changes) {
     std::error_code ignored; // creating the file will then fail
     std::filesystem::create_directories(resolveLinks(path_).parent_path(), ignored);
     const Stored stored = readSettings(path_);
@@ -272,8 +296,8 @@ int QtUserDefaults::save() {
             store(key, value);
         }
     }
-    for (const std::string& key : changed_) {
-        store(key, values_.at(key));
+    for (const auto& [key, value] : changes) {
+        store(key, value);
     }
     file.sync();
     // A file of another format sets an error status, which would hide a failure to replace the

@@ -2,8 +2,8 @@
 
 #include <functional>
 #include <map>
+#include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -43,26 +43,40 @@ public:
     /// stopped. Ignores the lock of a crashed instance. Logs if the values cannot be written.
     void synchronize() override;
 
+    /// Runs `save` as a rehearsal: the values that it sets are only remembered for
+    /// `saveRemembered`.
+    void rehearse(const std::function<void()>& save);
+
+    /// For a process that ends while the main thread is held up: saves the remembered values and
+    /// those that `synchronize` has not saved yet. Any thread. Does nothing if the main thread is
+    /// saving.
+    void saveRemembered();
+
     /// From now on `answer` supplies the text of `key`, whatever the file says.
     void setSystemString(const std::string& key,
                          std::function<std::optional<std::string>()> answer);
 
 private:
+    using Values = std::map<std::string, QVariant>;
+
     void set(const std::string& key, const QVariant& value);
     /// The value if it has that type, otherwise an invalid one.
     QVariant find(const std::string& key, QMetaType::Type type) const;
     /// `remedy` says, for the log, what the program does without the file.
     void setAside(const std::string& remedy);
     /// Returns 0, or the error number; the file is then unchanged.
-    int save();
+    int save(const Values& changes);
 
     const std::string path_;
     const Log log_;
+    std::mutex mutex_; // guards what `saveRemembered` reads; locked by whoever writes it
     /// Texts, numbers as texts, byte arrays, and any other types that the file happened to hold.
-    std::map<std::string, QVariant> values_;
+    Values values_;
     std::map<std::string, std::function<std::optional<std::string>()>> systemStrings_;
-    /// The keys that were set since the last save.
-    std::set<std::string> changed_;
+    /// The values that were set since the last save.
+    Values changes_;
+    Values remembered_;
+    bool isRehearsal_ = false;
     /// The error of the last save, so that it is logged once; 0 after success.
     int reported_ = 0;
     /// If false, nothing is saved: an unreadable file may hold values that must not be lost.

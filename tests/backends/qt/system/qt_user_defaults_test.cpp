@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <thread>
 
 #include <QLockFile>
 
@@ -51,6 +52,22 @@ protected:
     const std::string path_ = folder_ / "settings";
     std::vector<std::string> log_;
 };
+
+TEST_F(QtUserDefaultsTest, RehearsedValuesAreSavedOnlyOnRequest) {
+    QtUserDefaults defaults = open();
+    saveHour(defaults, 1);
+    defaults.setInteger(2, "iMinute");
+    const std::string before = read(path_);
+    defaults.rehearse([&] {
+        defaults.setInteger(77, "iHour");
+        defaults.synchronize();
+    });
+    EXPECT_EQ(read(path_), before);
+    EXPECT_EQ(defaults.integerForKey("iHour"), 1);
+    std::thread([&] { defaults.saveRemembered(); }).join();
+    EXPECT_EQ(open().integerForKey("iHour"), 77);
+    EXPECT_EQ(open().integerForKey("iMinute"), 2);
+}
 
 TEST_F(QtUserDefaultsTest, NothingIsWrittenBeforeSynchronize) {
     {
