@@ -48,7 +48,7 @@ Bytes literalsPng() {
     constexpr std::size_t rowBytes = 1 + 3 * width;
     constexpr std::size_t rowsAtOnce = 10;
     constexpr std::uint32_t height = 5 * rowsAtOnce;
-    std::mt19937 random(1);
+    std::mt19937 random(1); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same seeds in every build
     const Bytes pixels = randomRows(random, rowBytes, rowBytes * height, 200);
     return pngAround({2, 8, false, false}, width, height,
                      literalBlocks(pixels, rowBytes * rowsAtOnce));
