@@ -139,6 +139,15 @@ std::filesystem::path resolveLinks(const std::string& path) {
     return error ? std::filesystem::path(path) : real;
 }
 
+/// Creates a folder and those above it, as private as the settings.
+void makeFolder(const std::filesystem::path& path) {
+    constexpr mode_t onlyUser = 0700;
+    if (::mkdir(path.c_str(), onlyUser) != 0 && errno == ENOENT && path.has_relative_path()) {
+        makeFolder(path.parent_path());
+        ::mkdir(path.c_str(), onlyUser);
+    }
+}
+
 /// Creates the file if there is none.
 int makePrivate(const std::string& path) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
@@ -306,8 +315,7 @@ void QtUserDefaults::saveRemembered() {
 }
 
 int QtUserDefaults::save(const Values& changes) {
-    std::error_code ignored; // creating the file will then fail
-    std::filesystem::create_directories(resolveLinks(path_).parent_path(), ignored);
+    makeFolder(resolveLinks(path_).parent_path()); // without it, creating the file fails
     QLockFile lock(QFile::decodeName((path_ + ".lock").c_str()));
     takeLock(lock);
     const Stored stored = readSettings(path_);
