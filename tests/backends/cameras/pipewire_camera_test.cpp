@@ -139,8 +139,12 @@ TEST_F(PipeWireCamera, ACameraThatPipeWireDoesNotLinkGivesNoInput) {
     ASSERT_TRUE(result.error);
     EXPECT_THAT(result.error->localizedDescription, HasSubstr("'Testcam' cannot be opened"));
     EXPECT_THAT(bed.observer.messages(), SizeIs(0));
-    // The next attempt is not disturbed by the first.
-    EXPECT_TRUE(bed.pick("Testcam"));
+    // The session manager may link the first attempt now, and the camera restart when that ends.
+    bool isPicked = false;
+    for (int tries = 0; tries < 5 && !isPicked; ++tries) {
+        isPicked = bed.pick("Testcam");
+    }
+    EXPECT_TRUE(isPicked);
     EXPECT_EQ(bed.still(), "");
 }
 
