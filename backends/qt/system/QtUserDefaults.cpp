@@ -130,6 +130,15 @@ std::filesystem::path resolveLinks(const std::string& path) {
     return error ? std::filesystem::path(path) : real;
 }
 
+/// Creates a folder and those above it, as private as the settings.
+void makeFolder(const std::filesystem::path& path) {
+    constexpr mode_t onlyUser = 0700;
+    if (::mkdir(path.c_str(), onlyUser) != 0 && errno == ENOENT && path.has_relative_path()) {
+        makeFolder(path.parent_path());
+        ::mkdir(path.c_str(), onlyUser);
+    }
+}
+
 /// Creates the file if there is none. QSettings keeps existing permissions, but a file that it
 /// creates can be read by others.
 int makePrivate(const std::string& path) {
@@ -270,8 +279,7 @@ void QtUserDefaults::saveRemembered() {
 }
 
 int QtUserDefaults::save(const Values& changes) {
-    std::error_code ignored; // creating the file will then fail
-    std::filesystem::create_directories(resolveLinks(path_).parent_path(), ignored);
+    makeFolder(resolveLinks(path_).parent_path()); // without it, creating the file fails
     const Stored stored = readSettings(path_);
     if (stored.error != 0 && stored.error != ENOENT) {
         return stored.error;

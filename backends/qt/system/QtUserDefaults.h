@@ -31,7 +31,8 @@ class QtUserDefaults final : public NSUserDefaults {
 public:
     using Log = std::function<void(const std::string& line)>;
 
-    /// `path` is absolute. Its folder is created when the first value is written.
+    /// `path` is absolute. Its folder is created when the first value is written. Only the user may
+    /// read what is created.
     QtUserDefaults(std::string path, Log log);
 
     NSInteger integerForKey(const std::string& key) const override;

@@ -84,23 +84,30 @@ TEST_F(QtUserDefaultsTest, NothingIsWrittenBeforeSynchronize) {
     EXPECT_THAT(log_, IsEmpty());
 }
 
-TEST_F(QtUserDefaultsTest, ItsFolderIsMade) {
-    QtUserDefaults defaults = openAt(folder_ / "a/b/settings");
+/// The permissions; 0 if there is nothing.
+unsigned modeOf(const std::string& path) {
+    struct stat facts {};
+    return ::stat(path.c_str(), &facts) == 0 ? facts.st_mode & 0777U : 0U;
+}
+
+TEST_F(QtUserDefaultsTest, FoldersThatAreMissingAreMadeForItsUserOnly) {
+    std::filesystem::create_directory(folder_ / "there");
+    const unsigned before = modeOf(folder_ / "there");
+    QtUserDefaults defaults = openAt(folder_ / "there/a/b/settings");
     saveHour(defaults, 7);
-    EXPECT_TRUE(std::filesystem::exists(folder_ / "a/b/settings"));
+    EXPECT_EQ(openAt(folder_ / "there/a/b/settings").integerForKey("iHour"), 7);
+    EXPECT_EQ(modeOf(folder_ / "there"), before);
+    EXPECT_EQ(modeOf(folder_ / "there/a"), 0700U);
+    EXPECT_EQ(modeOf(folder_ / "there/a/b"), 0700U);
 }
 
 TEST_F(QtUserDefaultsTest, OnlyItsUserMayReadTheFile) {
-    const auto mode = [this] {
-        struct stat facts {};
-        return ::stat(path_.c_str(), &facts) == 0 ? facts.st_mode & 0777U : 0U;
-    };
     QtUserDefaults defaults = open();
     saveHour(defaults, 7);
-    EXPECT_EQ(mode(), 0600U);
+    EXPECT_EQ(modeOf(path_), 0600U);
     ::chmod(path_.c_str(), 0644);
     saveHour(defaults, 11);
-    EXPECT_EQ(mode(), 0600U);
+    EXPECT_EQ(modeOf(path_), 0600U);
 }
 
 TEST_F(QtUserDefaultsTest, AnyBytesComeBack) {
