@@ -1,11 +1,14 @@
 #include "backends/posix/BackgroundWriter.h"
 
+#include <atomic>
+#include <cerrno>
 #include <string>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "backends/posix/Descriptor.h"
 #include "tests/backends/posix/Pipe.h"
 
 namespace vistrane {
@@ -27,6 +30,18 @@ TEST(BackgroundWriter, AReaderThatDoesNotReadBlocksNobodyAndTakesBoundedMemory) 
         arrived += static_cast<std::size_t>(count > 0 ? count : 0);
     }
     EXPECT_LT(arrived, 10000 * text.size() / 2);
+}
+
+TEST(BackgroundWriter, AnErrorIsReportedAndEndsTheWriting) {
+    const Descriptor full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
+    std::atomic<int> reported{0};
+    BackgroundWriter writer(full.number(), [&reported](int error) { reported = error; });
+    writer.write("text");
+    EXPECT_FALSE(writer.flush());
+    EXPECT_EQ(writer.failure(), ENOSPC);
+    EXPECT_EQ(reported, ENOSPC);
+    writer.write("more");
+    EXPECT_FALSE(writer.flush());
 }
 
 } // namespace
