@@ -113,7 +113,7 @@ std::vector<std::size_t> offeredOnce(const std::vector<CameraFacts>& cameras) {
 
 std::size_t findAgain(const CameraFacts& lost, const std::vector<std::string>& others,
                       const std::vector<CameraFacts>& cameras) {
-    std::size_t found = npos;
+    std::vector<std::size_t> candidates;
     for (std::size_t i = 0; i < cameras.size(); ++i) {
         const CameraFacts& camera = cameras[i];
         if (camera.provider != lost.provider || camera.identity != lost.identity) {
@@ -122,15 +122,11 @@ std::size_t findAgain(const CameraFacts& lost, const std::vector<std::string>& o
         if (camera.instance == lost.instance) {
             return i;
         }
-        if (std::find(others.begin(), others.end(), camera.instance) != others.end()) {
-            continue;
+        if (std::find(others.begin(), others.end(), camera.instance) == others.end()) {
+            candidates.push_back(i);
         }
-        if (found != npos) {
-            return npos;
-        }
-        found = i;
     }
-    return found;
+    return candidates.size() == 1 ? candidates.front() : npos;
 }
 
 } // namespace vistrane

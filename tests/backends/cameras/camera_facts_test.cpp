@@ -70,6 +70,10 @@ TEST(FindAgain, OnlyTheLostCameraIsTaken) {
          {},
          {pipeWire("39", "Cam"), pipeWire("40", "Cam")},
          1},
+        {"the very instance behind two doubles",
+         {},
+         {pipeWire("38", "Cam"), pipeWire("39", "Cam"), pipeWire("40", "Cam")},
+         2},
     };
     for (const auto& each : cases) {
         EXPECT_EQ(findAgain(pipeWire("40", "Cam"), each.others, each.cameras), each.found)
