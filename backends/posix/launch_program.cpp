@@ -27,6 +27,10 @@ public:
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
             posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0);
         }
+#ifdef __GLIBC__
+        // Our own descriptors are close-on-exec, but those of some libraries are not.
+        posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+#endif
         sigset_t none;
         sigset_t ignoredByUs;
         sigemptyset(&none);
@@ -46,8 +50,12 @@ public:
     SpawnSettings(const SpawnSettings&) = delete;
     SpawnSettings& operator=(const SpawnSettings&) = delete;
 
-    const posix_spawn_file_actions_t* actions() const { return &actions_; }
-    const posix_spawnattr_t* attributes() const { return &attributes_; }
+    const posix_spawn_file_actions_t* actions() const {
+        return &actions_;
+    }
+    const posix_spawnattr_t* attributes() const {
+        return &attributes_;
+    }
 
 private:
     posix_spawn_file_actions_t actions_{};

@@ -2,14 +2,17 @@
 
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 
 #include <fcntl.h>
+#include <linux/close_range.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -56,6 +59,8 @@ int exitStatus(int waitStatus) {
 
 [[noreturn]] void becomeCommand(const std::vector<std::string>& command,
                                 const Program::Options& options, int output, int errors) {
+    // The test may have inherited descriptors.
+    ::close_range(STDERR_FILENO + 1, UINT_MAX, CLOSE_RANGE_CLOEXEC);
     ::setpgid(0, 0);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The test may have been started with other dispositions.
@@ -65,7 +70,7 @@ int exitStatus(int waitStatus) {
     sigset_t none;
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
-    ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
+    ::dup2(::open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
     ::dup2(output, STDOUT_FILENO);
     ::dup2(errors, STDERR_FILENO);
     for (const auto& [name, value] : options.environment) {
@@ -257,6 +262,31 @@ std::optional<int> Program::status() {
 std::string Program::log() const {
     std::ifstream file(log_, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::vector<std::string> Program::inheritable() const {
+    namespace fs = std::filesystem;
+    const fs::path process = "/proc/" + std::to_string(process_);
+    std::vector<std::string> found;
+    std::error_code error;
+    for (fs::directory_iterator entry(process / "fdinfo", error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string number = entry->path().filename();
+        std::ifstream facts(entry->path());
+        unsigned flags = O_CLOEXEC; // of a descriptor that was closed meanwhile
+        for (std::string line; std::getline(facts, line);) {
+            if (line.starts_with("flags:")) {
+                flags = static_cast<unsigned>(std::stoul(line.substr(6), nullptr, 8));
+            }
+        }
+        std::error_code ignored;
+        const std::string target = fs::read_symlink(process / "fd" / number, ignored);
+        if (std::stoi(number) > STDERR_FILENO && (flags & O_CLOEXEC) == 0 &&
+            !target.starts_with("socket:")) {
+            found.push_back(number + ": " + target);
+        }
+    }
+    return found;
 }
 
 void Program::signal(int number) {

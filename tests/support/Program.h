@@ -69,6 +69,10 @@ public:
     /// What `ProgramOptions::log` contains.
     std::string log() const;
 
+    /// The descriptors that are not close-on-exec, besides the three streams, and what they refer
+    /// to. Without sockets, some of which are GStreamer's own. From Linux' /proc.
+    std::vector<std::string> inheritable() const;
+
     /// To the program alone, not to its group.
     void signal(int number);
     /// Closes the reading end of standard output.

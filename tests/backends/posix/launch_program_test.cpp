@@ -6,9 +6,11 @@
 #include <future>
 #include <iterator>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "backends/posix/Descriptor.h"
 #include "tests/support/WorkFolder.h"
 
 namespace vistrane {
@@ -49,6 +51,13 @@ TEST(LaunchProgram, HasItsOwnSessionAndNoneOfOurStreams) {
                         "test \"$(ps -o sid= -p $$ | tr -d ' ')\" = $$ && "
                         "test \"$(readlink /proc/$$/fd/2)\" = /dev/null"}),
               0);
+}
+
+TEST(LaunchProgram, InheritsNoDescriptor) {
+    const WorkFolder folder;
+    const Descriptor inheritable(::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY));
+    ASSERT_TRUE(inheritable.isOpen());
+    EXPECT_EQ(statusOf({"test", "-e", "/proc/self/fd/" + std::to_string(inheritable.number())}), 1);
 }
 
 } // namespace

@@ -41,6 +41,14 @@ TEST_F(WindowProgram, ItEndsInOrderAtASignal) {
     }
 }
 
+TEST_F(WindowProgram, ItsDescriptorsAreCloseOnExec) {
+    Program program(command({folder, "--demo-camera"}), options);
+    EXPECT_TRUE(program.waitForError("frame.png"));
+    EXPECT_THAT(program.inheritable(), testing::IsEmpty());
+    program.signal(SIGTERM);
+    program.wait();
+}
+
 TEST_F(WindowProgram, TheFolderIsRememberedForTheNextTime) {
     openAndEndBy(SIGTERM);
     Program again(command({}), options);
