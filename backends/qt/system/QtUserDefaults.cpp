@@ -14,6 +14,7 @@
 #include <QRegularExpression>
 #include <QSettings>
 #include <QString>
+#include <QTemporaryDir>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -71,17 +72,6 @@ std::optional<std::size_t> countValues(const QByteArray& text) {
     return count;
 }
 
-std::optional<Values> parseIni(const std::string& path, const QByteArray& text) {
-    const QSettings file(QFile::decodeName(path.c_str()), QSettings::IniFormat);
-    Values values;
-    for (const QString& key : file.allKeys()) {
-        values[key.toStdString()] = file.value(key);
-    }
-    // After an open quote QSettings reads the following lines as part of the value, and of two
-    // lines with one key it reads the second. Saving would lose such lines.
-    return countValues(text) == values.size() ? std::optional(std::move(values)) : std::nullopt;
-}
-
 /// The first format of the settings:
 ///
 ///     Vistrane settings 1
@@ -112,6 +102,25 @@ struct Stored {
     bool isIni = false;
 };
 
+Stored parseIni(const std::string& path, const QByteArray& text) {
+    const QSettings file(QFile::decodeName(path.c_str()), QSettings::IniFormat);
+    Values values;
+    bool isWhole = true;
+    for (const QString& key : file.allKeys()) {
+        isWhole = isWhole && file.contains(key); // false for a key that QSettings would not write
+        values[key.toStdString()] = file.value(key);
+    }
+    // After an open quote QSettings reads the following lines as part of the value, and of two
+    // lines with one key it reads the second. Saving would lose such lines.
+    const std::optional<std::size_t> count = countValues(text);
+    if (isWhole && count == values.size()) {
+        return {0, std::move(values), true};
+    }
+    // QSettings opens the file itself, does not say if that fails, and then has no values.
+    QByteArray again;
+    return {values.empty() ? readFile(path, again) : 0, std::nullopt, true};
+}
+
 Stored readSettings(const std::string& path) {
     QByteArray text;
     if (const int error = readFile(path, text)) {
@@ -120,7 +129,7 @@ Stored readSettings(const std::string& path) {
     if (text.startsWith(firstFormatLine)) {
         return {0, parseFirstFormat(text), false};
     }
-    return {0, parseIni(path, text), true};
+    return parseIni(path, text);
 }
 
 /// The file that `path` refers to, with links resolved; `path` if there is none.
@@ -130,30 +139,57 @@ std::filesystem::path resolveLinks(const std::string& path) {
     return error ? std::filesystem::path(path) : real;
 }
 
-/// Creates the file if there is none. QSettings keeps existing permissions, but a file that it
-/// creates can be read by others.
+/// Creates the file if there is none.
 int makePrivate(const std::string& path) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
     return file.isOpen() && ::fchmod(file.number(), 0600) == 0 ? 0 : errno;
 }
 
-/// Removes the lock of an instance that was stopped while it saved. QSettings would wait for it
-/// forever.
-void waitForLock(const std::string& path) {
-    const QString name = QFile::decodeName((path + ".lock").c_str());
-    QLockFile lock(name);
+/// Waits while another instance saves. Removes the lock of one that was stopped while it saved.
+void takeLock(QLockFile& lock) {
     if (!lock.tryLock(500) && lock.error() == QLockFile::LockFailedError) {
-        QFile::remove(name);
+        QFile::remove(lock.fileName());
     }
 }
 
-/// Flushes the file and its folder to the disk, which QSettings does not guarantee.
-int flushToDisk(const std::filesystem::path& path) {
+/// Writes the values into a new INI file. Returns 0 or an error number.
+int writeIni(const std::string& path, const Values& values) {
+    QSettings file(QFile::decodeName(path.c_str()), QSettings::IniFormat);
+    for (const auto& [key, value] : values) {
+        file.setValue(QString::fromStdString(key), value);
+    }
+    file.sync();
+    // QSettings reports no error if a part was written before the disk was full.
+    QByteArray text;
+    const bool isWhole = file.status() == QSettings::NoError && readFile(path, text) == 0 &&
+                         text.endsWith('\n') && countValues(text) == values.size();
+    return isWhole ? makePrivate(path) : EIO;
+}
+
+int flushFile(const std::string& path) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    const int error = file.isOpen() ? syncToDisk(file.number()) : errno;
-    // Flushes the new entry too. Not every file system supports that.
-    const Descriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_CLOEXEC));
-    syncToDisk(folder.number());
+    return file.isOpen() ? syncToDisk(file.number()) : errno;
+}
+
+/// Gives the file these values. It has either the old or the new ones at every moment, even if the
+/// power fails. Returns 0 or an error number.
+int replaceFile(const std::filesystem::path& path, const Values& values) {
+    // A name of its own for each attempt: QSettings keeps what it could not write to a file.
+    const QTemporaryDir folder(QFile::decodeName((path.string() + ".new-XXXXXX").c_str()));
+    if (!folder.isValid()) {
+        return errno != 0 ? errno : EIO;
+    }
+    const std::string written = QFile::encodeName(folder.filePath("settings")).toStdString();
+    int error = writeIni(written, values);
+    if (error == 0) {
+        error = flushFile(written);
+    }
+    if (error == 0 && std::rename(written.c_str(), path.c_str()) != 0) {
+        error = errno;
+    }
+    if (error == 0) {
+        flushFile(path.parent_path().string()); // Not every file system supports that.
+    }
     return error;
 }
 
@@ -272,6 +308,8 @@ void QtUserDefaults::saveRemembered() {
 int QtUserDefaults::save(const Values& changes) {
     std::error_code ignored; // creating the file will then fail
     std::filesystem::create_directories(resolveLinks(path_).parent_path(), ignored);
+    QLockFile lock(QFile::decodeName((path_ + ".lock").c_str()));
+    takeLock(lock);
     const Stored stored = readSettings(path_);
     if (stored.error != 0 && stored.error != ENOENT) {
         return stored.error;
@@ -279,31 +317,20 @@ int QtUserDefaults::save(const Values& changes) {
     if (stored.error == 0 && !stored.values) {
         setAside("saves its own");
     }
+    if (!stored.values) {
+        // Also for the next attempt, which may find an empty file.
+        changes_.insert(values_.begin(), values_.end());
+    }
+    // Creates the file that a link refers to.
     if (const int error = makePrivate(path_)) {
         return error;
     }
-    waitForLock(path_);
-    QSettings file(QFile::decodeName(path_.c_str()), QSettings::IniFormat);
-    const auto store = [&file](const std::string& key, const QVariant& value) {
-        const QString name = QString::fromStdString(key);
-        if (file.value(name) != value) {
-            file.setValue(name, value);
-        }
-    };
-    if (!stored.isIni || !stored.values) {
-        file.clear();
-        for (const auto& [key, value] : stored.values.value_or(values_)) {
-            store(key, value);
-        }
-    }
+    Values values = stored.values.value_or(values_);
     for (const auto& [key, value] : changes) {
-        store(key, value);
+        values[key] = value;
     }
-    file.sync();
-    // A file of another format sets an error status, which would hide a failure to replace the
-    // file.
-    const bool isSaved = file.status() != QSettings::AccessError && readSettings(path_).isIni;
-    return isSaved ? flushToDisk(resolveLinks(path_)) : EIO;
+    const bool isSaved = stored.isIni && stored.values == values;
+    return isSaved ? flushFile(path_) : replaceFile(resolveLinks(path_), values);
 }
 
 void QtUserDefaults::setSystemString(const std::string& key,

@@ -1,6 +1,7 @@
 #include "backends/qt/system/QtUserDefaults.h"
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -11,6 +12,7 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "tests/support/WorkFolder.h"
@@ -34,6 +36,26 @@ std::string read(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
+
+/// While it lives, no file can grow beyond 300 bytes: enough for a lock.
+class FullDisk {
+public:
+    FullDisk() : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit small{300, before_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~FullDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
 
 /// Files are written with lengths of their own within a test: QSettings tells the states of a file
 /// in one process apart by its length and the millisecond of its change.
@@ -229,6 +251,39 @@ TEST_F(QtUserDefaultsTest, WhatCannotBeWrittenIsLoggedOnceAndKept) {
     std::filesystem::remove(path_);
     defaults.synchronize();
     EXPECT_EQ(open().integerForKey("iHour"), 7);
+}
+
+TEST_F(QtUserDefaultsTest, AFullDiskLeavesTheFileAsItIs) {
+    const std::string other = "other=" + std::string(1000, 'x') + "\n";
+    const std::string before = "[General]\niFPS=30\niHour=1\n" + other;
+    write(path_, before);
+    QtUserDefaults defaults = open();
+    {
+        const FullDisk disk;
+        saveHour(defaults, 12);
+        defaults.setInteger(5, "iSecond");
+        defaults.synchronize();
+    }
+    EXPECT_THAT(log_, ElementsAre(HasSubstr("cannot be written")));
+    EXPECT_EQ(read(path_), before);
+    EXPECT_THAT(folder_.names(), ElementsAre("settings"));
+    defaults.synchronize();
+    EXPECT_EQ(read(path_), "[General]\niFPS=30\niHour=12\niSecond=5\n" + other);
+}
+
+TEST_F(QtUserDefaultsTest, AFileThatWasRemovedWhileTheDiskWasFullIsWrittenWholeLater) {
+    const std::string other = "other=" + std::string(1000, 'x') + "\n";
+    write(path_, "[General]\niFPS=30\n" + other);
+    QtUserDefaults defaults = open();
+    std::filesystem::remove(path_);
+    {
+        const FullDisk disk;
+        saveHour(defaults, 7);
+    }
+    defaults.synchronize();
+    EXPECT_EQ(read(path_), "[General]\niFPS=30\niHour=7\n" + other);
+    EXPECT_THAT(log_, ElementsAre(HasSubstr("cannot be written")));
+    EXPECT_THAT(folder_.names(), ElementsAre("settings"));
 }
 
 TEST_F(QtUserDefaultsTest, ALinkStaysALink) {
