@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "backends/cameras/YuvConversion.h"
+#include "backends/pictures/ByteArray.h"
 #include "backends/pictures/PictureData.h"
 
 namespace vistrane {
@@ -37,7 +38,12 @@ PreviewPicture pictureOf(GstSample* sample) {
     const auto conversion = GST_VIDEO_INFO_IS_YUV(&info) ? YuvConversion::of(info.colorimetry)
                                                          : std::optional<YuvConversion>();
     const std::size_t stride = 4 * width;
-    auto pixels = std::make_shared<std::vector<std::uint8_t>>(stride * height);
+    auto memory = ByteArray::ofLength(stride * height);
+    if (!memory) {
+        gst_video_frame_unmap(&frame);
+        return {};
+    }
+    const auto pixels = std::make_shared<ByteArray>(std::move(*memory));
     for (std::size_t y = 0; y < height; ++y) {
         const auto* row = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, 0)) +
                           y * static_cast<std::size_t>(GST_VIDEO_FRAME_PLANE_STRIDE(&frame, 0));
