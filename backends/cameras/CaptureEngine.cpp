@@ -41,6 +41,9 @@ CaptureEngine::~CaptureEngine() {
 
 std::optional<NSError> CaptureEngine::open(const Camera& camera, AVCaptureSessionPreset preset) {
     std::unique_lock lock(core_->mutex);
+    if (core_->threadHasEnded) {
+        return deviceCannotBeOpened(camera.facts.name, "the system refuses more threads");
+    }
     core_->setTarget(CaptureCore::Target{camera, preset}, CaptureCore::Phase::opening);
     const auto& phase = core_->phase;
     CaptureCore::Clock clock;
