@@ -56,7 +56,8 @@ std::optional<NSError> MovieTrackWriter::take(CVPixelBufferRef buffer, CMTime ti
     clock_.noteRate(time);
     if (buffer == nullptr) {
         return movieError(AVErrorUnknown, "There is no picture to append: the frame could not be "
-                                          "read. Check its file");
+                                          "read, or there is not enough memory for it. Check its "
+                                          "file");
     }
     const PixelBuffer& pixels = *PixelBuffer::from(buffer);
     if (pixels.damage()) {
