@@ -1,16 +1,28 @@
 #include "frontends/window/open_window.h"
 
 #include <cstdlib>
+#include <thread>
 
 #include <QApplication>
 #include <unistd.h>
 
+#include "backends/posix/threads.h"
 #include "frontends/window/WindowLog.h"
 #include "frontends/window/WindowSession.h"
 
 namespace vistrane {
 
 namespace {
+
+/// Qt would wait forever for a thread that it cannot start.
+void failWithoutThreads(WindowLog& log) {
+    std::thread thread = startThread([] {});
+    if (!thread.joinable()) {
+        log.fail("No window can be opened, because the system refuses another thread. Close some "
+                 "programs, then start Vistrane again.");
+    }
+    thread.join();
+}
 
 bool isSet(const char* variable) {
     const char* const value = std::getenv(variable);
@@ -42,6 +54,7 @@ void openWindow(const WindowOptions& options) {
                  "done without one.");
     }
     log.takeMessagesOfQt();
+    failWithoutThreads(log);
 
     QCoreApplication::setApplicationVersion(QString::fromStdString(options.version));
     makeApplication();
