@@ -1,32 +1,16 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <iterator>
-#include <thread>
 
 #include <gmock/gmock.h>
 
 #include "tests/soak/SteppedSession.h"
 #include "tests/support/Soak.h"
 #include "tests/support/WorkFolder.h"
+#include "tests/support/process_facts.h"
 
 namespace vistrane {
 namespace {
-
-/// What a process must not have more of at the end of a day.
-struct Resources {
-    std::ptrdiff_t descriptors = 0;
-    std::ptrdiff_t threads = 0;
-};
-
-std::ptrdiff_t entriesOf(const char* folder) {
-    return std::distance(std::filesystem::directory_iterator(folder),
-                         std::filesystem::directory_iterator());
-}
-
-Resources resources() {
-    return {entriesOf("/proc/self/fd"), entriesOf("/proc/self/task")};
-}
 
 /// A day of capturing, as fast as the machine can. The demo camera gives thirty pictures a second;
 /// each still is a new picture, but several requests share one. A frame's name is the second, so a
@@ -75,10 +59,10 @@ protected:
         }
     }
 
-    /// Runs the loop for a time in which the threads of the last movie can end.
-    void rest(std::chrono::milliseconds time) {
-        const auto end = std::chrono::steady_clock::now() + time;
-        session.runUntil([end] { return std::chrono::steady_clock::now() > end; });
+    /// Runs the loop for a moment, in which the threads of the last movie can end.
+    void rest() {
+        const StopWatch watch;
+        session.runUntil([&] { return watch.milliseconds() > 300; });
     }
 
     const WorkFolder work;
@@ -93,10 +77,16 @@ TEST_F(Day, OfStillsBrowsingAndMoviesTakesNoMemoryDescriptorsOrThreads) {
     const int stillsARound = Soak::isLong() ? 500 : 60;
     std::vector<double> stills;
     std::vector<double> memory;
-    Resources atFirst;
+    std::ptrdiff_t filesBefore = 0;
+    std::ptrdiff_t threadsBefore = 0;
     Soak soak("a day: stills, browsing, movies", {.few = 3, .many = 100});
     while (soak.next()) {
         capture(stillsARound / 2);
+        // After a warm-up of a fifth, and while nothing is being compiled.
+        if (soak.round() > soak.count() / 5) {
+            stills.push_back(saved);
+            memory.push_back(residentBytes());
+        }
         // The first movie needs two frames, which have different seconds.
         session.runUntil([this] {
             const auto frames = session.controller.pictureArray.load();
@@ -108,30 +98,32 @@ TEST_F(Day, OfStillsBrowsingAndMoviesTakesNoMemoryDescriptorsOrThreads) {
         EXPECT_FALSE(movie.error) << movie.error->localizedDescription;
         EXPECT_TRUE(std::filesystem::remove(movie.path)) << movie.path;
 
-        // After a warm-up of a fifth.
-        if (soak.round() * 5 > soak.count()) {
-            stills.push_back(saved);
-            memory.push_back(residentBytes());
-        }
+        rest();
         if (soak.round() == soak.count() / 5 + 1) {
-            rest(std::chrono::milliseconds(500));
-            atFirst = resources();
+            filesBefore = countOf(openFiles);
+            threadsBefore = countOf(threads);
         }
     }
     EXPECT_EQ(lost, 0);
     EXPECT_EQ(saved, soak.count() * stillsARound);
-    rest(std::chrono::milliseconds(500));
-    const Resources atLast = resources();
-    EXPECT_LE(atLast.descriptors, atFirst.descriptors);
-    EXPECT_LE(atLast.threads, atFirst.threads);
+    const StopWatch watch;
+    session.runUntil([&] {
+        return (countOf(openFiles) <= filesBefore && countOf(threads) <= threadsBefore) ||
+               watch.milliseconds() > 20'000;
+    });
+    const auto files = countOf(openFiles);
+    const auto threadsNow = countOf(threads);
+    EXPECT_LE(files, filesBefore);
+    EXPECT_LE(threadsNow, threadsBefore);
 
+    ASSERT_FALSE(memory.empty());
     const double bytes = slope(stills, memory);
     char reached[200];
     std::snprintf(reached, sizeof reached,
                   "%d stills, %d movies: %.0f bytes a still, %.1f MB at the end; descriptors %td, "
                   "then %td; threads %td, then %td",
-                  saved, soak.round(), bytes, memory.back() / 1e6, atFirst.descriptors,
-                  atLast.descriptors, atFirst.threads, atLast.threads);
+                  saved, soak.round(), bytes, memory.back() / 1e6, filesBefore, files,
+                  threadsBefore, threadsNow);
     soak.report(reached, bytes < 100 && !HasFailure());
 }
 

@@ -95,14 +95,6 @@ double Times::shareWithin(double limit) const {
     return static_cast<double>(within) / static_cast<double>(std::max<std::size_t>(1, all_.size()));
 }
 
-double residentBytes() {
-    std::ifstream statm("/proc/self/statm");
-    double total = 0;
-    double resident = 0;
-    statm >> total >> resident;
-    return resident * static_cast<double>(::sysconf(_SC_PAGESIZE));
-}
-
 double slope(const std::vector<double>& x, const std::vector<double>& y) {
     const auto count = static_cast<double>(x.size());
     const double meanX = std::accumulate(x.begin(), x.end(), 0.0) / count;

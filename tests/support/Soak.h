@@ -74,9 +74,6 @@ private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-/// The resident memory of this process, in bytes.
-double residentBytes();
-
 /// The slope of the line that fits the points best, by least squares.
 double slope(const std::vector<double>& x, const std::vector<double>& y);
 
