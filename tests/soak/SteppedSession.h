@@ -31,6 +31,10 @@ public:
     /// Waits for the end of the compile, and returns its outcome.
     MovieOutcome awaitMovie();
 
+    /// Stills that became frames, and stills that did not.
+    int saved = 0;
+    int lost = 0;
+
     QtRunLoop loop;
     MemoryUserDefaults defaults;
     CompileReport report;

@@ -21,10 +21,6 @@ TEST(ClockGrid, AStillASecondStaysOnTheGridWhileTheProcessorsAreBusy) {
     }
     const WorkFolder work;
     auto& session = *new SteppedSession(work.path());
-    int saved = 0;
-    int lost = 0;
-    session.observer.frameWasSaved = [&](const std::string&) { ++saved; };
-    session.observer.frameCouldNotBeSaved = [&] { ++lost; };
 
     // What the capture timer does, and when.
     Times deviations;
@@ -46,16 +42,16 @@ TEST(ClockGrid, AStillASecondStaysOnTheGridWhileTheProcessorsAreBusy) {
         session.runUntil([&] { return ticks >= soak.round(); });
     }
     timer->invalidate();
-    session.runUntil([&] { return saved + lost == ticks; });
+    session.runUntil([&] { return session.saved + session.lost == ticks; });
     EXPECT_EQ(ticks, soak.count());
-    EXPECT_EQ(lost, 0);
+    EXPECT_EQ(session.lost, 0);
     char reached[160];
     std::snprintf(reached, sizeof reached,
                   "%d stills, %.1f %% within 20 ms of the grid; half within %.1f ms, 99 %% within "
                   "%.1f ms, the worst %.1f ms",
-                  saved, 100 * deviations.shareWithin(20), deviations.percentile(0.5),
+                  session.saved, 100 * deviations.shareWithin(20), deviations.percentile(0.5),
                   deviations.percentile(0.99), deviations.worst());
-    soak.report(reached, deviations.shareWithin(20) >= 0.99 && lost == 0);
+    soak.report(reached, deviations.shareWithin(20) >= 0.99 && session.lost == 0);
 }
 
 } // namespace

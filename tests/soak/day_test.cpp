@@ -17,11 +17,6 @@ namespace {
 /// still replaces those of the same second: the folder has one frame for each second of the test.
 class Day : public testing::Test {
 protected:
-    Day() {
-        session.observer.frameWasSaved = [this](const std::string&) { ++saved; };
-        session.observer.frameCouldNotBeSaved = [this] { ++lost; };
-    }
-
     /// Requests that many stills, a few at a time, and browses meanwhile.
     void capture(int stills) {
         constexpr int together = 8;
@@ -31,7 +26,7 @@ protected:
                 session.controller.addFrameClick(nullptr);
                 ++requested;
             }
-            session.runUntil([this] { return saved + lost >= requested; });
+            session.runUntil([this] { return session.saved + session.lost >= requested; });
             browse();
         }
     }
@@ -68,8 +63,6 @@ protected:
     const WorkFolder work;
     SteppedSession& session = *new SteppedSession(work.path());
     int requested = 0;
-    int saved = 0;
-    int lost = 0;
     int moves = 0;
 };
 
@@ -84,7 +77,7 @@ TEST_F(Day, OfStillsBrowsingAndMoviesTakesNoMemoryDescriptorsOrThreads) {
         capture(stillsARound / 2);
         // After a warm-up of a fifth, and while nothing is being compiled.
         if (soak.round() > soak.count() / 5) {
-            stills.push_back(saved);
+            stills.push_back(session.saved);
             memory.push_back(residentBytes());
         }
         // The first movie needs two frames, which have different seconds.
@@ -104,8 +97,8 @@ TEST_F(Day, OfStillsBrowsingAndMoviesTakesNoMemoryDescriptorsOrThreads) {
             threadsBefore = countOf(threads);
         }
     }
-    EXPECT_EQ(lost, 0);
-    EXPECT_EQ(saved, soak.count() * stillsARound);
+    EXPECT_EQ(session.lost, 0);
+    EXPECT_EQ(session.saved, soak.count() * stillsARound);
     const StopWatch watch;
     session.runUntil([&] {
         return (countOf(openFiles) <= filesBefore && countOf(threads) <= threadsBefore) ||
@@ -122,7 +115,7 @@ TEST_F(Day, OfStillsBrowsingAndMoviesTakesNoMemoryDescriptorsOrThreads) {
     std::snprintf(reached, sizeof reached,
                   "%d stills, %d movies: %.0f bytes a still, %.1f MB at the end; descriptors %td, "
                   "then %td; threads %td, then %td",
-                  saved, soak.round(), bytes, memory.back() / 1e6, filesBefore, files,
+                  session.saved, soak.round(), bytes, memory.back() / 1e6, filesBefore, files,
                   threadsBefore, threadsNow);
     soak.report(reached, bytes < 100 && !HasFailure());
 }
