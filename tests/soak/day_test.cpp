@@ -97,8 +97,9 @@ TEST_F(Day, OfStillsBrowsingAndMoviesTakesNoMemoryDescriptorsOrThreads) {
             threadsBefore = countOf(threads);
         }
     }
-    EXPECT_EQ(session.lost, 0);
-    EXPECT_EQ(session.saved, soak.count() * stillsARound);
+    // A machine that is busy for seconds loses stills to their timeout.
+    EXPECT_EQ(session.saved + session.lost, soak.count() * stillsARound);
+    EXPECT_GT(session.saved, session.lost);
     const StopWatch watch;
     session.runUntil([&] {
         return (countOf(openFiles) <= filesBefore && countOf(threads) <= threadsBefore) ||
@@ -112,12 +113,13 @@ TEST_F(Day, OfStillsBrowsingAndMoviesTakesNoMemoryDescriptorsOrThreads) {
     ASSERT_FALSE(memory.empty());
     const double bytes = slope(stills, memory);
     char reached[200];
-    std::snprintf(reached, sizeof reached,
-                  "%d stills, %d movies: %.0f bytes a still, %.1f MB at the end; descriptors %td, "
-                  "then %td; threads %td, then %td",
-                  session.saved, soak.round(), bytes, memory.back() / 1e6, filesBefore, files,
-                  threadsBefore, threadsNow);
-    soak.report(reached, bytes < 100 && !HasFailure());
+    std::snprintf(
+        reached, sizeof reached,
+        "%d stills, %d lost, %d movies: %.0f bytes a still, %.1f MB at the end; descriptors %td, "
+        "then %td; threads %td, then %td",
+        session.saved, session.lost, soak.round(), bytes, memory.back() / 1e6, filesBefore, files,
+        threadsBefore, threadsNow);
+    soak.report(reached, bytes < 100 && session.lost == 0 && !HasFailure());
 }
 
 } // namespace
