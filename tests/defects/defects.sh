@@ -99,5 +99,5 @@ defect FailedIndexWriteIsIgnored backends/movies movies_test \
     'static_cast<void>(file_->write(index.data(), index.size()));'
 
 defect AnotherCameraOfTheSameKindIsTaken backends/cameras cameras_test \
-    'if (found != npos) { return npos; }' \
-    ''
+    'candidates.size() == 1 ?' \
+    '!candidates.empty() ?'
