@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -12,10 +13,11 @@
 
 namespace {
 
-// The error numbers of the calls below; 0 for none.
-int renameError = 0;
-int linkError = 0;
-int syncError = 0;
+// The error numbers of the calls below; 0 for none. Atomic, because the job of an earlier test may
+// still be writing.
+std::atomic<int> renameError = 0;
+std::atomic<int> linkError = 0;
+std::atomic<int> syncError = 0;
 
 int failWith(int number) {
     errno = number;
