@@ -70,6 +70,11 @@ void waitForSignals() {
 void EndingSignals::block() {
     const sigset_t signals = endingSignals();
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    // libcamera 0.0.3 handles it, and crashes if it arrives while a listing starts libcamera.
+    sigset_t ofChildren;
+    ::sigemptyset(&ofChildren);
+    ::sigaddset(&ofChildren, SIGCHLD);
+    ::pthread_sigmask(SIG_BLOCK, &ofChildren, nullptr);
     // Writing to a closed pipe or beyond the file size limit then fails with an error number.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);

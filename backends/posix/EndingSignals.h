@@ -20,8 +20,8 @@ public:
         std::function<void(int status)> force;
     };
 
-    /// Blocks the signals and starts to wait for them. Until `handle` is called, each signal ends
-    /// the process immediately, even while the main thread is blocked.
+    /// Blocks the signals, and SIGCHLD, and starts to wait for them. Until `handle` is called, each
+    /// signal ends the process immediately, even while the main thread is blocked.
     static void block();
     /// Replaces the handlers. Main thread only.
     static void handle(Handlers handlers);
