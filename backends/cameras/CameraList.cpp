@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "backends/cameras/CameraOptions.h"
+#include "backends/cameras/PipeWireDevices.h"
 #include "backends/posix/threads.h"
 #include "platform/shown_text.h"
 
@@ -121,7 +122,9 @@ struct CameraList::Provider {
 
     std::vector<Camera> query() const {
         std::vector<Camera> cameras;
-        GList* devices = gst_device_provider_get_devices(provider.get());
+        GList* devices = name == pipeWireProvider
+                             ? PipeWireDevices::shared().list(provider.get())
+                             : gst_device_provider_get_devices(provider.get());
         for (GList* item = devices; item != nullptr; item = item->next) {
             GstDevice* device = GST_DEVICE(item->data);
             if (gst_device_has_classes(device, videoSource)) {

@@ -23,9 +23,8 @@ struct Camera {
 
 /// Lists the cameras of GStreamer's device providers. Any thread.
 ///
-/// Each listing queries all providers again, in parallel. Monitoring them instead would miss the
-/// cameras of a restarted PipeWire, and PipeWire's monitor, at least up to 0.3.65, corrupts the
-/// heap when it is stopped. A provider that hangs costs the timeout and at most one thread.
+/// Each listing queries all providers again, in parallel; only PipeWire's monitors its devices (see
+/// `PipeWireDevices`). A provider that hangs costs the timeout and at most one thread.
 class CameraList : public std::enable_shared_from_this<CameraList> {
 public:
     /// Does not initialise GStreamer; `prepare` or the first listing does.

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -48,6 +49,11 @@ PipeWireConnection::PipeWireConnection() : file_(-1) {
         close(file_);
         file_ = -1;
     }
+}
+
+bool PipeWireConnection::isOpen() const {
+    pollfd descriptor{file_, 0, 0}; // a hangup is always reported
+    return file_ >= 0 && poll(&descriptor, 1, 0) != 1;
 }
 
 PipeWireConnection::~PipeWireConnection() {

@@ -4,9 +4,9 @@ namespace vistrane {
 
 /// A private connection to this user's PipeWire.
 ///
-/// By default, GStreamer's PipeWire elements share one connection with its listing of cameras. The
-/// listing, at least up to 0.3.65, leaves callbacks on it that crash when a camera is disconnected.
-/// With a private connection for each element, the listing's connection is short-lived.
+/// By default, GStreamer's PipeWire elements share one connection, also with the listing of
+/// cameras. With a private connection, an element does not depend on what the others do with
+/// theirs.
 class PipeWireConnection {
 public:
     PipeWireConnection();
@@ -17,6 +17,9 @@ public:
     /// The descriptor, owned by this object; -1 if PipeWire does not answer. This object must
     /// outlive the element that uses it.
     int file() const { return file_; }
+
+    /// Whether PipeWire holds the other end. Any thread.
+    bool isOpen() const;
 
 private:
     int file_;

@@ -91,14 +91,21 @@ isManaged() {
     pw-cli ls Metadata 2>/dev/null | grep -q '"default"'
 }
 
-# The death signal ends them when this script is killed.
-setpriv --pdeathsig KILL pipewire >"$XDG_RUNTIME_DIR/pipewire.log" 2>&1 &
+# keep PROGRAM: runs it again whenever it ends, as a desktop does. Its number is in PROGRAM.pid. The
+# death signals end it when this script is killed.
+keep() {
+    exec setpriv --pdeathsig KILL bash -c '
+        while :; do
+            setpriv --pdeathsig KILL bash -c '\''echo $$ >"$XDG_RUNTIME_DIR/$0.pid"; exec "$0"'\'' "$0"
+            sleep 0.1
+        done' "$1" >"$XDG_RUNTIME_DIR/$1.log" 2>&1
+}
+
+keep pipewire &
 daemon=$!
 waitUntilReady $daemon answers
-XDG_CONFIG_HOME=$configuration XDG_STATE_HOME=$XDG_RUNTIME_DIR/state \
-    setpriv --pdeathsig KILL wireplumber >"$XDG_RUNTIME_DIR/wireplumber.log" 2>&1 &
+XDG_CONFIG_HOME=$configuration XDG_STATE_HOME=$XDG_RUNTIME_DIR/state keep wireplumber &
 sessionManager=$!
-export WITH_PIPEWIRE_SESSION_MANAGER=$sessionManager
 waitUntilReady $sessionManager isManaged
 
 "$@" &

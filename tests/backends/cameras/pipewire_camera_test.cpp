@@ -1,6 +1,8 @@
 #include "tests/backends/cameras/CameraTestBed.h"
 
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <thread>
 
@@ -27,6 +29,14 @@ CameraOptions impatient() {
     options.secondTry = std::chrono::milliseconds(1500);
     return options;
 }
+
+/// The program blocks SIGCHLD in all threads. Here `system` would send it to libcamera's handler.
+const bool childrenAreQuiet = [] {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGCHLD);
+    return pthread_sigmask(SIG_BLOCK, &signals, nullptr) == 0;
+}();
 
 bool testcam(const std::string& verb, const std::string& name, const std::string& settings = "") {
     return std::system((settings + " " VISTRANE_TESTCAM " " + verb + " " + name).c_str()) == 0;
@@ -132,9 +142,9 @@ TEST_F(PipeWireCamera, ACameraThatIsGoneGivesNoInput) {
 
 TEST_F(PipeWireCamera, ACameraThatPipeWireDoesNotLinkGivesNoInput) {
     const auto device = bed.device("Testcam");
-    ASSERT_EQ(std::system("kill -STOP $WITH_PIPEWIRE_SESSION_MANAGER"), 0);
+    ASSERT_EQ(std::system("kill -STOP $(cat $XDG_RUNTIME_DIR/wireplumber.pid)"), 0);
     const auto result = bed.cameras->deviceInputWithDevice(device);
-    ASSERT_EQ(std::system("kill -CONT $WITH_PIPEWIRE_SESSION_MANAGER"), 0);
+    ASSERT_EQ(std::system("kill -CONT $(cat $XDG_RUNTIME_DIR/wireplumber.pid)"), 0);
     EXPECT_EQ(result.input, nullptr);
     ASSERT_TRUE(result.error);
     EXPECT_THAT(result.error->localizedDescription, HasSubstr("'Testcam' cannot be opened"));
@@ -241,6 +251,34 @@ TEST_F(PipeWireCamera, EachReplugIsSurvivedAndLeavesNoFileAndNoThreadBehind) {
     EXPECT_LE(countOf(openFiles), files + 4);
     EXPECT_LE(countOf(threads), before + 4);
     EXPECT_EQ(bed.still(), "");
+}
+
+TEST_F(PipeWireCamera, ListingWhileCamerasComeAndGoIsSafe) {
+    std::atomic<bool> ends = false;
+    std::thread lists([&] {
+        while (!ends) {
+            names();
+        }
+    });
+    for (int i = 0; i < 30; ++i) {
+        EXPECT_TRUE(testcam("start", "Othercam"));
+        EXPECT_TRUE(testcam("stop", "Othercam"));
+    }
+    ends = true;
+    lists.join();
+    EXPECT_THAT(names(), ElementsAre("Testcam"));
+}
+
+TEST_F(PipeWireCamera, IsBackAfterPipeWireRestarts) {
+    ASSERT_TRUE(bed.pick("Testcam"));
+    ASSERT_EQ(std::system("kill -KILL $(cat $XDG_RUNTIME_DIR/pipewire.pid)"), 0);
+    ASSERT_TRUE(awaitMessages(1));
+    testcam("stop", "Testcam");
+    ASSERT_TRUE(testcam("start", "Testcam", blue));
+    ASSERT_TRUE(awaitMessages(2));
+    EXPECT_EQ(bed.still(), "");
+    EXPECT_THAT(colourOfLastStill(), isBlue);
+    EXPECT_THAT(names(), ElementsAre("Testcam"));
 }
 
 TEST_F(PipeWireCamera, TheOtherOfTwoCamerasCanBePicked) {

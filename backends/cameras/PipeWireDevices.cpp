@@ -1,0 +1,39 @@
+#include "backends/cameras/PipeWireDevices.h"
+
+#include <memory>
+
+#include "backends/cameras/PipeWireConnection.h"
+
+namespace vistrane {
+
+/// A provider and its own connection. Connections of the providers' choice are shared by all that
+/// ask for them, so that a second provider would be given the first one's closed connection.
+struct PipeWireDevices::Monitor {
+    PipeWireConnection connection;
+    GstDeviceProvider* provider = nullptr;
+    /// The one of PipeWire's last run. Keeps it reachable for leak checks.
+    const Monitor* previous = nullptr;
+};
+
+PipeWireDevices& PipeWireDevices::shared() {
+    static auto* const devices = new PipeWireDevices;
+    return *devices;
+}
+
+GList* PipeWireDevices::list(GstDeviceProvider* any) {
+    std::lock_guard lock(mutex_);
+    if (monitor_ == nullptr || !monitor_->connection.isOpen()) {
+        auto next = std::make_unique<Monitor>();
+        if (!next->connection.isOpen()) {
+            return nullptr;
+        }
+        next->provider = GST_DEVICE_PROVIDER(gst_object_ref_sink(
+            g_object_new(G_OBJECT_TYPE(any), "fd", next->connection.file(), nullptr)));
+        next->previous = monitor_;
+        monitor_ = next.release();
+        gst_device_provider_start(monitor_->provider);
+    }
+    return gst_device_provider_get_devices(monitor_->provider);
+}
+
+} // namespace vistrane
