@@ -9,7 +9,8 @@
 #include "core/folder/frame_list.h"
 
 // Takes any three names, separated by NUL bytes. Comparing them is a total order in which only
-// identical names are equal. Sorting, which compares differently, gives the same order.
+// identical names are equal, so that "before" is a strict weak order. Sorting, which compares
+// differently, gives the same order, whatever the order was before.
 
 namespace {
 
@@ -42,6 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int ac = frameNameCompare(a, c, locale);
     require(ab == -frameNameCompare(b, a, locale));
     require((ab == NSOrderedSame) == (a == b));
+    require(frameNameCompare(a, a, locale) == NSOrderedSame);
     if (ab <= 0 && bc <= 0) {
         require(ac == (ab < 0 || bc < 0 ? NSOrderedAscending : NSOrderedSame));
     }
@@ -50,7 +52,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
 
     std::vector<std::string> sorted = {"/f/" + a, "/f/" + b, "/f/" + c};
+    std::vector<std::string> others = {sorted[2], sorted[0], sorted[1]};
     sortFrames(sorted, locale);
+    sortFrames(others, locale);
+    require(sorted == others);
     for (std::size_t at = 1; at < sorted.size(); ++at) {
         require(frameNameCompare(sorted[at - 1], sorted[at], locale) <= 0);
     }

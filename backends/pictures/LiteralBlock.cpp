@@ -231,15 +231,16 @@ void chooseCodeLengths(std::span<const std::uint32_t> counts, unsigned limit,
 LiteralBlock::LiteralBlock(std::span<const std::uint8_t> bytes) : bytes_(bytes) {
     // Four sets of counters, because incrementing the same counter twice in a row stalls.
     std::array<std::array<std::uint32_t, 256>, 4> parts{};
-    std::size_t i = 0;
-    for (; i + 4 <= bytes.size(); i += 4) {
-        ++parts[0][bytes[i]];
-        ++parts[1][bytes[i + 1]];
-        ++parts[2][bytes[i + 2]];
-        ++parts[3][bytes[i + 3]];
+    const std::uint8_t* byte = bytes.data();
+    const std::uint8_t* const end = byte + bytes.size();
+    for (; end - byte >= 4; byte += 4) {
+        ++parts[0][byte[0]];
+        ++parts[1][byte[1]];
+        ++parts[2][byte[2]];
+        ++parts[3][byte[3]];
     }
-    for (; i < bytes.size(); ++i) {
-        ++parts[0][bytes[i]];
+    for (; byte != end; ++byte) {
+        ++parts[0][*byte];
     }
     std::array<std::uint32_t, symbolCount> counts{};
     for (std::size_t value = 0; value < 256; ++value) {

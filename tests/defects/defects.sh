@@ -57,9 +57,34 @@ defect VanishedFolderIsKept core/folder/project_folder.cpp folder_test \
     'bool isDirectory = true;' \
     'bool isDirectory = false;'
 
+# Failures in the core
+
+defect RefusedBookmarkIsStored core/folder/project_folder.cpp folder_test \
+    'if (bookmark.error) { return; }' \
+    ''
+
+defect UnlistedFolderEmptiesTheFrames core/folder/frame_list.cpp folder_test \
+    'if (!names) { return; }' \
+    'if (!names) { names.emplace(); }'
+
+defect FailedStillIsSaved core/capture/stills.cpp capture_test \
+    '{error->localizedDescription}));
+        return;' \
+    '{error->localizedDescription}));'
+
+defect ButtonStaysOffWithoutAMovie core/compiler/movie_writer.cpp compiler_test \
+    'error.localizedDescription);
+     compilingB->setEnabled(true);' \
+    'error.localizedDescription);'
+
+defect FrameWithoutRoomIsSkipped core/compiler/movie_writer.cpp compiler_test \
+    'frameAt(pictureArray, i).value_or("(null)")}));' \
+    'frameAt(pictureArray, i).value_or("(null)")}));
+     ++i;'
+
 # The backends, and what they share
 
-defect TimerGridMovesWithALateTick platform/TimerGrid.h 'sim_test console_tests qt_system_tests' \
+defect TimerGridMovesWithALateTick platform/TimerGrid.h 'timer_schedule_test sim_test' \
     'void passUpTo(std::int64_t now) {' \
     'void passUpTo(std::int64_t now) {
          start_ = now;
@@ -101,3 +126,70 @@ defect FailedIndexWriteIsIgnored backends/movies movies_test \
 defect AnotherCameraOfTheSameKindIsTaken backends/cameras cameras_test \
     'candidates.size() == 1 ?' \
     '!candidates.empty() ?'
+
+# Failures in the backends
+
+defect ShortWriteCountsAsWhole backends/posix/Descriptor.cpp posix_tests \
+    'count -= static_cast<std::size_t>(written);' \
+    'count = 0;'
+
+defect WriteErrorIsForgotten backends/posix/BackgroundWriter.cpp posix_tests \
+    'error = result;' \
+    'error = 0;'
+
+defect ListingErrorCountsAsTheEnd backends/posix posix_tests \
+    'if (size == 0 || (size < 0 && errno == ENOENT)) {' \
+    'if (size <= 0) {'
+
+defect UnsavedSettingsCountAsSaved backends/qt/system qt_system_tests \
+    'if (error == 0) { changes_.clear(); }' \
+    'changes_.clear();'
+
+defect DamagedSettingsAreLost backends/qt/system qt_system_tests \
+    'std::rename(damaged.c_str(), aside.c_str()) == 0;' \
+    'std::remove(damaged.c_str()) == 0;'
+
+defect CreationErrorHasAnotherNumber backends/pictures pictures_test \
+    'systemError(errno, "Cannot create the file", path, writeAdvice);' \
+    'systemError(EIO, "Cannot create the file", path, writeAdvice);'
+
+defect DamagedFrameCountsAsWhole backends/pictures pictures_test \
+    'return damaged(name(), *fault);' \
+    'return std::nullopt;'
+
+defect LeftoverIsNotRemoved backends/movies movies_test \
+    '::unlinkat(folder, name.c_str(), 0);' \
+    ''
+
+defect WholeLeftoverIsRemoved backends/movies movies_test \
+    'if (isComplete(file.number())) {' \
+    'if (isComplete(-1)) {'
+
+defect UnflushedMovieIsPublished backends/movies movies_test \
+    'number != 0 ? unsyncedError(number) : rename();' \
+    'rename();'
+
+defect AbandonedMovieStaysBehind backends/movies movies_test \
+    'isOurs = !isStarted_ && !isFinishing_;
+     }
+     file_->discard();' \
+    'isOurs = !isStarted_ && !isFinishing_;
+     }'
+
+defect FailedEncodingIsIgnored backends/movies movies_test \
+    'if (auto error = encode(*item)) { fail(std::move(*error)); }' \
+    'static_cast<void>(encode(*item));'
+
+defect CameraWatchdogNeverBarks backends/cameras cameras_test \
+    'phase == Phase::live && now >= lastPicture + forCamera(options.silence)) {' \
+    'phase == Phase::live && now < lastPicture) {'
+
+defect LostCameraForgetsItsStills backends/cameras cameras_test \
+    'failRequests(error);' \
+    'requests.clear();'
+
+# Failures on the command line
+
+defect LostFrameIsASuccess frontends/commandline program_test \
+    'return failures == 0;' \
+    'return failures >= 0;'

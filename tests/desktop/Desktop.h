@@ -27,6 +27,7 @@ public:
     static std::optional<std::string> missingTool();
 
     Screen& screen() { return *screen_; }
+    FakeServices& services() { return *services_; }
     /// The desktop's appearance; light at first.
     void switchTo(ColourScheme scheme) { services_->switchTo(scheme); }
 

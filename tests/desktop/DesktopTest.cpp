@@ -46,7 +46,9 @@ void DesktopTest::TearDown() {
     }
     if (HasFailure()) {
         keepScreen("failure");
-        if (root_ && program_ && !program_->status()) {
+        if (const auto status = program_ ? program_->status() : std::nullopt) {
+            std::cout << "The program has ended with status " << *status << ".\n";
+        } else if (root_) {
             std::cout << outline(*root_);
         }
         std::cout << desktop.logs();

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <memory>
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <gtest/gtest.h>
@@ -14,6 +16,8 @@ namespace {
 
 constexpr char portalService[] = "org.freedesktop.portal.Desktop";
 constexpr char readSetting[] = "org.freedesktop.portal.Settings.Read";
+constexpr char inhibit[] = "org.freedesktop.portal.Inhibit.Inhibit";
+constexpr char closeRequest[] = "org.freedesktop.portal.Request.Close";
 
 /// In two variants, as the portal's older method answers.
 QVariant wrappedTwice(const QVariant& value) {
@@ -44,6 +48,15 @@ public:
         services_.calls_.push_back(textOf(call));
         const auto& ignored = services_.ignored_;
         if (std::find(ignored.begin(), ignored.end(), method) != ignored.end()) {
+            return true;
+        }
+        if (method == closeRequest) {
+            services_.inhibitors_.erase(call.path());
+        }
+        if (method == inhibit && services_.grantsInhibition_) {
+            const QString request = "/request/" + QString::number(++services_.requests_);
+            services_.inhibitors_[request] = call.service();
+            connection.send(call.createReply(QVariant::fromValue(QDBusObjectPath(request))));
             return true;
         }
         const auto answer = services_.answers_.find(method);
@@ -97,6 +110,8 @@ void FakeServices::reset() {
     answers_.clear();
     ignored_.clear();
     calls_.clear();
+    grantsInhibition_ = false;
+    inhibitors_.clear();
 }
 
 void FakeServices::offer(const QString& service) {
@@ -118,6 +133,25 @@ void FakeServices::ignore(const std::string& method) {
 void FakeServices::offerScheme(const QVariant& scheme) {
     offer(portalService);
     answer(readSetting, {wrappedTwice(scheme)});
+}
+
+void FakeServices::offerInhibition() {
+    offer(portalService);
+    answer(closeRequest, {});
+    const std::lock_guard lock(mutex_);
+    grantsInhibition_ = true;
+}
+
+int FakeServices::inhibitions() const {
+    std::map<QString, QString> inhibitors;
+    {
+        const std::lock_guard lock(mutex_);
+        inhibitors = inhibitors_;
+    }
+    return static_cast<int>(
+        std::count_if(inhibitors.begin(), inhibitors.end(), [this](const auto& each) {
+            return bus_.interface()->isServiceRegistered(each.second).value();
+        }));
 }
 
 void FakeServices::sendSetting(const QString& group, const QString& key, const QVariant& value) {

@@ -43,6 +43,12 @@ public:
     /// Changes the scheme and sends the signal.
     void switchTo(ColourScheme scheme);
 
+    /// Offers the desktop portal, which grants requests to keep the machine awake.
+    void offerInhibition();
+    /// The number of such requests that were neither closed nor ended by the end of the connection
+    /// that sent them.
+    int inhibitions() const;
+
     /// The number of calls whose text, "path interface.method(argument, argument)", has that part.
     int countOf(const std::string& part) const;
 
@@ -60,6 +66,10 @@ private:
     std::map<std::string, QVariantList> answers_;
     std::vector<std::string> ignored_;
     std::vector<std::string> calls_;
+    bool grantsInhibition_ = false;
+    int requests_ = 0;
+    /// The connection that holds each request, by the path of the request.
+    std::map<QString, QString> inhibitors_;
 };
 
 } // namespace vistrane

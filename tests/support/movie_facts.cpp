@@ -57,6 +57,26 @@ std::vector<long> numbers(const std::vector<std::string>& texts) {
     return result;
 }
 
+/// The number after `key`.
+int numberAfter(const std::string& key, const std::string& text) {
+    const std::size_t found = text.find(key);
+    return found == std::string::npos ? 0 : std::stoi(text.substr(found + key.size()));
+}
+
+/// The time after `key`, "H:MM:SS.NNNNNNNNN", in seconds.
+double timeAfter(const std::string& key, const std::string& text) {
+    double hours = 0;
+    double minutes = 0;
+    double seconds = 0;
+    const std::size_t found = text.find(key);
+    if (found != std::string::npos) {
+        char colon = 0;
+        std::istringstream(text.substr(found + key.size())) >> hours >> colon >> minutes >> colon >>
+            seconds;
+    }
+    return (hours * 60 + minutes) * 60 + seconds;
+}
+
 } // namespace
 
 MovieFacts movieFacts(const std::string& path) {
@@ -91,6 +111,24 @@ std::string mediaInfo(const std::string& path, const std::string& what) {
     std::string output = outputOf({"mediainfo", "--Inform=" + what, path});
     output.resize(std::min(output.size(), output.find('\n')));
     return output;
+}
+
+DemuxedMovie demuxedByGStreamer(const std::string& path) {
+    const std::string output = outputOf({"gst-launch-1.0", "-v", "filesrc", "location=" + path, "!",
+                                         "qtdemux", "!", "fakesink", "silent=false"});
+    DemuxedMovie movie;
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find("sink: caps = video/x-h264") != std::string::npos) {
+            movie.width = numberAfter("width=(int)", line);
+            movie.height = numberAfter("height=(int)", line);
+        } else if (line.find("last-message = chain") != std::string::npos) {
+            ++movie.frames;
+            movie.seconds =
+                std::max(movie.seconds, timeAfter(" pts: ", line) + timeAfter("duration: ", line));
+        }
+    }
+    return movie;
 }
 
 std::string decodeToRgb(const std::string& path) {

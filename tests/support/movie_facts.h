@@ -33,6 +33,17 @@ MovieFacts movieFacts(const std::string& path);
 /// end.
 std::string mediaInfo(const std::string& path, const std::string& what);
 
+/// What GStreamer's demuxer delivers.
+struct DemuxedMovie {
+    int width = 0;
+    int height = 0;
+    int frames = 0;
+    /// The end of the last frame in presentation order.
+    double seconds = 0;
+};
+
+DemuxedMovie demuxedByGStreamer(const std::string& path);
+
 /// All frames as red, green and blue bytes, converted as the movie's tags say. Chroma is taken from
 /// the even columns, where H.264 has it: the converter does not look at that tag.
 std::string decodeToRgb(const std::string& path);

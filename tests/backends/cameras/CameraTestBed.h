@@ -5,9 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <filesystem>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -21,6 +19,7 @@
 #include "backends/pictures/PictureData.h"
 #include "platform/avfoundation/AVCaptureSession.h"
 #include "platform/dispatch/Dispatch.h"
+#include "tests/support/process_facts.h"
 
 namespace vistrane {
 
@@ -152,14 +151,6 @@ public:
     std::vector<std::shared_ptr<NSData>> files;
     std::vector<const RecordingDelegate*>* order = nullptr;
 };
-
-/// How many entries a folder of /proc/self has: open files, threads.
-inline std::ptrdiff_t countOf(const char* folder) {
-    return std::distance(std::filesystem::directory_iterator(folder),
-                         std::filesystem::directory_iterator());
-}
-constexpr char openFiles[] = "/proc/self/fd";
-constexpr char threads[] = "/proc/self/task";
 
 /// Cameras with a session and an output, set up as in the program.
 struct CameraTestBed {

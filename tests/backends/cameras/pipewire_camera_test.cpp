@@ -3,12 +3,15 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <future>
 #include <thread>
 
 #include <gmock/gmock.h>
 
 #include "backends/cameras/CaptureSession.h"
+#include "tests/support/Soak.h"
 
 // Run by with_pipewire.sh: real cameras of a private PipeWire.
 
@@ -73,7 +76,8 @@ protected:
         return pixmap ? pixmap->middle() : std::vector<int>{};
     }
 
-    CameraTestBed bed{impatient()};
+    /// A long run of the replugs measures the times of the program itself.
+    CameraTestBed bed{Soak::isLong() ? CameraOptions{} : impatient()};
 };
 
 const auto isRed = ElementsAre(Ge(250), Le(5), Le(5));
@@ -233,24 +237,60 @@ TEST_F(PipeWireCamera, StopWhileTheCameraIsGoneIsWholeAndQuiet) {
     EXPECT_THAT(bed.observer.messages(), SizeIs(1));
 }
 
-TEST_F(PipeWireCamera, EachReplugIsSurvivedAndLeavesNoFileAndNoThreadBehind) {
+TEST_F(PipeWireCamera, EachReplugDuringCaptureIsSurvivedAndLeavesNothingBehind) {
+    ASSERT_TRUE(testcam("start", "Othercam", blue));
     ASSERT_TRUE(bed.pick("Testcam"));
+    Times noticed;
+    Times resumed;
     std::ptrdiff_t files = 0;
     std::ptrdiff_t before = 0;
-    for (std::size_t i = 1; i <= 8; ++i) {
-        ASSERT_TRUE(testcam("stop", "Testcam"));
-        ASSERT_TRUE(awaitMessages(2 * i - 1));
+    std::vector<double> cycles;
+    std::vector<double> memory;
+    Soak soak("a camera lost and back, another one present", {.few = 8, .many = 100});
+    while (soak.next()) {
+        const auto cycle = static_cast<std::size_t>(soak.round());
+        const StopWatch unplugging;
+        auto unplugged = std::async(std::launch::async, [] { return testcam("stop", "Testcam"); });
+        while (bed.still().empty()) {
+        }
+        ASSERT_TRUE(awaitMessages(2 * cycle - 1));
+        noticed.add(unplugging.milliseconds());
+        ASSERT_TRUE(unplugged.get());
+        EXPECT_NE(bed.still(), "");
+
         ASSERT_TRUE(testcam("start", "Testcam", red));
-        ASSERT_TRUE(awaitMessages(2 * i));
-        if (i == 3) {
+        const StopWatch listed;
+        ASSERT_TRUE(awaitMessages(2 * cycle));
+        resumed.add(listed.milliseconds());
+        ASSERT_EQ(bed.still(), "");
+        for (const auto& file : bed.delegate.files) {
+            const auto pixmap = pixmapOf(*file);
+            ASSERT_TRUE(pixmap);
+            EXPECT_THAT(pixmap->middle(), isRed);
+        }
+        bed.delegate.files.clear();
+
+        if (cycle == 3) {
             files = countOf(openFiles);
             before = countOf(threads);
         }
+        if (cycle >= 3) {
+            cycles.push_back(static_cast<double>(cycle));
+            memory.push_back(residentBytes());
+        }
     }
-    // Less than one for each of the five replugs.
+    // Less than one for each of the last five replugs.
     EXPECT_LE(countOf(openFiles), files + 4);
     EXPECT_LE(countOf(threads), before + 4);
-    EXPECT_EQ(bed.still(), "");
+    const double bytes = slope(cycles, memory);
+    char reached[200];
+    std::snprintf(reached, sizeof reached,
+                  "%d cycles: noticed after %.1f s at most, resumed %.1f s after the camera was "
+                  "listed; descriptors %td, then %td; threads %td, then %td; %.0f bytes a cycle",
+                  soak.round(), noticed.worst() / 1000, resumed.worst() / 1000, files,
+                  countOf(openFiles), before, countOf(threads), bytes);
+    soak.report(reached, noticed.worst() <= 3000 && resumed.worst() <= 3000 && bytes < 10'000 &&
+                             !HasFailure());
 }
 
 TEST_F(PipeWireCamera, ListingWhileCamerasComeAndGoIsSafe) {

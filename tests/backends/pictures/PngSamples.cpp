@@ -122,7 +122,9 @@ PngSample sampleOf(const Values& picture) {
 void failReading(png_structp png, png_const_charp) {
     png_longjmp(png, 1);
 }
-void ignoreWarning(png_structp, png_const_charp) {}
+void noteWarning(png_structp png, png_const_charp) {
+    static_cast<PngSample*>(png_get_error_ptr(png))->warned = true;
+}
 
 void takeBytes(png_structp png, png_bytep bytes, std::size_t length) {
     auto* file = static_cast<std::span<const std::uint8_t>*>(png_get_io_ptr(png));
@@ -368,7 +370,7 @@ Bytes withRightChecksums(Bytes file) {
 std::optional<PngSample> readByLibpng(std::span<const std::uint8_t> file) {
     PngSample sample;
     png_structp png =
-        png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, failReading, ignoreWarning);
+        png_create_read_struct(PNG_LIBPNG_VER_STRING, &sample, failReading, noteWarning);
     png_infop info = png_create_info_struct(png);
     const bool whole = readAll(png, info, &file, &sample);
     png_destroy_read_struct(&png, &info, nullptr);

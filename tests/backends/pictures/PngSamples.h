@@ -45,6 +45,8 @@ struct PngSample {
     std::uint32_t height = 0;
     Bytes file;
     Bytes rgba;
+    /// Whether libpng warned while it read the file.
+    bool warned = false;
 };
 
 /// A picture of random values; the same `seed` gives the same picture.
