@@ -27,6 +27,9 @@ Bytes inflated(const Bytes& blocks, std::size_t length) {
 /// Bytes whose values become rarer by `decay` from one to the next.
 Bytes decayingBytes(std::mt19937& random, std::size_t length, double decay) {
     Bytes bytes(length);
+    if (decay == 0.0) {
+        return bytes; // beyond what the distribution takes
+    }
     std::geometric_distribution<int> value(1.0 - decay);
     std::generate(bytes.begin(), bytes.end(),
                   [&] { return static_cast<std::uint8_t>(std::min(value(random), 255)); });
