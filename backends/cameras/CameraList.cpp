@@ -122,9 +122,8 @@ struct CameraList::Provider {
 
     std::vector<Camera> query() const {
         std::vector<Camera> cameras;
-        GList* devices = name == pipeWireProvider
-                             ? PipeWireDevices::shared().list(provider.get())
-                             : gst_device_provider_get_devices(provider.get());
+        GList* devices = name == pipeWireProvider ? PipeWireDevices::shared().list(provider.get())
+                                                  : gst_device_provider_get_devices(provider.get());
         for (GList* item = devices; item != nullptr; item = item->next) {
             GstDevice* device = GST_DEVICE(item->data);
             if (gst_device_has_classes(device, videoSource)) {
