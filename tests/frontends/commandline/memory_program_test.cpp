@@ -25,7 +25,7 @@ protected:
                 std::filesystem::create_symlink("f" + std::to_string(number % 4) + ".png", path);
             }
         }
-        const Ended ended = run({"compile", place});
+        const Ended ended = run({"compile", "--x264-preset", "ultrafast", place});
         EXPECT_EQ(ended.status, 0) << ended.errors;
         return ended.peakKibibytes;
     }
