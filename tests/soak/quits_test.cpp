@@ -47,14 +47,14 @@ TEST_F(Quits, OfTheCommandLineGiveTheStatusOfTheSignalAndLeaveNothingBroken) {
         {{"devices", "--demo-camera"}, std::chrono::milliseconds(300)},
         {{"frames", frames.path()}, std::chrono::milliseconds(200)},
     };
-    const std::vector<int> signals{SIGINT, SIGTERM, SIGHUP};
+    const std::vector<int> endingSignals{SIGINT, SIGTERM, SIGHUP};
 
     Times times;
     int interrupted = 0;
     Soak soak("quits of the command line", {.few = 6, .many = 250});
     while (soak.next()) {
         const State& state = states[static_cast<std::size_t>(soak.round() - 1) % states.size()];
-        const int signal = signals[static_cast<std::size_t>(soak.randomUpTo(2))];
+        const int signal = endingSignals[static_cast<std::size_t>(soak.randomUpTo(2))];
         SCOPED_TRACE(testing::PrintToString(state.arguments) + ", signal " +
                      std::to_string(signal));
         Program program(command(state.arguments), options);

@@ -14,7 +14,7 @@ namespace vistrane {
 
 namespace {
 
-constexpr char portalService[] = "org.freedesktop.portal.Desktop";
+constexpr char desktopPortal[] = "org.freedesktop.portal.Desktop";
 constexpr char readSetting[] = "org.freedesktop.portal.Settings.Read";
 constexpr char inhibit[] = "org.freedesktop.portal.Inhibit.Inhibit";
 constexpr char closeRequest[] = "org.freedesktop.portal.Request.Close";
@@ -131,12 +131,12 @@ void FakeServices::ignore(const std::string& method) {
 }
 
 void FakeServices::offerScheme(const QVariant& scheme) {
-    offer(portalService);
+    offer(desktopPortal);
     answer(readSetting, {wrappedTwice(scheme)});
 }
 
 void FakeServices::offerInhibition() {
-    offer(portalService);
+    offer(desktopPortal);
     answer(closeRequest, {});
     const std::lock_guard lock(mutex_);
     grantsInhibition_ = true;

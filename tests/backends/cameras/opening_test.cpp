@@ -18,7 +18,7 @@ Camera cameraWith(const char* mode) {
     return camera;
 }
 
-CameraOptions impatient() {
+CameraOptions shortTimeouts() {
     CameraOptions options;
     options.reappear = milliseconds(100);
     return options;
@@ -36,7 +36,7 @@ protected:
     std::vector<StillOutcome> outcomes;
     CaptureEngine engine{std::make_shared<CameraList>(),
                          observer,
-                         impatient(),
+                         shortTimeouts(),
                          {[this](std::uint64_t, const StillOutcome& outcome) {
                               dispatch.dispatch_get_main_queue().async(
                                   [this, outcome] { outcomes.push_back(outcome); });

@@ -19,7 +19,7 @@ Camera slowCamera() {
 }
 
 /// Each of these timeouts is much shorter than the camera's period.
-CameraOptions impatient() {
+CameraOptions shorterThanAPeriod() {
     CameraOptions options;
     options.firstPicture = milliseconds(40);
     options.secondTry = milliseconds(20);
@@ -38,7 +38,7 @@ TEST(SlowCamera, IsWaitedForAsLongAsItsOwnRateAsks) {
         dispatch.dispatch_get_main_queue().async(
             [&outcomes, outcome] { outcomes.push_back(outcome); });
     };
-    CaptureEngine engine(std::make_shared<CameraList>(), observer, impatient(),
+    CaptureEngine engine(std::make_shared<CameraList>(), observer, shorterThanAPeriod(),
                          {keep, [](GstSample*) {}});
     engine.start(slowCamera(), AVCaptureSessionPresetPhoto);
 

@@ -4,7 +4,9 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -22,6 +24,12 @@
 #include "tests/support/WorkFolder.h"
 
 namespace vistrane {
+
+/// The bytes of a file.
+inline std::string contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
 
 /// Records what a writer reports, and lets a test wait for a movie's end. Any thread.
 class RecordingObserver final : public MovieObserver {

@@ -15,18 +15,18 @@ constexpr std::uint8_t untouched = 0xA5;
 constexpr std::size_t margin = 64;
 
 /// What a conversion makes of two rows, with a margin behind them that it must not touch.
-struct Planes {
+struct RowPlanes {
     std::vector<std::uint8_t> luma;
     std::vector<std::uint8_t> blue;
     std::vector<std::uint8_t> red;
 };
 
-Planes convert(const RowConversion& conversion, std::span<const std::uint8_t> top,
-               std::span<const std::uint8_t> bottom) {
+RowPlanes convert(const RowConversion& conversion, std::span<const std::uint8_t> top,
+                  std::span<const std::uint8_t> bottom) {
     const std::size_t width = top.size() / 4;
-    Planes planes{std::vector<std::uint8_t>(width + margin, untouched),
-                  std::vector<std::uint8_t>((width + 1) / 2 + margin, untouched),
-                  std::vector<std::uint8_t>((width + 1) / 2 + margin, untouched)};
+    RowPlanes planes{std::vector<std::uint8_t>(width + margin, untouched),
+                     std::vector<std::uint8_t>((width + 1) / 2 + margin, untouched),
+                     std::vector<std::uint8_t>((width + 1) / 2 + margin, untouched)};
     conversion.luma(top.data(), width, planes.luma.data());
     conversion.chroma(top.data(), bottom.data(), width, planes.blue.data(), planes.red.data());
     return planes;
@@ -34,8 +34,8 @@ Planes convert(const RowConversion& conversion, std::span<const std::uint8_t> to
 
 void expectEqual(std::span<const std::uint8_t> top, std::span<const std::uint8_t> bottom) {
     SCOPED_TRACE("at width " + std::to_string(top.size() / 4));
-    const Planes plain = convert(plainRowConversion(), top, bottom);
-    const Planes fastest = convert(fastestRowConversion(), top, bottom);
+    const RowPlanes plain = convert(plainRowConversion(), top, bottom);
+    const RowPlanes fastest = convert(fastestRowConversion(), top, bottom);
     ASSERT_THAT(fastest.luma, ElementsAreArray(plain.luma));
     ASSERT_THAT(fastest.blue, ElementsAreArray(plain.blue));
     ASSERT_THAT(fastest.red, ElementsAreArray(plain.red));

@@ -17,7 +17,7 @@ std::uint32_t redOverBlue(std::uint32_t, std::uint32_t y) {
 
 const Bytes red{255, 0, 0};
 const Bytes blue{0, 0, 255};
-const Bytes untouched{9, 9, 9};
+const Bytes backgroundPixel{9, 9, 9};
 
 PngSample plain(std::uint32_t width, std::uint32_t height, std::uint32_t rgba) {
     return pngOf(width, height, [rgba](auto, auto) { return rgba; });
@@ -162,7 +162,7 @@ TEST_F(PictureDrawing, StretchingFillsTheRectangleAndNothingElse) {
     for (std::size_t y = 0; y < 6; ++y) {
         for (std::size_t x = 0; x < 8; ++x) {
             const bool inside = x >= 1 && x < 6 && y >= 1 && y < 4;
-            EXPECT_EQ(drawn.at(x, y), inside ? (Bytes{0x20, 0x40, 0x60}) : untouched)
+            EXPECT_EQ(drawn.at(x, y), inside ? (Bytes{0x20, 0x40, 0x60}) : backgroundPixel)
                 << x << ' ' << y;
         }
     }
@@ -188,8 +188,8 @@ TEST_F(PictureDrawing, TheRectangleIsInPointsWhateverThePicturesDensity) {
     const Drawn drawn = drawAt(image, 8, 8, {.size = NSSize{4, 4}, .background = 9});
     EXPECT_EQ(drawn.at(3, 4), red);
     EXPECT_EQ(drawn.at(3, 7), blue);
-    EXPECT_EQ(drawn.at(4, 4), untouched);
-    EXPECT_EQ(drawn.at(3, 3), untouched);
+    EXPECT_EQ(drawn.at(4, 4), backgroundPixel);
+    EXPECT_EQ(drawn.at(3, 3), backgroundPixel);
 }
 
 TEST_F(PictureDrawing, APartIsStretchedOverTheWholeRectangle) {

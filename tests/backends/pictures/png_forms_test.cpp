@@ -5,12 +5,12 @@ namespace {
 
 using PngForms = PicturesTest;
 
-constexpr std::pair<std::uint32_t, std::uint32_t> sizes[] = {
+constexpr std::pair<std::uint32_t, std::uint32_t> formSizes[] = {
     {1, 1}, {2, 3}, {5, 7}, {8, 8}, {17, 9}, {33, 1}, {1, 20}, {67, 41}, {10000, 2}};
 
 TEST_F(PngForms, EveryFormIsDrawnWithItsValuesHoweverItsChunksAreSplit) {
     for (const PngForm& form : allPngForms()) {
-        for (const auto& [width, height] : sizes) {
+        for (const auto& [width, height] : formSizes) {
             const PngSample sample = randomPng(form, width, height);
             for (const std::size_t length : {std::size_t{1}, std::size_t{7}, sample.file.size()}) {
                 SCOPED_TRACE(form.text() + ", " + std::to_string(width) + " x " +

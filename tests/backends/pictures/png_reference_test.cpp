@@ -25,14 +25,14 @@ struct Tally {
     std::size_t withoutLibpng = 0;
 };
 
-constexpr std::uint8_t untouched = 0xA5;
+constexpr std::uint8_t unwritten = 0xA5;
 constexpr std::size_t gap = 5;
 
 /// Rows with a gap after each.
 struct Rows {
     Rows(const PngHeader& header, PixelForm form)
         : length(bytesPerPixel(form) * header.width),
-          bytes((length + gap) * header.height, untouched) {}
+          bytes((length + gap) * header.height, unwritten) {}
     std::ptrdiff_t stride() const { return std::ptrdiff_t(length + gap); }
 
     std::size_t length;
