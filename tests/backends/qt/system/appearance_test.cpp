@@ -16,8 +16,8 @@ namespace {
 
 constexpr char portalService[] = "org.freedesktop.portal.Desktop";
 constexpr char readMethod[] = "org.freedesktop.portal.Settings.Read";
-constexpr char group[] = "org.freedesktop.appearance";
-constexpr char key[] = "color-scheme";
+constexpr char appearanceGroup[] = "org.freedesktop.appearance";
+constexpr char colorSchemeKey[] = "color-scheme";
 
 /// In milliseconds; ends a test that would never end.
 constexpr int timeout = 60000;
@@ -35,7 +35,7 @@ protected:
         bool arrived = false;
         const bool wasDark = appearance.isDark();
         appearance.setChangeHandler([&] { arrived = true; });
-        services_.sendSetting(group, key, QVariant(wasDark ? 2U : 1U));
+        services_.sendSetting(appearanceGroup, colorSchemeKey, QVariant(wasDark ? 2U : 1U));
         EXPECT_TRUE(QTest::qWaitFor([&] { return arrived; }, timeout));
     }
 
@@ -85,9 +85,9 @@ TEST_F(AppearanceTest, ChangesAreReported) {
     Appearance appearance;
     std::vector<bool> reported;
     appearance.setChangeHandler([&] { reported.push_back(appearance.isDark()); });
-    services_.sendSetting(group, key, QVariant(1U));
+    services_.sendSetting(appearanceGroup, colorSchemeKey, QVariant(1U));
     EXPECT_TRUE(QTest::qWaitFor([&] { return reported.size() == 1; }, timeout));
-    services_.sendSetting(group, key, QVariant(1U));
+    services_.sendSetting(appearanceGroup, colorSchemeKey, QVariant(1U));
     // Signals in quick succession may overtake each other.
     QTest::qWait(50);
     receive(appearance);
@@ -100,8 +100,8 @@ TEST_F(AppearanceTest, OtherSettingsChangeNothing) {
     Appearance appearance;
     int reported = 0;
     appearance.setChangeHandler([&] { ++reported; });
-    services_.sendSetting(group, "accent-color", QVariant(1U));
-    services_.sendSetting("org.gnome.desktop.interface", key, QVariant(1U));
+    services_.sendSetting(appearanceGroup, "accent-color", QVariant(1U));
+    services_.sendSetting("org.gnome.desktop.interface", colorSchemeKey, QVariant(1U));
     receive(appearance);
     EXPECT_EQ(reported, 0);
 }
@@ -116,7 +116,7 @@ TEST_F(AppearanceTest, APortalThatAnswersLateIsNotWaitedForAndChangesThingsLater
     services_.answer(readMethod, {wrapped(wrapped(1U))});
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return reported || services_.countOf("Read") >= 2; }, timeout));
-    services_.sendSetting(group, key, QVariant(1U));
+    services_.sendSetting(appearanceGroup, colorSchemeKey, QVariant(1U));
     EXPECT_TRUE(QTest::qWaitFor([&] { return reported; }, timeout));
     EXPECT_TRUE(appearance.isDark());
 }
