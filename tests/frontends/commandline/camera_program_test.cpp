@@ -1,4 +1,6 @@
+#include <chrono>
 #include <csignal>
+#include <thread>
 
 #include "tests/frontends/commandline/CommandLineTest.h"
 #include "tests/frontends/commandline/frame_files.h"
@@ -116,6 +118,19 @@ TEST_F(CameraProgram, ACameraThatGoesAndComesBackCostsThePicturesInBetweenOnly) 
     const int seconds = (secondsOf(lines[5]) - secondsOf(lines[0]) + day) % day + 1;
     const int lost = static_cast<int>(count(ended.errors, "photoOutput error: "));
     EXPECT_THAT(6 + lost, testing::AllOf(Ge(seconds - 1), Le(seconds + 1))) << ended.errors;
+}
+
+TEST_F(CameraProgram, AStoppedCaptureGoesOnWithItsCamera) {
+    Program program(command(captureArguments({"--interval", "1", "--count", "5"})), options);
+    ASSERT_TRUE(program.nextLine());
+    program.signal(SIGSTOP);
+    std::this_thread::sleep_for(std::chrono::seconds(5)); // longer than a camera may be silent
+    program.signal(SIGCONT);
+    const Ended ended = program.wait();
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.lines(), SizeIs(5));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("gives no pictures")));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("photoOutput error: ")));
 }
 
 TEST_F(CameraProgram, AnInterruptEndsACaptureWhoseCameraIsGone) {
