@@ -13,9 +13,9 @@ namespace vistrane {
 
 namespace {
 
-/// How long the main thread may take to respond, in seconds. It responds immediately unless a
+/// How long the main thread may take to respond, in nanoseconds. It responds immediately unless a
 /// camera or a reader of its output blocks it.
-constexpr std::time_t timeout = 1;
+constexpr long timeout = 400'000'000;
 
 bool isIgnored(int signal) {
     struct sigaction action {};
@@ -59,7 +59,7 @@ void waitForSignals() {
     if (handlers.ask) {
         handlers.ask(128 + signal);
         // A second signal ends the wait.
-        const std::timespec limit{timeout, 0};
+        const std::timespec limit{0, timeout};
         ::sigtimedwait(&signals, nullptr, &limit);
     }
     handlers.force(128 + signal);
