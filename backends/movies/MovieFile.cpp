@@ -158,13 +158,13 @@ struct Reservation {
     int error = 0; // the error number if there is no file
 };
 
-/// Creates and locks the hidden file. Between these steps another process may take the file for a
-/// leftover and remove it; the result is then EAGAIN.
+/// Creates and locks the hidden file. The result is EAGAIN if a signal interrupted that, or if
+/// another process took the file for a leftover before it was locked.
 Reservation reserveOnce(int folder, const std::string& hiddenName) {
     Descriptor file(::openat(folder, hiddenName.c_str(),
                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
     if (!file.isOpen()) {
-        return {Descriptor(), errno};
+        return {Descriptor(), errno == EINTR ? EAGAIN : errno};
     }
     if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         return {Descriptor(), EAGAIN};

@@ -48,8 +48,6 @@ std::vector<std::string> CompileReport::linesWithoutMovie(const NSError& reason)
             lines.push_back(each.line);
         }
     }
-    lines.push_back("0 of " + std::to_string(appended_ + leftOut_.size()) +
-                    " frames went into a movie.");
     return lines;
 }
 

@@ -22,8 +22,8 @@ public:
 
     /// A line for each frame that was left out, then a line with the counts.
     std::vector<std::string> lines() const;
-    /// The lines for a movie that failed. Omits frames that were refused for the same reason,
-    /// because they are not the cause.
+    /// The lines for a movie that failed, whose reason says whether a file is left. Omits frames
+    /// that were refused for the same reason, because they are not the cause.
     std::vector<std::string> linesWithoutMovie(const NSError& reason) const;
 
 private:
