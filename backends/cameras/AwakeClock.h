@@ -23,13 +23,20 @@ public:
     /// `now` when the steady clock shows `steady`.
     time_point at(time_point steady) {
         now_ += std::clamp<duration>(steady - last_, duration::zero(), longestStep);
+        if (steady - last_ > longestStep) {
+            lastPause_ = now_;
+        }
         last_ = steady;
         return now_;
     }
 
+    /// When the process went on after the last pause; the clock's beginning if there was none.
+    time_point lastPause() const { return lastPause_; }
+
 private:
     time_point last_ = std::chrono::steady_clock::now();
     time_point now_ = last_;
+    time_point lastPause_ = last_;
 };
 
 } // namespace vistrane

@@ -60,7 +60,8 @@ void CaptureCore::serveTarget(Lock& lock) {
 
 /// Creates and starts a pipeline if the camera is listed.
 void CaptureCore::attempt(Lock& lock) {
-    nextAttempt = clock.now() + (isStarting() ? startRetry : options.retry);
+    const bool isUrgent = isStarting() || phase == Phase::live;
+    nextAttempt = clock.now() + (isUrgent ? startRetry : options.retry);
     if (stuck && !stuck->hasEnded()) {
         return;
     }
@@ -87,7 +88,7 @@ void CaptureCore::attempt(Lock& lock) {
         return;
     }
     if (!made) {
-        if (!reason.empty()) {
+        if (!reason.empty() || (phase == Phase::live && clock.now() >= reopeningEnd)) {
             lose(lock, reason);
         } else if (phase == Phase::opening) {
             refuse(lock, deviceNotConnected(wanted.camera.facts.name));
@@ -208,6 +209,12 @@ void CaptureCore::watch(Lock& lock) {
         confirm(lock);
     } else if (phase != Phase::live && now >= attemptEnd) {
         tryAgain(lock);
+    } else if (phase == Phase::live && isSilentAfterPause(now)) {
+        // Requests wait meanwhile.
+        dropPipeline(lock);
+        // Some virtual cameras restart now, and are still listed for a moment.
+        nextAttempt = now + options.retry;
+        reopeningEnd = nextAttempt + options.reappear;
     } else if (phase == Phase::live && now >= lastPicture + forCamera(options.silence)) {
         lose(lock, "");
     } else if (now >= nextLook && now >= lastPicture + forCamera(options.doubt)) {
@@ -219,6 +226,20 @@ void CaptureCore::watch(Lock& lock) {
             tryAgain(lock);
         }
     }
+}
+
+/// Whether the camera's pictures stopped when the process was paused. PipeWire may leave a stream
+/// whose process was stopped without pictures, or with one. True once for each pause.
+bool CaptureCore::isSilentAfterPause(Clock::time_point now) {
+    const auto pause = clock.lastPause();
+    if (pause == settledPause) {
+        return false;
+    }
+    const bool isSilent = now >= std::max(lastPicture, pause) + forCamera(options.doubt);
+    if (isSilent || lastPicture >= pause + forCamera(options.doubt)) {
+        settledPause = pause;
+    }
+    return isSilent;
 }
 
 void CaptureCore::lose(Lock& lock, const std::string& reason) {

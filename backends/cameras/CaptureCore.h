@@ -84,6 +84,10 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     bool pictureCame = false;
     Clock::time_point lastPicture;
     GstClockTime lastPictureTime = GST_CLOCK_TIME_NONE;
+    /// Until when a live camera may be reopened before it counts as disconnected.
+    Clock::time_point reopeningEnd;
+    /// The last pause of the process after which the camera's pictures were checked.
+    Clock::time_point settledPause = clock.lastPause();
     std::optional<std::string> failure;
     GstPointer<GstSample> taken;
     /// The last failure of an attempt to open the camera.
@@ -126,6 +130,7 @@ struct CaptureCore : std::enable_shared_from_this<CaptureCore> {
     void tryAgain(Lock& lock);
     void goLive();
     void watch(Lock& lock);
+    bool isSilentAfterPause(Clock::time_point now);
     void lose(Lock& lock, const std::string& reason);
     void refuse(Lock& lock, NSError reason);
     void serveStill(Lock& lock);

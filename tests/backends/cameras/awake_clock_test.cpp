@@ -28,5 +28,16 @@ TEST(AwakeClock, APauseOfTheProcessCountsAsOneStep) {
               AwakeClock::longestStep + milliseconds(5));
 }
 
+TEST(AwakeClock, TellsWhenTheLastPauseEnded) {
+    AwakeClock clock;
+    const auto steady = std::chrono::steady_clock::now();
+    const auto beginning = clock.lastPause();
+    clock.at(steady + AwakeClock::longestStep / 2);
+    EXPECT_EQ(clock.lastPause(), beginning);
+    const auto end = clock.at(steady + seconds(5));
+    clock.at(steady + seconds(5) + milliseconds(20));
+    EXPECT_EQ(clock.lastPause(), end);
+}
+
 } // namespace
 } // namespace vistrane
