@@ -15,6 +15,7 @@
 #include <QSettings>
 #include <QString>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -94,6 +95,32 @@ std::optional<Values> parseFirstFormat(const QByteArray& text) {
     return isWhole ? std::optional(std::move(values)) : std::nullopt;
 }
 
+/// The text without the lines whose values QSettings would read as anything but numbers, texts and
+/// byte arrays. QSettings reads other values with QDataStream, which allocates as much memory as
+/// the value asks for. Nothing if a value does not end with its line.
+std::optional<QByteArray> withoutOtherValues(const QByteArray& text) {
+    // A text must not become "@Variant(...)" when QSettings replaces its escapes.
+    static const QRegularExpression plain(R"re(^[^="\\\r]+=(?:)re"
+                                          R"re([^"@\\\r]*|)re"
+                                          R"re(@ByteArray\((?:[^",\\\r]|\\[^\r])*\)|)re"
+                                          R"re("@ByteArray\((?:[^"\\\r]|\\[^\r])*\)"|)re"
+                                          R"re("(?:[^"@\\\r]|\\[abfnrtv"?'\\])*")$)re");
+    static const QRegularExpression closed(
+        R"re(^(?:[^"\\\r]|\\[^\r]|"(?:[^"\\\r]|\\[^\r])*")*$)re");
+    QByteArray result;
+    for (const QByteArray& each : text.split('\n')) {
+        const QByteArray line = each.trimmed();
+        const bool isValue =
+            !line.startsWith(';') && !line.startsWith('[') && line.indexOf('=') > 0;
+        if (!isValue || plain.match(QString::fromLatin1(line)).hasMatch()) {
+            result += line + '\n';
+        } else if (!closed.match(QString::fromLatin1(line)).hasMatch()) {
+            return std::nullopt;
+        }
+    }
+    return result;
+}
+
 struct Stored {
     /// The error number if the file cannot be read; ENOENT if there is none.
     int error = 0;
@@ -103,16 +130,27 @@ struct Stored {
 };
 
 Stored parseIni(const std::string& path, const QByteArray& text) {
-    const QSettings file(QFile::decodeName(path.c_str()), QSettings::IniFormat);
+    const std::optional<QByteArray> safeText = withoutOtherValues(text);
+    const std::optional<std::size_t> count = safeText ? countValues(*safeText) : std::nullopt;
+    if (!count) {
+        return {0, std::nullopt, true};
+    }
+    QString name = QFile::decodeName(path.c_str());
+    QTemporaryFile copy;
+    if (count != countValues(text)) {
+        if (!copy.open() || copy.write(*safeText) != safeText->size() || !copy.flush()) {
+            return {0, std::nullopt, true};
+        }
+        name = copy.fileName();
+    }
+    const QSettings file(name, QSettings::IniFormat);
     Values values;
     bool isWhole = true;
     for (const QString& key : file.allKeys()) {
         isWhole = isWhole && file.contains(key); // false for a key that QSettings would not write
         values[key.toStdString()] = file.value(key);
     }
-    // After an open quote QSettings reads the following lines as part of the value, and of two
-    // lines with one key it reads the second. Saving would lose such lines.
-    const std::optional<std::size_t> count = countValues(text);
+    // Of two lines with one key QSettings reads the second. Saving would lose the first.
     if (isWhole && count == values.size()) {
         return {0, std::move(values), true};
     }

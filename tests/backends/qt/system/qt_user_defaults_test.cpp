@@ -153,8 +153,11 @@ TEST_F(QtUserDefaultsTest, AnyBytesComeBack) {
 TEST_F(QtUserDefaultsTest, AValueThatCannotBeReadCostsNoOther) {
     for (const std::string line :
          {"iFPS=thirty", "iFPS=", "iFPS=1, 2", "iFPS=@Variant(\\0\\0\\0\\xff)", "iFPS=@Size(1 2)",
-          "iFPS=@Invalid()", "iFPS=@ByteArray(30", "iFPS=@ByteArray(30)", "; iFPS=30",
-          "[x]\niFPS=3"}) {
+          "iFPS=@Invalid()", "iFPS=a, @Rect(1 2 3 4)", "iFPS=\"\\x40Variant(\\0)\"",
+          // A list of 4.3 thousand million values.
+          "iFPS=@Variant(\\0\\0\\0\\t\\xff\\xff\\xff\\xff)",
+          "iFPS=\\x40Variant(\\0\\0\\0\\t\\xff\\xff\\xff\\xff)", "iFPS=@ByteArray(30",
+          "iFPS=@ByteArray(30)", "; iFPS=30", "[x]\niFPS=3"}) {
         write(path_, "[General]\niHour=7\n" + line + "\n");
         const QtUserDefaults defaults = open();
         EXPECT_EQ(defaults.integerForKey("iFPS"), 0) << line;
