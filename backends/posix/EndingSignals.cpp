@@ -1,11 +1,12 @@
 #include "backends/posix/EndingSignals.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 #include <csignal>
-#include <ctime>
 
 #include "backends/posix/threads.h"
 
@@ -13,9 +14,9 @@ namespace vistrane {
 
 namespace {
 
-/// How long the main thread may take to respond, in nanoseconds. It responds immediately unless a
-/// camera or a reader of its output blocks it.
-constexpr long timeout = 400'000'000;
+/// How long the main thread may take to respond. It responds immediately unless a camera or a
+/// reader of its output blocks it.
+constexpr std::chrono::milliseconds timeout{400};
 
 bool isIgnored(int signal) {
     struct sigaction action {};
@@ -58,9 +59,8 @@ void waitForSignals() {
     const EndingSignals::Handlers handlers = currentHandlers();
     if (handlers.ask) {
         handlers.ask(128 + signal);
-        // A second signal ends the wait.
-        const std::timespec limit{0, timeout};
-        ::sigtimedwait(&signals, nullptr, &limit);
+        // A second signal does not shorten this: closing a session sends two at once.
+        std::this_thread::sleep_for(timeout);
     }
     handlers.force(128 + signal);
 }
@@ -75,6 +75,8 @@ void EndingSignals::block() {
     ::sigemptyset(&ofChildren);
     ::sigaddset(&ofChildren, SIGCHLD);
     ::pthread_sigmask(SIG_BLOCK, &ofChildren, nullptr);
+    // If it was ignored when the program started, the status of a child would be lost.
+    std::signal(SIGCHLD, SIG_DFL);
     // Writing to a closed pipe or beyond the file size limit then fails with an error number.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
