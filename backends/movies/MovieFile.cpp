@@ -315,9 +315,12 @@ NSError MovieFile::posixError(int number, const std::string& what,
 /// Keeps the complete movie under another name. Returns a sentence that says which. Requires the
 /// lock.
 std::string MovieFile::keep() {
+    place_ = Place::published;
+    if (!isSameFile(folder_.number(), hiddenName_, file_.number())) {
+        return "Its unfinished file was removed meanwhile. Compile again";
+    }
     const std::string name =
         renameToFreeName(folder_.number(), hiddenName_, name_).value_or(hiddenName_);
-    place_ = Place::published;
     return "It was kept as '" + shownText(name) + "' in the same folder";
 }
 

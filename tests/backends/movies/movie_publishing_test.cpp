@@ -120,6 +120,17 @@ TEST_F(MoviePublishing, AMovieThatIsNotOnTheDiskForSureDoesNotGetItsName) {
     EXPECT_FALSE(boxesOf(folder / "m-2.mov").empty());
 }
 
+TEST_F(MoviePublishing, AMovieWhoseHiddenFileWasRemovedIsNotSaidToBeKept) {
+    OpenMovie movie = open(64, 48);
+    movie.appendFrames(3);
+    ASSERT_EQ(std::remove((folder / ".m.mov.vistrane-part").c_str()), 0);
+    movie.finish();
+    const auto outcome = observer.outcome(path);
+    ASSERT_TRUE(outcome);
+    EXPECT_THAT(outcome->localizedDescription, HasSubstr("was removed meanwhile"));
+    EXPECT_THAT(folder.names(), IsEmpty());
+}
+
 TEST_F(MoviePublishing, EndingWaitsForAMovieThatIsBeingFinishedAndCancelsOthers) {
     OpenMovie finishing = open(320, 240);
     finishing.appendFrames(40, noise);
