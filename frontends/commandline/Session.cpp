@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+#include "backends/cameras/AwakeClock.h"
 #include "backends/console/ConsoleInterface.h"
 #include "backends/console/ConsoleOutput.h"
 #include "backends/console/ConsoleWorkspace.h"
@@ -208,9 +209,10 @@ bool Session::capture(std::optional<int> count,
     int failures = 0;
     bool isOver = false;
     const auto timeout = captureTimeout + 3 * interval();
-    auto lastOutcome = std::chrono::steady_clock::now();
+    AwakeClock clock; // a pause of the process is not the camera's silence
+    auto lastOutcome = clock.now();
     const auto endWhenEnough = [&] {
-        lastOutcome = std::chrono::steady_clock::now();
+        lastOutcome = clock.now();
         const auto stills = static_cast<int>(paths.size()) + failures;
         if (!isOver && count && stills >= *count) {
             isOver = true;
@@ -233,7 +235,7 @@ bool Session::capture(std::optional<int> count,
     waitForStampBoundary();
     startButton.performClick();
     waitUntil([&] {
-        if (count && std::chrono::steady_clock::now() > lastOutcome + timeout) {
+        if (count && clock.now() > lastOutcome + timeout) {
             fail("The camera has given no still for " + std::to_string(timeout.count()) +
                  " seconds. See that it works and that no other program uses it.");
         }

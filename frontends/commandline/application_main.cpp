@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "backends/posix/EndingSignals.h"
@@ -25,10 +27,22 @@ void occupyStandardStreams() {
     }
 }
 
+/// Each restart of PipeWire takes descriptors for good, and libraries crash when there are none
+/// left. Not more than this, because some libraries still use `select` or visit every number.
+void raiseDescriptorLimit() {
+    constexpr rlim_t enough = 4096;
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < enough) {
+        limit.rlim_cur = std::min(enough, limit.rlim_max);
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
 } // namespace
 
 int NSApplicationMain(int argc, char** argv) {
     occupyStandardStreams();
+    raiseDescriptorLimit();
     EndingSignals::block();
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const ParsedArguments parsed = parseArguments(arguments);
