@@ -58,7 +58,7 @@ void SessionBackend::endMovies(int status) {
     movies.end(status < firstSignalStatus ? std::nullopt : std::optional(endTimeout));
 }
 
-/// Waits for a frame that is being written and for movies that are being finished.
+/// Waits for a frame that is being saved and for movies that are being finished.
 void SessionBackend::endWithoutMainThread(int status, const Endings& endings) {
     startDetachedThread([status] {
         std::this_thread::sleep_for(endTimeout);
@@ -66,8 +66,10 @@ void SessionBackend::endWithoutMainThread(int status, const Endings& endings) {
     });
     waitWhile(endings.isEnding);
     endings.saveSettings();
-    waitWhile([this] { return observer_.isWritingFile(); });
+    const auto isSavingFrame = [this] { return observer_.isSavingFrame(); };
+    waitWhile(isSavingFrame);
     endMovies(status);
+    waitWhile(isSavingFrame); // the next one may have begun
     endings.cleanUp();
     std::_Exit(status);
 }

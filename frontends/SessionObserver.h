@@ -36,9 +36,11 @@ public:
         log_(reason.localizedDescription);
     }
     void cameraChanged(const std::string& message) override { log_(message); }
+    void stillIsBeingHandled() override { isHandlingStill_ = true; }
+    void stillWasHandled() override { isHandlingStill_ = false; }
 
-    /// Whether a frame's file is still being written. Any thread.
-    bool isWritingFile() const { return isWritingFile_; }
+    /// Whether a frame is still being encoded or written. Any thread.
+    bool isSavingFrame() const { return isHandlingStill_ || isWritingFile_; }
 
 protected:
     void logLostFrame(const NSError& reason) {
@@ -47,6 +49,7 @@ protected:
 
 private:
     const std::function<void(const std::string&)> log_;
+    std::atomic<bool> isHandlingStill_{false};
     std::atomic<bool> isWritingFile_{false};
 };
 

@@ -12,6 +12,10 @@ public:
     /// line.
     virtual void cameraChanged(const std::string& message) { (void)message; }
 
+    /// Before and after the program handles a still. Main thread.
+    virtual void stillIsBeingHandled() {}
+    virtual void stillWasHandled() {}
+
 protected:
     CameraObserver() = default;
     ~CameraObserver() = default;

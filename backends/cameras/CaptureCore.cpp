@@ -136,12 +136,7 @@ std::optional<Camera> CaptureCore::lookForCamera(const Target& wanted) {
     if (found == npos) {
         return std::nullopt;
     }
-    others.clear();
-    for (std::size_t i = 0; i < facts.size(); ++i) {
-        if (i != found) {
-            others.push_back(facts[i].instance);
-        }
-    }
+    others = twinsOf(found, facts);
     return std::move(cameras[found]);
 }
 

@@ -95,9 +95,11 @@ const Camera& CameraInput::camera() const {
 }
 
 struct CaptureSession::Shared : std::enable_shared_from_this<CaptureSession::Shared> {
-    explicit Shared(std::shared_ptr<MainThreadGate> queue) : mainQueue(std::move(queue)) {}
+    Shared(std::shared_ptr<MainThreadGate> queue, CameraObserver& theObserver)
+        : mainQueue(std::move(queue)), observer(theObserver) {}
 
     const std::shared_ptr<MainThreadGate> mainQueue;
+    CameraObserver& observer;
     std::mutex mutex;
     /// Pending requests by number. Guarded by the mutex.
     std::map<std::uint64_t, Waiting> waiting;
@@ -119,14 +121,16 @@ void CaptureSession::Shared::deliver(std::uint64_t request, StillOutcome outcome
     const Waiting answered = found->second;
     waiting.erase(found);
     lock.unlock();
-    mainQueue->post([answered, outcome = std::move(outcome)] {
+    mainQueue->post([answered, outcome = std::move(outcome), &observer = observer] {
         const auto output = answered.output.lock();
         if (!output) {
             return;
         }
         const Photo photo(outcome.picture);
+        observer.stillIsBeingHandled();
         answered.delegate->captureOutputDidFinishProcessingPhoto(
             *output, outcome.error ? nullptr : &photo, outcome.error);
+        observer.stillWasHandled();
     });
 }
 
@@ -153,7 +157,7 @@ void CaptureSession::Shared::show(const PreviewPicture& picture) {
 CaptureSession::CaptureSession(std::shared_ptr<CameraList> list, CameraObserver& observer,
                                const CameraOptions& options,
                                std::shared_ptr<MainThreadGate> mainQueue)
-    : shared_(std::make_shared<Shared>(std::move(mainQueue))),
+    : shared_(std::make_shared<Shared>(std::move(mainQueue), observer)),
       engine_(std::move(list), observer, options,
               {[shared = shared_](std::uint64_t request, StillOutcome outcome) {
                    shared->deliver(request, std::move(outcome));

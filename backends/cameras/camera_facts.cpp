@@ -111,6 +111,18 @@ std::vector<std::size_t> offeredOnce(const std::vector<CameraFacts>& cameras) {
     return kept;
 }
 
+std::vector<std::string> twinsOf(std::size_t index, const std::vector<CameraFacts>& cameras) {
+    const CameraFacts& camera = cameras[index];
+    std::vector<std::string> instances;
+    for (std::size_t i = 0; i < cameras.size(); ++i) {
+        if (i != index && cameras[i].provider == camera.provider &&
+            cameras[i].identity == camera.identity) {
+            instances.push_back(cameras[i].instance);
+        }
+    }
+    return instances;
+}
+
 std::size_t findAgain(const CameraFacts& lost, const std::vector<std::string>& others,
                       const std::vector<CameraFacts>& cameras) {
     std::vector<std::size_t> candidates;

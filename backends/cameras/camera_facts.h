@@ -36,7 +36,11 @@ struct CameraFacts {
 /// are equal.
 std::vector<std::size_t> offeredOnce(const std::vector<CameraFacts>& cameras);
 
-/// The index of the camera that was `lost`, or `npos`. `others` are the instances that were listed
+/// The instances of the cameras that only their instance distinguishes from that one. Other
+/// cameras' instances do not count: a number that one gave back may become that of another.
+std::vector<std::string> twinsOf(std::size_t index, const std::vector<CameraFacts>& cameras);
+
+/// The index of the camera that was `lost`, or `npos`. `others` are its twins that were listed
 /// together with it, so none of them is the lost one. If two candidates cannot be distinguished,
 /// neither is taken.
 std::size_t findAgain(const CameraFacts& lost, const std::vector<std::string>& others,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <utility>
 
@@ -13,7 +14,6 @@
 #include <QSlider>
 #include <QWindow>
 
-#include "backends/posix/clock.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/qt/controls/QtInterface.h"
 #include "backends/qt/menus/CloseRequests.h"
@@ -46,8 +46,8 @@ constexpr double captureCheckInterval = 1.0;
 /// How often to remember the settings for an ending without the main thread, in seconds.
 constexpr double rememberInterval = 1.0;
 
-/// How long to wait for the windows to be exposed, in seconds.
-constexpr double exposeTimeout = 0.5;
+/// How long to wait for the windows to be exposed.
+constexpr std::chrono::milliseconds exposeTimeout{500};
 
 CameraOptions cameraOptions(const WindowOptions& options) {
     CameraOptions result;
@@ -246,8 +246,8 @@ void WindowSession::awaitDisplay() {
             return !window->isVisible() || window->windowHandle()->isExposed();
         });
     };
-    const double limit = wallClockNow().timeIntervalSince1970 + exposeTimeout;
-    while (!isExposed() && wallClockNow().timeIntervalSince1970 < limit) {
+    const auto limit = std::chrono::steady_clock::now() + exposeTimeout;
+    while (!isExposed() && std::chrono::steady_clock::now() < limit) {
         parts_.loop.runUntilDate(parts_.backend.foundation.dateWithTimeIntervalSinceNow(0.01));
     }
     parts_.loop.runUntilDate(parts_.backend.foundation.date());

@@ -81,5 +81,15 @@ TEST(FindAgain, OnlyTheLostCameraIsTaken) {
     }
 }
 
+TEST(CameraFacts, ACameraThatReturnsUnderANumberOfAnotherOneIsFound) {
+    const std::vector<CameraFacts> before = {pipeWire("40", "Cam"), pipeWire("41", "Cam"),
+                                             pipeWire("42", "Other")};
+    const std::vector<std::string> twins = twinsOf(0, before);
+    EXPECT_THAT(twins, testing::ElementsAre("41"));
+    // PipeWire was restarted, and counts from the beginning.
+    const std::vector<CameraFacts> after = {pipeWire("41", "Cam"), pipeWire("42", "Cam")};
+    EXPECT_EQ(findAgain(before[0], twins, after), 1U);
+}
+
 } // namespace
 } // namespace vistrane
