@@ -99,12 +99,16 @@ std::optional<Values> parseFirstFormat(const QByteArray& text) {
 /// byte arrays. QSettings reads other values with QDataStream, which allocates as much memory as
 /// the value asks for. Nothing if a value does not end with its line.
 std::optional<QByteArray> withoutOtherValues(const QByteArray& text) {
-    // A text must not become "@Variant(...)" when QSettings replaces its escapes.
-    static const QRegularExpression plain(R"re(^[^="\\\r]+=(?:)re"
-                                          R"re([^"@\\\r]*|)re"
-                                          R"re(@ByteArray\((?:[^",\\\r]|\\[^\r])*\)|)re"
-                                          R"re("@ByteArray\((?:[^"\\\r]|\\[^\r])*\)"|)re"
-                                          R"re("(?:[^"@\\\r]|\\[abfnrtv"?'\\])*")$)re");
+    // Of a text: a plain character, or an escape that QSettings writes. None becomes "@".
+    static const QString inText = R"re(@\\\r]|\\(?:[abfnrtv"?'\\]|[0-7](?![0-7])|)re"
+                                  R"re(x(?!0*40(?![0-9a-fA-F]))[0-9a-fA-F]+))re";
+    static const QRegularExpression plain(
+        R"re(^[^="\\\r]+=(?:)re"
+        R"re((?:[^")re" +
+        inText + R"re()*|"(?:[^")re" + inText +
+        R"re()*"|)re"
+        R"re(@(?:ByteArray|String)\((?:[^",\\\r]|\\[^\r])*\)|)re"
+        R"re("@(?:ByteArray|String)\((?:[^"\\\r]|\\[^\r])*\)")$)re");
     static const QRegularExpression closed(
         R"re(^(?:[^"\\\r]|\\[^\r]|"(?:[^"\\\r]|\\[^\r])*")*$)re");
     QByteArray result;

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <regex>
 #include <thread>
 
 #include <QLockFile>
@@ -164,6 +165,18 @@ TEST_F(QtUserDefaultsTest, AValueThatCannotBeReadCostsNoOther) {
         EXPECT_EQ(defaults.integerForKey("iHour"), 7) << line;
     }
     EXPECT_THAT(log_, IsEmpty());
+}
+
+TEST_F(QtUserDefaultsTest, OddTextsOfAnotherVersionSurviveASave) {
+    // In Latin-1, the file's encoding.
+    for (const std::string text : {"\v\v3#0", "3\x01\x02", "3;4", "3 = 4", "3\"\\", "3\xe9"}) {
+        write(path_, "[General]\niHour=1\niFPS=\"" +
+                         std::regex_replace(text, std::regex(R"(["\\])"), "\\$&") + "\"\n");
+        QtUserDefaults defaults = open();
+        EXPECT_EQ(defaults.integerForKey("iFPS"), 3) << text;
+        saveHour(defaults, 7);
+        EXPECT_EQ(open().integerForKey("iFPS"), 3) << read(path_);
+    }
 }
 
 TEST_F(QtUserDefaultsTest, ADamagedFileIsSetAsideAndTheFirstSettingsAreUsed) {
