@@ -47,7 +47,8 @@ std::optional<NSError> SessionBackend::rememberFolder(const std::string& path) {
 }
 
 void SessionBackend::handleSignals(const Endings& endings) {
-    EndingSignals::handle({[this, endings](int status) {
+    EndingSignals::handle({endings.finish,
+                           [this, endings](int status) {
                                loop_.mainQueue().async([endings, status] { endings.end(status); });
                            },
                            [this, endings](int status) { endWithoutMainThread(status, endings); }});

@@ -45,6 +45,8 @@ public:
 
     /// How a front end ends the process after a signal. `status` is 128 + the signal.
     struct Endings {
+        /// Whether that signal only asks to finish. Called on another thread.
+        std::function<bool(int signal)> finish = [](int) { return false; };
         /// Ends the process. Called on the main thread.
         std::function<void(int status)> end;
         /// Whether the main thread is already ending the process and needs time to finish. Called

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -33,6 +34,20 @@ Texts split(std::string_view bytes) {
     return arguments;
 }
 
+void appendFlag(Texts& arguments, const char* flag, bool isSet) {
+    if (isSet) {
+        arguments.emplace_back(flag);
+    }
+}
+
+void appendOutput(Texts& arguments, const MovieArguments& movie) {
+    if (!movie.output.empty()) {
+        arguments.push_back("--output=" + movie.output);
+    }
+    require(!movie.replaces || !movie.output.empty());
+    appendFlag(arguments, "--force", movie.replaces);
+}
+
 void appendMovie(Texts& arguments, const MovieArguments& movie) {
     require(movie.framesPerSecond >= 1 && movie.framesPerSecond <= 60);
     arguments.push_back("--fps=" + std::to_string(movie.framesPerSecond));
@@ -43,6 +58,7 @@ void appendMovie(Texts& arguments, const MovieArguments& movie) {
         require(*movie.rateFactor >= 0 && *movie.rateFactor <= 51);
         arguments.push_back("--crf=" + std::to_string(*movie.rateFactor));
     }
+    appendOutput(arguments, movie);
 }
 
 void appendFolder(Texts& arguments, const std::string& folder) {
@@ -52,7 +68,9 @@ void appendFolder(Texts& arguments, const std::string& folder) {
 
 /// The arguments for a command.
 struct Writer {
-    Texts operator()(const HelpCommand&) const { return {"--help"}; }
+    Texts operator()(const HelpCommand& command) const {
+        return command.topic.empty() ? Texts{"help"} : Texts{"help", command.topic};
+    }
     Texts operator()(const VersionCommand&) const { return {"--version"}; }
 
     Texts operator()(const WindowCommand& command) const {
@@ -67,14 +85,16 @@ struct Writer {
     }
 
     Texts operator()(const DevicesCommand& command) const {
-        return command.demoCamera ? Texts{"devices", "--demo-camera"} : Texts{"devices"};
+        Texts arguments{"devices"};
+        appendFlag(arguments, "--demo-camera", command.demoCamera);
+        appendFlag(arguments, "--json", command.isJson);
+        return arguments;
     }
 
     Texts operator()(const FramesCommand& command) const {
         Texts arguments{"frames"};
-        if (command.endsWithNul) {
-            arguments.emplace_back("--null");
-        }
+        appendFlag(arguments, "--null", command.endsWithNul);
+        appendFlag(arguments, "--json", command.isJson);
         appendFolder(arguments, command.folder);
         return arguments;
     }
@@ -82,6 +102,7 @@ struct Writer {
     Texts operator()(const CompileCommand& command) const {
         Texts arguments{"compile"};
         appendMovie(arguments, command.movie);
+        appendFlag(arguments, "--json", command.isJson);
         appendFolder(arguments, command.folder);
         return arguments;
     }
@@ -93,10 +114,22 @@ struct Writer {
             const auto& [hours, minutes, seconds] = *command.interval;
             arguments.push_back("--interval=" + hours + ":" + minutes + ":" + seconds);
         }
-        if (command.count) {
-            require(*command.count >= 1);
-            arguments.push_back("--count=" + std::to_string(*command.count));
+        if (command.end.count) {
+            require(*command.end.count >= 1);
+            arguments.push_back("--count=" + std::to_string(*command.end.count));
         }
+        if (command.end.duration) {
+            require(command.end.duration->count() >= 1);
+            arguments.push_back("--duration=" + std::to_string(command.end.duration->count()));
+        }
+        if (command.end.until) {
+            std::tm moment{};
+            char text[64];
+            require(::localtime_r(&*command.end.until, &moment) != nullptr);
+            require(std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &moment) > 0);
+            arguments.push_back(std::string("--until=") + text);
+        }
+        appendFlag(arguments, "--create", command.createsFolder);
         if (command.compiles) {
             arguments.emplace_back("--compile");
             appendMovie(arguments, command.movie);
@@ -110,6 +143,7 @@ struct Writer {
 
     Texts operator()(const DemoCommand& command) const {
         Texts arguments{"demo"};
+        appendOutput(arguments, command.movie);
         if (command.folder) {
             appendFolder(arguments, *command.folder);
         }

@@ -77,6 +77,12 @@ bool isNameTaken(int folder, const std::string& name) {
     return ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
+bool isRegularFile(int folder, const std::string& name) {
+    struct stat status {};
+    return ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISREG(status.st_mode);
+}
+
 bool isSameFile(int folder, const std::string& name, int file) {
     struct stat named {};
     struct stat opened {};
@@ -99,6 +105,11 @@ std::optional<std::string> renameToFreeName(int folder, const std::string& hidde
         }
     }
     return std::nullopt;
+}
+
+/// Renames `hidden`, in the place of a file of that name. Returns 0 or the error number.
+int replaceFile(int folder, const std::string& hidden, const std::string& name) {
+    return ::renameat(folder, hidden.c_str(), folder, name.c_str()) == 0 ? 0 : errno;
 }
 
 /// Whether the size of the media box was written, which is the last thing to be written.
@@ -200,7 +211,7 @@ NSError nameReservedError(const std::string& path) {
 
 } // namespace
 
-MovieFileResult MovieFile::create(const std::string& path) {
+MovieFileResult MovieFile::create(const std::string& path, bool replaces) {
     const PathParts parts = splitPath(path);
     if (parts.name.empty() || path.find('\0') != std::string::npos) {
         return {nullptr,
@@ -212,10 +223,14 @@ MovieFileResult MovieFile::create(const std::string& path) {
     if (!folder.isOpen()) {
         return {nullptr, systemError(errno, "The movie's folder cannot be opened", parts.folder)};
     }
-    if (isNameTaken(folder.number(), parts.name)) {
+    const auto isRefused = [&] {
+        return isNameTaken(folder.number(), parts.name) &&
+               !(replaces && isRegularFile(folder.number(), parts.name));
+    };
+    if (isRefused()) {
         return {nullptr, nameTakenError(path)};
     }
-    if (errno != ENOENT) {
+    if (!replaces && errno != ENOENT) {
         return {nullptr, systemError(errno, "The movie cannot be made", path)};
     }
     removeLeftovers(folder.number());
@@ -227,19 +242,20 @@ MovieFileResult MovieFile::create(const std::string& path) {
     if (reservation.error != 0) {
         return {nullptr, systemError(reservation.error, "The movie cannot be made", path)};
     }
-    std::unique_ptr<MovieFile> file(new MovieFile(
-        path, std::move(folder), std::move(reservation.file), hiddenName, parts.name));
     // Another writer may have finished a movie of that name since the first check.
-    if (isNameTaken(file->folder_.number(), file->name_)) {
+    const bool isTaken = isRefused();
+    std::unique_ptr<MovieFile> file(new MovieFile(
+        path, replaces, std::move(folder), std::move(reservation.file), hiddenName, parts.name));
+    if (isTaken) {
         return {nullptr, nameTakenError(path)};
     }
     return {std::move(file), std::nullopt};
 }
 
-MovieFile::MovieFile(std::string path, Descriptor folder, Descriptor file, std::string hiddenName,
-                     std::string name)
-    : path_(std::move(path)), folder_(std::move(folder)), file_(std::move(file)),
-      hiddenName_(std::move(hiddenName)), name_(std::move(name)) {}
+MovieFile::MovieFile(std::string path, bool replaces, Descriptor folder, Descriptor file,
+                     std::string hiddenName, std::string name)
+    : path_(std::move(path)), replaces_(replaces), folder_(std::move(folder)),
+      file_(std::move(file)), hiddenName_(std::move(hiddenName)), name_(std::move(name)) {}
 
 MovieFile::~MovieFile() {
     discard();
@@ -293,7 +309,8 @@ std::optional<NSError> MovieFile::rename() {
     if (place_ != Place::hidden) {
         return cancelledError(path_);
     }
-    const int number = renameWithoutReplacing(folder_.number(), hiddenName_, name_);
+    const int number = replaces_ ? replaceFile(folder_.number(), hiddenName_, name_)
+                                 : renameWithoutReplacing(folder_.number(), hiddenName_, name_);
     if (number == 0) {
         place_ = Place::published;
         return std::nullopt;

@@ -28,9 +28,10 @@ struct MovieFileResult;
 /// that a process left when it died, and removes other leftovers.
 class MovieFile {
 public:
-    /// Reserves the name. Fails if anything of that name exists, if another writer has reserved it,
-    /// or if the folder is missing or not writable. Removes leftovers from the folder.
-    static MovieFileResult create(const std::string& path);
+    /// Reserves the name. Fails if anything of that name exists, unless it is a file and `replaces`
+    /// is set; if another writer has reserved the name, or if the folder is missing or not
+    /// writable. Removes leftovers from the folder.
+    static MovieFileResult create(const std::string& path, bool replaces = false);
 
     ~MovieFile();
     MovieFile(const MovieFile&) = delete;
@@ -55,8 +56,8 @@ public:
 private:
     enum class Place { hidden, published, removed };
 
-    MovieFile(std::string path, Descriptor folder, Descriptor file, std::string hiddenName,
-              std::string name);
+    MovieFile(std::string path, bool replaces, Descriptor folder, Descriptor file,
+              std::string hiddenName, std::string name);
 
     std::optional<NSError> rename();
     std::optional<NSError> unsyncedError(int number);
@@ -66,6 +67,7 @@ private:
     void removeHiddenFile();
 
     const std::string path_;
+    const bool replaces_;
     const Descriptor folder_;
     Descriptor file_; // open until the file is published
     const std::string hiddenName_;

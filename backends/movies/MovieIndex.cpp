@@ -99,7 +99,7 @@ private:
 
     void movieHeader() {
         out_.versionAndFlags(0, 0);
-        out_.zeros(8); // creation and modification time: unknown
+        times();
         out_.i32(track_.timescale);
         out_.i32(track_.end);
         out_.u32(0x00010000); // rate 1
@@ -116,11 +116,21 @@ private:
         out_.box("mdia", [&] { mediaBox(); });
     }
 
+    /// Creation and modification, in seconds since 1904 (QuickTime File Format, "Movie Header
+    /// Atoms"). The field ends in 2040; then they are unknown.
+    void times() {
+        constexpr std::int64_t from1904To1970 = 2'082'844'800;
+        const std::int64_t time = track_.created > 0 ? track_.created + from1904To1970 : 0;
+        const auto field = time <= UINT32_MAX ? static_cast<std::uint32_t>(time) : 0U;
+        out_.u32(field);
+        out_.u32(field);
+    }
+
     void trackHeader() {
         constexpr unsigned enabledInMovieAndPreview = 7;
         out_.versionAndFlags(0, enabledInMovieAndPreview);
-        out_.zeros(8); // creation and modification time: unknown
-        out_.u32(1);   // track number
+        times();
+        out_.u32(1); // track number
         out_.zeros(4);
         out_.i32(track_.end);
         out_.zeros(8);
@@ -149,7 +159,7 @@ private:
         out_.box("mdhd", [&] {
             constexpr unsigned undeterminedLanguage = 0x55C4; // "und"
             out_.versionAndFlags(0, 0);
-            out_.zeros(8);
+            times();
             out_.i32(track_.timescale);
             out_.i32(mediaDuration());
             out_.u16(undeterminedLanguage);

@@ -29,6 +29,8 @@ struct MovieTrack {
     std::uint16_t height = 0;
     /// Ticks per second, of the track and of the movie.
     std::int32_t timescale = 0;
+    /// When the movie was made, in seconds since 1970; 0 if unknown.
+    std::int64_t created = 0;
     /// The end of the last picture, in ticks.
     std::int64_t end = 0;
     /// The decoder configuration record (ISO/IEC 14496-15, 5.3.3.1).

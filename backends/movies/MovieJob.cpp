@@ -1,6 +1,7 @@
 #include "backends/movies/MovieJob.h"
 
 #include <chrono>
+#include <ctime>
 #include <new>
 #include <thread>
 #include <utility>
@@ -264,6 +265,12 @@ void MovieJob::conclude() {
     if (error) {
         fail(*error);
     }
+    {
+        const std::lock_guard lock(mutex_);
+        finished_ = {path_, track_.width, track_.height, track_.samples.size(),
+                     track_.timescale > 0 ? static_cast<double>(track_.end) / track_.timescale
+                                          : 0.0};
+    }
     encoder_.reset();
     track_ = {};
     reportOutcome(error);
@@ -283,6 +290,7 @@ std::optional<NSError> MovieJob::completeFile() {
             encoder_->finish([this](const EncodedPicture& picture) { return store(picture); })) {
         return error;
     }
+    track_.created = std::time(nullptr);
     track_.configuration = encoder_->configuration();
     if (track_.samples.empty() || track_.configuration.empty()) {
         return movieError(AVErrorUnknown, "The H.264 encoder delivered no usable picture. Install "
@@ -313,10 +321,12 @@ void MovieJob::reportOutcome(const std::optional<NSError>& error) {
 void MovieJob::callHandlerAndObserver() {
     std::function<void()> handler;
     std::optional<NSError> error;
+    FinishedMovie finished;
     {
         const std::lock_guard lock(mutex_);
         handler = std::exchange(handler_, nullptr);
         error = outcome_;
+        finished = finished_;
     }
     jobs_->report([&](MovieObserver& observer) {
         if (handler) {
@@ -325,7 +335,7 @@ void MovieJob::callHandlerAndObserver() {
         if (error) {
             observer.movieFailed(path_, *error);
         } else {
-            observer.movieIsWhole(path_);
+            observer.movieIsWhole(finished);
         }
     });
 }

@@ -13,6 +13,7 @@
 #include "backends/movies/MovieFile.h"
 #include "backends/movies/MovieIndex.h"
 #include "backends/movies/MovieJobs.h"
+#include "backends/movies/MovieObserver.h"
 #include "backends/movies/MovieOptions.h"
 #include "backends/movies/VideoEncoder.h"
 #include "platform/foundation/NSError.h"
@@ -119,6 +120,7 @@ private:
     bool isAbandoned_ = false;
     bool isConcluded_ = false;
     std::optional<NSError> outcome_;
+    FinishedMovie finished_;
     bool hasEndedEarly_ = false; // concluded before `finish`
 
     // Used by the job's thread only.

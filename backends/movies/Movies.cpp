@@ -27,13 +27,13 @@ AVAssetWriterResult Movies::assetWriterWithURL(const NSURL& url, AVFileType) {
     if (encoder.error) {
         return {nullptr, std::move(encoder.error)};
     }
-    const std::string path = url.path();
+    const std::string path = options_.path.empty() ? url.path() : options_.path;
     const auto creation = jobs_->lockCreation();
     if (jobs_->isEnded()) {
         return {nullptr, movieError(AVErrorOperationCancelled,
                                     "The movie cannot be made: the program is ending")};
     }
-    MovieFileResult result = MovieFile::create(path);
+    MovieFileResult result = MovieFile::create(path, options_.replaces);
     if (result.error) {
         return {nullptr, std::move(result.error)};
     }

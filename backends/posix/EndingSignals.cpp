@@ -38,7 +38,7 @@ sigset_t endingSignals() {
 /// The current handlers. Never destroyed, because the waiting thread runs as long as the process.
 struct Current {
     std::mutex mutex;
-    EndingSignals::Handlers handlers{{}, [](int status) { std::_Exit(status); }};
+    EndingSignals::Handlers handlers{{}, {}, [](int status) { std::_Exit(status); }};
 };
 
 Current& current() {
@@ -54,9 +54,12 @@ EndingSignals::Handlers currentHandlers() {
 void waitForSignals() {
     const sigset_t signals = endingSignals();
     int signal = 0;
-    while (::sigwait(&signals, &signal) != 0) {
-    }
-    const EndingSignals::Handlers handlers = currentHandlers();
+    EndingSignals::Handlers handlers;
+    do {
+        while (::sigwait(&signals, &signal) != 0) {
+        }
+        handlers = currentHandlers();
+    } while (handlers.finish && handlers.finish(signal));
     if (handlers.ask) {
         handlers.ask(128 + signal);
         // A second signal does not shorten this: closing a session sends two at once.

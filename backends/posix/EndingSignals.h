@@ -13,6 +13,9 @@ namespace vistrane {
 class EndingSignals {
 public:
     struct Handlers {
+        /// Called first, if it is not empty. Returns true if the signal is taken for a request to
+        /// finish instead: the process goes on, and the next signal is waited for.
+        std::function<bool(int signal)> finish;
         /// Requests that the main thread end the process with that status. If empty, `force` is
         /// called immediately.
         std::function<void(int status)> ask;

@@ -4,11 +4,12 @@
 #include <charconv>
 #include <functional>
 #include <stdexcept>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
 #include "core/capture/interval.h"
-#include "platform/foundation/NSString.h"
+#include "frontends/commandline/durations.h"
 
 // CLI11 parses the options. This is the only file that includes it, because it is slow to compile.
 // It does not parse commands, because "vistrane --demo-camera frames" must open the window with the
@@ -21,6 +22,85 @@ namespace {
 
 constexpr std::array presets = {"ultrafast", "superfast", "veryfast", "faster",   "fast",
                                 "medium",    "slow",      "slower",   "veryslow", "placebo"};
+
+/// How a command is used. The window has no name.
+struct CommandHelp {
+    std::string_view name;
+    const char* text;
+};
+
+constexpr std::array commandHelps = {
+    CommandHelp{"", R"(  vistrane [FOLDER] [--demo-camera]
+      Open the window. A folder is used as if you had just chosen it in the window. If it has the
+      name of a command, write it as a path: ./demo.
+)"},
+    CommandHelp{"devices", R"(  vistrane devices [--json] [--demo-camera]
+      Print the names of the cameras, one per line.
+)"},
+    CommandHelp{"frames", R"(  vistrane frames FOLDER [--null | --json]
+      Print the full paths of the folder's frames in movie order, one per line. With --null, a
+      NUL byte ends each path instead.
+)"},
+    CommandHelp{"compile", R"(  vistrane compile FOLDER [--fps N] [--x264-preset NAME] [--crf N]
+                   [--output FILE [--force]] [--json]
+      Make a movie of the folder's frames, in the folder or as --output, and print its path.
+      --fps sets the frames per second, 1 to 60; the default is 30. An existing file is replaced
+      with --force only. --json prints the path, the frames, those that were left out and why,
+      the size and the duration.
+)"},
+    CommandHelp{"capture",
+                R"(  vistrane capture FOLDER --device NAME [--interval TIME] [--create]
+                   [--count N] [--duration TIME] [--until MOMENT]
+                   [--compile [--fps N] [--x264-preset NAME] [--crf N]
+                   [--output FILE [--force]]] [--demo-camera]
+      Save a still into the folder now and after every interval, and print each path. --create
+      makes the folder if it does not exist. The interval is 1 second to 999:59:59; the default
+      is 5 seconds. TIME is a number of seconds, M:S, H:M:S, or with units: 90s, 10m, 1h30m.
+      Capturing ends after --count frames, after --duration, or at --until, a time of day (18:30)
+      or a date and time (2030-12-31T18:30); otherwise when it is interrupted. With --compile a
+      movie of the folder is made at the end; without --count an interrupt (Ctrl+C) leads to it,
+      too, and a second one ends at once. With --count, it fails when the camera gives no still for a minute and three
+      intervals.
+)"},
+    CommandHelp{"demo", R"(  vistrane demo [FOLDER] [--output FILE [--force]]
+      Capture ten stills from the demo camera, one per second, make a movie of them at 10 frames
+      per second, and print its path. The default folder is a new one in your Videos folder.
+)"},
+    CommandHelp{"help", R"(  vistrane help [COMMAND] | --help | --version
+      Print how all commands, or one, are used; or the version.
+)"},
+};
+
+constexpr char generalHelp[] = R"(
+--demo-camera offers a built-in test picture under the name "Demo Camera". --json prints one JSON
+document; bytes of names that are no text are replaced there.
+
+Results go to standard output, messages to standard error. The exit status is 0 for success, 1
+for a failure, 2 for wrong usage, 3 for a movie without some of the frames, and 129, 130 or 143
+after SIGHUP, SIGINT or SIGTERM.
+)";
+
+/// The number of letters to insert, to remove, to replace or to exchange with their neighbours
+/// (the optimal string alignment distance).
+std::size_t typingMistakes(std::string_view typed, std::string_view meant) {
+    std::vector<std::vector<std::size_t>> least(typed.size() + 1,
+                                                std::vector<std::size_t>(meant.size() + 1));
+    for (std::size_t i = 0; i <= typed.size(); ++i) {
+        for (std::size_t j = 0; j <= meant.size(); ++j) {
+            if (i == 0 || j == 0) {
+                least[i][j] = i + j;
+                continue;
+            }
+            const std::size_t replaced = typed[i - 1] == meant[j - 1] ? 0 : 1;
+            least[i][j] = std::min(
+                {least[i - 1][j] + 1, least[i][j - 1] + 1, least[i - 1][j - 1] + replaced});
+            if (i > 1 && j > 1 && typed[i - 1] == meant[j - 2] && typed[i - 2] == meant[j - 1]) {
+                least[i][j] = std::min(least[i][j], least[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return least[typed.size()][meant.size()];
+}
 
 /// Says what is wrong with the arguments. Not derived from CLI11's errors, because CLI11 would
 /// change its text.
@@ -49,7 +129,24 @@ void addNumber(CLI::App& app, const std::string& name, int lowest, int highest,
     });
 }
 
+void addOutputOptions(CLI::App& app, MovieArguments& movie) {
+    addOption(app, "--output", [&movie](const std::string& value) {
+        if (value.empty()) {
+            throw UsageError("--output takes the name of a file.");
+        }
+        movie.output = value;
+    });
+    app.add_flag("--force", movie.replaces);
+}
+
+void checkOutputOptions(const MovieArguments& movie) {
+    if (movie.replaces && movie.output.empty()) {
+        throw UsageError("--force goes with --output.");
+    }
+}
+
 void addMovieOptions(CLI::App& app, MovieArguments& movie) {
+    addOutputOptions(app, movie);
     addNumber(app, "--fps", 1, 60, [&movie](int rate) { movie.framesPerSecond = rate; });
     addNumber(app, "--crf", 0, 51, [&movie](int factor) { movie.rateFactor = factor; });
     addOption(app, "--x264-preset", [&movie](const std::string& value) {
@@ -147,6 +244,7 @@ DevicesCommand parseDevices(const std::vector<std::string>& arguments) {
     DevicesCommand command;
     CLI::App app;
     app.add_flag("--demo-camera", command.demoCamera);
+    app.add_flag("--json", command.isJson);
     const std::vector<std::string> operands = parseOptions(app, arguments);
     if (!operands.empty()) {
         throw UsageError("'" + operands.front() + "' is one argument too many.");
@@ -158,7 +256,11 @@ FramesCommand parseFrames(const std::vector<std::string>& arguments) {
     FramesCommand command;
     CLI::App app;
     app.add_flag("--null", command.endsWithNul);
+    app.add_flag("--json", command.isJson);
     command.folder = requiredFolder(parseOptions(app, arguments));
+    if (command.endsWithNul && command.isJson) {
+        throw UsageError("--null and --json exclude each other.");
+    }
     return command;
 }
 
@@ -166,7 +268,9 @@ CompileCommand parseCompile(const std::vector<std::string>& arguments) {
     CompileCommand command;
     CLI::App app;
     addMovieOptions(app, command.movie);
+    app.add_flag("--json", command.isJson);
     command.folder = requiredFolder(parseOptions(app, arguments));
+    checkOutputOptions(command.movie);
     return command;
 }
 
@@ -176,29 +280,54 @@ CaptureCommand parseCapture(const std::vector<std::string>& arguments) {
     addMovieOptions(app, command.movie);
     app.add_flag("--compile", command.compiles);
     app.add_flag("--demo-camera", command.demoCamera);
-    addNumber(app, "--count", 1, 1'000'000'000, [&](int number) { command.count = number; });
+    app.add_flag("--create", command.createsFolder);
+    addNumber(app, "--count", 1, 1'000'000'000, [&](int number) { command.end.count = number; });
+    addOption(app, "--duration", [&](const std::string& value) {
+        command.end.duration = parseDuration(value);
+        if (!command.end.duration || command.end.duration->count() == 0) {
+            throw UsageError("--duration takes a time such as 90s, 10m, 1h30m or H:M:S, not '" +
+                             value + "'.");
+        }
+    });
+    addOption(app, "--until", [&](const std::string& value) {
+        command.end.until = parseMoment(value, std::time(nullptr));
+        if (!command.end.until) {
+            throw UsageError("--until takes a time of day such as 18:30, or a date and time to "
+                             "come such as 2030-12-31T18:30, not '" +
+                             value + "'.");
+        }
+    });
     addOption(app, "--device", [&](const std::string& value) { command.device = value; });
     addOption(app, "--interval", [&](const std::string& value) {
         command.interval = parseInterval(value);
         if (!command.interval) {
-            throw UsageError("--interval takes H:M:S or seconds, not '" + value + "'.");
+            throw UsageError("--interval takes seconds, M:S, H:M:S, or units such as 90s, 10m "
+                             "and 1h30m, from 1 s to 999:59:59, not '" +
+                             value + "'.");
         }
     });
     command.folder = requiredFolder(parseOptions(app, arguments));
     if (command.device.empty()) {
         throw UsageError("--device is missing; 'vistrane devices' lists the names.");
     }
-    const bool hasMovieOption =
-        app.count("--fps") + app.count("--x264-preset") + app.count("--crf") > 0;
+    const bool hasMovieOption = app.count("--fps") + app.count("--x264-preset") +
+                                    app.count("--crf") + app.count("--output") +
+                                    app.count("--force") >
+                                0;
     if (hasMovieOption && !command.compiles) {
-        throw UsageError("--fps, --x264-preset and --crf go with --compile.");
+        throw UsageError("--fps, --x264-preset, --crf, --output and --force go with --compile.");
     }
+    checkOutputOptions(command.movie);
     return command;
 }
 
 DemoCommand parseDemo(const std::vector<std::string>& arguments) {
+    DemoCommand command;
     CLI::App app;
-    return {optionalFolder(parseOptions(app, arguments))};
+    addOutputOptions(app, command.movie);
+    command.folder = optionalFolder(parseOptions(app, arguments));
+    checkOutputOptions(command.movie);
+    return command;
 }
 
 bool asksForHelp(const std::vector<std::string>& arguments) {
@@ -208,20 +337,34 @@ bool asksForHelp(const std::vector<std::string>& arguments) {
     });
 }
 
-Command parseCommand(const std::vector<std::string>& arguments) {
-    if (asksForHelp(arguments)) {
-        return HelpCommand{};
+/// `help COMMAND`.
+HelpCommand parseHelp(const std::vector<std::string>& topics) {
+    if (topics.size() > 1) {
+        throw UsageError("'" + topics[1] + "' is one argument too many.");
     }
+    if (!topics.empty() && helpText(topics.front()).empty()) {
+        throw UsageError("There is no command '" + topics.front() + "'.");
+    }
+    return {topics.empty() ? "" : topics.front()};
+}
+
+Command parseCommand(const std::vector<std::string>& arguments) {
     if (arguments.empty()) {
         return WindowCommand{};
     }
     const std::string& name = arguments.front();
+    if (asksForHelp(arguments)) {
+        return HelpCommand{helpText(name).empty() ? "" : name};
+    }
     const std::vector<std::string> others(arguments.begin() + 1, arguments.end());
-    if (name == "--version") {
+    if (name == "--version" || name == "-V") {
         if (!others.empty()) {
-            throw UsageError("--version stands alone.");
+            throw UsageError(name + " stands alone.");
         }
         return VersionCommand{};
+    }
+    if (name == "help") {
+        return parseHelp(others);
     }
     if (name == "devices") {
         return parseDevices(others);
@@ -244,24 +387,15 @@ Command parseCommand(const std::vector<std::string>& arguments) {
 } // namespace
 
 std::optional<IntervalTexts> parseInterval(const std::string& text) {
-    const std::size_t first = text.find(':');
-    if (first == std::string::npos) {
-        if (integerValue(text) <= 0) {
-            return IntervalTexts{"0", "0", text};
-        }
-        // Limited before it is split, because limiting each field would give a different time.
-        constexpr std::int64_t longest =
-            totalSeconds(highestHours, highestSixtieths, highestSixtieths);
-        const std::int64_t seconds = std::min(integerValue(text), longest);
-        return IntervalTexts{std::to_string(seconds / 3600), std::to_string(seconds / 60 % 60),
-                             std::to_string(seconds % 60)};
-    }
-    const std::size_t second = text.find(':', first + 1);
-    if (second == std::string::npos || text.find(':', second + 1) != std::string::npos) {
+    constexpr std::chrono::seconds longest(
+        totalSeconds(highestHours, highestSixtieths, highestSixtieths));
+    const std::optional<std::chrono::seconds> interval = parseDuration(text);
+    if (!interval || *interval < std::chrono::seconds(1) || *interval > longest) {
         return std::nullopt;
     }
-    return IntervalTexts{text.substr(0, first), text.substr(first + 1, second - first - 1),
-                         text.substr(second + 1)};
+    const auto seconds = interval->count();
+    return IntervalTexts{std::to_string(seconds / 3600), std::to_string(seconds / 60 % 60),
+                         std::to_string(seconds % 60)};
 }
 
 ParsedArguments parseArguments(const std::vector<std::string>& arguments) {
@@ -272,37 +406,32 @@ ParsedArguments parseArguments(const std::vector<std::string>& arguments) {
     }
 }
 
-std::string helpText() {
-    return R"(Vistrane makes time-lapse movies from a camera.
+std::string helpText(const std::string& topic) {
+    if (topic.empty()) {
+        std::string text = "Vistrane makes time-lapse movies from a camera.\n\nUsage:\n";
+        for (const CommandHelp& each : commandHelps) {
+            text += each.text;
+        }
+        text += generalHelp;
+        return text;
+    }
+    const auto* const found =
+        std::find_if(commandHelps.begin(), commandHelps.end(),
+                     [&](const CommandHelp& each) { return each.name == topic; });
+    return found == commandHelps.end() ? "" : "Usage:\n" + std::string(found->text) + generalHelp;
+}
 
-Usage:
-  vistrane [FOLDER] [--demo-camera]
-      Open the window. A folder is used as if you had just chosen it in the window. If it has the
-      name of a command, write it as a path: ./demo.
-  vistrane devices [--demo-camera]
-      Print the names of the cameras, one per line.
-  vistrane frames FOLDER [--null]
-      Print the full paths of the folder's frames in movie order, one per line. With --null, a
-      NUL byte ends each path instead.
-  vistrane compile FOLDER [--fps N] [--x264-preset NAME] [--crf N]
-      Make a movie of the folder's frames, in the folder, and print its path. --fps sets the
-      frames per second, 1 to 60; the default is 30.
-  vistrane capture FOLDER --device NAME [--interval H:M:S] [--count N]
-                   [--compile [--fps N] [--x264-preset NAME] [--crf N]] [--demo-camera]
-      Save a still into the folder now and after every interval, and print each path. The
-      interval is H:M:S or a number of seconds, at most 999:59:59; the default is 5 seconds.
-      Without --count, capturing continues until it is interrupted, and no movie is made. With
-      --count, it fails when the camera gives no still for a minute and three intervals.
-  vistrane demo [FOLDER]
-      Capture ten stills from the demo camera, one per second, make a movie of them at 10 frames
-      per second, and print its path. The default folder is a new one in your Videos folder.
-  vistrane --help | --version
-
---demo-camera offers a built-in test picture under the name "Demo Camera".
-
-Results go to standard output, messages to standard error. The exit status is 0 for success, 1
-for a failure, 2 for wrong usage, and 129, 130 or 143 after SIGHUP, SIGINT or SIGTERM.
-)";
+std::string similarCommand(const std::string& word) {
+    std::string best;
+    std::size_t fewest = 3;
+    for (const CommandHelp& each : commandHelps) {
+        const std::size_t mistakes = typingMistakes(word, each.name);
+        if (!each.name.empty() && mistakes < std::min(fewest, each.name.size() / 2)) {
+            fewest = mistakes;
+            best = each.name;
+        }
+    }
+    return best;
 }
 
 } // namespace vistrane

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <chrono>
+#include <ctime>
 #include <optional>
 #include <string>
 #include <variant>
@@ -8,7 +10,7 @@
 
 namespace vistrane {
 
-/// The texts for the interval's three fields (hours, minutes, seconds), as a user would type them.
+/// The texts for the interval's three fields (hours, minutes, seconds).
 using IntervalTexts = std::array<std::string, 3>;
 
 /// How to encode a movie.
@@ -19,9 +21,16 @@ struct MovieArguments {
     std::string preset;
     /// The constant rate factor, 0 to 51. Nothing: the program's default.
     std::optional<int> rateFactor;
+    /// The movie's file. Empty: in the project folder, named by the time.
+    std::string output;
+    /// Whether `output` may be an existing file.
+    bool replaces = false;
 };
 
-struct HelpCommand {};
+struct HelpCommand {
+    /// A command's name; empty for all commands.
+    std::string topic;
+};
 struct VersionCommand {};
 
 struct WindowCommand {
@@ -32,16 +41,31 @@ struct WindowCommand {
 
 struct DevicesCommand {
     bool demoCamera = false;
+    bool isJson = false;
 };
 
 struct FramesCommand {
     std::string folder;
     bool endsWithNul = false;
+    bool isJson = false;
 };
 
 struct CompileCommand {
     std::string folder;
     MovieArguments movie;
+    bool isJson = false;
+};
+
+/// When a capture ends. Without any of these, at a signal.
+struct CaptureEnd {
+    /// The number of frames to save.
+    std::optional<int> count;
+    /// The time from the first still on, greater than zero.
+    std::optional<std::chrono::seconds> duration;
+    /// A moment of the local time.
+    std::optional<std::time_t> until;
+
+    bool isGiven() const { return count || duration || until; }
 };
 
 struct CaptureCommand {
@@ -49,8 +73,9 @@ struct CaptureCommand {
     std::string device;
     /// Nothing: the program's default interval.
     std::optional<IntervalTexts> interval;
-    /// The number of frames to save. Nothing: until a signal.
-    std::optional<int> count;
+    CaptureEnd end;
+    /// Whether to make the folder if it does not exist.
+    bool createsFolder = false;
     bool compiles = false;
     MovieArguments movie;
     bool demoCamera = false;
@@ -59,6 +84,8 @@ struct CaptureCommand {
 struct DemoCommand {
     /// Nothing: a new folder in the user's Videos folder.
     std::optional<std::string> folder;
+    /// `output` and `replaces` only.
+    MovieArguments movie;
 };
 
 using Command = std::variant<HelpCommand, VersionCommand, WindowCommand, DevicesCommand,
@@ -76,13 +103,15 @@ struct ParsedArguments {
 /// is given twice, the last value counts.
 ParsedArguments parseArguments(const std::vector<std::string>& arguments);
 
-/// Splits "H:M:S" at the colons and keeps the parts unchanged. A text without a colon is a number
-/// of seconds: its leading integer, as a field reads it, is limited to the longest interval and
-/// split into hours, minutes and seconds. If the integer is not positive, the whole text becomes
-/// the seconds. Nothing for a text with one colon or more than two.
+/// The fields for an interval as `parseDuration` reads it. Nothing for any other text and for an
+/// interval below 1 s or above 999:59:59, which the fields would change.
 std::optional<IntervalTexts> parseInterval(const std::string& text);
 
-/// The help text, ending in a newline.
-std::string helpText();
+/// The help text for a command, or for all if the topic is empty. Ends in a newline. Empty if
+/// there is no such command.
+std::string helpText(const std::string& topic = {});
+
+/// The command whose name differs from `word` by one or two typing mistakes, or an empty string.
+std::string similarCommand(const std::string& word);
 
 } // namespace vistrane

@@ -13,7 +13,7 @@ namespace vistrane {
 
 /// The result of a compile: a complete movie, or the reason why there is none.
 struct MovieOutcome {
-    std::string path;
+    FinishedMovie movie;
     std::optional<NSError> error;
 };
 
@@ -39,9 +39,11 @@ public:
     void pictureWasRefused(const std::string&, const NSError& reason) override {
         report_.frameWasRefused(reason);
     }
-    void movieIsWhole(const std::string& path) override { setOutcome({path, std::nullopt}); }
-    void movieFailed(const std::string& path, const NSError& reason) override {
-        setOutcome({path, reason});
+    void movieIsWhole(const FinishedMovie& movie) override { setOutcome({movie, std::nullopt}); }
+    void movieFailed(const std::string&, const NSError& reason) override {
+        MovieOutcome outcome;
+        outcome.error = reason;
+        setOutcome(std::move(outcome));
     }
 
 private:

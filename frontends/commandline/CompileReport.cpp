@@ -4,6 +4,16 @@
 
 namespace vistrane {
 
+namespace {
+
+std::string lineFor(const CompileReport::LeftOut& frame) {
+    const std::string path = shownText(frame.path);
+    const bool namesFrame = frame.reason.find(path) != std::string::npos;
+    return "Not in the movie: " + (namesFrame ? frame.reason : path + ": " + frame.reason);
+}
+
+} // namespace
+
 void CompileReport::frameIsLoaded(const std::string& path) {
     const std::lock_guard lock(mutex_);
     path_ = path;
@@ -24,16 +34,19 @@ void CompileReport::frameWasRefused(const NSError& reason) {
     const std::lock_guard lock(mutex_);
     // The reason why the file could not be read says more than the resulting refusal.
     const std::string& why = reason_.empty() ? reason.localizedDescription : reason_;
-    const std::string frame = shownText(path_);
-    const bool namesFrame = why.find(frame) != std::string::npos;
-    leftOut_.push_back({"Not in the movie: " + (namesFrame ? why : frame + ": " + why), why});
+    leftOut_.push_back({path_, why});
+}
+
+std::vector<CompileReport::LeftOut> CompileReport::leftOut() const {
+    const std::lock_guard lock(mutex_);
+    return leftOut_;
 }
 
 std::vector<std::string> CompileReport::lines() const {
     const std::lock_guard lock(mutex_);
     std::vector<std::string> lines;
     for (const LeftOut& each : leftOut_) {
-        lines.push_back(each.line);
+        lines.push_back(lineFor(each));
     }
     lines.push_back(std::to_string(appended_) + " of " +
                     std::to_string(appended_ + leftOut_.size()) + " frames went into the movie.");
@@ -45,7 +58,7 @@ std::vector<std::string> CompileReport::linesWithoutMovie(const NSError& reason)
     std::vector<std::string> lines;
     for (const LeftOut& each : leftOut_) {
         if (each.reason != reason.localizedDescription) {
-            lines.push_back(each.line);
+            lines.push_back(lineFor(each));
         }
     }
     return lines;

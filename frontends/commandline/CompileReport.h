@@ -20,6 +20,11 @@ public:
     void frameWasAppended();
     void frameWasRefused(const NSError& reason);
 
+    struct LeftOut {
+        std::string path;
+        std::string reason;
+    };
+    std::vector<LeftOut> leftOut() const;
     /// A line for each frame that was left out, then a line with the counts.
     std::vector<std::string> lines() const;
     /// The lines for a movie that failed, whose reason says whether a file is left. Omits frames
@@ -27,11 +32,6 @@ public:
     std::vector<std::string> linesWithoutMovie(const NSError& reason) const;
 
 private:
-    struct LeftOut {
-        std::string line;
-        std::string reason;
-    };
-
     mutable std::mutex mutex_;
     std::string path_;
     std::string reason_;

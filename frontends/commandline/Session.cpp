@@ -1,11 +1,15 @@
 #include "frontends/commandline/Session.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <filesystem>
 #include <set>
 
 #include <unistd.h>
@@ -44,6 +48,8 @@ MovieOptions movieOptions(const MovieArguments& movie) {
     if (movie.rateFactor) {
         result.constantRateFactor = *movie.rateFactor;
     }
+    result.path = movie.output;
+    result.replaces = movie.replaces;
     return result;
 }
 
@@ -52,6 +58,16 @@ constexpr std::chrono::milliseconds messageTimeout{5000};
 
 /// Without a still for this time and three intervals, a capture of a number of stills has failed.
 constexpr std::chrono::seconds captureTimeout{60};
+
+std::size_t entryCount(const std::string& folder) {
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder, error);
+    std::size_t count = 0;
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        ++count;
+    }
+    return count;
+}
 
 } // namespace
 
@@ -109,11 +125,21 @@ struct Session::Parts {
     bool threadIsMissing = false;
     bool outputIsClosed = false;
     bool isInterrupted = false;
+    /// Whether the next SIGINT ends a capture instead of the process. Any thread.
+    std::atomic<bool> interruptEndsCapture = false;
+    bool captureWasInterrupted = false;
 };
 
 Session::Session(const SessionOptions& options)
     : parts_((makeCoreApplication(), *new Parts(options))) {
     SessionBackend::Endings endings;
+    endings.finish = [this](int signal) {
+        if (signal != SIGINT || !parts_.interruptEndsCapture.exchange(false)) {
+            return false;
+        }
+        parts_.loop.mainQueue().async([this] { parts_.captureWasInterrupted = true; });
+        return true;
+    };
     endings.end = [this](int status) {
         parts_.isInterrupted = true;
         end(status);
@@ -156,6 +182,10 @@ std::vector<std::string> Session::frames() {
     if (!list) {
         fail("Cannot list the folder '" + shownText(parts_.folder) +
              "'. See that it is there and that you may read it.");
+    }
+    if (const std::size_t entries = list->empty() ? entryCount(parts_.folder) : 0) {
+        say("There are no frames in '" + shownText(parts_.folder) + "': 0 of " +
+            std::to_string(entries) + " entries end in '.png'.");
     }
     return *list;
 }
@@ -201,7 +231,7 @@ std::chrono::seconds Session::interval() const {
         interface.hInput->intValue(), interface.mInput->intValue(), interface.sInput->intValue()));
 }
 
-bool Session::capture(std::optional<int> count,
+bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
                       const std::function<void(const std::string&)>& saved) {
     ConsoleButton& startButton = *parts_.interface.startB;
     std::set<std::string> paths;
@@ -211,18 +241,21 @@ bool Session::capture(std::optional<int> count,
     const auto timeout = captureTimeout + 3 * interval();
     AwakeClock clock; // a pause of the process is not the camera's silence
     auto lastOutcome = clock.now();
+    const auto stop = [&] {
+        isOver = true;
+        startButton.performClick();
+    };
     const auto endWhenEnough = [&] {
         lastOutcome = clock.now();
         const auto stills = static_cast<int>(paths.size()) + failures;
-        if (!isOver && count && stills >= *count) {
-            isOver = true;
-            startButton.performClick();
+        if (!isOver && end.count && stills >= *end.count) {
+            stop();
         }
     };
     parts_.observer.frameWasSaved = [&](const std::string& path) {
         saved(path);
         lastPath = path;
-        if (count) {
+        if (end.count) {
             paths.insert(path);
         }
         endWhenEnough();
@@ -233,15 +266,24 @@ bool Session::capture(std::optional<int> count,
     };
 
     waitForStampBoundary();
+    parts_.interruptEndsCapture = endsAtInterrupt;
     startButton.performClick();
+    const auto started = std::chrono::steady_clock::now();
     waitUntil([&] {
-        if (count && clock.now() > lastOutcome + timeout) {
+        const auto now = std::chrono::steady_clock::now();
+        if (!isOver &&
+            ((end.duration && now >= started + *end.duration) ||
+             (end.until && std::time(nullptr) >= *end.until) || parts_.captureWasInterrupted)) {
+            stop();
+        }
+        if (end.count && clock.now() > lastOutcome + timeout) {
             fail("The camera has given no still for " + std::to_string(timeout.count()) +
                  " seconds. See that it works and that no other program uses it.");
         }
         return isOver;
     });
 
+    parts_.interruptEndsCapture = false;
     // Stills that were requested before the end may still arrive.
     parts_.observer.frameWasSaved = saved;
     parts_.observer.frameCouldNotBeSaved = nullptr;
@@ -260,7 +302,7 @@ void Session::waitForListing(const std::string& path) {
     });
 }
 
-std::string Session::compile(int framesPerSecond) {
+Session::Movie Session::compile(int framesPerSecond) {
     frames();
     const ConsoleInterface& interface = parts_.interface;
     interface.fpsS->userMoves(framesPerSecond);
@@ -282,11 +324,11 @@ std::string Session::compile(int framesPerSecond) {
     if (outcome->error) {
         fail(outcome->error->localizedDescription);
     }
-    if (::access(outcome->path.c_str(), F_OK) != 0) {
-        fail("The movie is complete, but not at '" + shownText(outcome->path) +
+    if (::access(outcome->movie.path.c_str(), F_OK) != 0) {
+        fail("The movie is complete, but not at '" + shownText(outcome->movie.path) +
              "': the project folder was moved meanwhile, and the movie with it.");
     }
-    return outcome->path;
+    return {outcome->movie, report.leftOut()};
 }
 
 void Session::print(const std::string& result, char end) {

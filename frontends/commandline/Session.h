@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "backends/movies/MovieObserver.h"
 #include "frontends/commandline/Arguments.h"
+#include "frontends/commandline/CompileReport.h"
 
 namespace vistrane {
 
@@ -53,12 +55,18 @@ public:
     /// Selects the device. Ends the process if it does not exist or cannot be opened.
     void pickDevice(const std::string& name);
     void enterInterval(const IntervalTexts& texts);
-    /// Captures `count` stills, or without a count until the process ends. Calls `saved` with the
-    /// path of each frame. Returns false if a still could not be saved.
-    bool capture(std::optional<int> count, const std::function<void(const std::string&)>& saved);
-    /// Compiles the folder and returns the path of the finished movie. Ends the process if that
-    /// fails.
-    std::string compile(int framesPerSecond);
+    /// Captures until the given end, or until the process ends. With `endsAtInterrupt` the first
+    /// SIGINT ends the capture and not the process. Calls `saved` with the path of each frame.
+    /// Returns false if a still could not be saved.
+    bool capture(const CaptureEnd& end, bool endsAtInterrupt,
+                 const std::function<void(const std::string&)>& saved);
+
+    struct Movie {
+        FinishedMovie facts;
+        std::vector<CompileReport::LeftOut> leftOut;
+    };
+    /// Compiles the folder and returns the finished movie. Ends the process if that fails.
+    Movie compile(int framesPerSecond);
 
     // ---- Output ------------------------------------------------------------------------------
     /// Writes a result and `end` to standard output. Does not block. If standard output fails, the

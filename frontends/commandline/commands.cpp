@@ -1,6 +1,7 @@
 #include "frontends/commandline/commands.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <mutex>
@@ -10,8 +11,10 @@
 #include "backends/cameras/CameraOptions.h"
 #include "backends/posix/BackgroundWriter.h"
 #include "backends/posix/EndingSignals.h"
+#include "frontends/commandline/RoomWarning.h"
 #include "frontends/commandline/Session.h"
 #include "frontends/commandline/demo_folder.h"
+#include "frontends/commandline/json.h"
 #include "frontends/commandline/project_folder_argument.h"
 #include "frontends/commandline/version.h"
 #include "frontends/window/open_window.h"
@@ -23,6 +26,9 @@ namespace {
 
 constexpr int demoStills = 10;
 constexpr int demoFramesPerSecond = 10;
+
+/// The exit status for a movie without some of the frames.
+constexpr int leftOutStatus = 3;
 
 /// Writes the reason to standard error and ends the process with status 1.
 [[noreturn]] void refuse(const std::string& reason) {
@@ -40,12 +46,40 @@ std::string checkedFolder(const std::string& argument, const std::string& hint =
     return folder.path;
 }
 
+/// The arguments with the absolute path of `--output`. Ends the process, with the reason, if the
+/// movie could not get that name.
+MovieArguments checkedOutput(MovieArguments movie) {
+    if (movie.output.empty()) {
+        return movie;
+    }
+    std::error_code error;
+    movie.output = std::filesystem::absolute(movie.output, error).lexically_normal();
+    const std::string shown = "'" + shownText(movie.output) + "'";
+    const std::filesystem::file_status status =
+        std::filesystem::symlink_status(movie.output, error);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        refuse("Cannot write the movie " + shown + ": that is no file. Name another one.");
+    }
+    if (std::filesystem::exists(status) && !movie.replaces) {
+        refuse("Cannot write the movie " + shown +
+               ": it exists already. Name another file, or add --force.");
+    }
+    const std::filesystem::path folder = std::filesystem::path(movie.output).parent_path();
+    if (!std::filesystem::is_directory(folder, error)) {
+        refuse("Cannot write the movie " + shown + ": there is no folder '" +
+               shownText(folder.string()) + "'.");
+    }
+    return movie;
+}
+
 /// A hint for an argument that may be a misspelled command.
 std::string hintOnCommands(const std::string& folder) {
-    const bool isOneWord = folder.find('/') == std::string::npos;
-    return isOneWord ? " There is no command '" + shownText(folder) +
-                           "' either; 'vistrane --help' lists them."
-                     : "";
+    if (folder.find('/') != std::string::npos) {
+        return "";
+    }
+    const std::string similar = similarCommand(folder);
+    return " There is no command '" + shownText(folder) + "' either; " +
+           (similar.empty() ? "'vistrane --help' lists them." : "did you mean '" + similar + "'?");
 }
 
 /// Writes to standard output without a session. Returns the exit status.
@@ -68,23 +102,31 @@ Session& startSession(const SessionOptions& options) {
 
 [[noreturn]] void captureAndCompile(Session& session, const CaptureCommand& command,
                                     const std::function<void(const std::string&)>& saved) {
-    if (command.compiles && !command.count) {
-        session.say("vistrane: Without --count capturing goes on until it is interrupted, and no "
-                    "movie is made.");
-    }
     session.pickDevice(command.device);
     if (command.interval) {
         session.enterInterval(*command.interval);
     }
-    const bool isComplete = session.capture(command.count, saved);
+    RoomWarning warning;
+    const bool isComplete = session.capture(
+        command.end, command.compiles && !command.end.count, [&](const std::string& path) {
+            saved(path);
+            if (const auto file = fileRoom(path)) {
+                if (const auto sentence = warning.frameWasSaved(file->size, file->room)) {
+                    session.say(*sentence);
+                }
+            }
+        });
+    bool isPartial = false;
     if (command.compiles) {
-        session.print(session.compile(command.movie.framesPerSecond));
+        const Session::Movie movie = session.compile(command.movie.framesPerSecond);
+        session.print(movie.facts.path);
+        isPartial = !movie.leftOut.empty();
     }
-    session.end(isComplete ? 0 : 1);
+    session.end(!isComplete ? 1 : isPartial ? leftOutStatus : 0);
 }
 
-int run(const HelpCommand&) {
-    return print(helpText());
+int run(const HelpCommand& command) {
+    return print(helpText(command.topic));
 }
 
 int run(const VersionCommand&) {
@@ -105,38 +147,55 @@ int run(const DevicesCommand& command) {
     if (names.empty()) {
         session.say("No camera was found.");
     }
-    for (const std::string& name : names) {
-        session.print(name);
+    if (command.isJson) {
+        session.print(jsonOf("devices", names));
+    } else {
+        for (const std::string& name : names) {
+            session.print(name);
+        }
     }
     session.end(0);
 }
 
 int run(const FramesCommand& command) {
     Session& session = startSession({.folder = checkedFolder(command.folder)});
-    const char end = command.endsWithNul ? '\0' : '\n';
-    for (const std::string& path : session.frames()) {
-        session.print(path, end);
+    const std::vector<std::string> frames = session.frames();
+    if (command.isJson) {
+        session.print(jsonOf("frames", frames));
+    } else {
+        const char end = command.endsWithNul ? '\0' : '\n';
+        for (const std::string& path : frames) {
+            session.print(path, end);
+        }
     }
     session.end(0);
 }
 
 int run(const CompileCommand& command) {
-    Session& session =
-        startSession({.folder = checkedFolder(command.folder), .movie = command.movie});
-    session.print(session.compile(command.movie.framesPerSecond));
-    session.end(0);
+    Session& session = startSession(
+        {.folder = checkedFolder(command.folder), .movie = checkedOutput(command.movie)});
+    const Session::Movie movie = session.compile(command.movie.framesPerSecond);
+    session.print(command.isJson ? jsonOf(movie) : movie.facts.path);
+    session.end(movie.leftOut.empty() ? 0 : leftOutStatus);
 }
 
 int run(const CaptureCommand& command) {
+    if (command.createsFolder) {
+        const std::string error = createFolder(command.folder);
+        if (!error.empty()) {
+            refuse(error);
+        }
+    }
     Session& session = startSession({.folder = checkedFolder(command.folder),
                                      .findsCameras = true,
                                      .demoCamera = command.demoCamera,
-                                     .movie = command.movie});
+                                     .movie = checkedOutput(command.movie)});
     captureAndCompile(session, command,
                       [&session](const std::string& path) { session.print(path); });
 }
 
 int run(const DemoCommand& command) {
+    const MovieArguments output = checkedOutput(command.movie);
     std::string path;
     std::function<void()> cleanUp = [] {};
     if (command.folder) {
@@ -152,7 +211,7 @@ int run(const DemoCommand& command) {
             const std::lock_guard lock(made->mutex);
             removeIfEmpty(made->path);
         };
-        EndingSignals::handle({{}, [cleanUp](int status) {
+        EndingSignals::handle({{}, {}, [cleanUp](int status) {
                                    cleanUp();
                                    std::_Exit(status);
                                }});
@@ -166,13 +225,14 @@ int run(const DemoCommand& command) {
     CaptureCommand capture;
     capture.device = demoCameraName;
     capture.interval = IntervalTexts{"0", "0", "1"};
-    capture.count = demoStills;
+    capture.end.count = demoStills;
     capture.compiles = true;
     capture.movie.framesPerSecond = demoFramesPerSecond;
     SessionOptions options;
     options.folder = path;
     options.demoCamera = true;
     options.cleanUp = cleanUp;
+    options.movie = output;
     Session& session = startSession(options);
     captureAndCompile(session, capture,
                       [&session](const std::string& frame) { session.say(shownText(frame)); });

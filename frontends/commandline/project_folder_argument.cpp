@@ -66,4 +66,12 @@ ProjectFolderArgument projectFolderArgument(const std::string& argument) {
     return {path, {}};
 }
 
+std::string createFolder(const std::string& argument) {
+    std::error_code error;
+    std::filesystem::create_directories(argument, error);
+    return error ? "Cannot create the folder '" + shownText(argument) + "': " + error.message() +
+                       ". Name a place that you may write to."
+                 : "";
+}
+
 } // namespace vistrane

@@ -16,4 +16,8 @@ struct ProjectFolderArgument {
 /// the root. Creates nothing.
 ProjectFolderArgument projectFolderArgument(const std::string& argument);
 
+/// Makes the folder and those above it that are missing. Returns a one-line message, or an empty
+/// string if the folder exists then.
+std::string createFolder(const std::string& argument);
+
 } // namespace vistrane

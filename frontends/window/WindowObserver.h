@@ -24,8 +24,8 @@ public:
         SessionObserver::pictureWasRefused(moviePath, reason);
         leftOut_.frameWasRefused(moviePath);
     }
-    void movieIsWhole(const std::string& path) override {
-        if (const auto sentence = leftOut_.takeSentence(path)) {
+    void movieIsWhole(const FinishedMovie& movie) override {
+        if (const auto sentence = leftOut_.takeSentence(movie.path)) {
             post(*sentence);
         }
     }

@@ -57,6 +57,44 @@ manualAndHelpAgree() {
         <(sed -n '/^Usage/,$p' <<<"$help" | commandsIn) || fail "the commands differ"
 }
 
+# completionsAgree FOLDER PROGRAM: the shells know the options of the help, and no others.
+completionsAgree() {
+    local help shell
+    help=$("$2" --help | optionsIn)
+    for shell in vistrane.bash _vistrane; do
+        diff <(grep -v '^#' "$1/$shell" | optionsIn) <(printf '%s\n' "$help") ||
+            fail "$shell has other options"
+    done
+    diff <(sed -n 's/.* -l \([a-z0-9-]*\) .*/--\1/p; s/.* -l \([a-z0-9-]*\)$/--\1/p' \
+        "$1/vistrane.fish" | sort -u) <(printf '%s\n' "$help") ||
+        fail "vistrane.fish has other options"
+}
+
+# bashCompletes FILE PROGRAM: completes some lines.
+bashCompletes() {
+    local program=$2
+    # shellcheck source=/dev/null
+    . "$1"
+    expectCompleted() { # EXPECTED WORD...
+        COMP_WORDS=("${@:2}")
+        COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+        COMPREPLY=()
+        _vistrane || true
+        [ "${COMPREPLY[*]}" = "$1" ] ||
+            fail "completed '${*:2}' as '${COMPREPLY[*]}' instead of '$1'"
+    }
+    cd "$(mktemp -d)" || fail "no folder"
+    mkdir folder
+    expectCompleted 'compile' "$program" comp
+    expectCompleted 'capture' "$program" help ca
+    expectCompleted '--create --count --compile --crf' "$program" capture folder --c
+    expectCompleted 'folder' "$program" compile fo
+    expectCompleted 'Demo\ Camera' "$program" capture folder --demo-camera --device ''
+    expectCompleted 'Demo\ Camera' "$program" capture folder --demo-camera --device 'Demo\ C'
+    expectCompleted '' "$program" capture folder --demo-camera --device X
+    expectCompleted 'veryfast veryslow' "$program" compile folder --x264-preset very
+}
+
 # Skips shortcuts with Alt, which are visible in the window.
 manualNamesEveryKey() {
     local keys key
@@ -84,7 +122,10 @@ installIsComplete() {
     install "$@"
     for file in bin/vistrane share/applications/vistrane.desktop \
         share/metainfo/com.example.vistrane.metainfo.xml \
-        share/icons/hicolor/scalable/apps/vistrane.svg share/man/man1/vistrane.1; do
+        share/icons/hicolor/scalable/apps/vistrane.svg share/man/man1/vistrane.1 \
+        share/bash-completion/completions/vistrane share/zsh/site-functions/_vistrane \
+        share/fish/vendor_completions.d/vistrane.fish lib/systemd/user/vistrane-capture@.service \
+        share/doc/vistrane/LICENSE; do
         [ -s "$prefix/$file" ] || fail "$file is not installed"
     done
     "$prefix/bin/vistrane" --version >/dev/null || fail "the installed program does not run"

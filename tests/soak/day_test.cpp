@@ -89,7 +89,7 @@ TEST_F(Day, OfStillsBrowsingAndMoviesTakesNoMemoryDescriptorsOrThreads) {
         capture(stillsARound / 2);
         const MovieOutcome movie = session.awaitMovie();
         EXPECT_FALSE(movie.error) << movie.error->localizedDescription;
-        EXPECT_TRUE(std::filesystem::remove(movie.path)) << movie.path;
+        EXPECT_TRUE(std::filesystem::remove(movie.movie.path)) << movie.movie.path;
 
         rest();
         if (soak.round() == soak.count() / 5 + 1) {

@@ -39,7 +39,7 @@ public:
         const std::lock_guard lock(mutex_);
         refusals_.push_back(reason);
     }
-    void movieIsWhole(const std::string& path) override { end(path, std::nullopt); }
+    void movieIsWhole(const FinishedMovie& movie) override { end(movie.path, std::nullopt); }
     void movieFailed(const std::string& path, const NSError& reason) override { end(path, reason); }
 
     int appended() const { return appended_; }

@@ -1,5 +1,8 @@
 #include "frontends/commandline/Arguments.h"
 
+#include <chrono>
+#include <ctime>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 using Arguments = std::vector<std::string>;
 
@@ -54,6 +58,37 @@ TEST(Arguments, HelpWinsOverEverythingBeforeTwoDashes) {
     }
     EXPECT_EQ(parsedAs<FramesCommand>({"frames", "--", "--help"}).folder, "--help");
     parsedAs<VersionCommand>({"--version"});
+    parsedAs<VersionCommand>({"-V"});
+}
+
+TEST(Arguments, HelpIsForACommandOrForAll) {
+    EXPECT_EQ(parsedAs<HelpCommand>({"--help"}).topic, "");
+    EXPECT_EQ(parsedAs<HelpCommand>({"help"}).topic, "");
+    EXPECT_EQ(parsedAs<HelpCommand>({"a folder", "--help"}).topic, "");
+    EXPECT_EQ(parsedAs<HelpCommand>({"help", "compile"}).topic, "compile");
+    EXPECT_EQ(parsedAs<HelpCommand>({"compile", "--crf", "--help"}).topic, "compile");
+}
+
+TEST(Arguments, CaptureEndsAtATimeOrMoment) {
+    const auto command = parsedAs<CaptureCommand>(
+        {"capture", "f", "--device", "d", "--duration", "1h30m", "--until", "2037-12-31T18:30"});
+    EXPECT_EQ(command.end.duration, std::chrono::seconds(5400));
+    EXPECT_GT(command.end.until, std::time(nullptr));
+    EXPECT_FALSE(command.end.count);
+    EXPECT_TRUE(command.end.isGiven());
+}
+
+TEST(Arguments, MoviesAndListsHaveTheirForm) {
+    const auto compile =
+        parsedAs<CompileCommand>({"compile", "f", "--output", "m.mov", "--force", "--json"});
+    EXPECT_EQ(compile.movie.output, "m.mov");
+    EXPECT_TRUE(compile.movie.replaces);
+    EXPECT_TRUE(compile.isJson);
+    EXPECT_EQ(parsedAs<DemoCommand>({"demo", "--output=m.mov"}).movie.output, "m.mov");
+    EXPECT_TRUE(parsedAs<DevicesCommand>({"devices", "--json"}).isJson);
+    EXPECT_TRUE(parsedAs<FramesCommand>({"frames", "f", "--json"}).isJson);
+    EXPECT_TRUE(
+        parsedAs<CaptureCommand>({"capture", "f", "--device", "d", "--create"}).createsFolder);
 }
 
 TEST(Arguments, FramesTakesOneFolder) {
@@ -87,8 +122,8 @@ TEST(Arguments, CaptureTakesEverything) {
                                   "--count", "5", "--compile", "--fps", "12", "--demo-camera"});
     EXPECT_EQ(command.folder, "f");
     EXPECT_EQ(command.device, "Cam 1");
-    EXPECT_THAT(*command.interval, ElementsAre("1", "02", "3"));
-    EXPECT_EQ(command.count, 5);
+    EXPECT_THAT(*command.interval, ElementsAre("1", "2", "3"));
+    EXPECT_EQ(command.end.count, 5);
     EXPECT_TRUE(command.compiles);
     EXPECT_EQ(command.movie.framesPerSecond, 12);
     EXPECT_TRUE(command.demoCamera);
@@ -96,7 +131,8 @@ TEST(Arguments, CaptureTakesEverything) {
 
 TEST(Arguments, CaptureHasNoEndByDefault) {
     const auto command = parsedAs<CaptureCommand>({"capture", "f", "--device", "d"});
-    EXPECT_FALSE(command.count);
+    EXPECT_FALSE(command.end.isGiven());
+    EXPECT_FALSE(command.createsFolder);
     EXPECT_FALSE(command.interval);
     EXPECT_FALSE(command.compiles);
 }
@@ -168,7 +204,20 @@ TEST(Arguments, ErrorsNameTheArgument) {
         {{"capture", "f", "--device", "d", "--fps", "5"}, "go with --compile"},
         {{"capture", "f", "--device", "d", "--count", "0"}, "--count takes a whole number from 1"},
         {{"capture", "f", "--device", "d", "--count", "1.5"}, "'1.5'"},
-        {{"capture", "f", "--device", "d", "--interval", "1:30"}, "'1:30'"},
+        {{"capture", "f", "--device", "d", "--interval", "1:60"}, "'1:60'"},
+        {{"capture", "f", "--device", "d", "--interval", "10x"}, "1 s to 999:59:59, not '10x'"},
+        {{"capture", "f", "--device", "d", "--duration", "0"}, "--duration takes a time"},
+        {{"capture", "f", "--device", "d", "--duration", "x"}, "not 'x'"},
+        {{"capture", "f", "--device", "d", "--until", "25:00"}, "--until takes a time of day"},
+        {{"capture", "f", "--device", "d", "--until", "1999-12-31T23:59"}, "to come"},
+        {{"capture", "f", "--device", "d", "--output", "m.mov"}, "go with --compile"},
+        {{"compile", "f", "--force"}, "--force goes with --output"},
+        {{"compile", "f", "--output", ""}, "--output takes the name of a file"},
+        {{"demo", "--force"}, "--force goes with --output"},
+        {{"frames", "f", "--null", "--json"}, "--null and --json exclude each other"},
+        {{"help", "x"}, "no command 'x'"},
+        {{"help", "demo", "x"}, "'x' is one argument too many"},
+        {{"-V", "x"}, "-V stands alone"},
         {{"demo", "a", "b"}, "'b' is one argument too many"},
         {{"demo", "--fps", "5"}, "no option '--fps'"}};
     for (const auto& [arguments, part] : cases) {
@@ -176,43 +225,46 @@ TEST(Arguments, ErrorsNameTheArgument) {
     }
 }
 
-TEST(IntervalArgument, ThreePartsBecomeTheFieldsUnchanged) {
-    EXPECT_THAT(*parseInterval("-5:75:abc"), ElementsAre("-5", "75", "abc"));
-    EXPECT_THAT(*parseInterval("::"), ElementsAre("", "", ""));
+TEST(IntervalArgument, BecomesTheFields) {
+    EXPECT_THAT(*parseInterval("1"), ElementsAre("0", "0", "1"));
+    EXPECT_THAT(*parseInterval("90"), ElementsAre("0", "1", "30"));
+    EXPECT_THAT(*parseInterval("1:30"), ElementsAre("0", "1", "30"));
+    EXPECT_THAT(*parseInterval("1h30m"), ElementsAre("1", "30", "0"));
+    EXPECT_THAT(*parseInterval("999:59:59"), ElementsAre("999", "59", "59"));
 }
 
-TEST(IntervalArgument, PlainSecondsAreSplit) {
-    EXPECT_THAT(*parseInterval("0"), ElementsAre("0", "0", "0"));
-    EXPECT_THAT(*parseInterval("59"), ElementsAre("0", "0", "59"));
-    EXPECT_THAT(*parseInterval("3599999"), ElementsAre("999", "59", "59"));
-    for (const char* text : {"90", "90.5", "90s", "+90", " 90", "0090"}) {
-        EXPECT_THAT(*parseInterval(text), ElementsAre("0", "1", "30")) << text;
+TEST(IntervalArgument, ThatTheFieldsWouldChangeIsRefused) {
+    for (const char* text : {"0", "0:00:00", "0s", "1000:00:00", "3600000", "1000h", "0.5", "-5",
+                             "abc", "", "0:75:0", "1:2:3:4"}) {
+        EXPECT_FALSE(parseInterval(text)) << text;
     }
-    EXPECT_THAT(*parseInterval("7x"), ElementsAre("0", "0", "7"));
-}
-
-TEST(IntervalArgument, SecondsAreLimitedToTheLongestInterval) {
-    for (const char* seconds : {"3600000", "99999999999", "99999999999999999999"}) {
-        EXPECT_THAT(*parseInterval(seconds), ElementsAre("999", "59", "59")) << seconds;
-    }
-}
-
-TEST(IntervalArgument, WhatIsNotGreaterThanZeroBecomesTheSecondsField) {
-    for (const char* text : {"", "abc", "-5", "0x10", "-99999999999999999999"}) {
-        EXPECT_THAT(*parseInterval(text), ElementsAre("0", "0", text)) << text;
-    }
-}
-
-TEST(IntervalArgument, TwoOrFourPartsAreRefused) {
-    EXPECT_FALSE(parseInterval("1:30"));
-    EXPECT_FALSE(parseInterval("1:2:3:4"));
 }
 
 TEST(HelpText, NamesEveryCommandAndOption) {
-    for (const char* word : {"devices", "frames", "compile", "capture", "demo", "--null", "--fps",
-                             "--x264-preset", "--crf", "--device", "--interval", "--count",
-                             "--compile", "--demo-camera", "--help", "--version"}) {
+    for (const char* word :
+         {"devices",   "frames",        "compile", "capture",   "demo",       "--null",
+          "--fps",     "--x264-preset", "--crf",   "--device",  "--interval", "--count",
+          "--compile", "--demo-camera", "--help",  "--version", "--duration", "--until",
+          "--create",  "--output",      "--force", "--json"}) {
         EXPECT_THAT(helpText(), HasSubstr(word));
+    }
+}
+
+TEST(HelpText, OfACommandIsItsPartOfTheWhole) {
+    EXPECT_THAT(helpText("compile"), HasSubstr("vistrane compile FOLDER"));
+    EXPECT_THAT(helpText("compile"), Not(HasSubstr("vistrane capture")));
+    EXPECT_THAT(helpText("compile"), HasSubstr("exit status"));
+    EXPECT_EQ(helpText("no command"), "");
+}
+
+TEST(SimilarCommand, DiffersByFewTypingMistakes) {
+    EXPECT_EQ(similarCommand("compil"), "compile");
+    EXPECT_EQ(similarCommand("cpature"), "capture");
+    EXPECT_EQ(similarCommand("frame"), "frames");
+    EXPECT_EQ(similarCommand("device"), "devices");
+    EXPECT_EQ(similarCommand("dmo"), "demo");
+    for (const char* folder : {"", "x", "pictures", "home", "de", "comp"}) {
+        EXPECT_EQ(similarCommand(folder), "") << folder;
     }
 }
 

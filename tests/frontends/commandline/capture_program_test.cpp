@@ -65,9 +65,9 @@ TEST_F(CaptureProgram, WithoutAnIntervalSaysNothing) {
     EXPECT_THAT(ended.lines(), SizeIs(1));
 }
 
-TEST_F(CaptureProgram, TheIntervalIsClampedFieldByField) {
+TEST_F(CaptureProgram, TheIntervalIsShown) {
     const std::pair<std::string, std::string> intervals[] = {
-        {"-5:75:abc", "3540"}, {"3600000", "3599999"}, {"90s", "90"}, {"0", "1"}};
+        {"0:59:00", "3540"}, {"999:59:59", "3599999"}, {"90s", "90"}, {"1:30", "90"}};
     for (const auto& [interval, seconds] : intervals) {
         SCOPED_TRACE(interval);
         const Ended ended = capture({"--interval=" + interval, "--count", "1"});
@@ -98,15 +98,61 @@ TEST_F(CaptureProgram, OneFrameIsTooFewToCompile) {
     EXPECT_THAT(namesIn(folder), SizeIs(1));
 }
 
-TEST_F(CaptureProgram, WithoutACountNoMovieIsAnnounced) {
-    Program program(command(captureArguments({"--compile"})), options);
+TEST_F(CaptureProgram, AnInterruptEndsTheCaptureAndTheMovieIsMade) {
+    Program program(command(captureArguments({"--interval", "1", "--compile"})), options);
+    ASSERT_TRUE(program.nextLine());
     ASSERT_TRUE(program.nextLine());
     program.signal(SIGINT);
     const Ended ended = program.wait();
-    EXPECT_EQ(ended.status, 130);
-    EXPECT_EQ(ended.errors, "vistrane: Without --count capturing goes on until it is interrupted, "
-                            "and no movie is made.\n");
+    EXPECT_EQ(ended.status, 0) << ended.errors;
+    EXPECT_THAT(ended.lines().back(), EndsWith(".mov"));
+    EXPECT_THAT(movieFacts(ended.lines().back()).times, SizeIs(ended.lines().size() - 1));
+}
+
+TEST_F(CaptureProgram, ASecondInterruptEndsItAtOnce) {
+    Program program(
+        command(captureArguments({"--interval", "1", "--compile", "--x264-preset", "placebo"})),
+        options);
+    ASSERT_TRUE(program.nextLine());
+    ASSERT_TRUE(program.nextLine());
+    program.signal(SIGINT);
+    ASSERT_TRUE(program.waitForError("moviePath="));
+    program.signal(SIGINT);
+    EXPECT_THAT(program.wait().status, testing::AnyOf(0, 130));
+    expectWholeFramesOnly();
+}
+
+TEST_F(CaptureProgram, OtherSignalsEndItWithoutAMovie) {
+    Program program(command(captureArguments({"--interval", "1", "--compile"})), options);
+    ASSERT_TRUE(program.nextLine());
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait().status, 143);
     EXPECT_THAT(namesEndingIn(".mov", folder), IsEmpty());
+}
+
+TEST_F(CaptureProgram, EndsAfterADurationOrAtAMoment) {
+    const Ended duration = capture({"--interval", "1", "--duration", "2s"});
+    EXPECT_EQ(duration.status, 0);
+    EXPECT_THAT(duration.lines(), SizeIs(testing::AllOf(testing::Ge(2U), testing::Le(3U))));
+    const std::time_t moment = std::time(nullptr) + 3;
+    char text[64];
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", std::localtime(&moment));
+    const Ended until = capture({"--interval", "1", "--until", text});
+    EXPECT_EQ(until.status, 0) << until.errors;
+    EXPECT_LE(std::abs(std::difftime(std::time(nullptr), moment)), 2.0);
+    EXPECT_THAT(until.lines(), Not(IsEmpty()));
+}
+
+TEST_F(CaptureProgram, TheFolderIsCreatedOnRequest) {
+    const std::string made = folder + "/new/one";
+    const std::vector<std::string> arguments{
+        "capture", made, "--demo-camera", "--device", "Demo Camera", "--count", "1"};
+    EXPECT_EQ(run(arguments).status, 1);
+    EXPECT_FALSE(std::filesystem::exists(made));
+    std::vector<std::string> creating = arguments;
+    creating.emplace_back("--create");
+    EXPECT_EQ(run(creating).status, 0);
+    EXPECT_THAT(namesIn(made), SizeIs(1));
 }
 
 TEST_F(CaptureProgram, FramesThatAreDeletedAtOnceAreNotWaitedFor) {

@@ -80,6 +80,17 @@ TEST_F(DiskProgram, AFullDiskLosesTheFrameAndLeavesNoHalfOne) {
     EXPECT_THAT(ended->errors, HasSubstr("No space left on device"));
 }
 
+TEST_F(DiskProgram, ADiskWithRoomForFewFramesIsTold) {
+    const auto ended = runOnDisk("size=3m", "true",
+                                 {"capture", folder, "--demo-camera", "--device", "Demo Camera",
+                                  "--interval", "1", "--count", "2"});
+    if (!ended) {
+        GTEST_SKIP() << "Nothing can be mounted here.";
+    }
+    EXPECT_EQ(ended->status, 0);
+    EXPECT_EQ(count(ended->errors, "The disk has room for "), 1U);
+}
+
 TEST_F(DiskProgram, AFileThatMayNotGrowIsNamedAndRemoved) {
     const auto before = namesIn(frames);
     const Ended ended =

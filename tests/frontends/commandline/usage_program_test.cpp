@@ -69,7 +69,7 @@ TEST_F(UsageProgram, WrongUsageIsTwoWithTheReasonOnStandardError) {
           {"a", "b"},
           {"frames"},
           {"compile", folder, "--fps"},
-          {"capture", folder, "--device", "x", "--interval", "1:2"},
+          {"capture", folder, "--device", "x", "--interval", "1:60"},
           {"demo", "--fps", "10"}}) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         const Ended ended = run(arguments);
