@@ -34,6 +34,13 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return isManaged(); }));
     }
 
+    /// Whether the window manager manages and shows it.
+    bool isManaged() const {
+        constexpr std::uint32_t normal = 1;
+        const auto state = property("WM_STATE", XCB_GET_PROPERTY_TYPE_ANY);
+        return !state.empty() && state.front() == normal;
+    }
+
     void becomeAccessory() {
         EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyAccessory));
     }
@@ -90,13 +97,6 @@ private:
         const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
         return {first, first + reply->value_len};
     }
-    /// Whether the window manager manages and shows it.
-    bool isManaged() const {
-        constexpr std::uint32_t normal = 1;
-        const auto state = property("WM_STATE", XCB_GET_PROPERTY_TYPE_ANY);
-        return !state.empty() && state.front() == normal;
-    }
-
     xcb_connection_t* const server_ =
         qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 };
@@ -106,6 +106,8 @@ TEST_F(TaskBar, AnAccessorysWindowIsOutsideOfTheTaskBarEachTimeItIsShown) {
     show();
     EXPECT_TRUE(waitUntilOut());
     window_.hide();
+    // The window manager takes the states away from a window that was hidden.
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !isManaged(); }));
     show();
     EXPECT_TRUE(waitUntilOut());
 }
