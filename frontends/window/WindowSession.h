@@ -36,6 +36,8 @@ private:
     void connectInterface();
     void showNoCameraHint();
     void showMainWindow();
+    /// Where it was the last time; otherwise as the file says, but not larger than the screen.
+    void placeMainWindow();
     /// Does everything that can wait until the main window is drawn. A second call does nothing.
     void mainWindowIsDrawn();
     void showOtherWindows();
@@ -47,6 +49,7 @@ private:
     void followAppearance();
     void keepAwakeWhileCapturing();
     void rememberSettings();
+    void rememberPlace();
     void showFailuresOfThreads();
     void holdPlayerWhileScrubbing();
     void handleEndings();
