@@ -88,7 +88,7 @@ void CaptureCore::attempt(Lock& lock) {
         return;
     }
     if (!made) {
-        if (!reason.empty() || (phase == Phase::live && clock.now() >= reopeningEnd)) {
+        if (!reason.empty()) {
             lose(lock, reason);
         } else if (phase == Phase::opening) {
             refuse(lock, deviceNotConnected(wanted.camera.facts.name));
@@ -189,7 +189,9 @@ void CaptureCore::watch(Lock& lock) {
     if (phase == Phase::starting && now >= startEnd) {
         lose(lock, "");
     } else if (!pipeline) {
-        if (now >= nextAttempt) {
+        if (phase == Phase::live && now >= reopeningEnd) {
+            lose(lock, "");
+        } else if (now >= nextAttempt) {
             attempt(lock);
         }
     } else if (failure) {
