@@ -59,15 +59,15 @@ constexpr std::array commandHelps = {
       Capturing ends after --count frames, after --duration, or at --until, a time of day (18:30)
       or a date and time (2030-12-31T18:30); otherwise when it is interrupted. With --compile a
       movie of the folder is made at the end; without --count an interrupt (Ctrl+C) leads to it,
-      too, and a second one ends at once. With --count, it fails when the camera gives no still for a minute and three
-      intervals.
+      too, and a second one ends at once. With --count, it fails when the camera gives no still
+      for a minute and three intervals.
 )"},
     CommandHelp{"demo", R"(  vistrane demo [FOLDER] [--output FILE [--force]]
       Capture ten stills from the demo camera, one per second, make a movie of them at 10 frames
       per second, and print its path. The default folder is a new one in your Videos folder.
 )"},
     CommandHelp{"help", R"(  vistrane help [COMMAND] | --help | --version
-      Print how all commands, or one, are used; or the version.
+      Print how all commands, or one, are used; or the version. -h and -V are short forms.
 )"},
 };
 

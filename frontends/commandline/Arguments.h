@@ -64,8 +64,6 @@ struct CaptureEnd {
     std::optional<std::chrono::seconds> duration;
     /// A moment of the local time.
     std::optional<std::time_t> until;
-
-    bool isGiven() const { return count || duration || until; }
 };
 
 struct CaptureCommand {
