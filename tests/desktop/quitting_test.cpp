@@ -66,7 +66,7 @@ TEST_F(Quitting, ByTheKeysOfTheMenuDuringPlayingSavesTheSettings) {
     startWithFrames(60, 1);
     makeAChange();
     clickButton("Play");
-    awaitFrame(2, 60);
+    await("playing to begin", [this] { return frameShown()->first < 60; });
     screen().press({"Control_L", "q"});
     EXPECT_EQ(awaitEnd(), 0);
     expectTheChangeIsSaved();
