@@ -193,6 +193,33 @@ TEST_F(MovieFileTest, AFullFileFailsTheMovieWithTheReason) {
     EXPECT_THAT(folder.names(), IsEmpty());
 }
 
+TEST_F(MovieFileTest, ADiskThatIsFullAtTheIndexFailsTheMovie) {
+    // An equal movie tells where the index begins.
+    OpenMovie whole(movies, folder / "whole.mov", 160, 120);
+    whole.appendFrames(20, noise);
+    whole.finish();
+    ASSERT_FALSE(observer.outcome(folder / "whole.mov"));
+    std::ifstream file(folder / "whole.mov", std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    const std::size_t index = bytes.rfind("moov");
+    ASSERT_NE(index, std::string::npos);
+
+    struct rlimit before {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const struct rlimit small { index + 100, before.rlim_max };
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    OpenMovie movie = open(160, 120);
+    const int appended = movie.appendFrames(20, noise);
+    movie.finish();
+    const auto outcome = observer.outcome(path);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+
+    EXPECT_EQ(appended, 20);
+    ASSERT_TRUE(outcome);
+    EXPECT_EQ(outcome->code, EFBIG);
+    EXPECT_THAT(folder.names(), ElementsAre("whole.mov"));
+}
+
 TEST_F(MovieFileTest, AbandoningAllRemovesEveryHiddenFileAtOnceAndForGood) {
     OpenMovie first = open(320, 240);
     OpenMovie second(movies, folder / "n.mov", 320, 240);
