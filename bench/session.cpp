@@ -6,6 +6,7 @@
 //   session_bench compile FOLDER FPS       from the click to the finished movie
 //   session_bench compile-alone FOLDER FPS the same without a window
 //   session_bench play FOLDER              from frame to frame, as painted, at 60 a second
+//   session_bench idle FOLDER SECONDS      the processor time of a window that nobody uses
 //   session_bench capture FOLDER SECONDS   with the first camera, a still at each interval of the
 //                                          settings: the longest that an event waited
 //
@@ -157,6 +158,15 @@ void play(const std::string& folder) {
     });
 }
 
+void idle(double seconds) {
+    // By now the list of frames is settled and the cameras are listed.
+    QTimer::singleShot(5000, qApp, [=] {
+        const double before = processorMilliseconds();
+        QTimer::singleShot(static_cast<int>(seconds * 1000), qApp,
+                           [=] { tell(processorMilliseconds() - before); });
+    });
+}
+
 /// Sends the main thread an event every five milliseconds and measures how long it waits.
 class AnswerWatch {
 public:
@@ -242,6 +252,8 @@ void run(const std::vector<std::string>& arguments) {
             compile(folder, static_cast<int>(number));
         } else if (verb == "play") {
             play(folder);
+        } else if (verb == "idle") {
+            idle(number);
         } else if (verb == "capture") {
             capture(folder, number);
         } else {

@@ -1,10 +1,6 @@
 #include "backends/posix/PosixFileManager.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-
-#include "backends/posix/Descriptor.h"
-#include "backends/posix/entry_names.h"
 
 namespace vistrane {
 
@@ -25,13 +21,9 @@ bool PosixFileManager::fileExistsAtPath(const std::string& path, bool& isDirecto
     return true;
 }
 
-std::optional<FileNames>
+std::shared_ptr<const FileNames>
 PosixFileManager::contentsOfDirectoryAtPath(const std::string& path) const {
-    if (!namesSomething(path)) {
-        return std::nullopt;
-    }
-    const Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
-    return folder.isOpen() ? entryNames(folder.number()) : std::nullopt;
+    return namesSomething(path) ? listings_.list(path) : nullptr;
 }
 
 } // namespace vistrane

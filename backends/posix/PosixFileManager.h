@@ -1,8 +1,9 @@
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <string>
 
+#include "backends/posix/FolderListings.h"
 #include "platform/foundation/NSFileManager.h"
 
 namespace vistrane {
@@ -12,9 +13,13 @@ class PosixFileManager final : public NSFileManager {
 public:
     bool fileExistsAtPath(const std::string& path, bool& isDirectory) const override;
 
-    /// Also nothing if an error ends the listing early: an incomplete listing would look as if
-    /// files had been removed.
-    std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const override;
+    /// Also null if an error ends the listing early: an incomplete listing would look as if files
+    /// had been removed. An unchanged folder is not read again: see FolderListings.h.
+    std::shared_ptr<const FileNames>
+    contentsOfDirectoryAtPath(const std::string& path) const override;
+
+private:
+    mutable FolderListings listings_;
 };
 
 } // namespace vistrane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <shared_mutex>
@@ -35,17 +36,18 @@ public:
         }
         return entry.has_value();
     }
-    std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const override {
+    std::shared_ptr<const FileNames>
+    contentsOfDirectoryAtPath(const std::string& path) const override {
         call("contentsOfDirectoryAtPath: %", path);
         const std::optional<Entry> folder = find(path);
         if (!folder || !folder->isFolder) {
-            return std::nullopt;
+            return nullptr;
         }
         const std::shared_lock lock(mutex_);
-        FileNames names;
+        auto names = std::make_shared<FileNames>();
         for (const Entry& entry : entries_) {
             if (entry.path != "/" && parentOf(entry.path) == path) {
-                names.append(entry.path.substr(entry.path.rfind('/') + 1));
+                names->append(entry.path.substr(entry.path.rfind('/') + 1));
             }
         }
         return names;

@@ -110,19 +110,21 @@ Paths with(Paths added, Paths paths, const NSLocale& locale) {
 
 } // namespace
 
-std::shared_ptr<const Paths> SortedFrames::update(const std::string& folder, FileNames names,
+std::shared_ptr<const Paths> SortedFrames::update(const std::string& folder,
+                                                  const std::shared_ptr<const FileNames>& names,
                                                   const std::shared_ptr<const NSLocale>& locale) {
     const bool isComparable = paths_ && folder == folder_ && locale == locale_;
-    if (isComparable && names == names_) {
+    if (isComparable && (names == names_ || *names == *names_)) {
+        names_ = names;
         return paths_;
     }
-    std::optional<Paths> paths = isComparable ? changed(names) : std::nullopt;
+    std::optional<Paths> paths = isComparable ? changed(*names) : std::nullopt;
     if (!paths) {
-        paths = framePaths(folder, names);
+        paths = framePaths(folder, *names);
         sortFrames(*paths, *locale);
     }
     folder_ = folder;
-    names_ = std::move(names);
+    names_ = names;
     locale_ = locale;
     if (!paths_ || *paths_ != *paths) {
         paths_ = std::make_shared<const Paths>(std::move(*paths));
@@ -131,7 +133,7 @@ std::shared_ptr<const Paths> SortedFrames::update(const std::string& folder, Fil
 }
 
 std::optional<Paths> SortedFrames::changed(const FileNames& names) const {
-    const auto [gone, come] = difference(names_, names);
+    const auto [gone, come] = difference(*names_, names);
     if (gone.size() + come.size() > names.size() / searchedShare) {
         return std::nullopt;
     }

@@ -45,12 +45,11 @@ void AppDelegate::refreshArray(NSObject*) {
     if (!folder) {
         return;
     }
-    auto names = platform_.foundation.defaultManager().contentsOfDirectoryAtPath(*folder);
+    const auto names = platform_.foundation.defaultManager().contentsOfDirectoryAtPath(*folder);
     if (!names) {
         return;
     }
-    const auto paths =
-        sortedFrames_.update(*folder, std::move(*names), platform_.foundation.currentLocale());
+    const auto paths = sortedFrames_.update(*folder, names, platform_.foundation.currentLocale());
 
     const auto list = pictureArray.load();
     if (list && (list == paths || *list == *paths)) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "platform/FileNames.h"
@@ -15,8 +15,10 @@ public:
     virtual bool fileExistsAtPath(const std::string& path, bool& isDirectory) const = 0;
 
     /// The names of a folder's entries as bytes, including hidden ones, without "." and "..", in
-    /// any order. Nothing if the folder cannot be listed.
-    virtual std::optional<FileNames> contentsOfDirectoryAtPath(const std::string& path) const = 0;
+    /// any order. Null if the folder cannot be listed. May be the same object as before while the
+    /// folder is unchanged.
+    virtual std::shared_ptr<const FileNames>
+    contentsOfDirectoryAtPath(const std::string& path) const = 0;
 };
 
 } // namespace vistrane

@@ -15,11 +15,11 @@ TEST(FrameListing, AnyListingsInAnyLocaleGiveWhatSortingAnewGives) {
         SortedFrames frames;
         for (int step = 0; step < 500; ++step) {
             list.change();
-            FileNames names;
+            const auto names = std::make_shared<FileNames>();
             for (const std::string& each : list.names()) {
-                names.append(each);
+                names->append(each);
             }
-            const auto paths = frames.update("/f\xff/\u0301", std::move(names), locale);
+            const auto paths = frames.update("/f\xff/\u0301", names, locale);
             ASSERT_EQ(*paths, sortedFrames("/f\xff/\u0301", list.names(), *locale))
                 << name << ", step " << step;
         }

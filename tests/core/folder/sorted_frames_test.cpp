@@ -68,10 +68,10 @@ TEST(FrameNameCompare, ComparesTheWholeNameWithTheFourOptions) {
 
 class SortedFramesTest : public ::testing::Test {
 protected:
-    static FileNames listing(const std::vector<std::string>& list) {
-        FileNames names;
+    static std::shared_ptr<const FileNames> listing(const std::vector<std::string>& list) {
+        auto names = std::make_shared<FileNames>();
         for (const std::string& name : list) {
-            names.append(name);
+            names->append(name);
         }
         return names;
     }
