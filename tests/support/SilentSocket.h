@@ -29,6 +29,8 @@ public:
     /// The address of the bus; empty if it cannot be made.
     std::string address() const { return works_ ? "unix:path=" + path_ : ""; }
 
+    const std::string& path() const { return path_; }
+
 private:
     WorkFolder folder_;
     std::string path_;
