@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "tests/backends/qt/longest_wait.h"
 #include "tests/support/Environment.h"
 #include "tests/support/FakeServices.h"
 #include "tests/support/SilentSocket.h"
@@ -26,8 +27,7 @@ protected:
 
     template <typename Condition>
     static bool waitFor(Condition condition) {
-        constexpr int timeoutMilliseconds = 60000;
-        return QTest::qWaitFor(condition, timeoutMilliseconds);
+        return QTest::qWaitFor(condition, longestWait);
     }
     bool waitUntilCalled(const std::string& call, int times = 1) {
         return waitFor([&] { return services_.countOf(call) >= times; });
