@@ -1,5 +1,6 @@
 #include "frontends/SessionBackend.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <thread>
@@ -13,10 +14,14 @@ namespace vistrane {
 namespace {
 
 /// The timeout for ending the process. The main thread or the folder's disk may not respond.
-constexpr std::chrono::seconds endTimeout{5};
+constexpr std::chrono::milliseconds endTimeout{5000};
+/// The last part of it, to remove unfinished movies in.
+constexpr std::chrono::milliseconds removalTime{500};
 
-void waitWhile(const std::function<bool()>& condition) {
-    while (condition()) {
+using Clock = std::chrono::steady_clock;
+
+void waitWhile(const std::function<bool()>& condition, Clock::time_point end) {
+    while (condition() && Clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
 }
@@ -65,12 +70,14 @@ void SessionBackend::endWithoutMainThread(int status, const Endings& endings) {
         std::this_thread::sleep_for(endTimeout);
         std::_Exit(status);
     });
-    waitWhile(endings.isEnding);
-    endings.saveSettings();
+    const auto end = Clock::now() + endTimeout - removalTime;
     const auto isSavingFrame = [this] { return observer_.isSavingFrame(); };
-    waitWhile(isSavingFrame);
-    endMovies(status);
-    waitWhile(isSavingFrame); // the next one may have begun
+    waitWhile(endings.isEnding, end);
+    endings.saveSettings();
+    waitWhile(isSavingFrame, end);
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+    movies.end(std::max(left, std::chrono::milliseconds(0)));
+    waitWhile(isSavingFrame, end); // the next one may have begun
     endings.cleanUp();
     std::_Exit(status);
 }

@@ -49,10 +49,10 @@ public:
         std::function<bool(int signal)> finish = [](int) { return false; };
         /// Ends the process. Called on the main thread.
         std::function<void(int status)> end;
-        /// Whether the main thread is already ending the process and needs time to finish. Called
-        /// on another thread if the main thread does not respond.
+        /// Whether the main thread is already ending the process, and does more than to wait for
+        /// movies. Called on another thread if the main thread does not respond.
         std::function<bool()> isEnding = [] { return false; };
-        /// Called first, on another thread, if the main thread does not respond.
+        /// Called when `isEnding` is false, on another thread, if the main thread does not respond.
         std::function<void()> saveSettings = [] {};
         /// Called last, on another thread, if the main thread does not respond.
         std::function<void()> cleanUp = [] {};

@@ -8,6 +8,7 @@
 
 #include "backends/cameras/CameraOptions.h"
 #include "backends/cameras/PipeWireDevices.h"
+#include "backends/posix/Descriptor.h"
 #include "backends/posix/threads.h"
 #include "platform/shown_text.h"
 
@@ -122,6 +123,9 @@ struct CameraList::Provider {
 
     std::vector<Camera> query() const {
         std::vector<Camera> cameras;
+        if (!hasFreeDescriptors(safeDescriptors)) {
+            return cameras;
+        }
         GList* devices = name == pipeWireProvider ? PipeWireDevices::shared().list(provider.get())
                                                   : gst_device_provider_get_devices(provider.get());
         for (GList* item = devices; item != nullptr; item = item->next) {
@@ -153,9 +157,17 @@ CameraList::~CameraList() = default;
 
 void CameraList::prepare() {
     quietLibcamera();
-    startDetachedThread([self = shared_from_this()] {
-        std::call_once(self->providersFound_, [&self] { self->findProviders(); });
-    });
+    quietLibcamera();
+    startDetachedThread([self = shared_from_this()] { self->awaitProviders(); });
+}
+
+bool CameraList::load(std::chrono::milliseconds timeout) {
+    quietLibcamera();
+    return runWithin(timeout, [self = shared_from_this()] { self->awaitProviders(); });
+}
+
+void CameraList::awaitProviders() {
+    std::call_once(providersFound_, [this] { findProviders(); });
 }
 
 void CameraList::findProviders() {
@@ -192,7 +204,7 @@ std::vector<Camera> CameraList::list(std::chrono::milliseconds timeout) {
 }
 
 std::vector<Camera> CameraList::listOf(const std::string& name, std::chrono::milliseconds timeout) {
-    std::call_once(providersFound_, [this] { findProviders(); });
+    awaitProviders();
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     auto answers = std::make_shared<Answers>();
     answers->byProvider.resize(providers_.size());
@@ -234,6 +246,11 @@ Camera demoCamera() {
     camera.modes = std::make_shared<const std::vector<CameraMode>>(
         caps ? modesOf(caps.get()) : std::vector<CameraMode>());
     return camera;
+}
+
+bool startGStreamerWithin(std::chrono::milliseconds timeout) {
+    quietLibcamera();
+    return runWithin(timeout, [] { startGStreamer(); });
 }
 
 bool startGStreamer() {

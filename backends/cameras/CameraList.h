@@ -34,8 +34,12 @@ public:
     CameraList& operator=(const CameraList&) = delete;
 
     /// Loads the providers in the background, which takes longer than a listing. A listing that is
-    /// requested meanwhile waits. Main thread only.
+    /// requested meanwhile waits for that, however long it takes. Main thread only.
     void prepare();
+
+    /// Loads them if that was not done, and waits for that. Returns false if it takes longer than
+    /// `timeout`; it then continues in the background. Main thread only.
+    bool load(std::chrono::milliseconds timeout);
 
     /// Every camera once, in the order of `offeredOnce`, without the demo camera. Leaves out
     /// providers that take longer than `timeout`.
@@ -47,6 +51,7 @@ public:
 private:
     struct Provider;
 
+    void awaitProviders();
     void findProviders();
 
     std::once_flag providersFound_;
@@ -59,5 +64,9 @@ Camera demoCamera();
 /// The first call initialises GStreamer, without the program's arguments. Returns whether that
 /// succeeded.
 bool startGStreamer();
+
+/// The same on another thread, because a plugin may hang. Returns false if it takes longer than
+/// `timeout`; later calls then hang as well. Main thread only.
+bool startGStreamerWithin(std::chrono::milliseconds timeout);
 
 } // namespace vistrane

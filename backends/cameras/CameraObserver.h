@@ -8,8 +8,8 @@ namespace vistrane {
 /// any thread; must return quickly and not throw. Outlives every camera object.
 class CameraObserver {
 public:
-    /// The current camera has stopped delivering pictures, or delivers them again. `message` is one
-    /// line.
+    /// The current camera has stopped delivering pictures, or delivers them again, or the cameras
+    /// cannot be listed. `message` is one line.
     virtual void cameraChanged(const std::string& message) { (void)message; }
 
     /// Before and after the program handles a still. Main thread.

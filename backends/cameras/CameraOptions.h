@@ -1,8 +1,13 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 
 namespace vistrane {
+
+/// Listing or opening a camera needs up to 30 descriptors at once, and PipeWire, libcamera and GLib
+/// end the process when there are none left. So neither is tried with fewer than these.
+inline constexpr std::size_t safeDescriptors = 64;
 
 inline constexpr char demoCameraName[] = "Demo Camera";
 
@@ -15,6 +20,9 @@ struct CameraOptions {
     /// Whether to list a moving test picture, `demoCameraName`, after the real cameras.
     bool demoCamera = false;
 
+    /// How long the first listing waits for the media framework and its plugins. The first start
+    /// after an installation looks at every plugin, which takes seconds.
+    std::chrono::milliseconds loading{20000};
     /// How long a listing waits for the slowest provider.
     std::chrono::milliseconds listing{1500};
     /// How long an input waits for its camera's first picture.

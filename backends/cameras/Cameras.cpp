@@ -5,6 +5,7 @@
 
 #include "backends/cameras/CaptureSession.h"
 #include "backends/cameras/camera_errors.h"
+#include "backends/posix/Descriptor.h"
 
 namespace vistrane {
 
@@ -48,11 +49,14 @@ std::shared_ptr<AVCaptureDeviceDiscoverySession> Cameras::discoverySessionWithDe
     const bool anyType =
         std::any_of(types.begin(), types.end(), [](const auto& type) { return type.has_value(); });
     std::vector<Camera> cameras;
-    if (anyType && options_.findsCameras) {
-        cameras = cameraList()->list(options_.listing);
-    }
-    if (anyType && options_.demoCamera) {
-        cameras.push_back(demoCamera());
+    const bool isWanted = anyType && (options_.findsCameras || options_.demoCamera);
+    if (isWanted && canList()) {
+        if (options_.findsCameras) {
+            cameras = cameraList()->list(options_.listing);
+        }
+        if (options_.demoCamera) {
+            cameras.push_back(demoCamera());
+        }
     }
     for (Camera& camera : cameras) {
         if (isFoundBy(mediaType, *camera.modes)) {
@@ -60,6 +64,20 @@ std::shared_ptr<AVCaptureDeviceDiscoverySession> Cameras::discoverySessionWithDe
         }
     }
     return std::make_shared<DiscoverySession>(std::move(devices));
+}
+
+/// Loads what a listing needs. Reports why if that is not possible.
+bool Cameras::canList() {
+    if (!hasFreeDescriptors(safeDescriptors)) {
+        observer_.cameraChanged(cannotListCameras());
+        return false;
+    }
+    const bool isLoaded = options_.findsCameras ? cameraList()->load(options_.loading)
+                                                : startGStreamerWithin(options_.loading);
+    if (!isLoaded) {
+        observer_.cameraChanged(mediaFrameworkHangs(options_.loading));
+    }
+    return isLoaded;
 }
 
 AVCaptureDeviceInputResult

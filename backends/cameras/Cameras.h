@@ -34,9 +34,9 @@ public:
     /// Prepares the first listing in the background.
     void prepare();
 
-    /// Lists the connected cameras; waits at most `CameraOptions::listing`. The types are ignored
-    /// unless there is none, because built-in cameras cannot be recognised reliably. A query for
-    /// video also finds muxed sources.
+    /// Lists the connected cameras; waits at most `CameraOptions::loading` and `listing`. The types
+    /// are ignored unless there is none, because built-in cameras cannot be recognised reliably. A
+    /// query for video also finds muxed sources.
     std::shared_ptr<AVCaptureDeviceDiscoverySession>
     discoverySessionWithDeviceTypes(const std::vector<std::optional<AVCaptureDeviceType>>& types,
                                     AVMediaType mediaType, AVCaptureDevicePosition position);
@@ -58,6 +58,8 @@ public:
     layerWithSession(const std::shared_ptr<AVCaptureSession>& session);
 
 private:
+    bool canList();
+
     /// Made on first use, because initialising GStreamer takes time.
     std::shared_ptr<CameraList> cameraList();
 

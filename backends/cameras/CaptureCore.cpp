@@ -2,6 +2,7 @@
 
 #include "backends/cameras/camera_errors.h"
 #include "backends/cameras/still_pictures.h"
+#include "backends/posix/Descriptor.h"
 
 namespace vistrane {
 
@@ -75,7 +76,12 @@ void CaptureCore::attempt(Lock& lock) {
     std::string reason;
     std::shared_ptr<CapturePipeline> made;
     const CameraMode* mode = nullptr;
-    const auto camera = lookForCamera(wanted);
+    std::optional<Camera> camera;
+    if (hasFreeDescriptors(safeDescriptors)) {
+        camera = lookForCamera(wanted);
+    } else {
+        reason = tooFewDescriptors;
+    }
     if (camera) {
         mode = modeFor(wanted.preset, *camera->modes);
         made = mode != nullptr ? CapturePipeline::create(*camera, *mode, events(newRun), reason)

@@ -29,9 +29,12 @@ GList* PipeWireDevices::list(GstDeviceProvider* any) {
         }
         next->provider = GST_DEVICE_PROVIDER(gst_object_ref_sink(
             g_object_new(G_OBJECT_TYPE(any), "fd", next->connection.file(), nullptr)));
+        if (gst_device_provider_start(next->provider) == FALSE) {
+            gst_object_unref(next->provider);
+            return nullptr;
+        }
         next->previous = monitor_;
         monitor_ = next.release();
-        gst_device_provider_start(monitor_->provider);
     }
     return gst_device_provider_get_devices(monitor_->provider);
 }

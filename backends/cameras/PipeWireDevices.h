@@ -18,9 +18,10 @@ public:
     /// Never destroyed, because PipeWire's thread uses the provider until the process ends.
     static PipeWireDevices& shared();
 
-    /// The current devices; the caller owns the list and its elements. Null without PipeWire. The
-    /// first call, and the first after PipeWire has been restarted, waits for PipeWire's answer.
-    /// `any` is a provider of PipeWire's type.
+    /// The current devices; the caller owns the list and its elements. Null without PipeWire, or if
+    /// its provider cannot be started; the next call tries again. The first call, and the first
+    /// after PipeWire has been restarted, waits for PipeWire's answer. `any` is a provider of
+    /// PipeWire's type.
     GList* list(GstDeviceProvider* any);
 
 private:

@@ -21,6 +21,17 @@ NSError captureError(std::int64_t code, std::string text) {
 
 } // namespace
 
+std::string cannotListCameras() {
+    return std::string("The cameras cannot be listed (") + tooFewDescriptors +
+           "): raise the limit, which 'ulimit -n' tells, and start Vistrane again";
+}
+
+std::string mediaFrameworkHangs(std::chrono::milliseconds waited) {
+    return "The cameras cannot be listed: GStreamer did not load its plugins within " +
+           std::to_string(waited.count()) +
+           " ms. If its program gst-plugin-scanner still runs, end it, and start Vistrane again";
+}
+
 NSError noSuchDevice() {
     return captureError(AVErrorUnknown, "There is no such device: pick one of the list");
 }

@@ -7,6 +7,12 @@
 
 namespace vistrane {
 
+inline constexpr char tooFewDescriptors[] = "too many files are open";
+
+/// Messages for a listing without cameras.
+std::string cannotListCameras();
+std::string mediaFrameworkHangs(std::chrono::milliseconds waited);
+
 NSError noSuchDevice();
 NSError deviceNotConnected(const std::string& camera);
 NSError deviceCannotBeOpened(const std::string& camera, const std::string& reason);

@@ -71,4 +71,8 @@ void ConsoleOutput::flush(std::chrono::milliseconds timeout) {
     writer_.flush(timeout);
 }
 
+bool ConsoleOutput::flushWhileRead(std::chrono::milliseconds pause) {
+    return writer_.flushWhileRead(pause);
+}
+
 } // namespace vistrane

@@ -21,8 +21,8 @@ public:
     ConsoleOutput& operator=(const ConsoleOutput&) = delete;
 
     /// Writes the text unchanged, then a newline, on a thread of its own: a reader that stops must
-    /// not stop the program. Text is discarded while more than a megabyte is unread, and after an
-    /// error.
+    /// not stop the program. While more than a megabyte is unread, the oldest lines are discarded,
+    /// and one line says how many. Text that cannot be written is discarded.
     void writeLine(std::string_view text);
 
     /// Draws the bar at `value` of `maximum`. Removes it unless both are greater than 0 and the
@@ -31,6 +31,9 @@ public:
 
     /// Waits until everything is written, at most `timeout`.
     void flush(std::chrono::milliseconds timeout);
+    /// The same, for as long as the reader takes some of the text within each `pause`. Returns
+    /// false if it does not, or if text could not be written.
+    bool flushWhileRead(std::chrono::milliseconds pause);
 
 private:
     std::string barFor(double value, double maximum) const;

@@ -109,7 +109,8 @@ std::optional<std::string> renameToFreeName(int folder, const std::string& hidde
 
 /// Renames `hidden`, in the place of a file of that name. Returns 0 or the error number.
 int replaceFile(int folder, const std::string& hidden, const std::string& name) {
-    return ::renameat(folder, hidden.c_str(), folder, name.c_str()) == 0 ? 0 : errno;
+    const auto rename = [&] { return ::renameat(folder, hidden.c_str(), folder, name.c_str()); };
+    return uninterrupted(rename) == 0 ? 0 : errno;
 }
 
 /// Whether the size of the media box was written, which is the last thing to be written.
@@ -152,7 +153,8 @@ void removeIfLeftover(int folder, const std::string& name) {
 }
 
 void removeLeftovers(int folder) {
-    const Descriptor listing(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor listing(uninterrupted(
+        [folder] { return ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     const std::optional<FileNames> names = entryNames(listing.number());
     if (!names) {
         return;
@@ -219,7 +221,8 @@ MovieFileResult MovieFile::create(const std::string& path, bool replaces) {
                                            "path (" +
                                                shownText(path) + "). Choose a project folder")};
     }
-    Descriptor folder(::open(parts.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    Descriptor folder(uninterrupted(
+        [&parts] { return ::open(parts.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     if (!folder.isOpen()) {
         return {nullptr, systemError(errno, "The movie's folder cannot be opened", parts.folder)};
     }
@@ -282,6 +285,7 @@ std::optional<NSError> MovieFile::publish(std::uint64_t offset,
     if (auto error = writeAt(offset, mediaSize.data(), mediaSize.size())) {
         return error;
     }
+    setComplete();
     if (number == 0) {
         number = syncToDisk(file_.number());
     }
@@ -293,6 +297,11 @@ std::optional<NSError> MovieFile::publish(std::uint64_t offset,
         syncToDisk(folder_.number());
     }
     return error;
+}
+
+void MovieFile::setComplete() {
+    const std::lock_guard lock(mutex_);
+    isComplete_ = true;
 }
 
 std::optional<NSError> MovieFile::unsyncedError(int number) {
@@ -343,7 +352,7 @@ std::string MovieFile::keep() {
 
 void MovieFile::discard() {
     const std::lock_guard lock(mutex_);
-    if (place_ == Place::hidden) {
+    if (place_ == Place::hidden && !isComplete_) {
         removeHiddenFile();
     }
 }

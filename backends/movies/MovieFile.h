@@ -49,8 +49,8 @@ public:
     /// it to the movie's name. The error says under which name a complete movie was kept.
     std::optional<NSError> publish(std::uint64_t offset, std::span<const std::uint8_t> mediaSize);
 
-    /// Removes the hidden file immediately, so that it is never published. Does nothing after
-    /// publishing. Any thread.
+    /// Removes the hidden file immediately, so that it is never published. Does nothing once it is
+    /// complete: `publish` may still go on, and otherwise the next writer publishes it. Any thread.
     void discard();
 
 private:
@@ -59,6 +59,7 @@ private:
     MovieFile(std::string path, bool replaces, Descriptor folder, Descriptor file,
               std::string hiddenName, std::string name);
 
+    void setComplete();
     std::optional<NSError> rename();
     std::optional<NSError> unsyncedError(int number);
     NSError posixError(int number, const std::string& what, const std::string& remedy) const;
@@ -74,8 +75,9 @@ private:
     const std::string name_;
     std::uint64_t size_ = 0;
 
-    std::mutex mutex_; // guards place_ together with the entry in the folder
+    std::mutex mutex_; // guards the next two together with the entry in the folder
     Place place_ = Place::hidden;
+    bool isComplete_ = false;
 };
 
 /// A file, or the reason why there is none.

@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "backends/posix/Descriptor.h"
+
 namespace vistrane {
 
 namespace {
@@ -16,7 +18,8 @@ bool isUnsupported(int number) {
 
 /// For file systems that have links but no exclusive rename, such as network file systems.
 int linkAndUnlink(int folder, const std::string& from, const std::string& to) {
-    if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) != 0) {
+    const auto link = [&] { return ::linkat(folder, from.c_str(), folder, to.c_str(), 0); };
+    if (uninterrupted(link) != 0) {
         return errno;
     }
     ::unlinkat(folder, from.c_str(), 0);
@@ -29,16 +32,17 @@ int lookAndRename(int folder, const std::string& from, const std::string& to) {
     if (::fstatat(folder, to.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
         return EEXIST;
     }
-    return errno == ENOENT && ::renameat(folder, from.c_str(), folder, to.c_str()) == 0 ? 0 : errno;
+    const auto rename = [&] { return ::renameat(folder, from.c_str(), folder, to.c_str()); };
+    return errno == ENOENT && uninterrupted(rename) == 0 ? 0 : errno;
 }
 
 } // namespace
 
 int renameWithoutReplacing(int folder, const std::string& from, const std::string& to) {
-    if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) {
-        return 0;
-    }
-    int number = errno;
+    const auto rename = [&] {
+        return ::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE);
+    };
+    int number = uninterrupted(rename) == 0 ? 0 : errno;
     if (isUnsupported(number)) {
         number = linkAndUnlink(folder, from, to);
     }

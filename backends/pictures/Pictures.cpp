@@ -12,6 +12,7 @@
 #include "backends/pictures/file_bytes.h"
 #include "backends/pictures/graphics_state.h"
 #include "backends/pictures/picture_errors.h"
+#include "backends/pictures/png_header.h"
 
 namespace vistrane {
 
@@ -41,7 +42,7 @@ Pictures::~Pictures() = default;
 
 std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& path) const {
     const auto load = [&](OpenFile& file) -> PictureSourceResult {
-        FileBytesResult read = file.read();
+        FileBytesResult read = file.read(pngSignature);
         if (read.error) {
             return *read.error;
         }

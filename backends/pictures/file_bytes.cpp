@@ -92,7 +92,7 @@ std::variant<OpenFile, NSError> OpenFile::at(const std::string& path, std::uint6
 OpenFile::OpenFile(Descriptor descriptor, std::string path, const FileState& state)
     : descriptor_(std::move(descriptor)), path_(std::move(path)), state_(state) {}
 
-FileBytesResult OpenFile::read() {
+FileBytesResult OpenFile::read(std::span<const std::uint8_t> signature) {
     FileBytesResult result;
     // Reads instead of mapping: truncating a mapped file kills its readers.
     auto bytes = ByteArray::ofLength(static_cast<std::size_t>(state_.length));
@@ -100,10 +100,12 @@ FileBytesResult OpenFile::read() {
         result.error = outOfMemory(path_);
         return result;
     }
+    // Most frames are not longer, so that looking at the signature costs them no second call.
+    constexpr std::size_t firstPart = 4 << 20;
     std::size_t length = 0;
-    while (length < bytes->length()) {
-        const ssize_t got =
-            ::read(descriptor_.number(), bytes->data() + length, bytes->length() - length);
+    std::size_t wanted = std::min(bytes->length(), std::max(firstPart, signature.size()));
+    while (length < wanted) {
+        const ssize_t got = ::read(descriptor_.number(), bytes->data() + length, wanted - length);
         if (got < 0 && errno == EINTR) {
             continue;
         }
@@ -115,6 +117,10 @@ FileBytesResult OpenFile::read() {
             break;
         }
         length += static_cast<std::size_t>(got);
+        if (length >= signature.size() &&
+            std::equal(signature.begin(), signature.end(), bytes->data())) {
+            wanted = bytes->length();
+        }
     }
     bytes->shorten(length);
     result.bytes = std::move(*bytes);

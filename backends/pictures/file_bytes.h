@@ -44,9 +44,9 @@ public:
     /// The state when the file was opened.
     const FileState& state() const { return state_; }
 
-    /// Reads the whole file. Call once. If the file is truncated meanwhile, the result is shorter,
-    /// which the parser refuses.
-    FileBytesResult read();
+    /// Reads the whole file, or only its first part if it does not begin with `signature`. Call
+    /// once. If the file is truncated meanwhile, the result is shorter. The parser refuses both.
+    FileBytesResult read(std::span<const std::uint8_t> signature);
 
 private:
     OpenFile(Descriptor descriptor, std::string path, const FileState& state);

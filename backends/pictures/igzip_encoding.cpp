@@ -14,6 +14,7 @@
 #include "backends/pictures/LiteralBlock.h"
 #include "backends/pictures/PictureLimits.h"
 #include "backends/pictures/png_filters.h"
+#include "backends/pictures/png_header.h"
 
 namespace vistrane {
 
@@ -28,7 +29,6 @@ constexpr std::size_t slab = std::size_t{128} * 1024;
 constexpr std::uint32_t level = 1;
 constexpr std::size_t levelMemory = ISAL_DEF_LVL1_LARGE;
 
-constexpr std::array<std::uint8_t, 8> signature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 constexpr std::size_t chunkHeader = 8;
 constexpr std::size_t chunkChecksum = 4;
 constexpr std::uint8_t perMetre = 1;
@@ -63,7 +63,7 @@ bool appendHeader(ByteArray& file, const PictureShape& shape) {
     putNumber(size.data() + 4, shape.height);
     size[8] = 8;
     size[9] = shape.mayBeTransparent ? colourAndAlpha : colour;
-    if (!file.append(signature) || !appendChunk(file, "IHDR", size) ||
+    if (!file.append(pngSignature) || !appendChunk(file, "IHDR", size) ||
         !appendChunk<1>(file, "sRGB", {perceptual})) {
         return false;
     }

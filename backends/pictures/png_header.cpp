@@ -11,7 +11,6 @@ namespace vistrane {
 
 namespace {
 
-constexpr std::array<std::uint8_t, 8> signature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 /// Length, type and checksum.
 constexpr std::size_t chunkFrame = 12;
 /// The format's limit for four-byte numbers.
@@ -130,13 +129,13 @@ public:
         : file_(file), limits_(limits) {}
 
     std::variant<PngHeader, PngRefusal> read() {
-        if (file_.size() < signature.size() ||
-            !std::equal(signature.begin(), signature.end(), file_.begin())) {
+        if (file_.size() < pngSignature.size() ||
+            !std::equal(pngSignature.begin(), pngSignature.end(), file_.begin())) {
             return PngRefusal{PictureFault::NotAPicture, file_.empty() ? "is empty; remove it"
                                                                        : "is not a PNG file; "
                                                                          "convert or remove it"};
         }
-        std::size_t offset = signature.size();
+        std::size_t offset = pngSignature.size();
         while (!ended_) {
             const auto found = chunkAt(file_, offset);
             ++header_.chunksVisited;
@@ -177,7 +176,7 @@ private:
     std::optional<PngRefusal> takeDamaged(const Chunk& chunk) {
         if (hasPixels() && chunk.type == "IEND") {
             endWithFlaw(wrongChecksum(chunk));
-        } else if (chunk.isCritical() || chunk.offset == signature.size()) {
+        } else if (chunk.isCritical() || chunk.offset == pngSignature.size()) {
             return damaged(wrongChecksum(chunk));
         } else {
             addFlaw(wrongChecksum(chunk));
@@ -186,7 +185,7 @@ private:
     }
 
     std::optional<PngRefusal> take(const Chunk& chunk) {
-        if (chunk.offset == signature.size()) {
+        if (chunk.offset == pngSignature.size()) {
             return readSizeAndForm(chunk, limits_, header_);
         }
         if (chunk.type == "IDAT") {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -11,6 +12,10 @@
 #include "backends/pictures/picture_errors.h"
 
 namespace vistrane {
+
+/// How every PNG file begins.
+inline constexpr std::array<std::uint8_t, 8> pngSignature = {0x89, 'P',  'N',  'G',
+                                                             '\r', '\n', 0x1A, '\n'};
 
 /// A part of a file.
 struct ByteRange {

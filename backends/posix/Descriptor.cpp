@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <climits>
 
+#include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace vistrane {
@@ -12,6 +14,18 @@ namespace vistrane {
 int Descriptor::close() {
     // close() has released the descriptor even if a signal interrupted it.
     return isOpen() && ::close(release()) != 0 && errno != EINTR ? errno : 0;
+}
+
+bool hasFreeDescriptors(std::size_t count) {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        return true;
+    }
+    std::size_t free = 0;
+    for (rlim_t number = 0; number < limit.rlim_cur && free < count; ++number) {
+        free += ::fcntl(static_cast<int>(number), F_GETFD) == -1 ? 1 : 0;
+    }
+    return free >= count;
 }
 
 int writeAll(int descriptor, const void* bytes, std::size_t count,
@@ -40,12 +54,8 @@ int writeAll(int descriptor, const void* bytes, std::size_t count,
 }
 
 int syncToDisk(int descriptor) {
-    while (::fsync(descriptor) != 0) {
-        if (errno != EINTR) {
-            return errno == EINVAL ? 0 : errno;
-        }
-    }
-    return 0;
+    const int result = uninterrupted([descriptor] { return ::fsync(descriptor); });
+    return result == 0 || errno == EINVAL ? 0 : errno;
 }
 
 } // namespace vistrane

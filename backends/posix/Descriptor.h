@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -28,6 +29,19 @@ public:
 private:
     int number_;
 };
+
+/// Repeats a call of the system as long as a signal interrupts it. Returns its last result.
+template <typename Call>
+auto uninterrupted(Call call) {
+    auto result = call();
+    while (result == -1 && errno == EINTR) {
+        result = call();
+    }
+    return result;
+}
+
+/// Whether the process can open that many descriptors more.
+bool hasFreeDescriptors(std::size_t count);
 
 /// Writes all bytes, at the descriptor's position or, with `offset`, at that position of the file.
 /// Waits for room in a non-blocking pipe or terminal. Returns 0 or the error number.

@@ -11,6 +11,7 @@
 #include <ctime>
 #include <filesystem>
 #include <set>
+#include <utility>
 
 #include <unistd.h>
 
@@ -53,8 +54,10 @@ MovieOptions movieOptions(const MovieArguments& movie) {
     return result;
 }
 
-/// How long the end waits for a reader of the messages.
+/// How long the end waits for a reader of the messages that reads nothing.
 constexpr std::chrono::milliseconds messageTimeout{5000};
+/// How long the end after a signal waits for readers.
+constexpr std::chrono::milliseconds signalTimeout{200};
 
 /// Without a still for this time and three intervals, a capture of a number of stills has failed.
 constexpr std::chrono::seconds captureTimeout{60};
@@ -99,13 +102,23 @@ struct Session::Parts {
         }
     }
 
+    /// A reader that has gone wants no more results. After any other error, such as a full disk,
+    /// later ones may be written again.
+    void outputFailed(int error) {
+        outputIsClosed = outputIsClosed || error == EPIPE || error == EBADF;
+        if (isCapturing && !outputIsClosed && !std::exchange(outputFailureIsTold, true)) {
+            output.writeLine(outputError(error) + " Capturing goes on.");
+        }
+    }
+
     ConsoleOutput output{STDERR_FILENO};
     const std::function<void(const std::string&)> log = [this](const std::string& line) {
         output.writeLine(line);
     };
     QtRunLoop loop;
-    BackgroundWriter results{
-        STDOUT_FILENO, [this](int) { loop.mainQueue().async([this] { outputIsClosed = true; }); }};
+    BackgroundWriter results{STDOUT_FILENO, [this](int error) {
+                                 loop.mainQueue().async([this, error] { outputFailed(error); });
+                             }};
     MemoryUserDefaults defaults;
     CompileReport report;
     CommandObserver observer{log, loop, report};
@@ -124,6 +137,8 @@ struct Session::Parts {
     bool movieWasRefused = false;
     bool threadIsMissing = false;
     bool outputIsClosed = false;
+    bool outputFailureIsTold = false;
+    bool isCapturing = false;
     bool isInterrupted = false;
     /// Whether the next SIGINT ends a capture instead of the process. Any thread.
     std::atomic<bool> interruptEndsCapture = false;
@@ -144,7 +159,11 @@ Session::Session(const SessionOptions& options)
         parts_.isInterrupted = true;
         end(status);
     };
-    endings.cleanUp = options.cleanUp;
+    endings.cleanUp = [this] {
+        parts_.cleanUp();
+        parts_.results.flush(signalTimeout);
+        parts_.output.flush(signalTimeout);
+    };
     parts_.backend.handleSignals(endings);
     if (options.folder) {
         parts_.folder = *options.folder;
@@ -266,6 +285,7 @@ bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
     };
 
     waitForStampBoundary();
+    parts_.isCapturing = true;
     parts_.interruptEndsCapture = endsAtInterrupt;
     startButton.performClick();
     const auto started = std::chrono::steady_clock::now();
@@ -283,6 +303,7 @@ bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
         return isOver;
     });
 
+    parts_.isCapturing = false;
     parts_.interruptEndsCapture = false;
     // Stills that were requested before the end may still arrive.
     parts_.observer.frameWasSaved = saved;
@@ -317,10 +338,7 @@ Session::Movie Session::compile(int framesPerSecond) {
         end(1);
     }
     const CompileReport& report = parts_.report;
-    for (const std::string& line :
-         outcome->error ? report.linesWithoutMovie(*outcome->error) : report.lines()) {
-        say(line);
-    }
+    sayAll(outcome->error ? report.linesWithoutMovie(*outcome->error) : report.lines());
     if (outcome->error) {
         fail(outcome->error->localizedDescription);
     }
@@ -339,6 +357,16 @@ void Session::say(const std::string& message) {
     parts_.output.writeLine(message);
 }
 
+/// Waits for a reader that reads, so that none of many messages is left out.
+void Session::sayAll(const std::vector<std::string>& messages) {
+    constexpr std::size_t few = 1000;
+    bool isRead = true;
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+        isRead = isRead && (i % few != 0 || parts_.output.flushWhileRead(messageTimeout));
+        say(messages[i]);
+    }
+}
+
 void Session::end(int status) {
     parts_.output.showProgress(0.0, 0.0);
     if (parts_.isLaunched) {
@@ -346,7 +374,7 @@ void Session::end(int status) {
     }
     parts_.backend.endMovies(status);
     if (parts_.isInterrupted) {
-        parts_.results.flush(std::chrono::milliseconds(200));
+        parts_.results.flush(signalTimeout);
     } else if (!parts_.results.flush()) {
         say(outputError(parts_.results.failure()));
         status = 1;
@@ -354,7 +382,11 @@ void Session::end(int status) {
     if (status != 0) {
         parts_.cleanUp();
     }
-    parts_.output.flush(parts_.isInterrupted ? std::chrono::milliseconds(200) : messageTimeout);
+    if (parts_.isInterrupted) {
+        parts_.output.flush(signalTimeout);
+    } else {
+        parts_.output.flushWhileRead(messageTimeout);
+    }
     // Other threads may still be running, so nothing is destroyed.
     std::_Exit(status);
 }

@@ -69,8 +69,9 @@ public:
     Movie compile(int framesPerSecond);
 
     // ---- Output ------------------------------------------------------------------------------
-    /// Writes a result and `end` to standard output. Does not block. If standard output fails, the
-    /// process ends with status 1.
+    /// Writes a result and `end` to standard output. Does not block. If nobody can read
+    /// standard output any more, the process ends with status 1. After any other failure the result
+    /// is discarded, and the status at the end is 1.
     void print(const std::string& result, char end = '\n');
     /// Writes a message and a newline to standard error.
     void say(const std::string& message);
@@ -86,6 +87,7 @@ private:
 
     /// As the fields show it.
     std::chrono::seconds interval() const;
+    void sayAll(const std::vector<std::string>& messages);
     void waitUntil(const std::function<bool()>& condition);
     void waitForStampBoundary();
     void waitForListing(const std::string& path);

@@ -6,8 +6,8 @@
 
 namespace vistrane {
 
-/// Writes the program's messages to standard error. Any thread. Writing does not block; messages
-/// are discarded while more than a megabyte is unread.
+/// Writes the program's messages to standard error. Any thread. Writing does not block: while more
+/// than a megabyte is unread, the oldest messages are discarded, and one line says how many.
 class WindowLog {
 public:
     /// The caller keeps `descriptor` open. One for the process; it is never destroyed.

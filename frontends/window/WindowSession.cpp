@@ -115,6 +115,8 @@ struct WindowSession::Parts {
     /// Whether the settings are restored. Before that, ending saves nothing.
     bool isLaunched = false;
     std::atomic<bool> isEnding{false};
+    /// Whether nothing but movies that are being finished delays the end.
+    std::atomic<bool> waitsForMovies{false};
 };
 
 namespace {
@@ -319,9 +321,16 @@ void WindowSession::handleEndings() {
     running = this;
     std::atexit([] { running->end(1); });
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { end(0); });
-    parts_.backend.handleSignals({.end = [this](int status) { end(status); },
-                                  .isEnding = [this] { return parts_.isEnding.load(); },
-                                  .saveSettings = [this] { parts_.defaults.saveRemembered(); }});
+    parts_.backend.handleSignals(
+        {.end = [this](int status) { end(status); },
+         .isEnding = [this] { return parts_.isEnding && !parts_.waitsForMovies; },
+         .saveSettings =
+             [this] {
+                 if (!parts_.isEnding) {
+                     parts_.defaults.saveRemembered();
+                 }
+             },
+         .cleanUp = [this] { parts_.log.flush(); }});
 }
 
 bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
@@ -356,6 +365,7 @@ void WindowSession::end(int status) {
         }
         QGuiApplication::sync();
     }
+    parts_.waitsForMovies = true;
     parts_.backend.endMovies(status);
     parts_.log.flush();
     // Other threads may still be running, so nothing is destroyed.

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "backends/posix/threads.h"
+#include "backends/qt/system/message_bus.h"
 #include "frontends/window/WindowLog.h"
 #include "frontends/window/WindowSession.h"
 
@@ -55,6 +56,10 @@ void openWindow(const WindowOptions& options) {
     }
     log.takeMessagesOfQt();
     failWithoutThreads(log);
+    if (leaveHangingSessionBus()) {
+        log.write("The desktop's message bus does not answer: the window opens without the "
+                  "services of the desktop. Log out and in again.");
+    }
 
     QCoreApplication::setApplicationVersion(QString::fromStdString(options.version));
     makeApplication();

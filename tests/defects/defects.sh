@@ -116,8 +116,8 @@ defect FinishedMovieReplacesAFile backends/movies movies_test \
     'to.c_str(), 0)'
 
 defect NothingIsFlushedToTheDisk backends/posix 'posix_tests movies_test' \
-    'while (::fsync(descriptor) != 0) {' \
-    'while (descriptor < 0) {'
+    'return ::fsync(descriptor);' \
+    'return descriptor < 0 ? -1 : 0;'
 
 defect FailedIndexWriteIsIgnored backends/movies movies_test \
     'if (auto error = file_->write(index.data(), index.size())) { return error; }' \
@@ -134,7 +134,7 @@ defect ShortWriteCountsAsWhole backends/posix/Descriptor.cpp posix_tests \
     'count = 0;'
 
 defect WriteErrorIsForgotten backends/posix/BackgroundWriter.cpp posix_tests \
-    'error = result;' \
+    'error = error == 0 ? result : error;' \
     'error = 0;'
 
 defect ListingErrorCountsAsTheEnd backends/posix posix_tests \

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <csignal>
 #include <filesystem>
 
 #include "tests/desktop/DesktopTest.h"
@@ -9,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::SizeIs;
 
 /// The window while calls of the C library fail: see fault_shim.cpp.
 class FailingCalls : public DesktopTest {
@@ -77,6 +80,42 @@ TEST_F(FailingCalls, CapturingGoesOnAfterTheDiskWasFull) {
     await("the next frame", [this] { return namesEndingIn(".png", folder).size() > 3; });
     clickButton("Stop Auto Capture");
     EXPECT_THAT(program().log(), HasSubstr("No space left on device"));
+}
+
+TEST_F(FailingCalls, ADiskThatHangsHoldsUpNeitherTheEndNorLeavesAnUnfinishedMovie) {
+    startWithFault("fsync hang 1 0 .vistrane-part");
+    letCallsFail();
+    clickButton("Compile Movie");
+    await("the hanging call", [this] { return !contentsOf(faultLog).empty(); });
+    screen().close(mainWindow());
+    await("the windows to go", [this] {
+        const auto windows = screen().windows();
+        return std::none_of(windows.begin(), windows.end(), [this](const Window& each) {
+            return each.process == program().process();
+        });
+    });
+    program().signal(SIGTERM);
+    EXPECT_EQ(awaitEnd(), 128 + SIGTERM);
+    EXPECT_THAT(namesIn(folder), ElementsAre("001.png", "002.png", "003.png"));
+}
+
+TEST_F(FailingCalls, AMovieThatIsWholeWhenTheDiskHangsIsPublishedByTheNextCompile) {
+    startWithFault("fsync hang 2 2 .vistrane-part");
+    letCallsFail();
+    clickButton("Compile Movie");
+    await("the hanging call", [this] { return !contentsOf(faultLog).empty(); });
+    program().signal(SIGTERM);
+    EXPECT_EQ(awaitEnd(), 128 + SIGTERM);
+    EXPECT_THAT(namesIn(folder), SizeIs(4));
+    start({folder});
+    awaitFrame(3, 3);
+    clickButton("Compile Movie");
+    EXPECT_EQ(movieFacts(openedMovie()).times.size(), 3U);
+    const auto movies = namesEndingIn(".mov", folder);
+    ASSERT_THAT(movies, SizeIs(2));
+    for (const std::string& movie : movies) {
+        EXPECT_EQ(movieFacts(folder + "/" + movie).times.size(), 3U);
+    }
 }
 
 TEST_F(FailingCalls, WithoutMemoryForThePreviewTheProgramGoesOn) {

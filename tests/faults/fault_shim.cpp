@@ -6,7 +6,8 @@
 //   VISTRANE_FAULT_GATE  optional: nothing fails until this file exists
 //
 // CALL   a function, or a group: open, read, write, fsync, rename, readdir.
-// ERROR  the name of an error number. Or "short": a write transfers half of its bytes.
+// ERROR  the name of an error number. Or "short": a write transfers half of its bytes. Or "hang":
+//        the call never returns, as on a disk that does not answer.
 // FIRST, LAST  of the calls that match, the numbers of those that fail, from 1. A LAST of 0: all
 //              later ones.
 // WHERE  the rest of the line. For functions with a path or a descriptor: text that the path
@@ -47,8 +48,10 @@ struct ErrorName {
 };
 
 constexpr int shortWrite = -1;
+constexpr int hang = -2;
 
-constexpr std::array<ErrorName, 14> errorNames{{{"short", shortWrite},
+constexpr std::array<ErrorName, 15> errorNames{{{"short", shortWrite},
+                                                {"hang", hang},
                                                 {"EACCES", EACCES},
                                                 {"EAGAIN", EAGAIN},
                                                 {"EDQUOT", EDQUOT},
@@ -157,6 +160,9 @@ int errorOf(const char* group, const char* call, std::string_view where, std::si
         const long number = matches ? ++fault.calls : 0;
         if (matches && number >= fault.first && (fault.last == 0 || number <= fault.last)) {
             logFailure(call);
+            while (fault.error == hang) {
+                ::pause();
+            }
             return fault.error;
         }
     }

@@ -119,6 +119,13 @@ void FakeServices::offer(const QString& service) {
     offered_ << service;
 }
 
+void FakeServices::withdraw(const QString& service) {
+    bus_.unregisterService(service);
+    const std::lock_guard lock(mutex_);
+    offered_.removeAll(service);
+    inhibitors_.clear();
+}
+
 void FakeServices::answer(const std::string& method, const QVariantList& arguments) {
     const std::lock_guard lock(mutex_);
     answers_[method] = arguments;

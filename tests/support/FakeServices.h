@@ -31,6 +31,8 @@ public:
 
     /// Offers a service. Calls without an answer are refused as unknown.
     void offer(const QString& service);
+    /// Withdraws it, as the end of its process does, which also forgets every inhibition.
+    void withdraw(const QString& service);
     /// Answers calls of that method, given as "interface.method".
     void answer(const std::string& method, const QVariantList& arguments);
     /// Leaves calls unanswered, as a service does that hangs.

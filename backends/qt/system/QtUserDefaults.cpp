@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -33,6 +34,9 @@ using Values = std::map<std::string, QVariant>;
 /// The largest accepted file: far more than the program writes, but small enough for QSettings,
 /// which reads nested values recursively.
 constexpr off_t longestFile = 1 << 16;
+
+/// In the name of the folder in which a new file is made, before six random characters.
+constexpr char newMark[] = ".new-";
 
 /// The file's bytes. Returns 0 or the error number.
 int readFile(const std::string& path, QByteArray& text) {
@@ -222,11 +226,30 @@ int flushFile(const std::string& path) {
     return file.isOpen() ? syncToDisk(file.number()) : errno;
 }
 
+/// Removes what killed programs left of their saves: folders whose paths begin like that. None of a
+/// save that may still go on.
+void removeLeftovers(const std::filesystem::path& start) {
+    constexpr std::chrono::minutes longestSave{1};
+    const auto limit = std::filesystem::file_time_type::clock::now() - longestSave;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(start.parent_path(), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        std::error_code ignored;
+        if (entry->path().filename().string().starts_with(start.filename().string()) &&
+            entry->symlink_status(ignored).type() == std::filesystem::file_type::directory &&
+            entry->last_write_time(ignored) < limit) {
+            std::filesystem::remove_all(entry->path(), ignored);
+        }
+    }
+}
+
 /// Gives the file these values. It has either the old or the new ones at every moment, even if the
 /// power fails. Returns 0 or an error number.
 int replaceFile(const std::filesystem::path& path, const Values& values) {
     // A name of its own for each attempt: QSettings keeps what it could not write to a file.
-    const QTemporaryDir folder(QFile::decodeName((path.string() + ".new-XXXXXX").c_str()));
+    const std::string start = path.string() + newMark;
+    removeLeftovers(start);
+    const QTemporaryDir folder(QFile::decodeName((start + "XXXXXX").c_str()));
     if (!folder.isValid()) {
         return errno != 0 ? errno : EIO;
     }
@@ -235,7 +258,8 @@ int replaceFile(const std::filesystem::path& path, const Values& values) {
     if (error == 0) {
         error = flushFile(written);
     }
-    if (error == 0 && std::rename(written.c_str(), path.c_str()) != 0) {
+    const auto rename = [&] { return std::rename(written.c_str(), path.c_str()); };
+    if (error == 0 && uninterrupted(rename) != 0) {
         error = errno;
     }
     if (error == 0) {

@@ -1,6 +1,7 @@
 #include "backends/qt/system/SleepInhibitor.h"
 
 #include <array>
+#include <chrono>
 #include <utility>
 
 #include <QDBusConnection>
@@ -10,16 +11,22 @@
 #include <QDBusUnixFileDescriptor>
 #include <QVariantMap>
 
+#include "backends/qt/system/message_bus.h"
+
 namespace vistrane {
 
 namespace {
 
 constexpr char programName[] = "Vistrane";
+constexpr char portalService[] = "org.freedesktop.portal.Desktop";
+constexpr char loginService[] = "org.freedesktop.login1";
+constexpr char screenSaverService[] = "org.freedesktop.ScreenSaver";
 constexpr char reason[] = "Capturing a time-lapse";
 
 /// One service: its request, and how the inhibition that it granted is released. `releaseOf`
 /// returns null for an answer that grants none.
 struct Service {
+    const char* name;
     QDBusConnection (*bus)();
     QDBusMessage (*request)();
     std::function<void()> (*releaseOf)(const QDBusMessage& answer);
@@ -27,9 +34,9 @@ struct Service {
 
 QDBusMessage portalRequest() {
     constexpr uint suspending = 4;
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
-        "org.freedesktop.portal.Inhibit", "Inhibit");
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(portalService, "/org/freedesktop/portal/desktop",
+                                       "org.freedesktop.portal.Inhibit", "Inhibit");
     question << QString() << suspending << QVariantMap{{"reason", QString(reason)}};
     return question;
 }
@@ -40,16 +47,14 @@ std::function<void()> portalRelease(const QDBusMessage& answer) {
         return nullptr;
     }
     return [request] {
-        QDBusConnection::sessionBus().asyncCall(
-            QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", request.path(),
-                                           "org.freedesktop.portal.Request", "Close"));
+        QDBusConnection::sessionBus().asyncCall(QDBusMessage::createMethodCall(
+            portalService, request.path(), "org.freedesktop.portal.Request", "Close"));
     };
 }
 
 QDBusMessage loginRequest() {
-    QDBusMessage question =
-        QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1",
-                                       "org.freedesktop.login1.Manager", "Inhibit");
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        loginService, "/org/freedesktop/login1", "org.freedesktop.login1.Manager", "Inhibit");
     question << QString("sleep:idle") << QString(programName) << QString(reason)
              << QString("block");
     return question;
@@ -65,9 +70,9 @@ std::function<void()> loginRelease(const QDBusMessage& answer) {
 }
 
 QDBusMessage screenSaverRequest() {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
-        "org.freedesktop.ScreenSaver", "Inhibit");
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(screenSaverService, "/org/freedesktop/ScreenSaver",
+                                       "org.freedesktop.ScreenSaver", "Inhibit");
     question << QString(programName) << QString(reason);
     return question;
 }
@@ -79,23 +84,37 @@ std::function<void()> screenSaverRelease(const QDBusMessage& answer) {
         return nullptr;
     }
     return [cookie] {
-        QDBusMessage end = QDBusMessage::createMethodCall(
-            "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
-            "org.freedesktop.ScreenSaver", "UnInhibit");
+        QDBusMessage end =
+            QDBusMessage::createMethodCall(screenSaverService, "/org/freedesktop/ScreenSaver",
+                                           "org.freedesktop.ScreenSaver", "UnInhibit");
         QDBusConnection::sessionBus().asyncCall(end << cookie);
     };
 }
 
+/// Not connected if that would block.
+QDBusConnection systemBus() {
+    return hangs(MessageBus::system) ? QDBusConnection(QString()) : QDBusConnection::systemBus();
+}
+
 const std::array<Service, 3> services = {{
-    {QDBusConnection::sessionBus, portalRequest, portalRelease},
-    {QDBusConnection::systemBus, loginRequest, loginRelease},
-    {QDBusConnection::sessionBus, screenSaverRequest, screenSaverRelease},
+    {portalService, QDBusConnection::sessionBus, portalRequest, portalRelease},
+    {loginService, systemBus, loginRequest, loginRelease},
+    {screenSaverService, QDBusConnection::sessionBus, screenSaverRequest, screenSaverRelease},
 }};
 
 } // namespace
 
-SleepInhibitor::SleepInhibitor(std::function<void(const std::string&)> log)
-    : log_(std::move(log)) {}
+SleepInhibitor::SleepInhibitor(std::function<void(const std::string&)> log) : log_(std::move(log)) {
+    again_.setSingleShot(true);
+    again_.setInterval(std::chrono::seconds(1));
+    connect(&again_, &QTimer::timeout, this, [this] {
+        if (isAsking_) {
+            again_.start();
+        } else if (isActive_ && !release_) {
+            ask(0);
+        }
+    });
+}
 
 SleepInhibitor::~SleepInhibitor() = default;
 
@@ -112,20 +131,27 @@ void SleepInhibitor::setActive(bool active) {
 }
 
 void SleepInhibitor::ask(std::size_t service) {
-    // A call on a disconnected bus never finishes.
-    while (service < services.size() && !services.at(service).bus().isConnected()) {
-        ++service;
-    }
-    isAsking_ = isActive_ && service < services.size();
-    if (isAsking_) {
-        const QDBusPendingCall call =
-            services.at(service).bus().asyncCall(services.at(service).request());
-        auto* const watcher = new QDBusPendingCallWatcher(call, this);
+    gone_.clear();
+    for (; isActive_ && service < services.size(); ++service) {
+        const Service& each = services.at(service);
+        QDBusConnection bus = each.bus();
+        // A call on a disconnected bus never finishes.
+        if (!bus.isConnected()) {
+            continue;
+        }
+        // From any sender: QDBusServiceWatcher waits for the bus to say who its own sender is.
+        bus.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged",
+                    {QString(each.name)}, {}, this, SLOT(ownerChanged(QString, QString, QString)));
+        auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(each.request()), this);
         connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, service] {
             watcher->deleteLater();
             answered(service, watcher->reply());
         });
-    } else if (isActive_ && !std::exchange(hasWarned_, true)) {
+        isAsking_ = true;
+        return;
+    }
+    isAsking_ = false;
+    if (isActive_ && !std::exchange(hasWarned_, true)) {
         log_("The machine cannot be kept awake while frames are captured: no desktop service "
              "answers. Disable automatic suspend.");
     }
@@ -140,11 +166,28 @@ void SleepInhibitor::answered(std::size_t service, const QDBusMessage& answer) {
         return;
     }
     isAsking_ = false;
+    const QString name = services.at(service).name;
+    if (name == gone_) {
+        return; // with the inhibition
+    }
     if (isActive_) {
         release_ = std::move(release);
+        granter_ = name;
     } else {
         // Capturing has ended meanwhile.
         release();
+    }
+}
+
+void SleepInhibitor::ownerChanged(const QString& service, const QString& before, const QString&) {
+    if (!before.isEmpty()) {
+        gone_ = service;
+        if (service == granter_) {
+            release_ = nullptr; // not called: the number in it may be another program's by now
+        }
+    }
+    if (isActive_ && !release_) {
+        again_.start();
     }
 }
 

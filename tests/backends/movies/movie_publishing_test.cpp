@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <sys/syscall.h>
+#include <thread>
 #include <unistd.h>
 
 #include "tests/backends/movies/MovieTest.h"
@@ -16,7 +17,12 @@ namespace {
 // still be writing.
 std::atomic<int> renameError = 0;
 std::atomic<int> linkError = 0;
+/// How many of the next such calls a signal interrupts.
+std::atomic<int> interruptions = 0;
 std::atomic<int> syncError = 0;
+/// The number of the call of fsync that hangs, from 1, and how many calls there were.
+std::atomic<int> hangingSync = 0;
+std::atomic<int> syncs = 0;
 
 int failWith(int number) {
     errno = number;
@@ -30,16 +36,21 @@ int failWith(int number) {
 extern "C" {
 int renameat2(int oldFolder, const char* old, int newFolder, const char* name,
               unsigned int flags) noexcept {
-    return renameError != 0
+    return interruptions > 0 ? (--interruptions, failWith(EINTR))
+           : renameError != 0
                ? failWith(renameError)
                : static_cast<int>(::syscall(SYS_renameat2, oldFolder, old, newFolder, name, flags));
 }
 int linkat(int oldFolder, const char* old, int newFolder, const char* name, int flags) noexcept {
-    return linkError != 0
+    return interruptions > 0 ? (--interruptions, failWith(EINTR))
+           : linkError != 0
                ? failWith(linkError)
                : static_cast<int>(::syscall(SYS_linkat, oldFolder, old, newFolder, name, flags));
 }
 int fsync(int descriptor) {
+    if (const int call = ++syncs; call == hangingSync) {
+        hangingSync.wait(call);
+    }
     return syncError != 0 ? failWith(syncError)
                           : static_cast<int>(::syscall(SYS_fsync, descriptor));
 }
@@ -82,6 +93,16 @@ TEST_F(MoviePublishing, NeedsNeitherExclusiveRenameNorLinks) {
         EXPECT_EQ(failure(), "none");
         EXPECT_THAT(folder.names(), ElementsAre("m.mov"));
         EXPECT_FALSE(boxesOf(path).empty());
+        std::remove(path.c_str());
+    }
+}
+
+TEST_F(MoviePublishing, GetsItsNameAlthoughSignalsInterruptTheRenaming) {
+    for (const int first : {0, EINVAL}) {
+        renameError = first;
+        interruptions = 3;
+        EXPECT_EQ(failure(), "none");
+        EXPECT_THAT(folder.names(), ElementsAre("m.mov"));
         std::remove(path.c_str());
     }
 }
@@ -149,8 +170,38 @@ TEST_F(MoviePublishing, EndingWithoutATimeoutLeftLeavesACompleteMovieOrNothing) 
     movie.appendFrames(40, noise);
     movie.finish();
     movies.end(std::chrono::milliseconds(0));
-    const bool isWhole = !boxesOf(path).empty();
+    // It may have been complete and be about to get its name.
+    const bool isWhole = !observer.outcome(path);
+    EXPECT_EQ(!boxesOf(path).empty(), isWhole);
     EXPECT_THAT(folder.names(), testing::SizeIs(isWhole ? 1 : 0));
+}
+
+TEST_F(MoviePublishing, EndingWhileTheDiskHangsRemovesWhatIsIncompleteOnly) {
+    // In the first call the movie is brought to the disk, in the second the mark that it is
+    // complete.
+    for (const int call : {1, 2}) {
+        RecordingObserver recorder;
+        Movies making(recorder);
+        OpenMovie movie(making, path, 64, 48);
+        movie.appendFrames(3);
+        syncs = 0;
+        hangingSync = call;
+        movie.finish();
+        while (syncs < call) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        making.end(std::chrono::milliseconds(0));
+        if (call == 1) {
+            EXPECT_THAT(folder.names(), IsEmpty());
+        } else {
+            EXPECT_THAT(folder.names(), ElementsAre(".m.mov.vistrane-part"));
+            EXPECT_FALSE(boxesOf(folder / ".m.mov.vistrane-part").empty());
+        }
+        hangingSync = 0;
+        hangingSync.notify_all();
+        EXPECT_EQ(recorder.outcome(path).has_value(), call == 1);
+    }
+    EXPECT_THAT(folder.names(), ElementsAre("m.mov"));
 }
 
 } // namespace

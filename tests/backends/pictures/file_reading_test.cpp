@@ -4,6 +4,7 @@
 #include "backends/pictures/MediaImage.h"
 #include "backends/pictures/SharedPicture.h"
 #include "backends/pictures/file_bytes.h"
+#include "backends/pictures/png_header.h"
 #include "tests/backends/pictures/PicturesTest.h"
 
 namespace vistrane::testing {
@@ -47,6 +48,18 @@ TEST_F(PictureFiles, AnotherContentIsRefusedWithPathAndReason) {
         EXPECT_THAT(error.localizedDescription, AllOf(HasSubstr(path), HasSubstr(reason)));
     }
     EXPECT_EQ(observer_.unread.size(), 3U);
+}
+
+TEST_F(PictureFiles, AnotherContentIsNotReadWhole) {
+    constexpr std::uint64_t large = 1 << 28;
+    const auto lengthOf = [&](const Bytes& start) {
+        put(folder_ / "a.png", start);
+        EXPECT_EQ(::truncate((folder_ / "a.png").c_str(), large), 0);
+        auto file = OpenFile::at(folder_ / "a.png", large);
+        return std::get<OpenFile>(file).read(pngSignature).bytes.length();
+    };
+    EXPECT_LT(lengthOf({0xFF, 0xD8, 0xFF, 0xE0}), large / 10);
+    EXPECT_EQ(lengthOf(someFile()), large);
 }
 
 TEST_F(PictureFiles, WhatIsNoRegularFileIsRefusedWithoutWaiting) {

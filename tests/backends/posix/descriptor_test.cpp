@@ -3,9 +3,11 @@
 #include <cerrno>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "tests/backends/posix/Pipe.h"
@@ -54,6 +56,28 @@ TEST(WriteAll, ReturnsTheErrorNumber) {
     EXPECT_EQ(writeAll(full.number(), "x", 1), ENOSPC);
     const Pipe pipe;
     EXPECT_EQ(writeAll(pipe.ends[1], "x", 1, 7), ESPIPE);
+}
+
+TEST(FreeDescriptors, AreCountedUpToTheLimit) {
+    rlimit before{};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    const Descriptor last(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 100));
+    const Descriptor high(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, last.number() + 1));
+    for (const int more : {0, 5}) {
+        const rlimit few{static_cast<rlim_t>(high.number() + 1 + more), before.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+        std::size_t free = 0;
+        while (hasFreeDescriptors(free + 1)) {
+            ++free;
+        }
+        std::vector<Descriptor> opened;
+        for (int number = ::dup(STDERR_FILENO); number >= 0; number = ::dup(STDERR_FILENO)) {
+            opened.emplace_back(number);
+        }
+        EXPECT_EQ(free, opened.size());
+        EXPECT_FALSE(hasFreeDescriptors(1));
+    }
+    ::setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST(SyncToDisk, IsNoErrorWhereThereIsNoDisk) {

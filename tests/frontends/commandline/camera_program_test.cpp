@@ -70,6 +70,16 @@ protected:
     }
 };
 
+TEST_F(CameraProgram, WithFewDescriptorsNothingCrashes) {
+    for (const char* const limit : {"12", "24", "36", "48", "100"}) {
+        const Ended ended = runIn({"sh", "-c", "ulimit -n $0; exec \"$@\"", limit}, {"devices"});
+        EXPECT_EQ(ended.status, 0) << limit;
+        const bool isEnough = limit == std::string("100");
+        EXPECT_EQ(ended.output, isEnough ? "Testcam\n" : "") << limit;
+        EXPECT_EQ(ended.errors.find("too many files are open") == std::string::npos, isEnough);
+    }
+}
+
 TEST_F(CameraProgram, DevicesListsTheCamerasThenTheDemoCamera) {
     ASSERT_TRUE(testcam("start", "Othercam"));
     Ended ended = run({"devices"});

@@ -204,6 +204,23 @@ TEST_F(CaptureProgram, AReaderThatLeavesEndsIt) {
     expectWholeFramesOnly();
 }
 
+TEST_F(CaptureProgram, AListThatCannotBeWrittenDoesNotEndIt) {
+    const Ended ended = runIn({"sh", "-c", "exec \"$0\" \"$@\" >/dev/full"},
+                              captureArguments({"--interval", "1", "--count", "3"}));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.errors, HasSubstr("Cannot write to standard output: No space left on "
+                                        "device. Capturing goes on.\n"));
+    EXPECT_THAT(namesIn(folder), SizeIs(3));
+    expectWholeFramesOnly();
+}
+
+TEST_F(CaptureProgram, WithFewDescriptorsItEndsWithTheReason) {
+    const Ended ended =
+        runIn({"sh", "-c", "ulimit -n 40; exec \"$0\" \"$@\""}, captureArguments({"--count", "1"}));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.errors, HasSubstr("too many files are open"));
+}
+
 TEST_F(CaptureProgram, AFolderWithoutWritePermissionLosesEveryFrameWithAMessage) {
     const auto launcher = unprivilegedLauncher();
     if (!launcher) {

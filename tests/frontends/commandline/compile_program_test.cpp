@@ -453,6 +453,18 @@ TEST_F(CompileProgram, AMovieHasTheSizeOfItsFirstFrameInPoints) {
 // ---- Ending and leftovers
 // ------------------------------------------------------------------------
 
+TEST_F(CompileProgram, EveryReasonOfManyArrivesAndTheSummary) {
+    constexpr int bad = 15000;
+    for (int number = 1; number <= bad; ++number) {
+        writeFile(folder + "/" + std::to_string(number) + ".png", "");
+    }
+    writeFrame(folder + "/good.png", {});
+    const Ended ended = run({"compile", folder});
+    EXPECT_EQ(ended.status, 3);
+    EXPECT_EQ(count(ended.errors, "Not in the movie: "), bad);
+    EXPECT_THAT(ended.errors, EndsWith("\n1 of 15001 frames went into the movie.\n"));
+}
+
 class EndedCompile : public CompileProgram, public testing::WithParamInterface<int> {
 protected:
     void writeSlowFrames() const {

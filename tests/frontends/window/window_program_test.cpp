@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "tests/frontends/commandline/CommandLineTest.h"
+#include "tests/support/SilentSocket.h"
 
 namespace vistrane {
 namespace {
@@ -39,6 +40,16 @@ TEST_F(WindowProgram, ItEndsInOrderAtASignal) {
         EXPECT_THAT(settings(), HasSubstr("iMinute=0\n"));
         std::filesystem::remove(home + "/.config/vistrane/settings");
     }
+}
+
+TEST_F(WindowProgram, AMessageBusThatHangsCostsALineOnly) {
+    const SilentSocket silent;
+    options.environment["DBUS_SESSION_BUS_ADDRESS"] = silent.address();
+    options.environment["DBUS_SYSTEM_BUS_ADDRESS"] = silent.address();
+    const Ended ended = openAndEndBy(SIGTERM);
+    EXPECT_EQ(ended.status, 128 + SIGTERM);
+    EXPECT_THAT(ended.errors, HasSubstr("message bus does not answer"));
+    EXPECT_THAT(settings(), HasSubstr("iMinute=0\n"));
 }
 
 TEST_F(WindowProgram, ItsDescriptorsAreCloseOnExec) {

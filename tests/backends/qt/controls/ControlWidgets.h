@@ -22,6 +22,7 @@
 #include "backends/qt/controls/QtTextField.h"
 #include "backends/qt/controls/QtWindow.h"
 #include "platform/appkit/NSSliderCell.h"
+#include "tests/backends/qt/longest_wait.h"
 
 namespace vistrane {
 
@@ -79,7 +80,7 @@ public:
     void show() {
         window_.show();
         window_.activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window_));
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window_, longestWait));
     }
 
 private:

@@ -10,6 +10,7 @@
 #include "backends/qt/controls/QtResources.h"
 #include "backends/qt/controls/shown_text.h"
 #include "tests/backends/qt/controls/ControlWidgets.h"
+#include "tests/backends/qt/longest_wait.h"
 
 namespace vistrane {
 namespace {
@@ -52,7 +53,7 @@ TEST_F(QtButtonTest, TheShortcutOutlivesATitleOfTheProgram) {
     for (int times = 1; times <= 2; ++times) {
         QTest::keyClick(&widgets_.widget(), Qt::Key_S, Qt::AltModifier);
         // The click is sent after the button was drawn pressed.
-        EXPECT_TRUE(QTest::qWaitFor([&] { return sent_ == times; }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return sent_ == times; }, longestWait));
         button->setTitle("no such letter: -");
     }
 }

@@ -18,6 +18,7 @@
 #include "core/infopanel/mantisQRXpanel.h"
 #include "tests/backends/qt/controls/ControlWidgets.h"
 #include "tests/backends/qt/controls/interface_widgets.h"
+#include "tests/backends/qt/longest_wait.h"
 
 namespace vistrane {
 namespace {
@@ -51,7 +52,7 @@ protected:
         QWidget& window = interface_.mainWindow();
         window.show();
         window.activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window, longestWait));
     }
 
     QtResources resources_;
@@ -240,7 +241,7 @@ TEST_F(QtInterfaceTest, WithoutMenuBarAndStatusIconTheInfoPanelOpensByKeyAndCont
     ASSERT_FALSE(widget<QMenuBar>("menuBar").isVisible());
     QWidget& info = widget<QWidget>("infoPanel");
     QTest::keySequence(&interface_.mainWindow(), QKeySequence("Shift+F1"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return info.isVisible(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return info.isVisible(); }, longestWait));
     info.close();
 
     QMenu* const menu = openContextMenu(interface_);
@@ -257,7 +258,7 @@ TEST_F(QtInterfaceTest, ThePanelIsNotifiedWhenTheTipsWindowClosesByItsButtonOrBy
     tips.close();
     EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
     openTips();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&tips));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&tips, longestWait));
     QTest::keyClick(&tips, Qt::Key_Escape);
     EXPECT_FALSE(tips.isVisible());
     EXPECT_THAT(takeSent(), ElementsAre("windowWillClose:"));
@@ -308,10 +309,10 @@ TEST_F(QtInterfaceTest, UnhidingBringsTheMainWindowInFrontOfTheActiveOne) {
     application.setMainWindow(&main);
     show();
     widget<QAction>("infoItem").trigger();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("infoPanel")));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("infoPanel"), longestWait));
     outlet<NSWindow>(controller(), "myWindow")->makeKeyAndOrderFront(nullptr);
     application.activateIgnoringOtherApps(true);
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&main));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&main, longestWait));
     QCoreApplication::processEvents();
     EXPECT_EQ(QApplication::activeWindow(), &main);
 }
@@ -338,7 +339,7 @@ TEST_F(QtInterfaceTest, AWindowThatIsShownTooEarlyComesUpInFrontOfTheMainOne) {
     show();
     EXPECT_FALSE(tips.isVisible());
     interface_.setSmallWindowsHeldBack(false);
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&tips));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&tips, longestWait));
     EXPECT_FALSE(widget<QWidget>("infoPanel").isVisible());
     tips.close();
     interface_.setSmallWindowsHeldBack(false);
@@ -437,7 +438,7 @@ TEST_F(QtInterfaceAccessTest, ShortcutsWorkWhateverTheTitlesAre) {
             for (const QKeySequence& sequence : keys) {
                 QTest::keySequence(&interface_.mainWindow(), sequence);
                 // The click is sent after the button was drawn pressed.
-                EXPECT_TRUE(QTest::qWaitFor([this] { return !sent_.empty(); }));
+                EXPECT_TRUE(QTest::qWaitFor([this] { return !sent_.empty(); }, longestWait));
                 EXPECT_THAT(takeSent(), ElementsAre(selector)) << name << " " << title;
             }
         }
@@ -467,7 +468,7 @@ TEST_F(QtInterfaceAccessTest, AKeyThatIsHeldDownPressesAButtonOnce) {
         clicks = 0;
         QTest::simulateEvent(&button, true, key, modifiers, QString(), false);
         // The click is sent after the button was drawn pressed.
-        EXPECT_TRUE(QTest::qWaitFor([&] { return clicks > 0 && !button.isDown(); }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return clicks > 0 && !button.isDown(); }, longestWait));
         QTest::simulateEvent(&button, true, key, modifiers, QString(), true);
         QTest::simulateEvent(&button, true, key, modifiers, QString(), true);
         // Nor is it pressed for another click.
@@ -558,10 +559,12 @@ TEST_F(QtInterfaceAccessTest, LargeLettersMakeTheLeastWindowLargerAndHideNothing
         font.setPixelSize(pixels);
         window.setFont(font);
         show();
-        EXPECT_TRUE(QTest::qWaitFor([&] {
-            window.resize(1, 1);
-            return window.size() == window.minimumSizeHint();
-        }));
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] {
+                window.resize(1, 1);
+                return window.size() == window.minimumSizeHint();
+            },
+            longestWait));
         EXPECT_GT(window.height(), last.height());
         last = window.size();
         for (const QWidget* child : visibleWidgets()) {

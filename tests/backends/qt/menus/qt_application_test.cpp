@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "backends/qt/menus/QtApplication.h"
+#include "tests/backends/qt/longest_wait.h"
 
 namespace vistrane {
 namespace {
@@ -29,7 +30,7 @@ protected:
     void show() {
         window_.setGeometry(40, 50, 300, 200);
         window_.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window_));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window_, longestWait));
     }
     void leaveMenuBar() {
         EXPECT_TRUE(application_.setActivationPolicy(NSApplicationActivationPolicyAccessory));
@@ -40,7 +41,7 @@ protected:
     static void activate(QMainWindow& window) {
         window.show();
         window.activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window, longestWait));
     }
     QWidget* activeAfterActivating() {
         application_.activateIgnoringOtherApps(true);
@@ -135,7 +136,7 @@ TEST_F(QtApplications, ActivatingKeepsTheActiveWindowActive) {
     // Unless another one was just ordered to the front.
     QtApplication::orderFront(window_);
     application_.activateIgnoringOtherApps(true);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window_, longestWait));
     QCoreApplication::processEvents();
     EXPECT_EQ(QApplication::activeWindow(), &window_);
     // Afterwards it is the user who changes windows.

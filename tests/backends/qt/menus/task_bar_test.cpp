@@ -15,6 +15,7 @@
 
 #include "backends/qt/menus/QtApplication.h"
 #include "backends/qt/menus/TaskBar.h"
+#include "tests/backends/qt/longest_wait.h"
 
 namespace vistrane {
 namespace {
@@ -30,8 +31,8 @@ protected:
     void show() {
         window_.setGeometry(40, 50, 300, 200);
         window_.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window_));
-        ASSERT_TRUE(QTest::qWaitFor([this] { return isManaged(); }));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window_, longestWait));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return isManaged(); }, longestWait));
     }
 
     /// Whether the window manager manages and shows it.
@@ -49,12 +50,13 @@ protected:
     }
 
     bool waitFor(const char* state) {
-        return QTest::qWaitFor([&] { return states().contains(state); });
+        return QTest::qWaitFor([&] { return states().contains(state); }, longestWait);
     }
     bool waitUntilOut() { return waitFor(skipTaskBar) && waitFor(skipPager); }
     bool waitUntilIn() {
         return QTest::qWaitFor(
-            [this] { return !states().contains(skipTaskBar) && !states().contains(skipPager); });
+            [this] { return !states().contains(skipTaskBar) && !states().contains(skipPager); },
+            longestWait);
     }
 
     /// Waits until the window manager has handled all earlier requests.
@@ -107,7 +109,7 @@ TEST_F(TaskBar, AnAccessorysWindowIsOutsideOfTheTaskBarEachTimeItIsShown) {
     EXPECT_TRUE(waitUntilOut());
     window_.hide();
     // The window manager takes the states away from a window that was hidden.
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !isManaged(); }));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !isManaged(); }, longestWait));
     show();
     EXPECT_TRUE(waitUntilOut());
 }

@@ -9,6 +9,7 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include "tests/backends/qt/longest_wait.h"
 #include "tests/support/FakeServices.h"
 
 namespace vistrane {
@@ -18,9 +19,6 @@ constexpr char portalService[] = "org.freedesktop.portal.Desktop";
 constexpr char readMethod[] = "org.freedesktop.portal.Settings.Read";
 constexpr char appearanceGroup[] = "org.freedesktop.appearance";
 constexpr char colorSchemeKey[] = "color-scheme";
-
-/// In milliseconds; ends a test that would never end.
-constexpr int timeout = 60000;
 
 QVariant wrapped(const QVariant& value) {
     return QVariant::fromValue(QDBusVariant(value));
@@ -36,7 +34,7 @@ protected:
         const bool wasDark = appearance.isDark();
         appearance.setChangeHandler([&] { arrived = true; });
         services_.sendSetting(appearanceGroup, colorSchemeKey, QVariant(wasDark ? 2U : 1U));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return arrived; }, timeout));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return arrived; }, longestWait));
     }
 
     FakeServices& services_ = FakeServices::shared();
@@ -54,7 +52,7 @@ TEST_F(AppearanceTest, WithoutAPortalAChangedPaletteIsFollowed) {
     appearance.setChangeHandler([&] { changes.push_back(appearance.isDark()); });
     for (const bool isDark : {true, false}) {
         QApplication::setPalette(ownPalette(isDark));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return appearance.isDark() == isDark; }, timeout));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return appearance.isDark() == isDark; }, longestWait));
         EXPECT_EQ(changes.size(), isDark ? 1U : 2U);
     }
     QApplication::setPalette(QPalette());
@@ -86,7 +84,7 @@ TEST_F(AppearanceTest, ChangesAreReported) {
     std::vector<bool> reported;
     appearance.setChangeHandler([&] { reported.push_back(appearance.isDark()); });
     services_.sendSetting(appearanceGroup, colorSchemeKey, QVariant(1U));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return reported.size() == 1; }, timeout));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return reported.size() == 1; }, longestWait));
     services_.sendSetting(appearanceGroup, colorSchemeKey, QVariant(1U));
     // Signals in quick succession may overtake each other.
     QTest::qWait(50);
@@ -115,9 +113,9 @@ TEST_F(AppearanceTest, APortalThatAnswersLateIsNotWaitedForAndChangesThingsLater
     appearance.setChangeHandler([&] { reported = true; });
     services_.answer(readMethod, {wrapped(wrapped(1U))});
     EXPECT_TRUE(
-        QTest::qWaitFor([&] { return reported || services_.countOf("Read") >= 2; }, timeout));
+        QTest::qWaitFor([&] { return reported || services_.countOf("Read") >= 2; }, longestWait));
     services_.sendSetting(appearanceGroup, colorSchemeKey, QVariant(1U));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return reported; }, timeout));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return reported; }, longestWait));
     EXPECT_TRUE(appearance.isDark());
 }
 

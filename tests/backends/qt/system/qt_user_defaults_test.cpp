@@ -309,6 +309,21 @@ TEST_F(QtUserDefaultsTest, AFileThatWasRemovedWhileTheDiskWasFullIsWrittenWholeL
     EXPECT_THAT(folder_.names(), ElementsAre("settings"));
 }
 
+TEST_F(QtUserDefaultsTest, WhatAKilledSaveLeftIsRemovedByALaterSave) {
+    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+    for (const char* const name : {"settings.new-killed", "settings.old", "other.new-killed"}) {
+        write(folder_.makeFolder(name) + "/settings", "remains");
+        std::filesystem::last_write_time(folder_ / name, longAgo);
+    }
+    folder_.makeFolder("settings.new-saving");
+    std::filesystem::create_symlink(folder_ / "settings.old", folder_ / "settings.new-link");
+    QtUserDefaults defaults = open();
+    saveHour(defaults, 5);
+    EXPECT_THAT(folder_.names(), ElementsAre("other.new-killed", "settings", "settings.new-link",
+                                             "settings.new-saving", "settings.old"));
+    EXPECT_EQ(read(folder_ / "settings.old/settings"), "remains");
+}
+
 TEST_F(QtUserDefaultsTest, ALinkStaysALink) {
     std::filesystem::create_directory(folder_ / "elsewhere");
     std::filesystem::create_symlink("elsewhere/real", path_);

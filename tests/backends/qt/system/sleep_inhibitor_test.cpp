@@ -7,13 +7,17 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "tests/backends/qt/longest_wait.h"
+#include "tests/support/Environment.h"
 #include "tests/support/FakeServices.h"
+#include "tests/support/SilentSocket.h"
 
 namespace vistrane {
 namespace {
 
 using ::testing::ElementsAre;
 
+constexpr char portal[] = "org.freedesktop.portal.Desktop";
 constexpr char loginInhibit[] = "org.freedesktop.login1.Manager.Inhibit";
 constexpr char saverInhibit[] = "org.freedesktop.ScreenSaver.Inhibit";
 
@@ -23,8 +27,7 @@ protected:
 
     template <typename Condition>
     static bool waitFor(Condition condition) {
-        constexpr int timeoutMilliseconds = 60000;
-        return QTest::qWaitFor(condition, timeoutMilliseconds);
+        return QTest::qWaitFor(condition, longestWait);
     }
     bool waitUntilCalled(const std::string& call, int times = 1) {
         return waitFor([&] { return services_.countOf(call) >= times; });
@@ -90,6 +93,64 @@ TEST_F(SleepInhibitorTest, AnInhibitionThatIsGrantedTooLateIsReleased) {
     EXPECT_TRUE(waitUntilCalled("Close"));
     EXPECT_EQ(services_.inhibitions(), 0);
     EXPECT_FALSE(inhibitor_.isActive());
+}
+
+TEST_F(SleepInhibitorTest, AsksAgainWhenTheServiceThatGrantedItIsRestarted) {
+    services_.offerInhibition();
+    inhibitor_.setActive(true);
+    for (int times = 1; times <= 3; ++times) {
+        EXPECT_TRUE(waitFor([&] { return services_.inhibitions() == 1; }));
+        EXPECT_TRUE(waitUntilCalled("portal.Inhibit", times));
+        services_.withdraw(portal);
+        services_.offerInhibition();
+    }
+    EXPECT_TRUE(waitFor([&] { return services_.inhibitions() == 1; }));
+    inhibitor_.setActive(false);
+    EXPECT_TRUE(waitFor([&] { return services_.inhibitions() == 0; }));
+    EXPECT_EQ(services_.countOf("Close()"), 1);
+}
+
+TEST_F(SleepInhibitorTest, AsksAnotherServiceWhenTheFirstHasGone) {
+    offerScreenSaver();
+    services_.offerInhibition();
+    inhibitor_.setActive(true);
+    EXPECT_TRUE(waitFor([&] { return services_.inhibitions() == 1; }));
+    services_.withdraw(portal);
+    EXPECT_TRUE(waitUntilCalled("ScreenSaver.Inhibit"));
+    waitShortly();
+    inhibitor_.setActive(false);
+    EXPECT_TRUE(waitUntilCalled("ScreenSaver.UnInhibit(4711)"));
+    EXPECT_EQ(services_.countOf("Close()"), 0);
+}
+
+TEST_F(SleepInhibitorTest, AsksAServiceThatAppearsLater) {
+    inhibitor_.setActive(true);
+    EXPECT_TRUE(waitFor([&] { return !log_.empty(); }));
+    offerScreenSaver();
+    EXPECT_TRUE(waitUntilCalled("ScreenSaver.Inhibit"));
+}
+
+TEST_F(SleepInhibitorTest, AfterTheEndOfACaptureARestartedServiceIsNotAsked) {
+    services_.offerInhibition();
+    inhibitor_.setActive(true);
+    EXPECT_TRUE(waitFor([&] { return services_.inhibitions() == 1; }));
+    inhibitor_.setActive(false);
+    EXPECT_TRUE(waitFor([&] { return services_.inhibitions() == 0; }));
+    services_.withdraw(portal);
+    services_.offerInhibition();
+    // Longer than the delay of a new request.
+    QTest::qWait(1500);
+    EXPECT_EQ(services_.countOf("portal.Inhibit"), 1);
+}
+
+TEST_F(SleepInhibitorTest, ASystemBusThatHangsIsLeftOut) {
+    const SilentSocket silent;
+    const Environment bus("DBUS_SYSTEM_BUS_ADDRESS", silent.address().c_str());
+    services_.offer("org.freedesktop.login1");
+    offerScreenSaver();
+    inhibitor_.setActive(true);
+    EXPECT_TRUE(waitUntilCalled("ScreenSaver.Inhibit"));
+    EXPECT_EQ(services_.countOf("login1"), 0);
 }
 
 TEST_F(SleepInhibitorTest, ALackOfServicesIsLoggedOnce) {
