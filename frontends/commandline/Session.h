@@ -24,6 +24,7 @@ struct SessionOptions {
     bool findsCameras = false;
     bool demoCamera = false;
     MovieArguments movie = {};
+    Verbosity verbosity = Verbosity::usual;
     /// Called last when the process ends with an exit status other than 0. Any thread.
     std::function<void()> cleanUp = [] {};
 };
@@ -72,7 +73,9 @@ public:
     /// Writes a result and `end` to standard output. Does not block. If standard output fails, the
     /// process ends with status 1.
     void print(const std::string& result, char end = '\n');
-    /// Writes a message and a newline to standard error.
+    /// Writes a warning and a newline to standard error.
+    void warn(const std::string& message);
+    /// The same for what was done, which --quiet leaves out.
     void say(const std::string& message);
 
     /// Ends the process with that exit status, as if the user had quit: stops the camera session

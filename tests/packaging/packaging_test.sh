@@ -57,6 +57,25 @@ manualAndHelpAgree() {
         <(sed -n '/^Usage/,$p' <<<"$help" | commandsIn) || fail "the commands differ"
 }
 
+# manualHasTheHelp MANUAL HELP: each command and its description are the same in both.
+manualHasTheHelp() {
+    needs groff
+    local manual
+    manual=$(groff -t -man -Tascii -P-cbou -rLL=2000n -rHY=0 "$1" | tr -s ' \n' ' ')
+    contains() {
+        [[ $manual == *"$(tr -s ' \n' ' ' <<<"$1" | sed 's/^ //; s/ $//')"* ]] ||
+            fail "the manual does not say: $1"
+    }
+    contains "SYNOPSIS $(sed -nE '/^  vistrane/,/^      [^ ]/{/^      [^ ]/d;p}' "$2")"
+    contains "$(sed -nE '/^  vistrane capture/,/^  vistrane demo/{/^      [^ ]/p}' "$2")"
+    contains "$(sed -n '/^--demo-camera/,$p' "$2")"
+    [ "$(grep -c '^      [^ ]' "$2")" -gt 10 ] || fail "the help has no descriptions"
+    local line
+    while IFS= read -r line; do
+        contains "$line"
+    done < <(grep '^      [^ ]' "$2")
+}
+
 # completionsAgree FOLDER PROGRAM: the shells know the options of the help, and no others.
 completionsAgree() {
     local help shell
