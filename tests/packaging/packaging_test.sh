@@ -25,7 +25,10 @@ desktopEntryIsValid() {
 
 metainfoIsValid() {
     needs appstreamcli
-    appstreamcli validate --no-net --no-color "$1"
+    local found
+    found=$(appstreamcli validate --pedantic --no-net --no-color "$1") || fail "$found"
+    ! grep '^ *[EWIP]: ' <<<"$found" || fail "there are findings"
+    grep -q '<screenshot type="default">' "$1" || fail "there is no screenshot"
 }
 
 manualIsWellFormed() {
@@ -114,6 +117,32 @@ bashCompletes() {
     expectCompleted 'veryfast veryslow' "$program" compile folder --x264-preset very
 }
 
+# unitCaptures UNIT PROGRAM: the unit's command, with values as its configuration may have them,
+# captures from the demo camera until the unit's signal ends it as the unit expects.
+unitCaptures() {
+    local word command=() status=0
+    work=$(mktemp -d)
+    trap 'rm -rf "$work"' EXIT
+    export HOME=$work FOLDER="$work/my garden/new" DEVICE='Demo Camera' INTERVAL=1s
+    read -ra command <<<"$(sed -n 's/^ExecStart=vistrane //p' "$1")"
+    [ ${#command[@]} -gt 0 ] || fail "the unit has no command"
+    for word in "${!command[@]}"; do
+        if [[ ${command[word]} =~ ^\$\{([A-Z]+)\}$ ]]; then
+            command[word]=${!BASH_REMATCH[1]}
+        fi
+    done
+    mkfifo "$work/output"
+    # A background command of a script ignores SIGINT, which a command of systemd does not.
+    env --default-signal=INT "$2" "${command[@]}" --demo-camera >"$work/output" &
+    local program=$!
+    exec 7<"$work/output"
+    read -r <&7 && read -r <&7 || fail "it captures nothing"
+    kill -s "$(sed -n 's/^KillSignal=SIG//p' "$1")" "$program"
+    wait "$program" || status=$?
+    [ "$status" = "$(sed -n 's/^SuccessExitStatus=//p' "$1")" ] || fail "it ended with $status"
+    [ "$(find "$FOLDER" -name '*.png' | wc -l)" -ge 2 ] || fail "there are no frames"
+}
+
 # Skips shortcuts with Alt, which are visible in the window.
 manualNamesEveryKey() {
     local keys key
@@ -146,6 +175,13 @@ installIsComplete() {
         share/fish/vendor_completions.d/vistrane.fish lib/systemd/user/vistrane-capture@.service \
         share/doc/vistrane/LICENSE; do
         [ -s "$prefix/$file" ] || fail "$file is not installed"
+    done
+    local size icon
+    for size in 16 22 24 32 48 64 128 256 512; do
+        icon=share/icons/hicolor/${size}x$size/apps/vistrane.png
+        # The width and the height of a PNG file.
+        [ "$(od -An -j16 -N8 -tx1 "$prefix/$icon" | tr -d ' ')" = "$(printf '%08x%08x' $size $size)" ] ||
+            fail "$icon is missing or of another size"
     done
     "$prefix/bin/vistrane" --version >/dev/null || fail "the installed program does not run"
     # The entries must name the installed files.
