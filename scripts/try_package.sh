@@ -23,6 +23,7 @@ if [ "${2-}" != --inside ]; then
     mkdir -p "$results"
     : >"$log"
     work=$(mktemp -d)
+    chmod 755 "$work"
     trap 'rm -rf --one-file-system "$work"' EXIT
     # Mounts and processes end with the namespaces.
     unshare --mount --pid --fork --kill-child -- "$0" "$(readlink -f "$1")" --inside "$work"

@@ -31,6 +31,17 @@ metainfoIsValid() {
     grep -q '<screenshot type="default">' "$1" || fail "there is no screenshot"
 }
 
+# flatpakManifestIsValid MANIFEST METAINFO: the tool reports unknown properties on standard error.
+flatpakManifestIsValid() {
+    needs flatpak-builder
+    local found id
+    found=$(flatpak-builder --show-manifest "$1" 2>&1 >/dev/null) || fail "$found"
+    [ -z "$found" ] || fail "$found"
+    id=$(sed -n 's/.*<id>\(.*\)<.*/\1/p' "$2")
+    grep -q "\"id\": \"$id\"" "$1" || fail "the manifest does not have the identifier $id"
+    [ "$(basename "$1")" = "$id.json" ] || fail "the manifest has another name"
+}
+
 manualIsWellFormed() {
     needs groff
     local found
