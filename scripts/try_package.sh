@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Tries a Debian package in a clean Debian 12: scripts/try_package.sh PACKAGE
 #
-# scripts/package --try calls this. Requires root. In a new system that has nothing but apt, it
-# installs the package, captures from the demo camera, compiles, opens the window on a virtual
-# display, and removes the package; then nothing may be left but the user's files. Prints a line for
-# each step. The pictures of the window and the output of the tools are in build/try/.
+# scripts/package --try calls this. Requires root. In a new system that has nothing but what Debian
+# requires and systemd, which would leave files of its own, it installs the package, captures from the
+# demo camera, compiles, opens the window on a virtual display, and removes the package; then nothing
+# may be left but the user's files. Prints a line for each step. The picture of the window and the
+# output of the tools are in build/try/.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
@@ -65,7 +66,8 @@ project=$home/frames
 
 step 'A clean Debian 12'
 apt-config dump | grep -E '^Acquire::' | grep -v '""' >"$3/apt.conf"
-mmdebstrap --variant=apt --aptopt="$3/apt.conf" bookworm "$system" >>"$log" 2>&1 || fail 'no system'
+mmdebstrap --variant=minbase --include=systemd,dbus-user-session --aptopt="$3/apt.conf" \
+    bookworm "$system" >>"$log" 2>&1 || fail 'no system'
 mount -t proc proc "$system/proc"
 mount --rbind /dev "$system/dev"
 printf '#!/bin/sh\nexit 101\n' >"$system/usr/sbin/policy-rc.d"
