@@ -61,6 +61,11 @@ void appendMovie(Texts& arguments, const MovieArguments& movie) {
     appendOutput(arguments, movie);
 }
 
+void appendVerbosity(Texts& arguments, Verbosity verbosity) {
+    appendFlag(arguments, "--quiet", verbosity == Verbosity::quiet);
+    appendFlag(arguments, "--verbose", verbosity == Verbosity::verbose);
+}
+
 void appendFolder(Texts& arguments, const std::string& folder) {
     require(!folder.empty());
     arguments.insert(arguments.end(), {"--", folder});
@@ -86,6 +91,7 @@ struct Writer {
 
     Texts operator()(const DevicesCommand& command) const {
         Texts arguments{"devices"};
+        appendVerbosity(arguments, command.verbosity);
         appendFlag(arguments, "--demo-camera", command.demoCamera);
         appendFlag(arguments, "--json", command.isJson);
         return arguments;
@@ -93,6 +99,7 @@ struct Writer {
 
     Texts operator()(const FramesCommand& command) const {
         Texts arguments{"frames"};
+        appendVerbosity(arguments, command.verbosity);
         appendFlag(arguments, "--null", command.endsWithNul);
         appendFlag(arguments, "--json", command.isJson);
         appendFolder(arguments, command.folder);
@@ -101,6 +108,7 @@ struct Writer {
 
     Texts operator()(const CompileCommand& command) const {
         Texts arguments{"compile"};
+        appendVerbosity(arguments, command.verbosity);
         appendMovie(arguments, command.movie);
         appendFlag(arguments, "--json", command.isJson);
         appendFolder(arguments, command.folder);
@@ -110,6 +118,7 @@ struct Writer {
     Texts operator()(const CaptureCommand& command) const {
         require(!command.device.empty());
         Texts arguments{"capture", "--device=" + command.device};
+        appendVerbosity(arguments, command.verbosity);
         if (command.interval) {
             const auto& [hours, minutes, seconds] = *command.interval;
             arguments.push_back("--interval=" + hours + ":" + minutes + ":" + seconds);
@@ -143,6 +152,7 @@ struct Writer {
 
     Texts operator()(const DemoCommand& command) const {
         Texts arguments{"demo"};
+        appendVerbosity(arguments, command.verbosity);
         appendOutput(arguments, command.movie);
         if (command.folder) {
             appendFolder(arguments, *command.folder);

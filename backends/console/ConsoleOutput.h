@@ -9,10 +9,10 @@
 
 namespace vistrane {
 
-/// Writes lines and a progress bar to standard error. Any thread.
+/// Writes lines and the progress, a bar or a text, to standard error. Any thread.
 ///
-/// Lines of several threads are never mixed. On a terminal the bar is the last line and is redrawn
-/// below each new line. Without a terminal there is no bar.
+/// Lines of several threads are never mixed. On a terminal the progress is the last line and is
+/// redrawn below each new line. Without a terminal there is none.
 class ConsoleOutput {
 public:
     /// The caller keeps `descriptor` open. Whether it is a terminal is checked once, here.
@@ -25,9 +25,15 @@ public:
     /// and one line says how many. Text that cannot be written is discarded.
     void writeLine(std::string_view text);
 
-    /// Draws the bar at `value` of `maximum`. Removes it unless both are greater than 0 and the
-    /// maximum is finite.
-    void showProgress(double value, double maximum);
+    /// Draws the bar at `value` of `maximum`, and beside it the text, which is ASCII, if there is
+    /// room. Removes it unless both are greater than 0 and the maximum is finite.
+    void showProgress(double value, double maximum, std::string_view text = {});
+
+    /// Draws the text, which is ASCII, in place of the bar, as far as there is room. Removes it if
+    /// it is empty.
+    void showStatus(std::string_view text);
+
+    bool isTerminal() const { return isTerminal_; }
 
     /// Waits until everything is written, at most `timeout`.
     void flush(std::chrono::milliseconds timeout);
@@ -36,15 +42,16 @@ public:
     bool flushWhileRead(std::chrono::milliseconds pause);
 
 private:
-    std::string barFor(double value, double maximum) const;
+    std::string barFor(double value, double maximum, std::string_view text) const;
+    void showLastLine(std::string line);
     std::size_t columns() const;
 
     const int descriptor_;
     const bool isTerminal_;
     BackgroundWriter writer_;
     std::mutex mutex_;
-    /// The bar on the terminal, or an empty string.
-    std::string bar_;
+    /// The bar or the text on the terminal, or an empty string.
+    std::string lastLine_;
 };
 
 } // namespace vistrane

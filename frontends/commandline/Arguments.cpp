@@ -10,6 +10,7 @@
 
 #include "core/capture/interval.h"
 #include "frontends/commandline/durations.h"
+#include "frontends/commandline/help_text.h"
 
 // CLI11 parses the options. This is the only file that includes it, because it is slow to compile.
 // It does not parse commands, because "vistrane --demo-camera frames" must open the window with the
@@ -23,62 +24,33 @@ namespace {
 constexpr std::array presets = {"ultrafast", "superfast", "veryfast", "faster",   "fast",
                                 "medium",    "slow",      "slower",   "veryslow", "placebo"};
 
-/// How a command is used. The window has no name.
+/// How a command is used: its part of help.txt. The window has no name.
 struct CommandHelp {
     std::string_view name;
-    const char* text;
+    std::string_view text;
 };
 
-constexpr std::array commandHelps = {
-    CommandHelp{"", R"(  vistrane [FOLDER] [--demo-camera]
-      Open the window. A folder is used as if you had just chosen it in the window. If it has the
-      name of a command, write it as a path: ./demo.
-)"},
-    CommandHelp{"devices", R"(  vistrane devices [--json] [--demo-camera]
-      Print the names of the cameras, one per line.
-)"},
-    CommandHelp{"frames", R"(  vistrane frames FOLDER [--null | --json]
-      Print the full paths of the folder's frames in movie order, one per line. With --null, a
-      NUL byte ends each path instead.
-)"},
-    CommandHelp{"compile", R"(  vistrane compile FOLDER [--fps N] [--x264-preset NAME] [--crf N]
-                   [--output FILE [--force]] [--json]
-      Make a movie of the folder's frames, in the folder or as --output, and print its path.
-      --fps sets the frames per second, 1 to 60; the default is 30. An existing file is replaced
-      with --force only. --json prints the path, the frames, those that were left out and why,
-      the size and the duration.
-)"},
-    CommandHelp{"capture",
-                R"(  vistrane capture FOLDER --device NAME [--interval TIME] [--create]
-                   [--count N] [--duration TIME] [--until MOMENT]
-                   [--compile [--fps N] [--x264-preset NAME] [--crf N]
-                   [--output FILE [--force]]] [--demo-camera]
-      Save a still into the folder now and after every interval, and print each path. --create
-      makes the folder if it does not exist. The interval is 1 second to 999:59:59; the default
-      is 5 seconds. TIME is a number of seconds, M:S, H:M:S, or with units: 90s, 10m, 1h30m.
-      Capturing ends after --count frames, after --duration, or at --until, a time of day (18:30)
-      or a date and time (2030-12-31T18:30); otherwise when it is interrupted. With --compile a
-      movie of the folder is made at the end; without --count an interrupt (Ctrl+C) leads to it,
-      too, and a second one ends at once. With --count, it fails when the camera gives no still
-      for a minute and three intervals.
-)"},
-    CommandHelp{"demo", R"(  vistrane demo [FOLDER] [--output FILE [--force]]
-      Capture ten stills from the demo camera, one per second, make a movie of them at 10 frames
-      per second, and print its path. The default folder is a new one in your Videos folder.
-)"},
-    CommandHelp{"help", R"(  vistrane help [COMMAND] | --help | --version
-      Print how all commands, or one, are used; or the version. -h and -V are short forms.
-)"},
-};
+constexpr std::string_view allHelp = helpFile;
+/// How the part of a command begins. The other lines are indented more.
+constexpr std::string_view usageLine = "\n  vistrane ";
 
-constexpr char generalHelp[] = R"(
---demo-camera offers a built-in test picture under the name "Demo Camera". --json prints one JSON
-document; bytes of names that are no text are replaced there.
+/// What follows the commands, with the empty line before it.
+std::string_view generalHelp() {
+    return allHelp.substr(allHelp.find("\n\n", allHelp.find(usageLine)) + 1);
+}
 
-Results go to standard output, messages to standard error. The exit status is 0 for success, 1
-for a failure, 2 for wrong usage, 3 for a movie without some of the frames, and 129, 130 or 143
-after SIGHUP, SIGINT or SIGTERM.
-)";
+std::vector<CommandHelp> commandHelps() {
+    const std::size_t end = allHelp.size() - generalHelp().size();
+    std::vector<CommandHelp> commands;
+    for (std::size_t at = allHelp.find(usageLine); at < end;) {
+        const std::size_t next = std::min(allHelp.find(usageLine, at + 1), end - 1);
+        const std::string_view rest = allHelp.substr(at + usageLine.size());
+        const std::size_t length = rest.find_first_not_of("abcdefghijklmnopqrstuvwxyz");
+        commands.push_back({rest.substr(0, length), allHelp.substr(at + 1, next - at)});
+        at = next < end - 1 ? next : end;
+    }
+    return commands;
+}
 
 /// The number of letters to insert, to remove, to replace or to exchange with their neighbours
 /// (the optimal string alignment distance).
@@ -214,6 +186,22 @@ std::vector<std::string> parseOptions(CLI::App& app, const std::vector<std::stri
     return operands;
 }
 
+/// The same for a command that has a session.
+std::vector<std::string> parseSessionOptions(CLI::App& app,
+                                             const std::vector<std::string>& arguments,
+                                             Verbosity& verbosity) {
+    bool isQuiet = false;
+    bool isVerbose = false;
+    app.add_flag("--quiet", isQuiet);
+    app.add_flag("--verbose", isVerbose);
+    std::vector<std::string> operands = parseOptions(app, arguments);
+    if (isQuiet && isVerbose) {
+        throw UsageError("--quiet and --verbose exclude each other.");
+    }
+    verbosity = isQuiet ? Verbosity::quiet : isVerbose ? Verbosity::verbose : Verbosity::usual;
+    return operands;
+}
+
 /// The only operand of a command, or nothing.
 std::optional<std::string> optionalFolder(const std::vector<std::string>& operands) {
     if (operands.empty()) {
@@ -245,7 +233,8 @@ DevicesCommand parseDevices(const std::vector<std::string>& arguments) {
     CLI::App app;
     app.add_flag("--demo-camera", command.demoCamera);
     app.add_flag("--json", command.isJson);
-    const std::vector<std::string> operands = parseOptions(app, arguments);
+    const std::vector<std::string> operands =
+        parseSessionOptions(app, arguments, command.verbosity);
     if (!operands.empty()) {
         throw UsageError("'" + operands.front() + "' is one argument too many.");
     }
@@ -257,7 +246,7 @@ FramesCommand parseFrames(const std::vector<std::string>& arguments) {
     CLI::App app;
     app.add_flag("--null", command.endsWithNul);
     app.add_flag("--json", command.isJson);
-    command.folder = requiredFolder(parseOptions(app, arguments));
+    command.folder = requiredFolder(parseSessionOptions(app, arguments, command.verbosity));
     if (command.endsWithNul && command.isJson) {
         throw UsageError("--null and --json exclude each other.");
     }
@@ -269,7 +258,7 @@ CompileCommand parseCompile(const std::vector<std::string>& arguments) {
     CLI::App app;
     addMovieOptions(app, command.movie);
     app.add_flag("--json", command.isJson);
-    command.folder = requiredFolder(parseOptions(app, arguments));
+    command.folder = requiredFolder(parseSessionOptions(app, arguments, command.verbosity));
     checkOutputOptions(command.movie);
     return command;
 }
@@ -306,7 +295,7 @@ CaptureCommand parseCapture(const std::vector<std::string>& arguments) {
                              value + "'.");
         }
     });
-    command.folder = requiredFolder(parseOptions(app, arguments));
+    command.folder = requiredFolder(parseSessionOptions(app, arguments, command.verbosity));
     if (command.device.empty()) {
         throw UsageError("--device is missing; 'vistrane devices' lists the names.");
     }
@@ -325,7 +314,7 @@ DemoCommand parseDemo(const std::vector<std::string>& arguments) {
     DemoCommand command;
     CLI::App app;
     addOutputOptions(app, command.movie);
-    command.folder = optionalFolder(parseOptions(app, arguments));
+    command.folder = optionalFolder(parseSessionOptions(app, arguments, command.verbosity));
     checkOutputOptions(command.movie);
     return command;
 }
@@ -408,30 +397,27 @@ ParsedArguments parseArguments(const std::vector<std::string>& arguments) {
 
 std::string helpText(const std::string& topic) {
     if (topic.empty()) {
-        std::string text = "Vistrane makes time-lapse movies from a camera.\n\nUsage:\n";
-        for (const CommandHelp& each : commandHelps) {
-            text += each.text;
-        }
-        text += generalHelp;
-        return text;
+        return std::string(allHelp);
     }
-    const auto* const found =
-        std::find_if(commandHelps.begin(), commandHelps.end(),
-                     [&](const CommandHelp& each) { return each.name == topic; });
-    return found == commandHelps.end() ? "" : "Usage:\n" + std::string(found->text) + generalHelp;
+    const std::vector<CommandHelp> commands = commandHelps();
+    const auto found = std::find_if(commands.begin(), commands.end(),
+                                    [&](const CommandHelp& each) { return each.name == topic; });
+    return found == commands.end()
+               ? ""
+               : "Usage:\n" + std::string(found->text) + std::string(generalHelp());
 }
 
 std::string similarCommand(const std::string& word) {
-    std::string best;
+    std::string_view best;
     std::size_t fewest = 3;
-    for (const CommandHelp& each : commandHelps) {
+    for (const CommandHelp& each : commandHelps()) {
         const std::size_t mistakes = typingMistakes(word, each.name);
         if (!each.name.empty() && mistakes < std::min(fewest, each.name.size() / 2)) {
             fewest = mistakes;
             best = each.name;
         }
     }
-    return best;
+    return std::string(best);
 }
 
 } // namespace vistrane

@@ -13,6 +13,16 @@ namespace vistrane {
 /// The texts for the interval's three fields (hours, minutes, seconds).
 using IntervalTexts = std::array<std::string, 3>;
 
+/// What a command says on standard error: warnings and errors always.
+enum class Verbosity {
+    /// Nothing else.
+    quiet,
+    /// And what was done, with the progress on a terminal.
+    usual,
+    /// And the log lines.
+    verbose,
+};
+
 /// How to encode a movie.
 struct MovieArguments {
     /// 1 to 60, the slider's range.
@@ -42,18 +52,21 @@ struct WindowCommand {
 struct DevicesCommand {
     bool demoCamera = false;
     bool isJson = false;
+    Verbosity verbosity = Verbosity::usual;
 };
 
 struct FramesCommand {
     std::string folder;
     bool endsWithNul = false;
     bool isJson = false;
+    Verbosity verbosity = Verbosity::usual;
 };
 
 struct CompileCommand {
     std::string folder;
     MovieArguments movie;
     bool isJson = false;
+    Verbosity verbosity = Verbosity::usual;
 };
 
 /// When a capture ends. Without any of these, at a signal.
@@ -77,6 +90,7 @@ struct CaptureCommand {
     bool compiles = false;
     MovieArguments movie;
     bool demoCamera = false;
+    Verbosity verbosity = Verbosity::usual;
 };
 
 struct DemoCommand {
@@ -84,6 +98,7 @@ struct DemoCommand {
     std::optional<std::string> folder;
     /// `output` and `replaces` only.
     MovieArguments movie;
+    Verbosity verbosity = Verbosity::usual;
 };
 
 using Command = std::variant<HelpCommand, VersionCommand, WindowCommand, DevicesCommand,

@@ -48,9 +48,13 @@ std::vector<std::string> CompileReport::lines() const {
     for (const LeftOut& each : leftOut_) {
         lines.push_back(lineFor(each));
     }
-    lines.push_back(std::to_string(appended_) + " of " +
-                    std::to_string(appended_ + leftOut_.size()) + " frames went into the movie.");
     return lines;
+}
+
+std::string CompileReport::summary() const {
+    const std::lock_guard lock(mutex_);
+    return std::to_string(appended_) + " of " + std::to_string(appended_ + leftOut_.size()) +
+           " frames went into the movie.";
 }
 
 std::vector<std::string> CompileReport::linesWithoutMovie(const NSError& reason) const {

@@ -25,8 +25,10 @@ public:
         std::string reason;
     };
     std::vector<LeftOut> leftOut() const;
-    /// A line for each frame that was left out, then a line with the counts.
+    /// A line for each frame that was left out.
     std::vector<std::string> lines() const;
+    /// A line with the counts.
+    std::string summary() const;
     /// The lines for a movie that failed, whose reason says whether a file is left. Omits frames
     /// that were refused for the same reason, because they are not the cause.
     std::vector<std::string> linesWithoutMovie(const NSError& reason) const;

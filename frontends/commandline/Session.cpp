@@ -13,6 +13,7 @@
 #include <set>
 #include <utility>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "backends/cameras/AwakeClock.h"
@@ -27,6 +28,8 @@
 #include "frontends/SessionBackend.h"
 #include "frontends/commandline/CommandObserver.h"
 #include "frontends/commandline/SessionAppKit.h"
+#include "frontends/commandline/log_lines.h"
+#include "frontends/commandline/progress_texts.h"
 #include "frontends/commandline/version.h"
 #include "platform/shown_text.h"
 
@@ -62,6 +65,13 @@ constexpr std::chrono::milliseconds signalTimeout{200};
 /// Without a still for this time and three intervals, a capture of a number of stills has failed.
 constexpr std::chrono::seconds captureTimeout{60};
 
+bool isSameDevice(int one, int other) {
+    struct stat first {};
+    struct stat second {};
+    return ::fstat(one, &first) == 0 && ::fstat(other, &second) == 0 && S_ISCHR(first.st_mode) &&
+           S_ISCHR(second.st_mode) && first.st_rdev == second.st_rdev;
+}
+
 std::size_t entryCount(const std::string& folder) {
     std::error_code error;
     std::filesystem::directory_iterator entry(folder, error);
@@ -81,12 +91,21 @@ std::string outputError(int number) {
 /// The back end and the controller, in the order of their dependencies.
 struct Session::Parts {
     explicit Parts(const SessionOptions& options)
-        : backend(loop, defaults, log, observer,
+        : verbosity(options.verbosity),
+          backend(loop, defaults, systemLog, observer,
                   {programVersion, cameraOptions(options), movieOptions(options.movie)}),
           cleanUp(options.cleanUp) {
         backend.foundation.setThreadFailureHandler([this] { threadIsMissing = true; });
-        interface.progressBar->setObserver(
-            [this](double value, double maximum) { output.showProgress(value, maximum); });
+    }
+
+    /// Any thread. The stills that the camera did not deliver are known from their log lines only.
+    void writeLogLine(const std::string& line) {
+        if (verbosity == Verbosity::verbose || !isDetail(line)) {
+            output.writeLine(line);
+        }
+        if (isLostStill(line)) {
+            ++undelivered;
+        }
     }
 
     NSModalResponse answer() {
@@ -111,9 +130,19 @@ struct Session::Parts {
         }
     }
 
+    const Verbosity verbosity;
     ConsoleOutput output{STDERR_FILENO};
+    const bool showsProgress = output.isTerminal() && verbosity != Verbosity::quiet;
+    /// Whether the paths of frames go to the terminal that shows the progress. They are written
+    /// like messages then, which never meet the progress on one line.
+    const bool sharesTerminal = showsProgress && isSameDevice(STDOUT_FILENO, STDERR_FILENO);
+    bool isCapturing = false;
+    std::atomic<int> undelivered = 0;
     const std::function<void(const std::string&)> log = [this](const std::string& line) {
         output.writeLine(line);
+    };
+    const std::function<void(const std::string&)> systemLog = [this](const std::string& line) {
+        writeLogLine(line);
     };
     QtRunLoop loop;
     BackgroundWriter results{STDOUT_FILENO, [this](int error) {
@@ -138,7 +167,6 @@ struct Session::Parts {
     bool threadIsMissing = false;
     bool outputIsClosed = false;
     bool outputFailureIsTold = false;
-    bool isCapturing = false;
     bool isInterrupted = false;
     /// Whether the next SIGINT ends a capture instead of the process. Any thread.
     std::atomic<bool> interruptEndsCapture = false;
@@ -203,8 +231,8 @@ std::vector<std::string> Session::frames() {
              "'. See that it is there and that you may read it.");
     }
     if (const std::size_t entries = list->empty() ? entryCount(parts_.folder) : 0) {
-        say("There are no frames in '" + shownText(parts_.folder) + "': 0 of " +
-            std::to_string(entries) + " entries end in '.png'.");
+        warn("There are no frames in '" + shownText(parts_.folder) + "': 0 of " +
+             std::to_string(entries) + " entries end in '.png'.");
     }
     return *list;
 }
@@ -241,7 +269,9 @@ void Session::enterInterval(const IntervalTexts& texts) {
     interface.hInput->userTypes(texts[0]);
     interface.mInput->userTypes(texts[1]);
     interface.sInput->userTypes(texts[2]);
-    say(interface.timeD->stringValue());
+    if (parts_.verbosity == Verbosity::verbose) {
+        say(interface.timeD->stringValue());
+    }
 }
 
 std::chrono::seconds Session::interval() const {
@@ -255,6 +285,7 @@ bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
     ConsoleButton& startButton = *parts_.interface.startB;
     std::set<std::string> paths;
     std::string lastPath;
+    int savedStills = 0;
     int failures = 0;
     bool isOver = false;
     const auto timeout = captureTimeout + 3 * interval();
@@ -274,6 +305,7 @@ bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
     parts_.observer.frameWasSaved = [&](const std::string& path) {
         saved(path);
         lastPath = path;
+        ++savedStills;
         if (end.count) {
             paths.insert(path);
         }
@@ -291,6 +323,11 @@ bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
     const auto started = std::chrono::steady_clock::now();
     waitUntil([&] {
         const auto now = std::chrono::steady_clock::now();
+        if (parts_.showsProgress) {
+            parts_.output.showStatus(
+                captureProgress({savedStills, failures + parts_.undelivered, end.count,
+                                 timeToNext(now - started, interval())}));
+        }
         if (!isOver &&
             ((end.duration && now >= started + *end.duration) ||
              (end.until && std::time(nullptr) >= *end.until) || parts_.captureWasInterrupted)) {
@@ -305,6 +342,7 @@ bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
 
     parts_.isCapturing = false;
     parts_.interruptEndsCapture = false;
+    parts_.output.showStatus({});
     // Stills that were requested before the end may still arrive.
     parts_.observer.frameWasSaved = saved;
     parts_.observer.frameCouldNotBeSaved = nullptr;
@@ -327,6 +365,14 @@ Session::Movie Session::compile(int framesPerSecond) {
     frames();
     const ConsoleInterface& interface = parts_.interface;
     interface.fpsS->userMoves(framesPerSecond);
+    if (parts_.showsProgress) {
+        const auto started = std::chrono::steady_clock::now();
+        interface.progressBar->setObserver([this, started](double value, double maximum) {
+            parts_.output.showProgress(
+                value, maximum,
+                compileProgress(value, maximum, std::chrono::steady_clock::now() - started));
+        });
+    }
     interface.compilingB->performClick();
     if (parts_.alertWasShown || parts_.threadIsMissing) {
         end(1);
@@ -338,10 +384,11 @@ Session::Movie Session::compile(int framesPerSecond) {
         end(1);
     }
     const CompileReport& report = parts_.report;
-    sayAll(outcome->error ? report.linesWithoutMovie(*outcome->error) : report.lines());
+    warnAll(outcome->error ? report.linesWithoutMovie(*outcome->error) : report.lines());
     if (outcome->error) {
         fail(outcome->error->localizedDescription);
     }
+    say(report.summary());
     if (::access(outcome->movie.path.c_str(), F_OK) != 0) {
         fail("The movie is complete, but not at '" + shownText(outcome->movie.path) +
              "': the project folder was moved meanwhile, and the movie with it.");
@@ -350,25 +397,35 @@ Session::Movie Session::compile(int framesPerSecond) {
 }
 
 void Session::print(const std::string& result, char end) {
-    parts_.results.write(result + end);
+    if (parts_.isCapturing && parts_.sharesTerminal) {
+        parts_.output.writeLine(result);
+    } else {
+        parts_.results.write(result + end);
+    }
 }
 
-void Session::say(const std::string& message) {
+void Session::warn(const std::string& message) {
     parts_.output.writeLine(message);
 }
 
 /// Waits for a reader that reads, so that none of many messages is left out.
-void Session::sayAll(const std::vector<std::string>& messages) {
+void Session::warnAll(const std::vector<std::string>& messages) {
     constexpr std::size_t few = 1000;
     bool isRead = true;
     for (std::size_t i = 0; i < messages.size(); ++i) {
         isRead = isRead && (i % few != 0 || parts_.output.flushWhileRead(messageTimeout));
-        say(messages[i]);
+        warn(messages[i]);
+    }
+}
+
+void Session::say(const std::string& message) {
+    if (parts_.verbosity != Verbosity::quiet) {
+        parts_.output.writeLine(message);
     }
 }
 
 void Session::end(int status) {
-    parts_.output.showProgress(0.0, 0.0);
+    parts_.output.showStatus({});
     if (parts_.isLaunched) {
         parts_.controller.applicationWillTerminate();
     }
@@ -376,7 +433,7 @@ void Session::end(int status) {
     if (parts_.isInterrupted) {
         parts_.results.flush(signalTimeout);
     } else if (!parts_.results.flush()) {
-        say(outputError(parts_.results.failure()));
+        warn(outputError(parts_.results.failure()));
         status = 1;
     }
     if (status != 0) {
@@ -392,7 +449,7 @@ void Session::end(int status) {
 }
 
 void Session::fail(const std::string& message) {
-    say("vistrane: " + message);
+    warn("vistrane: " + message);
     end(1);
 }
 

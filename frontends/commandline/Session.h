@@ -24,6 +24,7 @@ struct SessionOptions {
     bool findsCameras = false;
     bool demoCamera = false;
     MovieArguments movie = {};
+    Verbosity verbosity = Verbosity::usual;
     /// Called last when the process ends with an exit status other than 0. Any thread.
     std::function<void()> cleanUp = [] {};
 };
@@ -73,7 +74,9 @@ public:
     /// standard output any more, the process ends with status 1. After any other failure the result
     /// is discarded, and the status at the end is 1.
     void print(const std::string& result, char end = '\n');
-    /// Writes a message and a newline to standard error.
+    /// Writes a warning and a newline to standard error.
+    void warn(const std::string& message);
+    /// The same for what was done, which --quiet leaves out.
     void say(const std::string& message);
 
     /// Ends the process with that exit status, as if the user had quit: stops the camera session
@@ -87,7 +90,7 @@ private:
 
     /// As the fields show it.
     std::chrono::seconds interval() const;
-    void sayAll(const std::vector<std::string>& messages);
+    void warnAll(const std::vector<std::string>& messages);
     void waitUntil(const std::function<bool()>& condition);
     void waitForStampBoundary();
     void waitForListing(const std::string& path);

@@ -112,7 +112,7 @@ Session& startSession(const SessionOptions& options) {
             saved(path);
             if (const auto file = fileRoom(path)) {
                 if (const auto sentence = warning.frameWasSaved(file->size, file->room)) {
-                    session.say(*sentence);
+                    session.warn(*sentence);
                 }
             }
         });
@@ -142,10 +142,11 @@ int run(const WindowCommand& command) {
 }
 
 int run(const DevicesCommand& command) {
-    Session& session = startSession({.findsCameras = true, .demoCamera = command.demoCamera});
+    Session& session = startSession(
+        {.findsCameras = true, .demoCamera = command.demoCamera, .verbosity = command.verbosity});
     const std::vector<std::string> names = session.deviceNames();
     if (names.empty()) {
-        session.say("No camera was found.");
+        session.warn("No camera was found.");
     }
     if (command.isJson) {
         session.print(jsonOf("devices", names));
@@ -158,7 +159,8 @@ int run(const DevicesCommand& command) {
 }
 
 int run(const FramesCommand& command) {
-    Session& session = startSession({.folder = checkedFolder(command.folder)});
+    Session& session =
+        startSession({.folder = checkedFolder(command.folder), .verbosity = command.verbosity});
     const std::vector<std::string> frames = session.frames();
     if (command.isJson) {
         session.print(jsonOf("frames", frames));
@@ -172,8 +174,9 @@ int run(const FramesCommand& command) {
 }
 
 int run(const CompileCommand& command) {
-    Session& session = startSession(
-        {.folder = checkedFolder(command.folder), .movie = checkedOutput(command.movie)});
+    Session& session = startSession({.folder = checkedFolder(command.folder),
+                                     .movie = checkedOutput(command.movie),
+                                     .verbosity = command.verbosity});
     const Session::Movie movie = session.compile(command.movie.framesPerSecond);
     session.print(command.isJson ? jsonOf(movie) : movie.facts.path);
     session.end(movie.leftOut.empty() ? 0 : leftOutStatus);
@@ -189,7 +192,8 @@ int run(const CaptureCommand& command) {
     Session& session = startSession({.folder = checkedFolder(command.folder),
                                      .findsCameras = true,
                                      .demoCamera = command.demoCamera,
-                                     .movie = checkedOutput(command.movie)});
+                                     .movie = checkedOutput(command.movie),
+                                     .verbosity = command.verbosity});
     captureAndCompile(session, command,
                       [&session](const std::string& path) { session.print(path); });
 }
@@ -233,6 +237,7 @@ int run(const DemoCommand& command) {
     options.demoCamera = true;
     options.cleanUp = cleanUp;
     options.movie = output;
+    options.verbosity = command.verbosity;
     Session& session = startSession(options);
     captureAndCompile(session, capture,
                       [&session](const std::string& frame) { session.say(shownText(frame)); });

@@ -38,14 +38,14 @@ _vistrane() {
 
     local options=
     case $command in
-    devices) options='--json --demo-camera --help' ;;
-    frames) options='--null --json --help' ;;
-    compile) options='--fps --x264-preset --crf --output --force --json --help' ;;
+    devices) options='--json --demo-camera --quiet --verbose --help' ;;
+    frames) options='--null --json --quiet --verbose --help' ;;
+    compile) options='--fps --x264-preset --crf --output --force --json --quiet --verbose --help' ;;
     capture)
         options='--device --interval --create --count --duration --until --compile --fps
-            --x264-preset --crf --output --force --demo-camera --help'
+            --x264-preset --crf --output --force --demo-camera --quiet --verbose --help'
         ;;
-    demo) options='--output --force --help' ;;
+    demo) options='--output --force --quiet --verbose --help' ;;
     help) options='devices frames compile capture demo' ;;
     '') options='devices frames compile capture demo help --demo-camera --help --version' ;;
     *) options='--demo-camera --help' ;;

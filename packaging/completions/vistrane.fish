@@ -23,6 +23,10 @@ complete -c vistrane -n "not __fish_seen_subcommand_from frames compile demo hel
 complete -c vistrane -n '__fish_seen_subcommand_from frames' -l null -d 'End paths with a NUL byte'
 complete -c vistrane -n '__fish_seen_subcommand_from devices frames compile' -l json \
     -d 'Print a JSON document'
+complete -c vistrane -n '__fish_seen_subcommand_from devices frames compile capture demo' \
+    -l quiet -d 'Say nothing but warnings'
+complete -c vistrane -n '__fish_seen_subcommand_from devices frames compile capture demo' \
+    -l verbose -d 'Add the log lines'
 complete -c vistrane -n '__fish_seen_subcommand_from capture' -l device -x \
     -a '(__vistrane_cameras)' -d 'The camera'
 complete -c vistrane -n '__fish_seen_subcommand_from capture' -l interval -x \

@@ -98,7 +98,7 @@ protected:
         writeGreyFrame(folder + "/00 before.png", 50);
         const Files before = filesIn(folder);
         const Ended ended = run({"capture", folder, "--demo-camera", "--device", "Demo Camera",
-                                 "--interval", "1", "--count", "2"});
+                                 "--interval", "1", "--count", "2", "--verbose"});
         return outcomeOf(ended, newInFolder(before));
     }
 
@@ -112,7 +112,7 @@ protected:
         }
         writeFile(folder + "/20250101-000000.mov", "an earlier movie");
         const Files before = filesIn(folder);
-        const Ended ended = run({"compile", folder});
+        const Ended ended = run({"compile", folder, "--verbose"});
         const std::string disk = newInFolder(before);
         // Status 3: a movie was made, and frames were left out.
         EXPECT_EQ(ended.status == 0 || ended.status == 3, disk.starts_with("STAMP.mov")) << disk;
@@ -137,7 +137,7 @@ protected:
             writeGreyFrame(folder + name, 50);
         }
         const Files before = filesIn(folder);
-        const Ended ended = run({"frames", folder});
+        const Ended ended = run({"frames", folder, "--verbose"});
         const std::size_t lines = ended.lines().size();
         return outcomeOf(ended, newInFolder(before) + "; " +
                                     (lines == 0 ? "no" : std::to_string(lines)) +

@@ -25,7 +25,21 @@ desktopEntryIsValid() {
 
 metainfoIsValid() {
     needs appstreamcli
-    appstreamcli validate --no-net --no-color "$1"
+    local found
+    found=$(appstreamcli validate --pedantic --no-net --no-color "$1") || fail "$found"
+    ! grep '^ *[EWIP]: ' <<<"$found" || fail "there are findings"
+    grep -q '<screenshot type="default">' "$1" || fail "there is no screenshot"
+}
+
+# flatpakManifestIsValid MANIFEST METAINFO: the tool reports unknown properties on standard error.
+flatpakManifestIsValid() {
+    needs flatpak-builder
+    local found id
+    found=$(flatpak-builder --show-manifest "$1" 2>&1 >/dev/null) || fail "$found"
+    [ -z "$found" ] || fail "$found"
+    id=$(sed -n 's/.*<id>\(.*\)<.*/\1/p' "$2")
+    grep -q "\"id\": \"$id\"" "$1" || fail "the manifest does not have the identifier $id"
+    [ "$(basename "$1")" = "$id.json" ] || fail "the manifest has another name"
 }
 
 manualIsWellFormed() {
@@ -55,6 +69,25 @@ manualAndHelpAgree() {
     [ -n "$(commandsIn <<<"$help")" ] || fail "the help names no command"
     diff <(sed -n '/^SYNOPSIS/,/^DESCRIPTION/p' <<<"$manual" | commandsIn) \
         <(sed -n '/^Usage/,$p' <<<"$help" | commandsIn) || fail "the commands differ"
+}
+
+# manualHasTheHelp MANUAL HELP: each command and its description are the same in both.
+manualHasTheHelp() {
+    needs groff
+    local manual
+    manual=$(groff -t -man -Tascii -P-cbou -rLL=2000n -rHY=0 "$1" | tr -s ' \n' ' ')
+    contains() {
+        [[ $manual == *"$(tr -s ' \n' ' ' <<<"$1" | sed 's/^ //; s/ $//')"* ]] ||
+            fail "the manual does not say: $1"
+    }
+    contains "SYNOPSIS $(sed -nE '/^  vistrane/,/^      [^ ]/{/^      [^ ]/d;p}' "$2")"
+    contains "$(sed -nE '/^  vistrane capture/,/^  vistrane demo/{/^      [^ ]/p}' "$2")"
+    contains "$(sed -n '/^--demo-camera/,$p' "$2")"
+    [ "$(grep -c '^      [^ ]' "$2")" -gt 10 ] || fail "the help has no descriptions"
+    local line
+    while IFS= read -r line; do
+        contains "$line"
+    done < <(grep '^      [^ ]' "$2")
 }
 
 # completionsAgree FOLDER PROGRAM: the shells know the options of the help, and no others.
@@ -95,6 +128,32 @@ bashCompletes() {
     expectCompleted 'veryfast veryslow' "$program" compile folder --x264-preset very
 }
 
+# unitCaptures UNIT PROGRAM: the unit's command, with values as its configuration may have them,
+# captures from the demo camera until the unit's signal ends it as the unit expects.
+unitCaptures() {
+    local word command=() status=0
+    work=$(mktemp -d)
+    trap 'rm -rf "$work"' EXIT
+    export HOME=$work FOLDER="$work/my garden/new" DEVICE='Demo Camera' INTERVAL=1s
+    read -ra command <<<"$(sed -n 's/^ExecStart=vistrane //p' "$1")"
+    [ ${#command[@]} -gt 0 ] || fail "the unit has no command"
+    for word in "${!command[@]}"; do
+        if [[ ${command[word]} =~ ^\$\{([A-Z]+)\}$ ]]; then
+            command[word]=${!BASH_REMATCH[1]}
+        fi
+    done
+    mkfifo "$work/output"
+    # A background command of a script ignores SIGINT, which a command of systemd does not.
+    env --default-signal=INT "$2" "${command[@]}" --demo-camera >"$work/output" &
+    local program=$!
+    exec 7<"$work/output"
+    read -r <&7 && read -r <&7 || fail "it captures nothing"
+    kill -s "$(sed -n 's/^KillSignal=SIG//p' "$1")" "$program"
+    wait "$program" || status=$?
+    [ "$status" = "$(sed -n 's/^SuccessExitStatus=//p' "$1")" ] || fail "it ended with $status"
+    [ "$(find "$FOLDER" -name '*.png' | wc -l)" -ge 2 ] || fail "there are no frames"
+}
+
 # Skips shortcuts with Alt, which are visible in the window.
 manualNamesEveryKey() {
     local keys key
@@ -127,6 +186,13 @@ installIsComplete() {
         share/fish/vendor_completions.d/vistrane.fish lib/systemd/user/vistrane-capture@.service \
         share/doc/vistrane/LICENSE; do
         [ -s "$prefix/$file" ] || fail "$file is not installed"
+    done
+    local size icon
+    for size in 16 22 24 32 48 64 128 256 512; do
+        icon=share/icons/hicolor/${size}x$size/apps/vistrane.png
+        # The width and the height of a PNG file.
+        [ "$(od -An -j16 -N8 -tx1 "$prefix/$icon" | tr -d ' ')" = "$(printf '%08x%08x' $size $size)" ] ||
+            fail "$icon is missing or of another size"
     done
     "$prefix/bin/vistrane" --version >/dev/null || fail "the installed program does not run"
     # The entries must name the installed files.

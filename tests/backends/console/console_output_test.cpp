@@ -83,6 +83,39 @@ TEST(ConsoleOutput, TheBarFitsTheTerminal) {
     EXPECT_EQ(readAll(output, terminal.outer), "\r\x1b[K[##########..........] 50 %");
 }
 
+TEST(ConsoleOutput, TheTextStandsBesideTheBar) {
+    Terminal terminal(40);
+    ConsoleOutput output(terminal.inner);
+    output.showProgress(3.0, 6.0, "3 of 6");
+    EXPECT_EQ(readAll(output, terminal.outer), "\r\x1b[K[############............] 50 % 3 of 6");
+}
+
+TEST(ConsoleOutput, WithoutRoomForTheTextThereIsTheBar) {
+    Terminal terminal(29);
+    ConsoleOutput output(terminal.inner);
+    output.showProgress(3.0, 6.0, "3 of 6 frames");
+    EXPECT_EQ(readAll(output, terminal.outer), "\r\x1b[K[##########..........] 50 %");
+}
+
+TEST(ConsoleOutput, AStatusIsTheLastLineAndFitsTheTerminal) {
+    Terminal terminal(10);
+    ConsoleOutput output(terminal.inner);
+    output.showStatus("12 saved, next");
+    EXPECT_EQ(readAll(output, terminal.outer), "\r\x1b[K12 saved,");
+    output.writeLine("line");
+    EXPECT_EQ(readAll(output, terminal.outer), "\r\x1b[Kline\n12 saved,");
+    output.showStatus("");
+    EXPECT_EQ(readAll(output, terminal.outer), "\r\x1b[K");
+}
+
+TEST(ConsoleOutput, WithoutATerminalThereIsNoStatus) {
+    Pipe pipe;
+    ConsoleOutput output(pipe.ends[1]);
+    EXPECT_FALSE(output.isTerminal());
+    output.showStatus("12 saved");
+    EXPECT_EQ(readAll(output, pipe.ends[0]), "");
+}
+
 TEST(ConsoleOutput, ATerminalWithoutRoomShowsWhatFits) {
     for (unsigned short columns = 1; columns < 16; ++columns) {
         Terminal terminal(columns);

@@ -11,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::Not;
 
 using Arguments = std::vector<std::string>;
@@ -88,6 +89,19 @@ TEST(Arguments, MoviesAndListsHaveTheirForm) {
     EXPECT_TRUE(parsedAs<FramesCommand>({"frames", "f", "--json"}).isJson);
     EXPECT_TRUE(
         parsedAs<CaptureCommand>({"capture", "f", "--device", "d", "--create"}).createsFolder);
+}
+
+TEST(Arguments, CommandsAreQuietOrVerbose) {
+    EXPECT_EQ(parsedAs<CompileCommand>({"compile", "f"}).verbosity, Verbosity::usual);
+    EXPECT_EQ(parsedAs<CompileCommand>({"compile", "f", "--quiet"}).verbosity, Verbosity::quiet);
+    EXPECT_EQ(parsedAs<DemoCommand>({"demo", "--verbose"}).verbosity, Verbosity::verbose);
+    EXPECT_EQ(parsedAs<DevicesCommand>({"devices", "--quiet"}).verbosity, Verbosity::quiet);
+    EXPECT_EQ(parsedAs<FramesCommand>({"frames", "--verbose", "f"}).verbosity, Verbosity::verbose);
+    EXPECT_EQ(parsedAs<CaptureCommand>({"capture", "f", "--device", "d", "--quiet"}).verbosity,
+              Verbosity::quiet);
+    EXPECT_EQ(errorOf({"compile", "f", "--quiet", "--verbose"}),
+              "--quiet and --verbose exclude each other.");
+    EXPECT_EQ(errorOf({"folder", "--verbose"}), "There is no option '--verbose' here.");
 }
 
 TEST(Arguments, FramesTakesOneFolder) {
@@ -244,7 +258,7 @@ TEST(HelpText, NamesEveryCommandAndOption) {
          {"devices",   "frames",        "compile", "capture",   "demo",       "--null",
           "--fps",     "--x264-preset", "--crf",   "--device",  "--interval", "--count",
           "--compile", "--demo-camera", "--help",  "--version", "--duration", "--until",
-          "--create",  "--output",      "--force", "--json"}) {
+          "--create",  "--output",      "--force", "--json",    "--quiet",    "--verbose"}) {
         EXPECT_THAT(helpText(), HasSubstr(word));
     }
 }
@@ -252,7 +266,14 @@ TEST(HelpText, NamesEveryCommandAndOption) {
 TEST(HelpText, OfACommandIsItsPartOfTheWhole) {
     EXPECT_THAT(helpText("compile"), HasSubstr("vistrane compile FOLDER"));
     EXPECT_THAT(helpText("compile"), Not(HasSubstr("vistrane capture")));
-    EXPECT_THAT(helpText("compile"), HasSubstr("exit status"));
+    EXPECT_THAT(helpText("help"), HasSubstr("vistrane help [COMMAND]"));
+    for (const char* command : {"devices", "frames", "compile", "capture", "demo", "help"}) {
+        const std::string text = helpText(command);
+        EXPECT_THAT(text, MatchesRegex("Usage:\n  vistrane [^\n]+\n(      [^\n]+\n|  +[^\n]+\n)+\n"
+                                       "(.|\n)*\nframes, and 129, 130 or 143 [^\n]*\n"))
+            << command;
+        EXPECT_THAT(helpText(), HasSubstr(text.substr(7, text.find("\n\n") - 6)));
+    }
     EXPECT_EQ(helpText("no command"), "");
 }
 

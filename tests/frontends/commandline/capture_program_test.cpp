@@ -52,28 +52,51 @@ protected:
 TEST_F(CaptureProgram, PrintsTheFramesInTheOrderOfTheirCapture) {
     const Ended ended = capture({"--interval", "1", "--count", "3"});
     EXPECT_EQ(ended.status, 0);
-    EXPECT_EQ(ended.errors, "( t = 1 s )\n");
+    EXPECT_EQ(ended.errors, "");
     EXPECT_THAT(ended.lines(), SizeIs(3));
     EXPECT_EQ(ended.lines(), framePaths());
     expectWholeFramesOnly();
 }
 
 TEST_F(CaptureProgram, WithoutAnIntervalSaysNothing) {
-    const Ended ended = capture({"--count", "1"});
+    const Ended ended = capture({"--count", "1", "--verbose"});
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.errors, "");
     EXPECT_THAT(ended.lines(), SizeIs(1));
 }
 
-TEST_F(CaptureProgram, TheIntervalIsShown) {
+TEST_F(CaptureProgram, VerboseShowsTheInterval) {
     const std::pair<std::string, std::string> intervals[] = {
         {"0:59:00", "3540"}, {"999:59:59", "3599999"}, {"90s", "90"}, {"1:30", "90"}};
     for (const auto& [interval, seconds] : intervals) {
         SCOPED_TRACE(interval);
-        const Ended ended = capture({"--interval=" + interval, "--count", "1"});
+        const Ended ended = capture({"--interval=" + interval, "--count", "1", "--verbose"});
         EXPECT_EQ(ended.status, 0);
         EXPECT_EQ(ended.errors, "( t = " + seconds + " s )\n");
     }
+}
+
+TEST_F(CaptureProgram, ProgressIsShownOnATerminal) {
+    options.errorsGoToTerminal = true;
+    const Ended ended = capture({"--interval", "1", "--count", "2"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.errors, StartsWith("\r\x1b[K0 of 2 saved, next in 0:01"));
+    EXPECT_THAT(ended.errors, EndsWith("\r\x1b[K"));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("\n")));
+    EXPECT_EQ(ended.lines(), framePaths());
+    EXPECT_EQ(capture({"--interval", "1", "--count", "2", "--quiet"}).errors, "");
+}
+
+TEST_F(CaptureProgram, PathsAndProgressDoNotMeetOnALineOfATerminal) {
+    options.errorsGoToTerminal = true;
+    const Ended ended = runIn({"sh", "-c", "exec \"$0\" \"$@\" >&2"},
+                              captureArguments({"--interval", "1", "--count", "2"}));
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(framePaths(), SizeIs(2));
+    for (const std::string& path : framePaths()) {
+        EXPECT_THAT(ended.errors, HasSubstr("\r\x1b[K" + path + "\r\n"));
+    }
+    EXPECT_THAT(ended.errors, EndsWith("\r\x1b[K"));
 }
 
 TEST_F(CaptureProgram, CompilesWhatIsInTheFolderThenPrintsTheMovie) {
@@ -114,9 +137,9 @@ TEST_F(CaptureProgram, ASecondInterruptEndsItAtOnce) {
         writeFrame(folder + "/00 " + std::to_string(number) + ".png",
                    {.width = 640, .height = 480, .isNoise = true});
     }
-    Program program(
-        command(captureArguments({"--interval", "1", "--compile", "--x264-preset", "placebo"})),
-        options);
+    Program program(command(captureArguments(
+                        {"--interval", "1", "--compile", "--x264-preset", "placebo", "--verbose"})),
+                    options);
     ASSERT_TRUE(program.nextLine());
     ASSERT_TRUE(program.nextLine());
     program.signal(SIGINT);
@@ -281,7 +304,7 @@ TEST_P(EndedCapture, StatusIsTheSignalsEveryFrameIsWholeAndNoMovieIsStarted) {
     program.signal(GetParam());
     const Ended ended = program.wait();
     EXPECT_EQ(ended.status, 128 + GetParam());
-    EXPECT_EQ(ended.errors, "( t = 1 s )\n");
+    EXPECT_EQ(ended.errors, "");
     EXPECT_EQ(ended.lines(), framePaths());
     expectWholeFramesOnly();
 }

@@ -51,9 +51,32 @@ protected:
     }
 };
 
-TEST_F(CompileProgram, PrintsThePathAndLogsTheRest) {
+TEST_F(CompileProgram, PrintsThePathAndSaysHowManyFramesAreInTheMovie) {
     writeFrames(3);
     const Ended ended = run({"compile", folder});
+    const std::string movie = movieOf(ended);
+    EXPECT_EQ(ended.errors, "3 of 3 frames went into the movie.\n");
+}
+
+TEST_F(CompileProgram, QuietSaysNothingButWarnings) {
+    writeFrames(3);
+    Ended ended = run({"compile", folder, "--quiet"});
+    std::filesystem::remove(movieOf(ended));
+    EXPECT_EQ(ended.errors, "");
+    options.errorsGoToTerminal = true;
+    ended = run({"compile", folder, "--quiet"});
+    std::filesystem::remove(movieOf(ended));
+    EXPECT_EQ(ended.errors, "");
+    writeFile(folder + "/z.png", "");
+    ended = run({"compile", folder, "--quiet"});
+    movieOf(ended, 3);
+    EXPECT_THAT(ended.errors, StartsWith("Not in the movie: "));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("frames went into")));
+}
+
+TEST_F(CompileProgram, VerbosePrintsThePathAndLogsTheRest) {
+    writeFrames(3);
+    const Ended ended = run({"compile", folder, "--verbose"});
     const std::string movie = movieOf(ended);
     EXPECT_THAT(std::filesystem::path(movie).filename().string(),
                 testing::MatchesRegex("[0-9]+-[0-9]+\\.mov"));
@@ -134,7 +157,7 @@ TEST_F(CompileProgram, ProgressIsShownOnATerminalOnly) {
     const Ended ended = run({"compile", folder});
     movieOf(ended);
     EXPECT_THAT(ended.errors, HasSubstr("\r\x1b[K["));
-    EXPECT_THAT(ended.errors, HasSubstr(" 95 %"));
+    EXPECT_THAT(ended.errors, HasSubstr(" 95 % 19 of 20 frames"));
     EXPECT_THAT(ended.errors, Not(HasSubstr(" 100 %")));
     EXPECT_THAT(ended.errors, EndsWith("20 of 20 frames went into the movie.\r\n"));
 }
@@ -220,14 +243,12 @@ protected:
     }
 
     std::string lineFor(const BadFrame& frame, const std::string& errors) const {
-        const std::size_t at = errors.find("\nNot in the movie: ");
-        for (std::size_t start = at; start != std::string::npos;) {
-            const std::size_t end = errors.find('\n', start + 1);
-            const std::string line = errors.substr(start + 1, end - start - 1);
-            if (line.find(folder + "/" + frame.name) != std::string::npos) {
+        std::istringstream lines(errors);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("Not in the movie: ") &&
+                line.find(folder + "/" + frame.name) != std::string::npos) {
                 return line;
             }
-            start = end;
         }
         return {};
     }
@@ -248,7 +269,7 @@ TEST_F(BadFrames, AreLeftOutLoggedAndNamed) {
     writeGreyFrame(folder + "/c2.png", 120);
     const auto before = namesIn(folder);
 
-    const Ended ended = run({"compile", folder, "--crf", "1"});
+    const Ended ended = run({"compile", folder, "--crf", "1", "--verbose"});
 
     const std::string movie = movieOf(ended, 3);
     EXPECT_THAT(namesIn(folder), SizeIs(before.size() + 1));
@@ -270,7 +291,7 @@ TEST_F(BadFrames, AFirstOneLeavesTheMovieTheSizeOfTheFirstGoodOne) {
     form.height = 60;
     writeFrame(folder + "/b.png", form);
     writeGreyFrame(folder + "/c.png", 100);
-    const Ended ended = run({"compile", folder});
+    const Ended ended = run({"compile", folder, "--verbose"});
     const MovieFacts facts = movieFacts(movieOf(ended, 3));
     EXPECT_EQ(facts.width, 100);
     EXPECT_EQ(facts.height, 60);
@@ -295,7 +316,7 @@ TEST_F(BadFrames, NothingElseMakesNoMovie) {
 TEST_F(BadFrames, OneThatDisappearsIsLikeAnyOther) {
     // The listing is made before the frames disappear.
     writeFrames(400);
-    Program program(command({"compile", folder}), options);
+    Program program(command({"compile", folder, "--verbose"}), options);
     ASSERT_TRUE(program.waitForError("moviePath="));
     for (int number = 200; number <= 400; ++number) {
         std::filesystem::remove(folder + "/f" + std::to_string(number) + ".png");
@@ -483,7 +504,7 @@ protected:
 TEST_P(EndedCompile, ASignalLeavesNoFile) {
     writeSlowFrames();
     const auto before = namesIn(folder);
-    Program program(command({"compile", folder, "--x264-preset", "placebo"}), options);
+    Program program(command({"compile", folder, "--verbose", "--x264-preset", "placebo"}), options);
     ASSERT_TRUE(program.waitForError("moviePath="));
     program.signal(GetParam());
     const Ended ended = program.wait();
@@ -497,7 +518,7 @@ INSTANTIATE_TEST_SUITE_P(By, EndedCompile, testing::Values(SIGINT, SIGTERM, SIGH
 TEST_F(EndedCompile, TheNextCompileRemovesTheFileOfAKilledOne) {
     writeSlowFrames();
     const auto before = namesIn(folder);
-    Program program(command({"compile", folder, "--x264-preset", "placebo"}), options);
+    Program program(command({"compile", folder, "--verbose", "--x264-preset", "placebo"}), options);
     ASSERT_TRUE(program.waitForError("moviePath="));
     program.signal(SIGKILL);
     EXPECT_EQ(program.wait().status, -SIGKILL);
@@ -513,7 +534,8 @@ TEST_F(EndedCompile, TheNextCompileRemovesTheFileOfAKilledOne) {
 
 TEST_F(EndedCompile, IfTheFolderIsMovedNoPathIsPrinted) {
     writeSlowFrames();
-    Program program(command({"compile", folder, "--x264-preset", "ultrafast"}), options);
+    Program program(command({"compile", folder, "--verbose", "--x264-preset", "ultrafast"}),
+                    options);
     ASSERT_TRUE(program.waitForError("moviePath="));
     std::filesystem::rename(folder, work / "moved");
     const Ended ended = program.wait();

@@ -7,6 +7,7 @@ namespace vistrane {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 TEST(CompileReport, AllFramesAppendedGiveOnlyTheCount) {
     CompileReport report;
@@ -14,7 +15,8 @@ TEST(CompileReport, AllFramesAppendedGiveOnlyTheCount) {
         report.frameIsLoaded(path);
         report.frameWasAppended();
     }
-    EXPECT_THAT(report.lines(), ElementsAre("2 of 2 frames went into the movie."));
+    EXPECT_THAT(report.lines(), IsEmpty());
+    EXPECT_EQ(report.summary(), "2 of 2 frames went into the movie.");
 }
 
 TEST(CompileReport, AFrameThatCouldNotBeReadIsNamedWithTheFilesOwnReason) {
@@ -24,8 +26,8 @@ TEST(CompileReport, AFrameThatCouldNotBeReadIsNamedWithTheFilesOwnReason) {
     report.frameWasRefused({"d", 2, "there is no picture"});
     report.frameIsLoaded("/f/b.png");
     report.frameWasAppended();
-    EXPECT_THAT(report.lines(), ElementsAre("Not in the movie: /f/a.png: it is cut short",
-                                            "1 of 2 frames went into the movie."));
+    EXPECT_THAT(report.lines(), ElementsAre("Not in the movie: /f/a.png: it is cut short"));
+    EXPECT_EQ(report.summary(), "1 of 2 frames went into the movie.");
 }
 
 TEST(CompileReport, ARefusalOfAReadableFrameGivesItsOwnReason) {
@@ -36,8 +38,8 @@ TEST(CompileReport, ARefusalOfAReadableFrameGivesItsOwnReason) {
     report.frameIsLoaded("/f/b.png");
     report.frameWasRefused({"d", 2, "the disk is full"});
     EXPECT_THAT(report.lines(), ElementsAre("Not in the movie: /f/a.png: old reason",
-                                            "Not in the movie: /f/b.png: the disk is full",
-                                            "0 of 2 frames went into the movie."));
+                                            "Not in the movie: /f/b.png: the disk is full"));
+    EXPECT_EQ(report.summary(), "0 of 2 frames went into the movie.");
 }
 
 TEST(CompileReport, AReasonThatNamesTheFrameStandsAlone) {
@@ -45,8 +47,8 @@ TEST(CompileReport, AReasonThatNamesTheFrameStandsAlone) {
     report.frameIsLoaded("/f/a.png");
     report.frameCouldNotBeRead({"d", 1, "The picture /f/a.png is empty"});
     report.frameWasRefused({"d", 2, "there is no picture"});
-    EXPECT_THAT(report.lines(), ElementsAre("Not in the movie: The picture /f/a.png is empty",
-                                            "0 of 1 frames went into the movie."));
+    EXPECT_THAT(report.lines(), ElementsAre("Not in the movie: The picture /f/a.png is empty"));
+    EXPECT_EQ(report.summary(), "0 of 1 frames went into the movie.");
 }
 
 TEST(CompileReport, AnOddPathStandsOnceOnOneLineOfText) {
@@ -58,8 +60,8 @@ TEST(CompileReport, AnOddPathStandsOnceOnOneLineOfText) {
     report.frameIsLoaded("/f/a\n\x1b[2J.png");
     report.frameWasRefused({"d", 3, "the disk is full"});
     EXPECT_THAT(report.lines(), ElementsAre("Not in the movie: The picture " + shown + " is empty",
-                                            "Not in the movie: " + shown + ": the disk is full",
-                                            "0 of 2 frames went into the movie."));
+                                            "Not in the movie: " + shown + ": the disk is full"));
+    EXPECT_EQ(report.summary(), "0 of 2 frames went into the movie.");
 }
 
 TEST(CompileReport, WithoutAMovieOnlyTheFramesThatHaveAReasonOfTheirOwnAreNamed) {
