@@ -35,17 +35,30 @@ void convertLumaPlainly(const std::uint8_t* pixels, std::size_t width, std::uint
 void convertChromaPlainly(const std::uint8_t* top, const std::uint8_t* bottom, std::size_t width,
                           std::size_t from, std::size_t to, std::uint8_t* blueDifference,
                           std::uint8_t* redDifference) {
-    for (std::size_t x = from; x < to; x += 2) {
-        const std::size_t left = 4 * (x == 0 ? 0 : x - 1);
-        const std::size_t middle = 4 * x;
-        const std::size_t right = 4 * std::min(x + 1, width - 1);
+    // Sample i is over pixel 2 i.
+    const auto convert = [=](std::size_t i, std::size_t left, std::size_t right) {
+        const std::size_t middle = 8 * i;
         const std::int32_t red = sumOfEight(top + 1, bottom + 1, left, middle, right);
         const std::int32_t green = sumOfEight(top + 2, bottom + 2, left, middle, right);
         const std::int32_t blue = sumOfEight(top + 3, bottom + 3, left, middle, right);
-        blueDifference[x / 2] = static_cast<std::uint8_t>(
+        blueDifference[i] = static_cast<std::uint8_t>(
             (blueWeights.sum(red, green, blue) + chromaOffset) >> chromaBits);
-        redDifference[x / 2] = static_cast<std::uint8_t>(
+        redDifference[i] = static_cast<std::uint8_t>(
             (redWeights.sum(red, green, blue) + chromaOffset) >> chromaBits);
+    };
+    const std::size_t last = 4 * (width - 1);
+    const std::size_t count = (to + 1) / 2;
+    std::size_t i = (from + 1) / 2;
+    if (i == 0 && count > 0) {
+        convert(0, 0, std::min<std::size_t>(4, last));
+        ++i;
+    }
+    // Without the edges, so that compilers vectorise it.
+    for (const std::size_t end = std::min(count, width / 2); i < end; ++i) {
+        convert(i, 8 * i - 4, 8 * i + 4);
+    }
+    if (i < count) {
+        convert(i, 8 * i - 4, last);
     }
 }
 
