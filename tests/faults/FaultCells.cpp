@@ -135,7 +135,7 @@ void addWritingMovie(std::vector<FaultCell>& cells) {
     list.addOnce(2, "fsync", "EIO", hiddenMovie);
     list.addInterrupted("fsync", hiddenMovie);
     list.addAll("rename", {"EIO", "ENOSPC", "EDQUOT", "EROFS", "EACCES", "ENOENT"}, hiddenMovie);
-    list.addOnce(1, "rename", "EINTR", hiddenMovie);
+    list.addInterrupted("rename", hiddenMovie);
     list.add("rename", "no exclusive rename (EINVAL)",
              CellList::lineOf("renameat2", "EINVAL", 1, 0, hiddenMovie));
     list.add("rename", "no exclusive rename (EINVAL) and no links (EPERM)",
@@ -181,7 +181,10 @@ void addSavingSettings(std::vector<FaultCell>& cells) {
     list.addAll("fsync", {"EIO", "ENOSPC", "EDQUOT", "EROFS", "EACCES"}, settingsFile);
     list.addInterrupted("fsync", settingsFile);
     list.addAll("rename", {"EIO", "ENOSPC", "EDQUOT", "EROFS", "EACCES", "ENOENT"}, settingsFile);
+    // The first call is Qt's.
     list.addOnce(1, "rename", "EINTR", settingsFile);
+    list.add("rename", "EINTR three times for the finished file",
+             CellList::lineOf("rename", "EINTR", 1, 3, "/settings /"));
 }
 
 } // namespace
