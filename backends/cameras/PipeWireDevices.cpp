@@ -33,6 +33,10 @@ GList* PipeWireDevices::list(GstDeviceProvider* any) {
             gst_object_unref(next->provider);
             return nullptr;
         }
+        // Nobody reads the messages about each device that comes or goes: they would pile up.
+        GstBus* const bus = gst_device_provider_get_bus(next->provider);
+        gst_bus_set_flushing(bus, TRUE);
+        gst_object_unref(bus);
         next->previous = monitor_;
         monitor_ = next.release();
     }

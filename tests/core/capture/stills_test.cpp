@@ -23,7 +23,7 @@ protected:
         sim.cameras().deliverPhoto(contents);
     }
     std::vector<std::string> files() {
-        const auto names = sim.files().contentsOfDirectoryAtPath("/f").value();
+        const FileNames names = *sim.files().contentsOfDirectoryAtPath("/f");
         return {names.begin(), names.end()};
     }
 };
