@@ -35,8 +35,7 @@ std::string environment(const char* name) {
 /// started.
 std::string addressOf(MessageBus bus) {
     const bool isSession = bus == MessageBus::session;
-    const std::string address =
-        environment(isSession ? sessionVariable : "DBUS_SYSTEM_BUS_ADDRESS");
+    std::string address = environment(isSession ? sessionVariable : "DBUS_SYSTEM_BUS_ADDRESS");
     if (!address.empty()) {
         return address;
     }

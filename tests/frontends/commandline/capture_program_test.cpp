@@ -1,4 +1,6 @@
 #include <csignal>
+#include <set>
+#include <string>
 
 #include "tests/frontends/commandline/CommandLineTest.h"
 #include "tests/frontends/commandline/frame_files.h"
@@ -104,9 +106,12 @@ TEST_F(CaptureProgram, CompilesWhatIsInTheFolderThenPrintsTheMovie) {
     const Ended ended = capture({"--interval", "1", "--count", "2", "--compile", "--fps", "25",
                                  "--crf", "30", "--x264-preset", "ultrafast"});
     EXPECT_EQ(ended.status, 0);
-    ASSERT_THAT(ended.lines(), SizeIs(3));
-    EXPECT_THAT(ended.lines()[2], EndsWith(".mov"));
-    const MovieFacts facts = movieFacts(ended.lines()[2]);
+    const auto lines = ended.lines();
+    // On a busy machine two stills may fall into one second, and have one name.
+    EXPECT_THAT(std::set<std::string>(lines.begin(), lines.end()), SizeIs(3));
+    ASSERT_THAT(lines, Not(IsEmpty()));
+    EXPECT_THAT(lines.back(), EndsWith(".mov"));
+    const MovieFacts facts = movieFacts(lines.back());
     EXPECT_EQ(facts.width, 64);
     EXPECT_EQ(facts.timeBase, "1/25");
     EXPECT_EQ(facts.times, frameTimes(3));
