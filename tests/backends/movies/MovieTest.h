@@ -53,6 +53,11 @@ public:
         changed_.wait(lock, [&] { return outcomes_.contains(path); });
         return outcomes_[path];
     }
+    /// Before another movie with that path.
+    void forget(const std::string& path) {
+        const std::lock_guard lock(mutex_);
+        outcomes_.erase(path);
+    }
     bool hasOutcome(const std::string& path) const {
         const std::lock_guard lock(mutex_);
         return outcomes_.contains(path);
@@ -131,6 +136,7 @@ protected:
         return movies.assetWriterWithURL(NSURL::fileURLWithPath(where), AVFileTypeQuickTimeMovie);
     }
     OpenMovie open(std::int64_t width = 64, std::int64_t height = 48) {
+        observer.forget(path);
         return {movies, path, width, height};
     }
     /// A movie of frames of `scene`, to its end.
