@@ -13,10 +13,17 @@ namespace vistrane {
 /// Writes what the media report into the log, and shows in the window what became of a movie.
 class WindowObserver final : public SessionObserver {
 public:
-    /// `show` gets one sentence for the user, on the main thread.
-    WindowObserver(std::function<void(const std::string&)> log, QtRunLoop& loop,
-                   std::function<void(const std::string& text)> show)
-        : SessionObserver(std::move(log)), loop_(loop), show_(std::move(show)) {}
+    /// What the window tells its user. Called on the main thread.
+    struct Reports {
+        /// One sentence that says what failed.
+        std::function<void(const std::string& text)> failure;
+        /// A movie is complete. `leftOut` says which frames are not in it; empty if all are.
+        std::function<void(const std::string& path, const std::string& leftOut)> movie;
+        std::function<void()> savedFrame;
+    };
+
+    WindowObserver(std::function<void(const std::string&)> log, QtRunLoop& loop, Reports reports)
+        : SessionObserver(std::move(log)), loop_(loop), reports_(std::move(reports)) {}
 
     LeftOutFrames& leftOut() { return leftOut_; }
 
@@ -25,23 +32,24 @@ public:
         leftOut_.frameWasRefused(moviePath);
     }
     void movieIsWhole(const FinishedMovie& movie) override {
-        if (const auto sentence = leftOut_.takeSentence(movie.path)) {
-            post(*sentence);
-        }
+        const std::string leftOut = leftOut_.takeSentence(movie.path).value_or("");
+        loop_.mainQueue().async(
+            [this, path = movie.path, leftOut] { reports_.movie(path, leftOut); });
+    }
+    void fileWasWritten(const std::string& path) override {
+        SessionObserver::fileWasWritten(path);
+        loop_.mainQueue().async([this] { reports_.savedFrame(); });
     }
     void movieFailed(const std::string& path, const NSError& reason) override {
         SessionObserver::movieFailed(path, reason);
         leftOut_.takeSentence(path);
-        post(reason.localizedDescription + ".");
+        loop_.mainQueue().async(
+            [this, text = reason.localizedDescription + "."] { reports_.failure(text); });
     }
 
 private:
-    void post(const std::string& text) {
-        loop_.mainQueue().async([this, text] { show_(text); });
-    }
-
     QtRunLoop& loop_;
-    const std::function<void(const std::string& text)> show_;
+    const Reports reports_;
     LeftOutFrames leftOut_;
 };
 

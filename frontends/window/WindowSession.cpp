@@ -8,6 +8,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QEvent>
 #include <QIcon>
 #include <QMenu>
@@ -28,6 +29,8 @@
 #include "frontends/SessionBackend.h"
 #include "frontends/window/WindowAppKit.h"
 #include "frontends/window/WindowObserver.h"
+#include "frontends/window/WindowPlace.h"
+#include "platform/shown_text.h"
 
 namespace vistrane {
 
@@ -76,6 +79,36 @@ struct WindowSession::Parts {
         return window.isVisible() && !window.isMinimized() ? &window : nullptr;
     }
 
+    /// Tells of a complete movie, and where it is.
+    void showMovie(const std::string& path, const std::string& leftOut) {
+        const std::size_t slash = path.rfind('/');
+        const std::string finished =
+            "The movie '" + shownText(path.substr(slash + 1)) + "' is finished.";
+        interface.messageBar().showMessage(
+            {.text = leftOut.empty() ? finished : finished + " " + leftOut,
+             .isWarning = !leftOut.empty(),
+             .buttonTitle = "Show in Folder",
+             .action = [this, folder = path.substr(0, slash)] {
+                 workspace.openURL(NSURL::fileURLWithPath(folder));
+             }});
+    }
+
+    void showUnopened(const std::string& sentence, const std::string& address) {
+        interface.messageBar().showMessage(
+            {.text = sentence, .buttonTitle = "Copy the Address", .action = [address] {
+                 QGuiApplication::clipboard()->setText(QString::fromStdString(address));
+             }});
+    }
+
+    /// The list of frames begins at the start of the program, if it knows the folder then.
+    void showFirstSessionHint() {
+        if (!controller.pictureArray.load() && !std::exchange(hasFirstSessionHint, true)) {
+            interface.messageBar().showMessage(
+                {.text = "Frames are being saved. Restart Vistrane to browse them.",
+                 .isWarning = false});
+        }
+    }
+
     WindowLog& log;
     const std::function<void(const std::string&)> logLine = [this](const std::string& line) {
         log.write(line);
@@ -83,15 +116,26 @@ struct WindowSession::Parts {
     QtRunLoop loop;
     QtUserDefaults defaults{settingsPath(), logLine};
     Appearance appearance;
-    SleepInhibitor sleepInhibitor{logLine};
-    WindowObserver observer{logLine, loop, [this](const std::string& text) {
-                                interface.messageBar().showMessage({text});
-                            }};
+    SleepInhibitor sleepInhibitor{[this](const std::string& line) {
+        log.write(line);
+        interface.messageBar().showMessage({line});
+    }};
+    WindowObserver observer{
+        logLine,
+        loop,
+        {.failure = [this](const std::string& text) { interface.messageBar().showMessage({text}); },
+         .movie = [this](const std::string& path,
+                         const std::string& leftOut) { showMovie(path, leftOut); },
+         .savedFrame = [this] { showFirstSessionHint(); }}};
     SessionBackend backend;
     QtWorkspace workspace{[this](const std::string& path, Movies::Finished callback) {
                               return backend.movies.whenFinished(path, std::move(callback));
                           },
-                          logLine};
+                          [this](const std::string& sentence, const std::string& address) {
+                              log.write(sentence);
+                              loop.mainQueue().async(
+                                  [this, sentence, address] { showUnopened(sentence, address); });
+                          }};
     QtResources resources;
     QtInterface interface { resources };
     std::unique_ptr<StatusIcon> statusIcon;
@@ -112,6 +156,7 @@ struct WindowSession::Parts {
     std::shared_ptr<NSTimer> heldTimer;
     /// `mainWindowIsDrawn` has run.
     bool isDrawn = false;
+    bool hasFirstSessionHint = false;
     /// Whether the settings are restored. Before that, ending saves nothing.
     bool isLaunched = false;
     std::atomic<bool> isEnding{false};
@@ -202,6 +247,7 @@ void WindowSession::showMainWindow() {
     parts_.application.setMainWindow(&window);
     window.installEventFilter(this);
     parts_.closeRequests = std::make_unique<CloseRequests>(window, [this] { end(0); });
+    restorePlace(window, parts_.defaults);
     window.show();
     window.windowHandle()->installEventFilter(this);
 }
@@ -267,6 +313,7 @@ void WindowSession::rememberSettings() {
         rememberInterval,
         [this](NSTimer&) {
             parts_.defaults.rehearse([this] {
+                rememberPlace(parts_.interface.mainWindow(), parts_.defaults);
                 parts_.panel.applicationShouldTerminateAfterLastWindowClosed();
                 parts_.controller.userDefaultsSave();
             });
@@ -343,6 +390,7 @@ bool WindowSession::eventFilter(QObject* watched, QEvent* event) {
 void WindowSession::end(int status) {
     // These calls may process events that end the program recursively.
     if (!parts_.isEnding.exchange(true) && parts_.isLaunched) {
+        rememberPlace(parts_.interface.mainWindow(), parts_.defaults);
         // Both save their settings here. Their result is always true.
         parts_.panel.applicationShouldTerminateAfterLastWindowClosed();
         parts_.controller.applicationShouldTerminateAfterLastWindowClosed();

@@ -329,17 +329,13 @@ std::map<std::string, std::int64_t> DesktopTest::stored() const {
     return settings;
 }
 
-void DesktopTest::storeUsual(std::int64_t rate) const {
-    store({{"firstTimeRunning", 1},
-           {"iSlow", 0},
-           {"iFPS", rate},
-           {"iHour", 0},
-           {"iMinue", 0},
-           {"iMinute", 0},
-           {"iSecond", 1},
-           {"iTip", 1},
-           {"firstTime", 1},
-           {"iDock", 1}});
+void DesktopTest::storeUsual(std::int64_t rate,
+                             const std::map<std::string, std::int64_t>& more) const {
+    std::map<std::string, std::int64_t> settings{
+        {"firstTimeRunning", 1}, {"iSlow", 0},   {"iFPS", rate}, {"iHour", 0},     {"iMinue", 0},
+        {"iMinute", 0},          {"iSecond", 1}, {"iTip", 1},    {"firstTime", 1}, {"iDock", 1}};
+    settings.insert(more.begin(), more.end());
+    store(settings);
 }
 
 void DesktopTest::makeFrames(int count, const FrameForm& form) const {

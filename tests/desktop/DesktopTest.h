@@ -100,8 +100,9 @@ protected:
     /// The settings that are numbers.
     std::map<std::string, std::int64_t> stored() const;
     std::string settingsFile() const { return desktop.configuration() + "/vistrane/settings"; }
-    /// The settings of a user who has seen the tips.
-    void storeUsual(std::int64_t rate = 30) const;
+    /// The settings of a user who has seen the tips, and more.
+    void storeUsual(std::int64_t rate = 30,
+                    const std::map<std::string, std::int64_t>& more = {}) const;
 
     /// Frames of different colours named 001.png and so on.
     void makeFrames(int count, const FrameForm& form = {}) const;

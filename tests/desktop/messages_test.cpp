@@ -23,7 +23,10 @@ TEST_F(Messages, NameTheFramesThatAreNotInTheMovie) {
     }
     clickButton("Compile Movie");
     EXPECT_EQ(movieFacts(openedMovie()).times.size(), 3U);
-    const std::string text = "6 frames could not be added to the movie: "
+    const std::string movie = namesEndingIn(".mov", folder).at(0);
+    const std::string text = "The movie '" + movie +
+                             "' is finished. "
+                             "6 frames could not be added to the movie: "
                              "002.png, 003.png, 004.png, 005.png, 006.png and 1 more.";
     awaitLabel(text);
     keepScreen("left out");

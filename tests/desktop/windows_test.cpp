@@ -21,6 +21,28 @@ TEST_F(Windows, TheFirstStartPutsTheTipsInFrontAndGivesThemTheKeyboard) {
     EXPECT_THAT(stored(), testing::Contains(testing::Pair("iSecond", 5)));
 }
 
+TEST_F(Windows, TheMainWindowComesBackWhereItWas) {
+    using testing::Pair;
+    const auto place = [this] {
+        // The window manager moves a window after the program has shown it.
+        return *await("the window's place", [this] {
+            const QRect now = screen().placeOf(mainWindow());
+            return now.size() == QSize(900, 620) && now.x() >= 200 ? std::optional(now)
+                                                                   : std::nullopt;
+        });
+    };
+    storeUsual(
+        30, {{"windowLeft", 200}, {"windowTop", 150}, {"windowWidth", 900}, {"windowHeight", 620}});
+    start();
+    const QRect first = place();
+    EXPECT_EQ(quit(), 0);
+    EXPECT_THAT(stored(),
+                testing::IsSupersetOf({Pair("windowLeft", 200), Pair("windowTop", 150),
+                                       Pair("windowWidth", 900), Pair("windowHeight", 620)}));
+    start();
+    EXPECT_EQ(place(), first);
+}
+
 TEST_F(Windows, TheCamerasViewTellsWhenThereIsNoCamera) {
     storeUsual();
     const auto description = [this] { return cameraView().description(); };

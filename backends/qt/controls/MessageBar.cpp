@@ -67,6 +67,9 @@ void MessageBar::showMessage(BarMessage message) {
     if (isWaiting) {
         return;
     }
+    if (!messages_.empty() && !messages_.front().isWarning) {
+        messages_.pop_front();
+    }
     messages_.push_back(std::move(message));
     if (messages_.size() == 1) {
         showFirst();
@@ -77,8 +80,14 @@ void MessageBar::showFirst() {
     const BarMessage& message = messages_.front();
     const QString text = shownText(message.text);
     const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
-    icon_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side));
+    icon_->setPixmap(style()
+                         ->standardIcon(message.isWarning ? QStyle::SP_MessageBoxWarning
+                                                          : QStyle::SP_MessageBoxInformation)
+                         .pixmap(side));
     text_->setText(text);
+    // A label with selectable text does this by the text's direction, not by the layout's.
+    text_->setAlignment(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) |
+                        Qt::AlignVCenter);
     setAccessibleName(text);
     button_->setText(withoutMnemonic(shownText(message.buttonTitle)));
     button_->setVisible(!message.buttonTitle.empty());

@@ -16,6 +16,7 @@ namespace vistrane {
 struct BarMessage {
     /// One sentence, which says what happened and what to do.
     std::string text;
+    bool isWarning = true;
     /// The button's title; empty for no button.
     std::string buttonTitle = {};
     std::function<void()> action = {};
@@ -29,8 +30,8 @@ public:
     /// The window owns it. Hidden at first.
     explicit MessageBar(QMainWindow& window);
 
-    /// Shows the message, after those that are not closed yet. A text that waits already is
-    /// ignored.
+    /// Shows the message, after the warnings that are not closed yet; other messages make room for
+    /// it. A text that waits already is ignored.
     void showMessage(BarMessage message);
 
 private:

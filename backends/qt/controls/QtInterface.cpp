@@ -107,6 +107,7 @@ private:
 
     void place() {
         const QRect room = mainWindow_.screen()->availableGeometry();
+        window_.resize(window_.size().boundedTo(room.size() - QtInterface::frameAllowance));
         QRect place = window_.rect();
         place.moveCenter(mainWindow_.geometry().center());
         place.moveRight(std::min(place.right(), room.right()));

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <QMenu>
+#include <QSize>
 #include <QWidget>
 
 #include "backends/qt/controls/MessageBar.h"
@@ -31,6 +32,9 @@ namespace vistrane {
 ///     hintWithoutCameras   the same, if there is no camera
 class QtInterface {
 public:
+    /// What a window leaves free on a small screen, for a title bar and borders.
+    static constexpr QSize frameAllowance{16, 48};
+
     explicit QtInterface(const QtResources& resources);
     ~QtInterface();
     QtInterface(const QtInterface&) = delete;

@@ -14,35 +14,36 @@ constexpr int fileIsMissing = 2;
 
 } // namespace
 
-QtWorkspace::QtWorkspace(WhenFinished whenFinished, std::function<void(const std::string&)> log)
-    : whenFinished_(std::move(whenFinished)), log_(std::move(log)) {}
+QtWorkspace::QtWorkspace(WhenFinished whenFinished, Failed failed)
+    : whenFinished_(std::move(whenFinished)), failed_(std::move(failed)) {}
 
 bool QtWorkspace::openURL(const NSURL& url) {
     // Passes a path as bytes, which need not be valid text.
     const std::string address = url.isFileURL() ? url.path() : url.absoluteString();
     if (!url.isFileURL()) {
-        // Failures to open an address are not reported, on purpose.
-        launchProgram({"xdg-open", address}, [](int) {});
+        open(address);
         return true;
     }
     const auto openWhole = [this, address](const std::optional<NSError>& error) {
         if (!error) {
-            openFile(address);
+            open(address);
         }
     };
     if (!whenFinished_ || !whenFinished_(address, openWhole)) {
-        openFile(address);
+        open(address);
     }
     return true;
 }
 
-void QtWorkspace::openFile(const std::string& path) const {
-    launchProgram({"xdg-open", path}, [this, path](int status) {
+void QtWorkspace::open(const std::string& address) const {
+    launchProgram({"xdg-open", address}, [this, address](int status) {
+        const std::string shown = "'" + shownText(address) + "'";
         if (status == fileIsMissing) {
-            log_("'" + shownText(path) + "' cannot be opened: it is not there.");
+            failed_(shown + " cannot be opened: it is not there.", address);
         } else if (status != 0) {
-            log_("No program could be found that opens '" + shownText(path) +
-                 "' (xdg-open: " + std::to_string(status) + ").");
+            failed_("No program could be found that opens " + shown +
+                        " (xdg-open: " + std::to_string(status) + ").",
+                    address);
         }
     });
 }

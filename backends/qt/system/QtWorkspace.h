@@ -9,8 +9,7 @@
 
 namespace vistrane {
 
-/// Opens addresses with the desktop's default programs (`xdg-open`). Logs if a file cannot be
-/// opened; failures of other addresses are not reported.
+/// Opens addresses with the desktop's default programs (`xdg-open`).
 class QtWorkspace final : public NSWorkspace {
 public:
     /// Calls back once when the movie at `path` is finished or has failed. Returns false if it is
@@ -18,17 +17,19 @@ public:
     using WhenFinished = std::function<bool(const std::string& path,
                                             std::function<void(std::optional<NSError>)> callback)>;
 
-    /// `log` gets one line. Both functions are called on any thread and must outlive the opened
-    /// programs.
-    QtWorkspace(WhenFinished whenFinished, std::function<void(const std::string&)> log);
+    /// Gets one sentence, and the address or path that no program could open.
+    using Failed = std::function<void(const std::string& sentence, const std::string& address)>;
+
+    /// Both functions are called on any thread and must outlive the opened programs.
+    QtWorkspace(WhenFinished whenFinished, Failed failed);
 
     bool openURL(const NSURL& url) override;
 
 private:
-    void openFile(const std::string& path) const;
+    void open(const std::string& address) const;
 
     const WhenFinished whenFinished_;
-    const std::function<void(const std::string&)> log_;
+    const Failed failed_;
 };
 
 } // namespace vistrane
