@@ -1,5 +1,6 @@
 #include "backends/qt/system/Appearance.h"
 
+#include <cstdlib>
 #include <utility>
 
 #include <QApplication>
@@ -7,6 +8,7 @@
 #include <QMetaObject>
 #include <QPalette>
 #include <QProgressBar>
+#include <QProxyStyle>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -143,12 +145,30 @@ QPalette ownPalette(bool isDark) {
     return isDark ? darkPalette() : lightPalette();
 }
 
+void separateFields() {
+    QPalette palette = QApplication::palette();
+    const int window = palette.color(QPalette::Window).lightness();
+    constexpr int leastDifference = 16;
+    constexpr int darkest = 24;
+    const bool areApart =
+        std::abs(palette.color(QPalette::Base).lightness() - window) >= leastDifference;
+    const QStyle* const style = QApplication::style();
+    const auto* const proxy = qobject_cast<const QProxyStyle*>(style);
+    const QString name = (proxy != nullptr ? proxy->baseStyle() : style)->name();
+    if (name == QLatin1String("fusion") && window < darkest && !areApart) {
+        palette.setColor(QPalette::Base, QColor(0x48, 0x48, 0x48));
+        palette.setColor(QPalette::Button, QColor(0x48, 0x48, 0x48));
+        QApplication::setPalette(palette);
+    }
+}
+
 void applyPalette(bool isDark) {
     const DesktopLook& desktop = desktopLook();
     QPalette barColours;
     if (isDarkPalette(desktop.palette) == isDark) {
         QApplication::setStyle(desktop.style);
         QApplication::setPalette(QPalette());
+        separateFields();
     } else {
         QApplication::setStyle("Fusion");
         QApplication::setPalette(ownPalette(isDark));

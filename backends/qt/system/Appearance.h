@@ -44,6 +44,11 @@ private:
 /// The program's own colours.
 QPalette ownPalette(bool isDark);
 
+/// Makes fields and buttons lighter if they are as black as the window: desktops for people who see
+/// little may have such colours. Most styles outline them in white; Qt's own draws outlines darker
+/// than the window, so that nothing would be seen of them.
+void separateFields();
+
 /// Applies the desktop's style and palette if they match `isDark`, otherwise the program's own.
 void applyPalette(bool isDark);
 

@@ -6,10 +6,10 @@
 //                          the tips' texts: 1 folder, 2 interval and its total, 3 rate, 4 compile,
 //                          5 play.
 //     light, dark          window-light.png and window-dark.png, the window on such a desktop
-//     review-light, review-dark, review-reversed, review-first
-//                          every window in the least and in a larger size, for people who change
-//                          them: on such a desktop, from right to left, or at the first start.
-//                          QT_SCALE_FACTOR is the number of pixels per point.
+//     sheet                sheet.png and the pictures on it: the screen as users of different
+//                          desktops see it, for people who change the window. It is made by one
+//                          process for each desktop.
+//     review-...           the pictures of one desktop of the sheet
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +23,8 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QFont>
 #include <QImage>
 #include <QLabel>
@@ -35,14 +37,15 @@
 #include <QPixmap>
 #include <QProcess>
 #include <QRadialGradient>
+#include <QScreen>
 #include <QSlider>
-#include <QStyleFactory>
 #include <QTest>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "backends/qt/system/Appearance.h"
 #include "frontends/window/open_window.h"
+#include "tests/frontends/interface/DesktopStyle.h"
 
 namespace vistrane {
 namespace {
@@ -298,29 +301,78 @@ QImage folderPicture(const QDir& folder, QSize size) {
     return window.grab().toImage();
 }
 
+enum class Colours { light, dark, highContrast };
+
 /// How the program is started and what is taken of it.
 struct Look {
     QString pictures;
+    /// Of the window, in points; of the screen, in pixels, in a review.
     QSize size = {};
-    /// The window's pixels per point; those of QT_SCALE_FACTOR in a review.
+    /// Pixels per point.
     double density = 1.0;
+    Colours colours = Colours::light;
+    bool isReversed = false;
+    /// The letters' height in pixels; 0 for the usual one.
+    int letters = 0;
+    bool isFirstStart = false;
 
     bool isTips() const { return pictures == QLatin1String("tips"); }
     bool isReview() const { return pictures.startsWith(QLatin1String("review-")); }
-    bool isDark() const { return pictures.endsWith(QLatin1String("dark")); }
-    bool isReversed() const { return pictures == QLatin1String("review-reversed"); }
-    bool isFirstStart() const { return pictures == QLatin1String("review-first"); }
 };
 
-constexpr QSize leastSize{900, 600};
+constexpr QSize smallScreen{1024, 600};
+constexpr QSize commonScreen{1440, 900};
 
 const Look looks[] = {
     // Enough pixels to enlarge parts of it.
-    {QStringLiteral("tips"), {920, 600}, 3.0},   {QStringLiteral("light"), {1060, 640}, 2.0},
-    {QStringLiteral("dark"), {1060, 640}, 2.0},  {QStringLiteral("review-light"), leastSize},
-    {QStringLiteral("review-dark"), leastSize},  {QStringLiteral("review-reversed"), leastSize},
-    {QStringLiteral("review-first"), leastSize},
+    {.pictures = QStringLiteral("tips"), .size = {920, 600}, .density = 3.0},
+    {.pictures = QStringLiteral("light"), .size = {1060, 640}, .density = 2.0},
+    {.pictures = QStringLiteral("dark"),
+     .size = {1060, 640},
+     .density = 2.0,
+     .colours = Colours::dark},
+    {.pictures = QStringLiteral("review-small"), .size = smallScreen},
+    {.pictures = QStringLiteral("review-small-dark"),
+     .size = smallScreen,
+     .colours = Colours::dark},
+    {.pictures = QStringLiteral("review-small-first"), .size = smallScreen, .isFirstStart = true},
+    {.pictures = QStringLiteral("review-common"), .size = commonScreen},
+    {.pictures = QStringLiteral("review-common-dark"),
+     .size = commonScreen,
+     .colours = Colours::dark},
+    {.pictures = QStringLiteral("review-common-first"), .size = commonScreen, .isFirstStart = true},
+    {.pictures = QStringLiteral("review-double"), .size = commonScreen, .density = 2.0},
+    {.pictures = QStringLiteral("review-double-dark"),
+     .size = commonScreen,
+     .density = 2.0,
+     .colours = Colours::dark},
+    {.pictures = QStringLiteral("review-reversed"), .size = smallScreen, .isReversed = true},
+    {.pictures = QStringLiteral("review-contrast"),
+     .size = smallScreen,
+     .colours = Colours::highContrast},
+    {.pictures = QStringLiteral("review-letters"), .size = commonScreen, .letters = 22},
+    {.pictures = QStringLiteral("review-letters-first"),
+     .size = commonScreen,
+     .letters = 22,
+     .isFirstStart = true},
 };
+
+/// As a desktop for people who see little.
+QPalette highContrastPalette() {
+    QPalette palette(Qt::white, Qt::black, Qt::white, Qt::darkGray, Qt::lightGray, Qt::white,
+                     Qt::white, Qt::black, Qt::black);
+    palette.setColor(QPalette::Highlight, Qt::yellow);
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    palette.setColor(QPalette::ToolTipBase, Qt::black);
+    palette.setColor(QPalette::ToolTipText, Qt::white);
+    palette.setColor(QPalette::PlaceholderText, Qt::white);
+    return palette;
+}
+
+QPalette paletteOf(Colours colours) {
+    return colours == Colours::highContrast ? highContrastPalette()
+                                            : ownPalette(colours == Colours::dark);
+}
 
 /// Uses the program as a user does, within its event loop.
 class Photographer {
@@ -330,13 +382,19 @@ public:
 
     /// To be called when there is an application, and no window yet.
     void begin() {
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-        // The program takes the desktop's appearance from the initial palette.
-        if (!look_.isTips()) {
-            QApplication::setPalette(ownPalette(look_.isDark()));
+        if (look_.isTips()) {
+            QApplication::setStyle(QStringLiteral("Fusion"));
+        } else {
+            DesktopStyle::colours = paletteOf(look_.colours);
+            QApplication::setStyle(QStringLiteral("desktop"));
         }
-        if (look_.isReversed()) {
+        if (look_.isReversed) {
             QApplication::setLayoutDirection(Qt::RightToLeft);
+        }
+        if (look_.letters > 0) {
+            QFont font = QApplication::font();
+            font.setPixelSize(look_.letters);
+            QApplication::setFont(font);
         }
         QTimer::singleShot(0, qApp, [this] { work(); });
     }
@@ -344,24 +402,20 @@ public:
 private:
     [[noreturn]] void work() {
         waitFor("the window", [this] { return isOpen(); });
-        // The tips are in front; fields keep their selection until they lose the focus.
-        window_->activateWindow();
-        window_->resize(look_.size);
-        // The colours of a desktop, which is missing here.
-        if (!look_.isTips()) {
-            QApplication::setPalette(ownPalette(look_.isDark()));
-        }
-        if (!look_.isFirstStart()) {
-            use();
-        }
-        // The layout follows the texts.
-        QApplication::processEvents();
-        if (look_.isTips()) {
-            takeTips();
-        } else if (look_.isReview()) {
-            takeAllWindows();
+        if (look_.isReview()) {
+            review();
         } else {
-            take(*window_, QStringLiteral("window-") + look_.pictures);
+            // The tips are in front; fields keep their selection until they lose the focus.
+            window_->activateWindow();
+            window_->resize(look_.size);
+            use();
+            // The layout follows the texts.
+            QApplication::processEvents();
+            if (look_.isTips()) {
+                takeTips();
+            } else {
+                take(*window_, QStringLiteral("window-") + look_.pictures);
+            }
         }
         frames_.cdUp();
         frames_.removeRecursively();
@@ -395,7 +449,7 @@ private:
             }
         }
         return window_ != nullptr &&
-               (look_.isFirstStart() || text("currentS").contains(QString::number(frameCount)));
+               (look_.isFirstStart || text("currentS").contains(QString::number(frameCount)));
     }
 
     void use() const {
@@ -445,24 +499,70 @@ private:
              pictures_.filePath(name + QStringLiteral(".png")));
     }
 
-    void takeAllWindows() const {
-        constexpr QSize largeSize{1600, 1000};
-        for (const QSize size : {look_.size, largeSize}) {
-            window_->resize(size);
-            QApplication::processEvents();
-            take(*window_, QStringLiteral("%1-%2x%3")
-                               .arg(look_.pictures)
-                               .arg(size.width())
-                               .arg(size.height()));
+    void review() const {
+        takeScreen(1);
+        setSmallWindowsVisible(false);
+        if (look_.isFirstStart) {
+            takeScreen(2);
+        } else {
+            window_->activateWindow();
+            use();
+            takeScreen(2);
+            find<QAbstractButton>("compilingB").click();
+            waitFor("the movie's message", [this] { return hasLabelFrom("The movie '"); });
+            find<QAbstractButton>("startB").click();
+            waitFor("a still",
+                    [this] { return text("currentS").contains(QString::number(frameCount + 1)); });
+            takeScreen(3);
         }
+        setSmallWindowsVisible(true);
+        takeScreen(look_.isFirstStart ? 3 : 4);
+    }
+
+    static void setSmallWindowsVisible(bool areVisible) {
         for (QWidget* const widget : QApplication::topLevelWidgets()) {
             const QString name = widget->objectName();
             if (name == QLatin1String("tipWindow") || name == QLatin1String("infoPanel")) {
-                widget->show();
-                QApplication::processEvents();
-                take(*widget, look_.pictures + u'-' + name);
+                widget->setVisible(areVisible);
             }
         }
+    }
+
+    bool hasLabelFrom(const char* beginning) const {
+        const auto labels = window_->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+            return label->isVisible() && label->text().startsWith(QLatin1String(beginning));
+        });
+    }
+
+    /// The screen with its windows. Each has a title bar, as most desktops give it.
+    void takeScreen(int number) const {
+        constexpr int titleBar = 26;
+        QTest::qWait(100); // the layout follows the texts and the letters
+        const QScreen& screen = *window_->screen();
+        QImage picture(screen.size() * screen.devicePixelRatio(), QImage::Format_RGB32);
+        picture.setDevicePixelRatio(screen.devicePixelRatio());
+        picture.fill(QColor(0x50, 0x70, 0x80));
+        QPainter painter(&picture);
+        QList<QWidget*> windows = QApplication::topLevelWidgets();
+        std::stable_sort(windows.begin(), windows.end(), [this](QWidget* first, QWidget* second) {
+            return first == window_ && second != window_;
+        });
+        for (QWidget* const window : windows) {
+            if (window->isVisible()) {
+                const QRect place(window->pos() + QPoint(1, titleBar), window->size());
+                painter.fillRect(place.adjusted(-1, -titleBar, 1, 1), Qt::darkBlue);
+                painter.setPen(Qt::white);
+                painter.drawText(
+                    QRect(place.x() + 8, place.y() - titleBar, place.width() - 16, titleBar),
+                    Qt::AlignVCenter, window->windowTitle());
+                painter.drawPixmap(place.topLeft(), window->grab());
+            }
+        }
+        painter.end();
+        picture.setDevicePixelRatio(1.0);
+        save(picture,
+             pictures_.filePath(QStringLiteral("%1-%2.png").arg(look_.pictures).arg(number)));
     }
 
     void takeTips() const {
@@ -561,7 +661,72 @@ QDir prepare(const QString& program) {
     const QDir settings(place.filePath(QStringLiteral(".settings")));
     settings.mkpath(QStringLiteral("."));
     qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+    // Opens movies: nothing is to happen.
+    const QString opener = settings.filePath(QStringLiteral("xdg-open"));
+    if (!QFile::link(QStringLiteral("/bin/true"), opener)) {
+        fail(QStringLiteral("cannot make ") + opener);
+    }
+    qputenv("PATH", settings.path().toLocal8Bit() + ':' + qgetenv("PATH"));
     return folder;
+}
+
+/// Sets the screen of this process, which has no display.
+void setScreen(const Look& look, const QDir& frames) {
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(look.density));
+    QByteArray platform = "offscreen";
+    if (look.isReview()) {
+        QFile file(frames.filePath(QStringLiteral("../.settings/screen.json")));
+        const QByteArray screen =
+            QByteArray("{\"screens\": [{\"name\": \"1\", \"x\": 0, \"y\": 0, ") +
+            "\"width\": " + QByteArray::number(look.size.width()) +
+            ", \"height\": " + QByteArray::number(look.size.height()) + "}]}";
+        if (!file.open(QIODevice::WriteOnly) || file.write(screen) != screen.size()) {
+            fail(QStringLiteral("cannot write ") + file.fileName());
+        }
+        platform += ":configfile=" + QFileInfo(file).canonicalFilePath().toLocal8Bit();
+    }
+    qputenv("QT_QPA_PLATFORM", platform);
+}
+
+/// Takes the pictures of every review and puts them on one sheet, one row for each.
+int makeSheet(const QString& tool, const QDir& pictures, const QString& program) {
+    constexpr QSize cell{480, 300};
+    constexpr int caption = 22;
+    constexpr int columns = 4;
+    std::vector<QStringList> rows;
+    for (const Look& look : looks) {
+        if (look.isReview()) {
+            if (QProcess::execute(tool, {pictures.path(), program, look.pictures}) != 0) {
+                return 1;
+            }
+            rows.push_back(pictures.entryList({look.pictures + QStringLiteral("-?.png")},
+                                              QDir::Files, QDir::Name));
+        }
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    int count = 1;
+    char name[] = "window_pictures";
+    char* arguments[] = {name, nullptr};
+    const QGuiApplication application(count, arguments);
+    QImage sheet(columns * cell.width(), static_cast<int>(rows.size()) * (cell.height() + caption),
+                 QImage::Format_RGB32);
+    sheet.fill(Qt::white);
+    QPainter painter(&sheet);
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (int column = 0; column < rows[row].size(); ++column) {
+            const QPoint place(column * cell.width(),
+                               static_cast<int>(row) * (cell.height() + caption));
+            painter.drawText(QRect(place, QSize(cell.width(), caption)), Qt::AlignCenter,
+                             rows[row][column]);
+            const QImage picture(pictures.filePath(rows[row][column]));
+            painter.drawImage(
+                place + QPoint(4, caption),
+                picture.scaled(cell - QSize(8, 4), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+        }
+    }
+    painter.end();
+    save(sheet, pictures.filePath(QStringLiteral("sheet.png")));
+    return 0;
 }
 
 } // namespace
@@ -569,24 +734,31 @@ QDir prepare(const QString& program) {
 
 int main(int argc, char** argv) {
     using namespace vistrane;
+    const QStringList arguments = [&] {
+        QStringList result;
+        for (int index = 1; index < argc; ++index) {
+            result << QString::fromLocal8Bit(argv[index]);
+        }
+        return result;
+    }();
+    if (arguments.size() == 3 && arguments[2] == QLatin1String("sheet")) {
+        return makeSheet(QString::fromLocal8Bit(argv[0]), QDir(arguments[0]), arguments[1]);
+    }
     const auto* const look =
         std::find_if(std::begin(looks), std::end(looks), [&](const Look& each) {
-            return argc == 4 && each.pictures == QString::fromLocal8Bit(argv[3]);
+            return arguments.size() == 3 && each.pictures == arguments[2];
         });
     if (look == std::end(looks)) {
         std::fprintf(stderr, "usage: window_pictures FOLDER PROGRAM PICTURES\n");
         return 2;
     }
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (!look->isReview()) {
-        qputenv("QT_SCALE_FACTOR", QByteArray::number(look->density));
-    }
-    const QDir frames = prepare(QString::fromLocal8Bit(argv[2]));
-    static Photographer photographer(*look, QString::fromLocal8Bit(argv[1]), frames);
+    const QDir frames = prepare(arguments[1]);
+    setScreen(*look, frames);
+    static Photographer photographer(*look, arguments[0], frames);
     qAddPreRoutine([] { photographer.begin(); });
     WindowOptions options;
     options.version = "0.1.0";
-    if (!look->isFirstStart()) {
+    if (!look->isFirstStart) {
         options.folder = frames.path().toStdString();
     }
     options.demoCamera = true;

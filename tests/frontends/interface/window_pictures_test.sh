@@ -24,10 +24,8 @@ tool=$1
 program=$2
 take tips tip1 tip2 tip3 tip4 tip5
 take dark window-dark
-for look in reversed first; do
-    take "review-$look" "review-$look-900x600" "review-$look-1600x1000" \
-        "review-$look-infoPanel" "review-$look-tipWindow"
-done
+take review-double review-double-1 review-double-2 review-double-3 review-double-4
+take review-small-first review-small-first-1 review-small-first-2 review-small-first-3
 [ ! -e "$folder/temporary/Time Lapse" ] || {
     echo "the folder of frames was left behind"
     exit 1

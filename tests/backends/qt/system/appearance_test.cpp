@@ -6,6 +6,8 @@
 #include <QDBusVariant>
 #include <QPalette>
 #include <QProgressBar>
+#include <QProxyStyle>
+#include <QStyle>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -58,6 +60,32 @@ TEST_F(AppearanceTest, WithoutAPortalAChangedPaletteIsFollowed) {
         EXPECT_EQ(changes.size(), isDark ? 1U : 2U);
     }
     QApplication::setPalette(QPalette());
+}
+
+TEST_F(AppearanceTest, BlackFieldsInABlackWindowAreSetApart) {
+    // The style of a desktop with such colours.
+    class BlackStyle : public QProxyStyle {
+    public:
+        BlackStyle() : QProxyStyle("Fusion") {}
+        void polish(QPalette& palette) override {
+            palette = QPalette(Qt::white, Qt::black, Qt::white, Qt::darkGray, Qt::gray, Qt::white,
+                               Qt::white, Qt::black, Qt::black);
+        }
+        using QProxyStyle::polish;
+    };
+    const QString before = QApplication::style()->name();
+    QApplication::setStyle(new BlackStyle);
+    separateFields();
+    const QPalette palette = QApplication::palette();
+    EXPECT_EQ(palette.color(QPalette::Window), QColor(Qt::black));
+    EXPECT_GT(palette.color(QPalette::Base).lightness(), 50);
+    EXPECT_GT(palette.color(QPalette::Button).lightness(), 50);
+    EXPECT_EQ(palette.color(QPalette::Text), QColor(Qt::white));
+    QApplication::setStyle(before);
+    QApplication::setPalette(QPalette());
+    const QColor field = QApplication::palette().color(QPalette::Base);
+    separateFields();
+    EXPECT_EQ(QApplication::palette().color(QPalette::Base), field);
 }
 
 TEST_F(AppearanceTest, ADarkDesktopIsDarkFromTheStart) {

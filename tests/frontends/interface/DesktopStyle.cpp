@@ -1,0 +1,6 @@
+#include "tests/frontends/interface/DesktopStyle.h"
+
+#include <QtPlugin>
+
+using vistrane::DesktopStylePlugin;
+Q_IMPORT_PLUGIN(DesktopStylePlugin)
