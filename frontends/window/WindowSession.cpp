@@ -9,12 +9,16 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QEvent>
 #include <QIcon>
 #include <QMenu>
 #include <QSlider>
+#include <QStandardPaths>
+#include <QTimer>
 #include <QWindow>
 
+#include "backends/qt/controls/PictureWidget.h"
 #include "backends/qt/controls/QtImageView.h"
 #include "backends/qt/controls/QtInterface.h"
 #include "backends/qt/menus/CloseRequests.h"
@@ -45,6 +49,9 @@ MovieOptions movieOptions() {
 
 /// How often to check whether the program captures, in seconds.
 constexpr double captureCheckInterval = 1.0;
+
+/// How often to show the time to the next still.
+constexpr std::chrono::milliseconds signInterval{500};
 
 /// How often to remember the settings for an ending without the main thread, in seconds.
 constexpr double rememberInterval = 1.0;
@@ -109,6 +116,37 @@ struct WindowSession::Parts {
         }
     }
 
+    PictureWidget& cameraView() {
+        return *interface.mainWindow().findChild<PictureWidget*>("previewView");
+    }
+
+    /// The sign of capturing tells of the stills since the timer of the moment was scheduled.
+    void followCaptureTimer() {
+        if (controller.myTimer != captureTimer) {
+            captureTimer = controller.myTimer;
+            observer.capture().begin();
+        }
+    }
+
+    void showSignOfCapturing() {
+        followCaptureTimer();
+        const auto schedule = captureTimer ? loop.scheduleOf(*captureTimer) : std::nullopt;
+        QString toolTip = QStringLiteral("Vistrane");
+        if (schedule) {
+            const CaptureReport::Text text = observer.capture().text(
+                {schedule->interval, schedule->untilNext, loop.isHeldBack()});
+            interface.sign().show(QString::fromStdString(text.status),
+                                  QString::fromStdString(text.calmStatus),
+                                  QString::fromStdString(text.warning));
+            toolTip += QStringLiteral(": ") + interface.sign().text();
+        } else {
+            interface.sign().clear();
+        }
+        if (statusIcon) {
+            statusIcon->setToolTip(toolTip);
+        }
+    }
+
     WindowLog& log;
     const std::function<void(const std::string&)> logLine = [this](const std::string& line) {
         log.write(line);
@@ -126,6 +164,11 @@ struct WindowSession::Parts {
         {.failure = [this](const std::string& text) { interface.messageBar().showMessage({text}); },
          .movie = [this](const std::string& path,
                          const std::string& leftOut) { showMovie(path, leftOut); },
+         .camera =
+             [this](const std::string& message) {
+                 cameraView().setNotice(QString::fromStdString(vistrane::shownText(message)));
+             },
+         .still = [this] { followCaptureTimer(); },
          .savedFrame = [this] { showFirstSessionHint(); }}};
     SessionBackend backend;
     QtWorkspace workspace{[this](const std::string& path, Movies::Finished callback) {
@@ -152,6 +195,10 @@ struct WindowSession::Parts {
     const Platform platform = backend.platform(appKit);
     AppDelegate controller{platform};
     mantisQRXpanel panel{platform};
+    /// The capture timer, as the sign of capturing knows it.
+    std::shared_ptr<NSTimer> captureTimer;
+    /// Qt's own, because those of the run loop do not tick while a dialog is open.
+    QTimer signTimer;
     /// Of the player, while the user drags the frame slider.
     std::shared_ptr<NSTimer> heldTimer;
     /// `mainWindowIsDrawn` has run.
@@ -201,6 +248,7 @@ void WindowSession::launch() {
     parts_.controller.applicationDidFinishLaunching();
     showNoCameraHint();
     keepAwakeWhileCapturing();
+    showCapturing();
     rememberSettings();
     holdPlayerWhileScrubbing();
 }
@@ -329,6 +377,15 @@ void WindowSession::keepAwakeWhileCapturing() {
             parts_.sleepInhibitor.setActive(timer && timer->isValid());
         },
         true);
+}
+
+void WindowSession::showCapturing() {
+    QTimer& timer = parts_.signTimer;
+    connect(&timer, &QTimer::timeout, this, [this] { parts_.showSignOfCapturing(); });
+    timer.start(signInterval);
+    // A camera that is picked is not the one that was lost.
+    connect(parts_.interface.mainWindow().findChild<QComboBox*>("AVDevicePopUp"),
+            &QComboBox::activated, this, [this] { parts_.cameraView().setNotice({}); });
 }
 
 /// The compile thread gives the button back when it ends. One that cannot be started never does.

@@ -46,6 +46,7 @@ private:
     void takeKeyboard();
     void followAppearance();
     void keepAwakeWhileCapturing();
+    void showCapturing();
     void rememberSettings();
     void showFailuresOfThreads();
     void holdPlayerWhileScrubbing();

@@ -16,5 +16,19 @@ TEST_F(CameraLoss, LetsTheMachineSleepOnlyAfterTheEndOfTheCapture) {
     stopCapturing();
 }
 
+TEST_F(CameraLoss, IsSaidInTheCamerasViewUntilTheCameraIsBack) {
+    startCapturing("Testcam");
+    ASSERT_TRUE(camera("stop"));
+    await("the notice", [this] {
+        return cameraView().description().find("gives no pictures") != std::string::npos;
+    });
+    keepScreen("camera gone");
+    ASSERT_TRUE(camera("start"));
+    await("the camera's picture", [this] {
+        return cameraView().description() == "The picture of the camera that was picked";
+    });
+    stopCapturing();
+}
+
 } // namespace
 } // namespace vistrane

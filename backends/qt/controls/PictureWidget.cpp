@@ -123,6 +123,18 @@ void PictureWidget::setFrame(QImage frame) {
     scaled_ = {};
     shape_ = frame.size();
     pixels_ = std::move(frame);
+    if (!pixels_.isNull() && !notice_.isEmpty()) {
+        setNotice({});
+    }
+    update();
+}
+
+void PictureWidget::setNotice(const QString& text) {
+    if (notice_.isEmpty()) {
+        usualDescription_ = accessibleDescription();
+    }
+    notice_ = text;
+    setAccessibleDescription(text.isEmpty() ? usualDescription_ : text);
     update();
 }
 
@@ -161,8 +173,10 @@ void PictureWidget::paintEvent(QPaintEvent*) {
         painter.setClipPath(inside);
     }
     paintPicture(painter);
-    if (!isInUse_) {
-        paintHint(painter);
+    if (!notice_.isEmpty() && shape_.isEmpty()) {
+        paintText(painter, notice_);
+    } else if (!isInUse_) {
+        paintText(painter, property("hint").toString());
     }
 }
 
@@ -223,15 +237,11 @@ void PictureWidget::paintPicture(QPainter& painter) {
     }
 }
 
-void PictureWidget::paintHint(QPainter& painter) const {
-    const QString hint = property("hint").toString();
-    if (hint.isEmpty()) {
-        return;
-    }
+void PictureWidget::paintText(QPainter& painter, const QString& text) const {
     constexpr int margin = 24;
     painter.setPen(QColor(150, 150, 150));
     painter.drawText(rect().adjusted(margin, margin, -margin, -margin),
-                     Qt::AlignCenter | Qt::TextWordWrap, hint);
+                     Qt::AlignCenter | Qt::TextWordWrap, text);
 }
 
 } // namespace vistrane

@@ -29,6 +29,10 @@ public:
     /// For moving pictures: each replaces the last one, even if that was not painted yet.
     void setFrame(QImage frame);
 
+    /// Shows a text while there is no picture, until there is a frame again. It is also the
+    /// description for screen readers meanwhile. An empty text ends it.
+    void setNotice(const QString& text);
+
     /// Called with true when the widget becomes visible, with false when it is hidden.
     void setVisibilityHandler(std::function<void(bool)> handler);
 
@@ -46,12 +50,14 @@ private:
     void decode();
     void scaleTo(QSize size);
     void paintPicture(QPainter& painter);
-    void paintHint(QPainter& painter) const;
+    void paintText(QPainter& painter, const QString& text) const;
 
     std::optional<QColor> background_;
     /// Reset once the picture is decoded in full. Kept for vector pictures.
     std::shared_ptr<NSImage> picture_;
     bool isMovingPicture_ = false;
+    QString notice_;
+    QString usualDescription_;
     /// Whether there has been a picture, even an unreadable one. The hint is then not shown again.
     bool isInUse_ = false;
     QSizeF shape_;

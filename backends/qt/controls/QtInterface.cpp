@@ -135,6 +135,7 @@ public:
     QMenu contextMenu;
     QAction* statusSubmenuItem = nullptr;
     QAction* contextSubmenuItem = nullptr;
+    SignWidget* sign = nullptr;
     MessageBar* messageBar = nullptr;
 
 private:
@@ -148,6 +149,7 @@ private:
 
 QtInterface::Windows::Windows() {
     mainFile_.setupUi(&mainWindow);
+    sign = new SignWidget(mainWindow);
     messageBar = new MessageBar(mainWindow);
     infoFile_.setupUi(&infoPanel);
     tipsFile_.setupUi(&tipsWindow);
@@ -357,6 +359,10 @@ QWidget& QtInterface::mainWindow() {
 
 MessageBar& QtInterface::messageBar() {
     return *windows_->messageBar;
+}
+
+SignWidget& QtInterface::sign() {
+    return *windows_->sign;
 }
 
 std::vector<QWidget*> QtInterface::windows() {

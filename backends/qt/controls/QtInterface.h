@@ -10,6 +10,7 @@
 
 #include "backends/qt/controls/MessageBar.h"
 #include "backends/qt/controls/QtResources.h"
+#include "backends/qt/controls/SignWidget.h"
 #include "platform/appkit/NSNib.h"
 
 namespace vistrane {
@@ -46,6 +47,8 @@ public:
     QWidget& mainWindow();
     /// Of the main window.
     MessageBar& messageBar();
+    /// Of the main window.
+    SignWidget& sign();
     /// The main window, the info panel and the tips. They are independent: the latter two stay on
     /// the screen while the main window is minimised. They first appear centred on it.
     std::vector<QWidget*> windows();

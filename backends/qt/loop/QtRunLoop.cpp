@@ -1,5 +1,7 @@
 #include "backends/qt/loop/QtRunLoop.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include <QCoreApplication>
@@ -42,7 +44,24 @@ void QtRunLoop::runUntilDate(NSDate date) {
 
 std::shared_ptr<NSTimer>
 QtRunLoop::scheduleTimer(double interval, std::function<void(NSTimer&)> tick, bool repeats) {
-    return timers_.schedule(interval, std::move(tick), repeats);
+    std::erase_if(grids_, [](const Grid& grid) { return grid.timer.expired(); });
+    const std::int64_t start = monotonicNow();
+    std::shared_ptr<NSTimer> timer = timers_.schedule(interval, std::move(tick), repeats);
+    constexpr double shortest = 0.0001;
+    grids_.push_back({timer, start, std::max(interval, shortest)});
+    return timer;
+}
+
+std::optional<QtRunLoop::Schedule> QtRunLoop::scheduleOf(const NSTimer& timer) const {
+    const auto grid = std::find_if(grids_.begin(), grids_.end(), [&](const Grid& each) {
+        return each.timer.lock().get() == &timer;
+    });
+    if (grid == grids_.end() || !timer.isValid()) {
+        return std::nullopt;
+    }
+    constexpr double nanosecondsInASecond = 1e9;
+    const double passed = static_cast<double>(monotonicNow() - grid->start) / nanosecondsInASecond;
+    return Schedule{grid->interval, grid->interval - std::fmod(passed, grid->interval)};
 }
 
 bool QtRunLoop::isMainThread() const {

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <thread>
+#include <vector>
 
 #include <QBasicTimer>
 #include <QObject>
@@ -38,6 +40,18 @@ public:
     /// Holds a timer back while the user drags something that it moves, or lets it go on: then it
     /// ticks at most once for the dates that have passed.
     void setHeld(const NSTimer& timer, bool held) { timers_.setHeld(timer, held); }
+
+    /// A timer's interval, and the time until it is due, both in seconds. A timer that is held back
+    /// ticks later.
+    struct Schedule {
+        double interval = 0.0;
+        double untilNext = 0.0;
+    };
+    /// Nothing for an invalid timer, and for one of another loop.
+    std::optional<Schedule> scheduleOf(const NSTimer& timer) const;
+
+    /// Whether no timer can tick. While one is scheduled, a dialog is the reason.
+    bool isHeldBack() const { return !timers_.nextDate(); }
 
     /// Work for the main thread. Any thread may post to it while the run loop lives.
     DispatchQueue& mainQueue() { return mainQueue_; }
@@ -74,11 +88,20 @@ private:
     void postWake();
     void setAlarm();
 
+    /// The ticks of a timer are due at `start + n * interval`, in nanoseconds of the monotonic
+    /// clock.
+    struct Grid {
+        std::weak_ptr<NSTimer> timer;
+        std::int64_t start = 0;
+        double interval = 0.0;
+    };
+
     const std::thread::id mainThread_ = std::this_thread::get_id();
     WorkQueue mainQueue_{[this] { postWake(); }};
     /// Fires when the next timer is due.
     QBasicTimer alarm_;
     RunLoopTimers timers_{[this] { setAlarm(); }};
+    std::vector<Grid> grids_;
     bool isInAHurry_ = false;
 };
 

@@ -21,6 +21,13 @@ public:
     StatusIcon(const StatusIcon&) = delete;
     StatusIcon& operator=(const StatusIcon&) = delete;
 
+    /// The desktop is told of a change only.
+    void setToolTip(const QString& toolTip) {
+        if (toolTip != icon_.toolTip()) {
+            icon_.setToolTip(toolTip);
+        }
+    }
+
     /// Whether the user can see it.
     bool isShown() const;
 

@@ -43,6 +43,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "backends/qt/controls/SignWidget.h"
 #include "backends/qt/system/Appearance.h"
 #include "frontends/window/open_window.h"
 #include "tests/frontends/interface/DesktopStyle.h"
@@ -513,7 +514,12 @@ private:
             find<QAbstractButton>("startB").click();
             waitFor("a still",
                     [this] { return text("currentS").contains(QString::number(frameCount + 1)); });
+            waitFor("the sign", [this] { return hasSign("1 saved"); });
             takeScreen(3);
+            QDir().rename(frames_.path(), frames_.path() + u'2');
+            find<QAbstractButton>("oneB").click();
+            waitFor("the warning", [this] { return hasSign("1 not saved"); });
+            QDir().rename(frames_.path() + u'2', frames_.path());
         }
         setSmallWindowsVisible(true);
         takeScreen(look_.isFirstStart ? 3 : 4);
@@ -532,6 +538,14 @@ private:
         const auto labels = window_->findChildren<QLabel*>();
         return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
             return label->isVisible() && label->text().startsWith(QLatin1String(beginning));
+        });
+    }
+
+    bool hasSign(const char* part) const {
+        const auto widgets = window_->findChildren<QWidget*>();
+        return std::any_of(widgets.begin(), widgets.end(), [&](const QWidget* widget) {
+            const auto* const sign = dynamic_cast<const SignWidget*>(widget);
+            return sign != nullptr && sign->text().contains(QLatin1String(part));
         });
     }
 

@@ -142,6 +142,26 @@ TEST_F(QtImageViewTest, NoPictureEmptiesThePlace) {
     EXPECT_TRUE(isBlack(100, 50));
 }
 
+TEST_F(QtImageViewTest, ANoticeIsShownWhereThereIsNoPictureUntilAFrameComes) {
+    QImage frame(10, 10, QImage::Format_RGB32);
+    frame.fill(Qt::white);
+    place_.setAccessibleDescription("usual");
+    place_.setFrame(frame);
+    place_.setFrame({});
+    const QImage empty = place_.grab().toImage();
+    place_.setNotice("gone");
+    EXPECT_NE(place_.grab().toImage(), empty);
+    EXPECT_EQ(place_.accessibleDescription(), "gone");
+    place_.setNotice("back");
+    EXPECT_EQ(place_.accessibleDescription(), "back");
+    place_.setFrame({});
+    EXPECT_NE(place_.grab().toImage(), empty);
+    place_.setFrame(frame);
+    EXPECT_EQ(place_.accessibleDescription(), "usual");
+    place_.setFrame({});
+    EXPECT_EQ(place_.grab().toImage(), empty);
+}
+
 TEST_F(QtImageViewTest, TheHintGoesForGoodWithTheFirstPictureReadableOrNot) {
     const QImage bare = place_.grab().toImage();
     place_.setProperty("hint", "Frames appear here");

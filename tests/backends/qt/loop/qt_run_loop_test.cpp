@@ -71,6 +71,36 @@ TEST(QtRunLoop, AHeldTimerTicksOnceForTheDatesThatPassedAndOthersGoOn) {
     held->invalidate();
 }
 
+TEST(QtRunLoop, AScheduleGivesIntervalAndTimeToTheNextTickAndKnowsADialog) {
+    QtRunLoop loop;
+    const auto timer = loop.scheduleTimer(
+        3600.0, [](NSTimer&) {}, true);
+    const auto other = loop.scheduleTimer(
+        0.001, [](NSTimer&) {}, true);
+    EXPECT_EQ(loop.scheduleOf(*timer)->interval, 3600.0);
+    EXPECT_LE(loop.scheduleOf(*timer)->untilNext, 3600.0);
+    EXPECT_GT(loop.scheduleOf(*timer)->untilNext, 1800.0);
+    const double before = loop.scheduleOf(*timer)->untilNext;
+    // Many intervals of this one have passed: the next tick is at most one away.
+    runFor(loop, 0.02);
+    EXPECT_LE(loop.scheduleOf(*other)->untilNext, 0.001);
+    EXPECT_GT(loop.scheduleOf(*other)->untilNext, 0.0);
+    EXPECT_LT(loop.scheduleOf(*timer)->untilNext, before);
+
+    EXPECT_FALSE(loop.isHeldBack());
+    {
+        const QtRunLoop::ModalScope modal(loop);
+        EXPECT_TRUE(loop.isHeldBack());
+        EXPECT_TRUE(loop.scheduleOf(*timer));
+    }
+    EXPECT_FALSE(loop.isHeldBack());
+    timer->invalidate();
+    EXPECT_FALSE(loop.scheduleOf(*timer));
+    const QtRunLoop another;
+    EXPECT_FALSE(another.scheduleOf(*other));
+    other->invalidate();
+}
+
 TEST(QtRunLoop, WorkThatAddsWorkDoesNotStarveTimers) {
     QtRunLoop loop;
     bool ended = false;
