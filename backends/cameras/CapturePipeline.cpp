@@ -11,6 +11,7 @@
 #include <gst/base/gstbasesrc.h>
 
 #include "backends/cameras/PipeWireConnection.h"
+#include "backends/cameras/demo_source.h"
 #include "backends/posix/threads.h"
 
 namespace vistrane {
@@ -173,19 +174,9 @@ struct Source {
     std::shared_ptr<PipeWireConnection> connection;
 };
 
-Source demoSource() {
-    GstElement* element = gst_element_factory_make("videotestsrc", nullptr);
-    if (element != nullptr) {
-        // Moving colour bars, so that successive stills differ.
-        gst_util_set_object_arg(G_OBJECT(element), "pattern", "smpte");
-        g_object_set(element, "is-live", TRUE, "horizontal-speed", 4, nullptr);
-    }
-    return {element, nullptr};
-}
-
 Source sourceOf(const Camera& camera) {
     if (camera.isDemo()) {
-        return demoSource();
+        return {demoSource(camera.showsBars), nullptr};
     }
     Source source{gst_device_create_element(camera.device.get(), nullptr), nullptr};
     if (source.element == nullptr) {

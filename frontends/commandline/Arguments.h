@@ -37,10 +37,12 @@ struct WindowCommand {
     /// Nothing: the remembered folder.
     std::optional<std::string> folder;
     bool demoCamera = false;
+    bool demoBars = false;
 };
 
 struct DevicesCommand {
     bool demoCamera = false;
+    bool demoBars = false;
     bool isJson = false;
 };
 
@@ -77,6 +79,7 @@ struct CaptureCommand {
     bool compiles = false;
     MovieArguments movie;
     bool demoCamera = false;
+    bool demoBars = false;
 };
 
 struct DemoCommand {

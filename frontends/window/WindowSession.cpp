@@ -62,6 +62,7 @@ constexpr std::chrono::milliseconds exposeTimeout{500};
 CameraOptions cameraOptions(const WindowOptions& options) {
     CameraOptions result;
     result.demoCamera = options.demoCamera;
+    result.demoBars = options.demoBars;
     return result;
 }
 
