@@ -186,6 +186,8 @@ Source sourceOf(const Camera& camera) {
         g_object_set(source.element, "do-timestamp", TRUE, nullptr);
     }
     if (camera.facts.provider == pipeWireProvider) {
+        // When the camera vanishes, its pictures are unmapped even while the preview scales one.
+        g_object_set(source.element, "always-copy", TRUE, nullptr);
         source.connection = std::make_shared<PipeWireConnection>();
         // Otherwise the session manager would move the stream to another camera.
         const GstPointer<GstStructure> properties(gst_structure_new(
