@@ -71,6 +71,13 @@ void appendFolder(Texts& arguments, const std::string& folder) {
     arguments.insert(arguments.end(), {"--", folder});
 }
 
+template <typename Command>
+void appendDemo(Texts& arguments, const Command& command) {
+    require(command.demoCamera || !command.demoBars);
+    appendFlag(arguments, command.demoBars ? "--demo-camera=bars" : "--demo-camera",
+               command.demoCamera);
+}
+
 /// The arguments for a command.
 struct Writer {
     Texts operator()(const HelpCommand& command) const {
@@ -80,9 +87,7 @@ struct Writer {
 
     Texts operator()(const WindowCommand& command) const {
         Texts arguments;
-        if (command.demoCamera) {
-            arguments.emplace_back("--demo-camera");
-        }
+        appendDemo(arguments, command);
         if (command.folder) {
             appendFolder(arguments, *command.folder);
         }
@@ -92,7 +97,7 @@ struct Writer {
     Texts operator()(const DevicesCommand& command) const {
         Texts arguments{"devices"};
         appendVerbosity(arguments, command.verbosity);
-        appendFlag(arguments, "--demo-camera", command.demoCamera);
+        appendDemo(arguments, command);
         appendFlag(arguments, "--json", command.isJson);
         return arguments;
     }
@@ -143,9 +148,7 @@ struct Writer {
             arguments.emplace_back("--compile");
             appendMovie(arguments, command.movie);
         }
-        if (command.demoCamera) {
-            arguments.emplace_back("--demo-camera");
-        }
+        appendDemo(arguments, command);
         appendFolder(arguments, command.folder);
         return arguments;
     }

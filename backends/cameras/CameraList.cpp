@@ -234,8 +234,9 @@ std::vector<Camera> CameraList::listOf(const std::string& name, std::chrono::mil
     return cameras;
 }
 
-Camera demoCamera() {
+Camera demoCamera(bool showsBars) {
     Camera camera;
+    camera.showsBars = showsBars;
     camera.facts.provider = demoProvider;
     camera.facts.name = demoCameraName;
     camera.facts.identity = camera.facts.instance = camera.facts.name;

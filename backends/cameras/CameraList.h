@@ -18,6 +18,9 @@ struct Camera {
     std::shared_ptr<GstDevice> device;
     std::shared_ptr<const std::vector<CameraMode>> modes;
 
+    /// Of the demo camera: colour bars instead of the scene.
+    bool showsBars = false;
+
     bool isDemo() const { return device == nullptr; }
 };
 
@@ -58,8 +61,7 @@ private:
     std::vector<std::shared_ptr<Provider>> providers_;
 };
 
-/// The moving test picture.
-Camera demoCamera();
+Camera demoCamera(bool showsBars = false);
 
 /// The first call initialises GStreamer, without the program's arguments. Returns whether that
 /// succeeded.

@@ -17,8 +17,10 @@ struct CameraOptions {
     /// Whether to list the machine's cameras. If false, no provider is queried.
     bool findsCameras = true;
 
-    /// Whether to list a moving test picture, `demoCameraName`, after the real cameras.
+    /// Whether to list `demoCameraName`, which shows a day in a minute, after the real cameras.
     bool demoCamera = false;
+    /// Whether it shows moving colour bars instead, for tests of colours.
+    bool demoBars = false;
 
     /// How long the first listing waits for the media framework and its plugins. The first start
     /// after an installation looks at every plugin, which takes seconds.

@@ -55,7 +55,7 @@ std::shared_ptr<AVCaptureDeviceDiscoverySession> Cameras::discoverySessionWithDe
             cameras = cameraList()->list(options_.listing);
         }
         if (options_.demoCamera) {
-            cameras.push_back(demoCamera());
+            cameras.push_back(demoCamera(options_.demoBars));
         }
     }
     for (Camera& camera : cameras) {

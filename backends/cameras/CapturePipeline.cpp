@@ -11,6 +11,7 @@
 #include <gst/base/gstbasesrc.h>
 
 #include "backends/cameras/PipeWireConnection.h"
+#include "backends/cameras/demo_source.h"
 #include "backends/posix/threads.h"
 
 namespace vistrane {
@@ -173,19 +174,9 @@ struct Source {
     std::shared_ptr<PipeWireConnection> connection;
 };
 
-Source demoSource() {
-    GstElement* element = gst_element_factory_make("videotestsrc", nullptr);
-    if (element != nullptr) {
-        // Moving colour bars, so that successive stills differ.
-        gst_util_set_object_arg(G_OBJECT(element), "pattern", "smpte");
-        g_object_set(element, "is-live", TRUE, "horizontal-speed", 4, nullptr);
-    }
-    return {element, nullptr};
-}
-
 Source sourceOf(const Camera& camera) {
     if (camera.isDemo()) {
-        return demoSource();
+        return {demoSource(camera.showsBars), nullptr};
     }
     Source source{gst_device_create_element(camera.device.get(), nullptr), nullptr};
     if (source.element == nullptr) {
@@ -195,6 +186,8 @@ Source sourceOf(const Camera& camera) {
         g_object_set(source.element, "do-timestamp", TRUE, nullptr);
     }
     if (camera.facts.provider == pipeWireProvider) {
+        // When the camera vanishes, its pictures are unmapped even while the preview scales one.
+        g_object_set(source.element, "always-copy", TRUE, nullptr);
         source.connection = std::make_shared<PipeWireConnection>();
         // Otherwise the session manager would move the stream to another camera.
         const GstPointer<GstStructure> properties(gst_structure_new(

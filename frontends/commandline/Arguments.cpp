@@ -220,21 +220,42 @@ std::string requiredFolder(const std::vector<std::string>& operands) {
     return optionalFolder(operands.empty() ? std::vector<std::string>{""} : operands).value();
 }
 
+/// --demo-camera, which may have the value "bars".
+class DemoOption {
+public:
+    explicit DemoOption(CLI::App& app) { app.add_flag("--demo-camera{scene}", picture_); }
+
+    /// After parsing.
+    template <typename Command>
+    void setIn(Command& command) const {
+        command.demoCamera = !picture_.empty();
+        command.demoBars = picture_ == "bars";
+        if (command.demoCamera && !command.demoBars && picture_ != "scene") {
+            throw UsageError("--demo-camera takes no value but 'bars', not '" + picture_ + "'.");
+        }
+    }
+
+private:
+    std::string picture_;
+};
+
 WindowCommand parseWindow(const std::vector<std::string>& arguments) {
     WindowCommand command;
     CLI::App app;
-    app.add_flag("--demo-camera", command.demoCamera);
+    DemoOption demo(app);
     command.folder = optionalFolder(parseOptions(app, arguments));
+    demo.setIn(command);
     return command;
 }
 
 DevicesCommand parseDevices(const std::vector<std::string>& arguments) {
     DevicesCommand command;
     CLI::App app;
-    app.add_flag("--demo-camera", command.demoCamera);
+    DemoOption demo(app);
     app.add_flag("--json", command.isJson);
     const std::vector<std::string> operands =
         parseSessionOptions(app, arguments, command.verbosity);
+    demo.setIn(command);
     if (!operands.empty()) {
         throw UsageError("'" + operands.front() + "' is one argument too many.");
     }
@@ -268,7 +289,7 @@ CaptureCommand parseCapture(const std::vector<std::string>& arguments) {
     CLI::App app;
     addMovieOptions(app, command.movie);
     app.add_flag("--compile", command.compiles);
-    app.add_flag("--demo-camera", command.demoCamera);
+    DemoOption demo(app);
     app.add_flag("--create", command.createsFolder);
     addNumber(app, "--count", 1, 1'000'000'000, [&](int number) { command.end.count = number; });
     addOption(app, "--duration", [&](const std::string& value) {
@@ -296,6 +317,7 @@ CaptureCommand parseCapture(const std::vector<std::string>& arguments) {
         }
     });
     command.folder = requiredFolder(parseSessionOptions(app, arguments, command.verbosity));
+    demo.setIn(command);
     if (command.device.empty()) {
         throw UsageError("--device is missing; 'vistrane devices' lists the names.");
     }

@@ -47,10 +47,12 @@ struct WindowCommand {
     /// Nothing: the remembered folder.
     std::optional<std::string> folder;
     bool demoCamera = false;
+    bool demoBars = false;
 };
 
 struct DevicesCommand {
     bool demoCamera = false;
+    bool demoBars = false;
     bool isJson = false;
     Verbosity verbosity = Verbosity::usual;
 };
@@ -90,6 +92,7 @@ struct CaptureCommand {
     bool compiles = false;
     MovieArguments movie;
     bool demoCamera = false;
+    bool demoBars = false;
     Verbosity verbosity = Verbosity::usual;
 };
 

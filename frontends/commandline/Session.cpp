@@ -41,6 +41,7 @@ CameraOptions cameraOptions(const SessionOptions& options) {
     CameraOptions result;
     result.findsCameras = options.findsCameras;
     result.demoCamera = options.demoCamera;
+    result.demoBars = options.demoBars;
     return result;
 }
 

@@ -23,6 +23,7 @@ struct SessionOptions {
     /// Whether to look for the machine's cameras.
     bool findsCameras = false;
     bool demoCamera = false;
+    bool demoBars = false;
     MovieArguments movie = {};
     Verbosity verbosity = Verbosity::usual;
     /// Called last when the process ends with an exit status other than 0. Any thread.

@@ -134,7 +134,8 @@ int run(const VersionCommand&) {
 }
 
 int run(const WindowCommand& command) {
-    WindowOptions options{.version = programVersion, .demoCamera = command.demoCamera};
+    WindowOptions options{
+        .version = programVersion, .demoCamera = command.demoCamera, .demoBars = command.demoBars};
     if (command.folder) {
         options.folder = checkedFolder(*command.folder, hintOnCommands(*command.folder));
     }
@@ -142,8 +143,10 @@ int run(const WindowCommand& command) {
 }
 
 int run(const DevicesCommand& command) {
-    Session& session = startSession(
-        {.findsCameras = true, .demoCamera = command.demoCamera, .verbosity = command.verbosity});
+    Session& session = startSession({.findsCameras = true,
+                                     .demoCamera = command.demoCamera,
+                                     .demoBars = command.demoBars,
+                                     .verbosity = command.verbosity});
     const std::vector<std::string> names = session.deviceNames();
     if (names.empty()) {
         session.warn("No camera was found.");
@@ -192,6 +195,7 @@ int run(const CaptureCommand& command) {
     Session& session = startSession({.folder = checkedFolder(command.folder),
                                      .findsCameras = true,
                                      .demoCamera = command.demoCamera,
+                                     .demoBars = command.demoBars,
                                      .movie = checkedOutput(command.movie),
                                      .verbosity = command.verbosity});
     captureAndCompile(session, command,

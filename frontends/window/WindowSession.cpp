@@ -11,6 +11,8 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QEvent>
+#include <QFile>
+#include <QFileInfo>
 #include <QIcon>
 #include <QMenu>
 #include <QSlider>
@@ -29,6 +31,7 @@
 #include "backends/qt/system/QtWorkspace.h"
 #include "backends/qt/system/SleepInhibitor.h"
 #include "core/app/AppDelegate.h"
+#include "core/folder/project_folder.h"
 #include "core/infopanel/mantisQRXpanel.h"
 #include "frontends/SessionBackend.h"
 #include "frontends/window/WindowAppKit.h"
@@ -62,6 +65,7 @@ constexpr std::chrono::milliseconds exposeTimeout{500};
 CameraOptions cameraOptions(const WindowOptions& options) {
     CameraOptions result;
     result.demoCamera = options.demoCamera;
+    result.demoBars = options.demoBars;
     return result;
 }
 
@@ -84,6 +88,13 @@ struct WindowSession::Parts {
         const bool isOwn = std::find(windows.begin(), windows.end(), active) != windows.end();
         QWidget& window = isOwn ? *active : main;
         return window.isVisible() && !window.isMinimized() ? &window : nullptr;
+    }
+
+    /// Where the folder dialog starts: in the project folder, otherwise among the user's videos.
+    std::string folderOfDialog() const {
+        const QString videos = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
+        return chosenFolder(*controller.outfolderB)
+            .value_or(QFileInfo(videos).isDir() ? QFile::encodeName(videos).toStdString() : "");
     }
 
     /// Tells of a complete movie, and where it is.
@@ -186,7 +197,8 @@ struct WindowSession::Parts {
     WindowAppKit appKit{application,
                         workspace,
                         std::make_shared<const QtDialogRules>(
-                            QtDialogRules{loop, [this] { return dialogParent(); }, widgetOf}),
+                            QtDialogRules{loop, [this] { return dialogParent(); }, widgetOf,
+                                          [this] { return folderOfDialog(); }}),
                         resources,
                         backend.pictures,
                         loop,

@@ -11,6 +11,7 @@ struct WindowOptions {
     /// A project folder, already checked. It is remembered as if the user had just confirmed it.
     std::optional<std::string> folder = std::nullopt;
     bool demoCamera = false;
+    bool demoBars = false;
 };
 
 /// Whether the environment names a display.

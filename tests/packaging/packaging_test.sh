@@ -23,6 +23,18 @@ desktopEntryIsValid() {
     [ -z "$found" ] || fail "$found"
 }
 
+# desktopActionsAgree ENTRY SOURCE: the desktop offers the other applications of the program's menus,
+# in their order and with their addresses.
+desktopActionsAgree() {
+    local rows
+    rows=$(sed -n 's/^ *{"\(.*\)", "\(.*\)"}.*/\1 \2/p' "$2")
+    [ -n "$rows" ] || fail "the source has no applications"
+    diff <(sed -n '/^Name=Vistrane$/d; s/^Name=//p; s/^Exec=xdg-open //p' "$1" | paste -d ' ' - -) \
+        <(cat <<<"$rows") || fail "the actions differ"
+    [ "$(sed -n 's/^Actions=//p' "$1")" = "$(cut -d ' ' -f 1 <<<"$rows" | tr '\n' ';')" ] ||
+        fail "the list of actions differs"
+}
+
 metainfoIsValid() {
     needs appstreamcli
     local found

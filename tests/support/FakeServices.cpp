@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
@@ -16,6 +17,8 @@ namespace {
 
 constexpr char desktopPortal[] = "org.freedesktop.portal.Desktop";
 constexpr char readSetting[] = "org.freedesktop.portal.Settings.Read";
+constexpr char openFile[] = "org.freedesktop.portal.FileChooser.OpenFile";
+constexpr char getProperty[] = "org.freedesktop.DBus.Properties.Get";
 constexpr char inhibit[] = "org.freedesktop.portal.Inhibit.Inhibit";
 constexpr char closeRequest[] = "org.freedesktop.portal.Request.Close";
 
@@ -57,6 +60,10 @@ public:
             const QString request = "/request/" + QString::number(++services_.requests_);
             services_.inhibitors_[request] = call.service();
             connection.send(call.createReply(QVariant::fromValue(QDBusObjectPath(request))));
+            return true;
+        }
+        if (method == openFile && services_.hasFolderDialog_) {
+            services_.answerFolderQuestion(call, connection);
             return true;
         }
         const auto answer = services_.answers_.find(method);
@@ -111,6 +118,7 @@ void FakeServices::reset() {
     ignored_.clear();
     calls_.clear();
     grantsInhibition_ = false;
+    hasFolderDialog_ = false;
     inhibitors_.clear();
 }
 
@@ -159,6 +167,38 @@ int FakeServices::inhibitions() const {
         std::count_if(inhibitors.begin(), inhibitors.end(), [this](const auto& each) {
             return bus_.interface()->isServiceRegistered(each.second).value();
         }));
+}
+
+void FakeServices::offerFolderDialog(std::optional<unsigned> response, const QStringList& addresses,
+                                     unsigned version) {
+    offer(desktopPortal);
+    answer(getProperty, {QVariant::fromValue(QDBusVariant(version))});
+    const std::lock_guard lock(mutex_);
+    hasFolderDialog_ = true;
+    folderResponse_ = response;
+    folderAddresses_ = addresses;
+}
+
+std::pair<std::string, QVariantMap> FakeServices::folderQuestion() const {
+    const std::lock_guard lock(mutex_);
+    return folderQuestion_;
+}
+
+void FakeServices::answerFolderQuestion(const QDBusMessage& call,
+                                        const QDBusConnection& connection) {
+    const auto options = qdbus_cast<QVariantMap>(call.arguments().value(2));
+    folderQuestion_ = {call.arguments().value(1).toString().toStdString(), options};
+    QString sender = call.service().mid(1);
+    sender.replace('.', '_');
+    const QString request = "/org/freedesktop/portal/desktop/request/" + sender + "/" +
+                            options["handle_token"].toString();
+    connection.send(call.createReply(QVariant::fromValue(QDBusObjectPath(request))));
+    if (folderResponse_) {
+        QDBusMessage response = QDBusMessage::createTargetedSignal(
+            call.service(), request, "org.freedesktop.portal.Request", "Response");
+        response << *folderResponse_ << QVariantMap{{"uris", folderAddresses_}};
+        connection.send(response);
+    }
 }
 
 void FakeServices::sendSetting(const QString& group, const QString& key, const QVariant& value) {

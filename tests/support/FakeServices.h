@@ -3,10 +3,13 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QStringList>
 #include <QThread>
 #include <QVariant>
@@ -51,6 +54,13 @@ public:
     /// that sent them.
     int inhibitions() const;
 
+    /// Offers the desktop portal, whose folder dialog responds at once with that value and these
+    /// addresses; without a value it stays open.
+    void offerFolderDialog(std::optional<unsigned> response, const QStringList& addresses,
+                           unsigned version = 4);
+    /// The title and the options of the last question for a folder.
+    std::pair<std::string, QVariantMap> folderQuestion() const;
+
     /// The number of calls whose text, "path interface.method(argument, argument)", has that part.
     int countOf(const std::string& part) const;
 
@@ -59,6 +69,9 @@ public:
 
 private:
     class Object;
+
+    /// With the mutex locked.
+    void answerFolderQuestion(const QDBusMessage& call, const QDBusConnection& connection);
 
     QThread thread_;
     Object* object_;
@@ -70,6 +83,10 @@ private:
     std::vector<std::string> calls_;
     bool grantsInhibition_ = false;
     int requests_ = 0;
+    bool hasFolderDialog_ = false;
+    std::optional<unsigned> folderResponse_;
+    QStringList folderAddresses_;
+    std::pair<std::string, QVariantMap> folderQuestion_;
     /// The connection that holds each request, by the path of the request.
     std::map<QString, QString> inhibitors_;
 };

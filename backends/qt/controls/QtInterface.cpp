@@ -88,6 +88,29 @@ void whenChosen(QAction& item, QObject& receiver, Function function) {
     });
 }
 
+/// Clicks a button for a Space that nothing else in the window takes: buttons and fields do.
+class SpaceKey final : public QObject {
+public:
+    SpaceKey(QWidget& window, QAbstractButton& button) : QObject(&window), button_(button) {
+        window.installEventFilter(this);
+    }
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress) {
+            const auto& key = *static_cast<QKeyEvent*>(event);
+            if (key.key() == Qt::Key_Space && key.modifiers() == Qt::NoModifier &&
+                !key.isAutoRepeat()) {
+                button_.click();
+                return true;
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+    QAbstractButton& button_;
+};
+
 /// Centres a window on the main window when it is first shown, within the screen.
 class FirstPlace final : public QObject {
 public:
@@ -162,6 +185,7 @@ QtInterface::Windows::Windows() {
     for (QWidget* window : {static_cast<QWidget*>(&mainWindow), &infoPanel, &tipsWindow}) {
         new HeldKeys(*window);
     }
+    new SpaceKey(mainWindow, *mainFile_.previewPlayButton);
     fillMenus();
 }
 

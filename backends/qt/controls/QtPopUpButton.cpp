@@ -16,6 +16,7 @@ QtPopUpButton::QtPopUpButton(PopUpWidget& widget) : widget_(widget) {
 void QtPopUpButton::removeAllItems() {
     titles_.clear();
     widget_.clear();
+    widget_.forgetPick();
 }
 
 void QtPopUpButton::addItemWithTitle(const std::string& title) {

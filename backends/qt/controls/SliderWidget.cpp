@@ -1,11 +1,14 @@
 #include "backends/qt/controls/SliderWidget.h"
 
 #include <cmath>
+#include <map>
 #include <utility>
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStyleOptionSlider>
 #include <QStylePainter>
+#include <QWheelEvent>
 
 #include "backends/pictures/graphics_state.h"
 #include "backends/qt/controls/QtGraphicsContext.h"
@@ -98,6 +101,31 @@ void SliderWidget::mouseReleaseEvent(QMouseEvent* event) {
         update();
     } else {
         event->ignore();
+    }
+}
+
+void SliderWidget::wheelEvent(QWheelEvent* event) {
+    constexpr int notch = 120;
+    const QPoint turn = event->angleDelta();
+    const int forward = downGoesForward() ? -turn.y() : turn.y();
+    turned_ += forward != 0 ? forward : -turn.x();
+    const int steps = turned_ / notch;
+    turned_ %= notch;
+    setValue(value() + steps * singleStep());
+    event->accept();
+}
+
+void SliderWidget::keyPressEvent(QKeyEvent* event) {
+    // Not by Qt's inverted controls, which turn the keys Left and Right as well.
+    static const std::map<int, SliderAction> actions{{Qt::Key_Up, SliderSingleStepSub},
+                                                     {Qt::Key_Down, SliderSingleStepAdd},
+                                                     {Qt::Key_PageUp, SliderPageStepSub},
+                                                     {Qt::Key_PageDown, SliderPageStepAdd}};
+    const auto action = actions.find(event->key());
+    if (downGoesForward() && action != actions.end()) {
+        triggerAction(action->second);
+    } else {
+        QSlider::keyPressEvent(event);
     }
 }
 

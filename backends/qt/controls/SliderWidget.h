@@ -11,7 +11,9 @@ namespace vistrane {
 
 class QtGraphicsContext;
 
-/// A slider whose knob jumps to the click and follows the mouse from there.
+/// A slider whose knob jumps to the click and follows the mouse from there. A notch of the wheel is
+/// a single step. With the property "downGoesForward", turning it down, Down and Page Down go
+/// forward, as in a list; other sliders get larger upwards.
 ///
 /// If there is a cell, it draws the knob and places the tick marks; the property
 /// "numberOfTickMarks" is their number. The style draws everything else.
@@ -32,15 +34,20 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void paintWithCell();
     void paintTicks(QPainter& painter, const QtGraphicsContext& context);
+    bool downGoesForward() const { return property("downGoesForward").toBool(); }
     QRectF knobRect() const;
     int valueAt(const QPointF& place) const;
 
     std::shared_ptr<NSSliderCell> cell_;
     std::function<void()> unmovedPress_;
+    /// Of a notch of the wheel, in eighths of a degree.
+    int turned_ = 0;
 };
 
 } // namespace vistrane

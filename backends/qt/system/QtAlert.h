@@ -21,6 +21,8 @@ struct QtDialogRules {
     std::function<QWidget*()> parent;
     /// The widget of a view of the interface file; null for none. Main thread.
     std::function<QWidget*(NSView&)> widgetOf;
+    /// Where a panel starts: a path as bytes; empty for the user's home. Main thread.
+    std::function<std::string()> folder = [] { return std::string(); };
 };
 
 /// The parent of a new dialog: the open modal dialog, which would otherwise cover and block the new

@@ -8,6 +8,8 @@
 #include <QFileInfo>
 #include <QShortcut>
 
+#include "backends/qt/system/FolderPortal.h"
+
 namespace vistrane {
 
 namespace {
@@ -34,14 +36,46 @@ void forbidChanges(QFileDialog& dialog) {
     }
 }
 
+/// Qt's dialog, which takes the name of a folder that is still to be made.
+class FolderDialog final : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+protected:
+    void accept() override {
+        const QString chosen = selectedFiles().value(0);
+        if (fileMode() == Directory && !testOption(ReadOnly) && !QFileInfo::exists(chosen)) {
+            QDir().mkdir(chosen); // if this fails, the dialog says that there is no such folder
+        }
+        QFileDialog::accept();
+    }
+};
+
 } // namespace
 
 NSModalResponse QtOpenPanel::runModal() {
     const QtRunLoop::ModalScope modal(rules_->loop);
-    QFileDialog dialog(dialogParent(*rules_), QString::fromStdString(title_), QDir::homePath());
+    url_ = std::nullopt;
+    if (canChooseDirectories_ && !canChooseFiles_) {
+        const auto answer =
+            FolderPortal::ask({title_, prompt_, rules_->folder(), dialogParent(*rules_)});
+        if (answer) {
+            if (answer->path) {
+                url_ = NSURL::fileURLWithPath(*answer->path);
+            }
+            return answer->isCancelled ? NSModalResponseCancel : NSModalResponseOK;
+        }
+    }
+    return askQt();
+}
+
+NSModalResponse QtOpenPanel::askQt() {
+    const std::string start = rules_->folder();
+    FolderDialog dialog(dialogParent(*rules_), QString::fromStdString(title_),
+                        start.empty() ? QDir::homePath() : QFile::decodeName(start.c_str()));
     dialog.setObjectName("openPanel");
-    // Qt's own dialog, because desktop dialogs do not allow setting the title of the confirming
-    // button.
+    // Not the dialog of Qt's desktop theme, which does not allow setting the title of the
+    // confirming button.
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setOption(QFileDialog::ShowDirsOnly, canChooseDirectories_ && !canChooseFiles_);
     dialog.setOption(QFileDialog::ReadOnly, !canCreateDirectories_);
@@ -50,7 +84,6 @@ NSModalResponse QtOpenPanel::runModal() {
     if (!prompt_.empty()) {
         dialog.setLabelText(QFileDialog::Accept, QString::fromStdString(prompt_));
     }
-    url_ = std::nullopt;
     if (dialog.exec() != QDialog::Accepted) {
         return NSModalResponseCancel;
     }

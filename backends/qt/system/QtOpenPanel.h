@@ -9,10 +9,11 @@
 
 namespace vistrane {
 
-/// A panel for one folder or file. Suspends timers while it is open. It can create folders, but not
-/// rename, move or delete anything.
+/// A panel for one folder or file. Suspends timers while it is open. For a folder it is the
+/// desktop's own dialog where the portal has one, otherwise Qt's, which can create folders, also by
+/// typing the name of a new one, but not rename, move or delete anything.
 ///
-/// Names that are not valid UTF-8 cannot be shown and are not offered.
+/// In Qt's dialog, names that are not valid UTF-8 cannot be shown and are not offered.
 class QtOpenPanel final : public NSOpenPanel {
 public:
     explicit QtOpenPanel(std::shared_ptr<const QtDialogRules> rules) : rules_(std::move(rules)) {}
@@ -28,6 +29,8 @@ public:
     std::optional<NSURL> URL() const override { return url_; }
 
 private:
+    NSModalResponse askQt();
+
     const std::shared_ptr<const QtDialogRules> rules_;
     std::string title_;
     std::string prompt_;

@@ -59,6 +59,25 @@ TEST_F(DemoCamera, StillIsAWholePixmapOfTheCamerasSize) {
     EXPECT_GT(std::set<std::uint8_t>(pixmap->rgb.begin(), pixmap->rgb.end()).size(), 1U);
 }
 
+TEST_F(DemoCamera, ShowsASkyOrBarsOnRequest) {
+    CameraOptions bars = withDemo();
+    bars.demoBars = true;
+    // Of a still's upper left corner: red, green, blue.
+    const auto corner = [](CameraTestBed& camera) {
+        EXPECT_TRUE(camera.pick(demo));
+        EXPECT_EQ(camera.still(), "");
+        const auto pixmap = pixmapOf(*camera.delegate.files.at(0));
+        return std::vector<int>(pixmap->rgb.begin(), pixmap->rgb.begin() + 3);
+    };
+    const std::vector<int> sky = corner(bed);
+    EXPECT_GT(sky[2], sky[0]);
+    CameraTestBed other{bars};
+    // The bars move, and each of these colours has channels that are full or empty.
+    for (const int channel : corner(other)) {
+        EXPECT_TRUE(channel < 8 || channel > 247) << channel;
+    }
+}
+
 TEST_F(DemoCamera, EveryRequestGetsAPictureOfItsOwn) {
     ASSERT_TRUE(bed.pick(demo));
     for (int i = 0; i < 8; ++i) {

@@ -52,6 +52,19 @@ TEST(Arguments, TheDemoCameraIsOfferedInTheWindowAndByDevices) {
     EXPECT_TRUE(parsedAs<DevicesCommand>({"devices", "--demo-camera"}).demoCamera);
 }
 
+TEST(Arguments, TheDemoCameraShowsBarsOnRequest) {
+    for (const Arguments& arguments :
+         {Arguments{"--demo-camera", "f"}, {"--demo-camera=bars", "f"}}) {
+        const auto command = parsedAs<WindowCommand>(arguments);
+        EXPECT_TRUE(command.demoCamera);
+        EXPECT_EQ(command.demoBars, arguments.front() == "--demo-camera=bars");
+        EXPECT_EQ(command.folder, "f");
+    }
+    EXPECT_TRUE(parsedAs<DevicesCommand>({"devices", "--demo-camera=bars"}).demoBars);
+    EXPECT_TRUE(
+        parsedAs<CaptureCommand>({"capture", "f", "--device", "d", "--demo-camera=bars"}).demoBars);
+}
+
 TEST(Arguments, HelpWinsOverEverythingBeforeTwoDashes) {
     for (const Arguments& arguments :
          {Arguments{"--help"}, {"-h"}, {"capture", "--help"}, {"--version", "-h", "--bogus"}}) {
@@ -232,6 +245,7 @@ TEST(Arguments, ErrorsNameTheArgument) {
         {{"help", "demo", "x"}, "'x' is one argument too many"},
         {{"-V", "x"}, "-V stands alone"},
         {{"demo", "a", "b"}, "'b' is one argument too many"},
+        {{"--demo-camera=snow"}, "no value but 'bars', not 'snow'"},
         {{"demo", "--fps", "5"}, "no option '--fps'"}};
     for (const auto& [arguments, part] : cases) {
         EXPECT_THAT(errorOf(arguments), HasSubstr(part)) << testing::PrintToString(arguments);

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
 #include <gmock/gmock.h>
@@ -456,6 +457,41 @@ TEST_F(QtInterfaceAccessTest, SpaceAndEnterPressTheButtonThatHasTheFocus) {
         QTest::keyClick(&button, Qt::Key_Return);
         EXPECT_EQ(clicks, 2) << name;
     }
+}
+
+TEST_F(QtInterfaceAccessTest, SpacePlaysWhereNothingElseTakesIt) {
+    show();
+    offer(controller(), "playPictures:");
+    for (const char* name : {"photoSlider", "fpsS", "previewPlayButton"}) {
+        widget<QWidget>(name).setFocus();
+        QTest::keyClick(&widget<QWidget>(name), Qt::Key_Space);
+        EXPECT_THAT(takeSent(), ElementsAre("playPictures:")) << name;
+    }
+    // As the program does when capture starts.
+    outlet<NSWindow>(controller(), "myWindow")->makeFirstResponder(nullptr);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_THAT(takeSent(), ElementsAre("playPictures:"));
+    for (const char* name : {"oneB", "slowB", "hInput"}) {
+        QTest::keyClick(&widget<QWidget>(name), Qt::Key_Space);
+        EXPECT_THAT(takeSent(), IsEmpty()) << name;
+    }
+    QTest::simulateEvent(&widget<QWidget>("photoSlider"), true, Qt::Key_Space, Qt::NoModifier,
+                         QString(), true);
+    EXPECT_THAT(takeSent(), IsEmpty());
+}
+
+TEST_F(QtInterfaceAccessTest, WhatShowsNoTextHasAToolTip) {
+    show();
+    std::size_t count = 0;
+    for (const QWidget* child : visibleWidgets()) {
+        const bool isBar = qobject_cast<const QProgressBar*>(child) != nullptr;
+        const bool hasText = !child->property("text").toString().isEmpty();
+        if (isBar || (child->focusPolicy() != Qt::NoFocus && !hasText)) {
+            EXPECT_FALSE(child->toolTip().isEmpty()) << child->objectName().toStdString();
+            ++count;
+        }
+    }
+    EXPECT_GE(count, 5U);
 }
 
 TEST_F(QtInterfaceAccessTest, AKeyThatIsHeldDownPressesAButtonOnce) {

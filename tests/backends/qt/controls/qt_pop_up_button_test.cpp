@@ -42,6 +42,37 @@ TEST_F(QtPopUpButtonTest, NoKeyAndNoWheelPicksInTheClosedList) {
     EXPECT_EQ(sent_, 0);
 }
 
+TEST_F(QtPopUpButtonTest, AnItemThatIsNotPickedIsGreyed) {
+    widgets_.show();
+    widget_->clearFocus();
+    QPalette palette(Qt::white);
+    palette.setColor(QPalette::ButtonText, Qt::black);
+    palette.setColor(QPalette::PlaceholderText, Qt::blue);
+    widget_->setPalette(palette);
+    const auto hasBlue = [this] {
+        const QImage picture = widget_->grab().toImage();
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const QColor colour = picture.pixelColor(x, y);
+                if (colour.blue() > colour.red() + 60 && colour.blue() > colour.green() + 60) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(hasBlue());
+    widgets_.pick(*popUp_, 0);
+    widget_->clearFocus();
+    EXPECT_FALSE(hasBlue());
+    popUp_->removeAllItems();
+    EXPECT_FALSE(hasBlue());
+    widget_->setPlaceholderText("No camera");
+    EXPECT_TRUE(hasBlue());
+    popUp_->addItemWithTitle("A");
+    EXPECT_TRUE(hasBlue());
+}
+
 TEST_F(QtPopUpButtonTest, KeysOpenTheList) {
     widgets_.show();
     for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Down, Qt::Key_Up, Qt::Key_Return}) {

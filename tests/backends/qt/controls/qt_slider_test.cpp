@@ -49,6 +49,40 @@ TEST_F(QtSliderTest, KeysMoveInWholeStepsAndSendTheAction) {
     EXPECT_EQ(sender_, slider_.get());
 }
 
+TEST_F(QtSliderTest, ANotchOfTheWheelIsOneStep) {
+    const auto turn = [this](QPoint angle) {
+        QWheelEvent wheel(QPointF(5, 5), widget_->mapToGlobal(QPointF(5, 5)), {}, angle,
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(widget_, &wheel);
+        return slider_->intValue();
+    };
+    EXPECT_EQ(turn({0, 120}), 26);
+    EXPECT_EQ(turn({0, -240}), 24);
+    // A wheel without notches turns by less.
+    EXPECT_EQ(turn({0, 60}), 24);
+    EXPECT_EQ(turn({0, 60}), 25);
+    EXPECT_EQ(turn({-120, 0}), 26);
+    widget_->setProperty("downGoesForward", true);
+    EXPECT_EQ(turn({0, -120}), 27);
+    EXPECT_EQ(sent_, 5);
+}
+
+TEST_F(QtSliderTest, PageDownGoesForwardOnRequest) {
+    const auto press = [this](Qt::Key key) {
+        QTest::keyClick(widget_, key);
+        return slider_->intValue();
+    };
+    EXPECT_LT(press(Qt::Key_PageDown), 25);
+    EXPECT_EQ(press(Qt::Key_PageUp), 25);
+    widget_->setProperty("downGoesForward", true);
+    EXPECT_GT(press(Qt::Key_PageDown), 25);
+    EXPECT_EQ(press(Qt::Key_PageUp), 25);
+    EXPECT_EQ(press(Qt::Key_Down), 26);
+    EXPECT_EQ(press(Qt::Key_Right), 27);
+    EXPECT_EQ(press(Qt::Key_Up), 26);
+    EXPECT_EQ(press(Qt::Key_Left), 25);
+}
+
 TEST_F(QtSliderTest, AWholeStepFromABrokenMinimumStaysInTheRange) {
     slider_->setMinValue(1.5);
     slider_->setMaxValue(3.0);

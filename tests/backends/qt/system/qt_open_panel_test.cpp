@@ -157,6 +157,33 @@ TEST_F(QtOpenPanelTest, ANewFolderCanBeGivenItsName) {
     EXPECT_TRUE(std::filesystem::exists(folder_ / "mine"));
 }
 
+TEST_F(QtOpenPanelTest, ATypedNameOfANewFolderIsTaken) {
+    const std::string name = folder_ / "new one";
+    EXPECT_EQ(choose(name), NSModalResponseOK);
+    EXPECT_TRUE(std::filesystem::is_directory(name));
+    ASSERT_TRUE(panel_.URL());
+    EXPECT_EQ(panel_.URL()->path(), name);
+}
+
+TEST_F(QtOpenPanelTest, ItStartsInTheFolderOfTheRules) {
+    QtOpenPanel panel(std::make_shared<const QtDialogRules>(
+        QtDialogRules{backend_.loop(), [] { return nullptr; }, [](NSView&) { return nullptr; },
+                      [this] { return folder_.path(); }}));
+    panel.setCanChooseDirectories(true);
+    panel.setCanChooseFiles(false);
+    QString start;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+            start = dialog->directory().path();
+            dialog->reject();
+        }
+    });
+    timer.start(1);
+    panel.runModal();
+    EXPECT_EQ(start.toStdString(), folder_.path());
+}
+
 TEST_F(QtOpenPanelTest, TimersAreSuspendedWhileItIsOpen) {
     int ticks = 0;
     int ticksWhileUp = -1;
