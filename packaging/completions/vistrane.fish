@@ -19,7 +19,7 @@ complete -c vistrane -n __fish_use_subcommand -s V -l version -d 'Print the vers
 complete -c vistrane -s h -l help -d 'Print the usage'
 complete -c vistrane -n '__fish_seen_subcommand_from help' -a 'devices frames compile capture demo'
 complete -c vistrane -n "not __fish_seen_subcommand_from frames compile demo help" -l demo-camera \
-    -d 'Offer a test picture'
+    -d 'Offer the demo camera'
 complete -c vistrane -n '__fish_seen_subcommand_from frames' -l null -d 'End paths with a NUL byte'
 complete -c vistrane -n '__fish_seen_subcommand_from devices frames compile' -l json \
     -d 'Print a JSON document'
