@@ -117,10 +117,10 @@ void FolderPortal::listenTo(const QString& request) {
                                           SLOT(responded(uint, QVariantMap)));
 }
 
-void FolderPortal::responded(uint response, const QVariantMap& results) {
-    if (response == granted) {
+void FolderPortal::responded(uint code, const QVariantMap& results) {
+    if (code == granted) {
         answer_ = Answer{pathOf(results.value("uris").toStringList().value(0)), false};
-    } else if (response == cancelled) {
+    } else if (code == cancelled) {
         answer_ = Answer{std::nullopt, true};
     }
     end();
