@@ -22,8 +22,10 @@ NSError captureError(std::int64_t code, std::string text) {
 } // namespace
 
 std::string cannotListCameras() {
-    return std::string("The cameras cannot be listed (") + tooFewDescriptors +
-           "): raise the limit, which 'ulimit -n' tells, and start Vistrane again";
+    std::string text = "The cameras cannot be listed (";
+    text += tooFewDescriptors;
+    text += "): raise the limit, which 'ulimit -n' tells, and start Vistrane again";
+    return text;
 }
 
 std::string mediaFrameworkHangs(std::chrono::milliseconds waited) {
