@@ -148,8 +148,10 @@ std::vector<std::string> splitAtEquals(const CLI::App& app,
         isValue = option != nullptr && !isFlag && equals == std::string::npos;
         if (option == nullptr || equals == std::string::npos) {
             result.push_back(*at);
-        } else if (isFlag) {
+        } else if (isFlag && option->get_fnames().empty()) {
             throw UsageError(option->get_name() + " takes no value.");
+        } else if (isFlag) {
+            result.push_back(*at);
         } else {
             result.push_back(option->get_name());
             result.push_back(at->substr(equals + 1));
