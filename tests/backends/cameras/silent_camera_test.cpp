@@ -52,7 +52,8 @@ protected:
         engine_ =
             std::make_unique<CaptureEngine>(std::make_shared<CameraList>(), observer_, options,
                                             CaptureEngine::Receiver{keep, [](GstSample*) {}});
-        engine_->start(demoCamera(), AVCaptureSessionPresetPhoto);
+        // The bars: pictures of the scene wait behind the probe until they are painted.
+        engine_->start(demoCamera(true), AVCaptureSessionPresetPhoto);
     }
 
     /// The error of a still, empty for a picture.
