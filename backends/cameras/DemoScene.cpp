@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <numbers>
 
 namespace vistrane {
@@ -238,8 +239,8 @@ void DemoScene::drawSky(const Moment& moment, const Planes& planes) const {
         const int cloudRow = std::min(2 * row, horizon_ - 1);
         const std::uint8_t* const cloud = &clouds_[index(cloudRow, wide, moment.drift)];
         for (int x = 0; x < chromaWidth; ++x) {
-            u[x] = blended(u[x], neutral, cloud[2 * x]);
-            v[x] = blended(v[x], neutral, cloud[2 * x]);
+            u[x] = blended(u[x], neutral, cloud[std::ptrdiff_t{2} * x]);
+            v[x] = blended(v[x], neutral, cloud[std::ptrdiff_t{2} * x]);
         }
     }
 }
@@ -259,7 +260,7 @@ void DemoScene::drawHills(const Moment& moment, const Planes& planes) const {
         std::uint8_t* const u = planes.rows[1] + row * planes.strides[1];
         std::uint8_t* const v = planes.rows[2] + row * planes.strides[2];
         for (int x = 0; x < (width + 1) / 2; ++x) {
-            const bool isHill = 2 * row >= tops[2 * x];
+            const bool isHill = 2 * row >= tops[std::ptrdiff_t{2} * x];
             u[x] = isHill ? std::uint8_t{134} : u[x];
             v[x] = isHill ? std::uint8_t{118} : v[x];
         }
