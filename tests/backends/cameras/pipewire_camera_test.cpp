@@ -164,11 +164,16 @@ TEST_F(PipeWireCamera, ACameraThatPipeWireDoesNotLinkGivesNoInput) {
 
 TEST_F(PipeWireCamera, ACameraWithoutPicturesGivesNoInput) {
     ASSERT_TRUE(testcam("start", "Othercam", silent));
-    const auto result = bed.cameras->deviceInputWithDevice(bed.device("Othercam"));
-    EXPECT_EQ(result.input, nullptr);
-    ASSERT_TRUE(result.error);
-    EXPECT_THAT(result.error->localizedDescription,
-                HasSubstr("cannot be opened (it gives no picture within 3000 ms)"));
+    // The session manager of a busy machine may still be busy with the camera before: it links
+    // this one later, and an attempt before that says that there is no camera.
+    std::string reason;
+    for (int tries = 0; tries < 5 && reason.find("no picture") == std::string::npos; ++tries) {
+        const auto result = bed.cameras->deviceInputWithDevice(bed.device("Othercam"));
+        EXPECT_EQ(result.input, nullptr);
+        ASSERT_TRUE(result.error);
+        reason = result.error->localizedDescription;
+    }
+    EXPECT_THAT(reason, HasSubstr("cannot be opened (it gives no picture within 3000 ms)"));
     EXPECT_THAT(bed.observer.messages(), SizeIs(0));
 }
 
