@@ -151,7 +151,8 @@ TEST_F(WindowQuits, WhileItStartsLeaveTheSettingsWhole) {
         const int status = awaitEnd();
         // Before the program handles signals it has done nothing.
         EXPECT_TRUE(status == expected || status == 128 - expected) << status;
-        EXPECT_EQ(stored(), before);
+        // The place of the window may have been added.
+        EXPECT_THAT(stored(), testing::IsSupersetOf(before));
     }
     soak.report(std::to_string(soak.round()) + " signals within 1.5 s of the start", !HasFailure());
 }
