@@ -1,5 +1,6 @@
 #include "frontends/window/open_window.h"
 
+#include <clocale>
 #include <cstdlib>
 #include <thread>
 
@@ -45,6 +46,11 @@ void makeApplication() {
     // The session itself ends the program, after saving.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     new QApplication(count, arguments);
+    // QApplication sets the locale of the environment. Input methods need its character set. The
+    // encoder, which takes numbers as text, must not read them with a decimal comma, and the
+    // system's reasons stand within English sentences.
+    std::setlocale(LC_NUMERIC, "C");
+    std::setlocale(LC_MESSAGES, "C");
 }
 
 void openWindow(const WindowOptions& options) {
