@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMainWindow>
+#include <QRegularExpression>
 #include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -14,6 +15,18 @@
 #include "backends/qt/controls/shown_text.h"
 
 namespace vistrane {
+
+namespace {
+
+/// Shortens names that no line of a small window has room for. Lines break at blanks and after
+/// slashes.
+QString withShortWords(const QString& text) {
+    static const QRegularExpression longWord(
+        QStringLiteral("([^\\s/]{24})[^\\s/]{17,}([^\\s/]{24})"));
+    return QString(text).replace(longWord, QStringLiteral("\\1\u2026\\2"));
+}
+
+} // namespace
 
 MessageBar::MessageBar(QMainWindow& window)
     : icon_(new QLabel), text_(new QLabel), button_(new QToolButton) {
@@ -23,6 +36,8 @@ MessageBar::MessageBar(QMainWindow& window)
     hide();
     text_->setTextFormat(Qt::PlainText);
     text_->setWordWrap(true);
+    // By default the longest word would set the window's least width.
+    text_->setMinimumWidth(1);
     text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     text_->setForegroundRole(QPalette::ToolTipText);
     button_->setToolButtonStyle(Qt::ToolButtonTextOnly);
@@ -67,11 +82,12 @@ void MessageBar::showMessage(BarMessage message) {
     if (isWaiting) {
         return;
     }
-    if (!messages_.empty() && !messages_.front().isWarning) {
+    const bool makesRoom = !messages_.empty() && !messages_.front().isWarning;
+    if (makesRoom) {
         messages_.pop_front();
     }
     messages_.push_back(std::move(message));
-    if (messages_.size() == 1) {
+    if (makesRoom || messages_.size() == 1) {
         showFirst();
     }
 }
@@ -79,12 +95,14 @@ void MessageBar::showMessage(BarMessage message) {
 void MessageBar::showFirst() {
     const BarMessage& message = messages_.front();
     const QString text = shownText(message.text);
+    const QString shortened = withShortWords(text);
     const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
     icon_->setPixmap(style()
                          ->standardIcon(message.isWarning ? QStyle::SP_MessageBoxWarning
                                                           : QStyle::SP_MessageBoxInformation)
                          .pixmap(side));
-    text_->setText(text);
+    text_->setText(shortened);
+    text_->setToolTip(shortened == text ? QString() : text);
     // A label with selectable text does this by the text's direction, not by the layout's.
     text_->setAlignment(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) |
                         Qt::AlignVCenter);

@@ -30,8 +30,8 @@ public:
     /// The window owns it. Hidden at first.
     explicit MessageBar(QMainWindow& window);
 
-    /// Shows the message, after the warnings that are not closed yet; other messages make room for
-    /// it. A text that waits already is ignored.
+    /// Shows the message after those that are waiting. A shown message that is no warning makes
+    /// room; a warning stays until the user closes it. A text that waits already is ignored.
     void showMessage(BarMessage message);
 
 private:
