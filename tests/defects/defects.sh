@@ -146,8 +146,8 @@ defect UnsavedSettingsCountAsSaved backends/qt/system qt_system_tests \
     'changes_.clear();'
 
 defect DamagedSettingsAreLost backends/qt/system qt_system_tests \
-    'std::rename(damaged.c_str(), aside.c_str()) == 0;' \
-    'std::remove(damaged.c_str()) == 0;'
+    'std::rename(path_.c_str(), aside.c_str()) == 0;' \
+    'std::remove(path_.c_str()) == 0;'
 
 defect CreationErrorHasAnotherNumber backends/pictures pictures_test \
     'systemError(errno, "Cannot create the file", path, writeAdvice);' \

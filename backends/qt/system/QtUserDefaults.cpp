@@ -29,6 +29,9 @@ namespace vistrane {
 
 namespace {
 
+// The last save may be that of a handler of `exit`, as when the display is lost. By then, statics
+// that are younger than the handler are destroyed: those of this file never are.
+
 using Values = std::map<std::string, QVariant>;
 
 /// The largest accepted file: far more than the program writes, but small enough for QSettings,
@@ -86,8 +89,8 @@ std::optional<std::size_t> countValues(const QByteArray& text) {
 constexpr char firstFormatLine[] = "Vistrane settings 1\n";
 
 std::optional<Values> parseFirstFormat(const QByteArray& text) {
-    static const QRegularExpression setting(R"re(^"(\w+)" = (?:(-?\d+)|<([0-9a-f ]*)>)$)re",
-                                            QRegularExpression::MultilineOption);
+    static const auto& setting = *new QRegularExpression(
+        R"re(^"(\w+)" = (?:(-?\d+)|<([0-9a-f ]*)>)$)re", QRegularExpression::MultilineOption);
     Values values;
     for (const QRegularExpressionMatch& each : setting.globalMatch(QString::fromLatin1(text))) {
         values[each.captured(1).toStdString()] =
@@ -104,17 +107,17 @@ std::optional<Values> parseFirstFormat(const QByteArray& text) {
 /// the value asks for. Nothing if a value does not end with its line.
 std::optional<QByteArray> withoutOtherValues(const QByteArray& text) {
     // Of a text: a plain character, or an escape that QSettings writes. None becomes "@".
-    static const QString inText = R"re(@\\\r]|\\(?:[abfnrtv"?'\\]|[0-7](?![0-7])|)re"
-                                  R"re(x(?!0*40(?![0-9a-fA-F]))[0-9a-fA-F]+))re";
-    static const QRegularExpression plain(
-        R"re(^[^="\\\r]+=(?:)re"
-        R"re((?:[^")re" +
-        inText + R"re()*|"(?:[^")re" + inText +
-        R"re()*"|)re"
-        R"re(@(?:ByteArray|String)\((?:[^",\\\r]|\\[^\r])*\)|)re"
-        R"re("@(?:ByteArray|String)\((?:[^"\\\r]|\\[^\r])*\)")$)re");
-    static const QRegularExpression closed(
-        R"re(^(?:[^"\\\r]|\\[^\r]|"(?:[^"\\\r]|\\[^\r])*")*$)re");
+    static const auto& inText = *new QString(R"re(@\\\r]|\\(?:[abfnrtv"?'\\]|[0-7](?![0-7])|)re"
+                                             R"re(x(?!0*40(?![0-9a-fA-F]))[0-9a-fA-F]+))re");
+    static const auto& plain =
+        *new QRegularExpression(R"re(^[^="\\\r]+=(?:)re"
+                                R"re((?:[^")re" +
+                                inText + R"re()*|"(?:[^")re" + inText +
+                                R"re()*"|)re"
+                                R"re(@(?:ByteArray|String)\((?:[^",\\\r]|\\[^\r])*\)|)re"
+                                R"re("@(?:ByteArray|String)\((?:[^"\\\r]|\\[^\r])*\)")$)re");
+    static const auto& closed =
+        *new QRegularExpression(R"re(^(?:[^"\\\r]|\\[^\r]|"(?:[^"\\\r]|\\[^\r])*")*$)re");
     QByteArray result;
     for (const QByteArray& each : text.split('\n')) {
         const QByteArray line = each.trimmed();
@@ -272,6 +275,8 @@ int replaceFile(const std::filesystem::path& path, const Values& values) {
 
 QtUserDefaults::QtUserDefaults(std::string path, Log log)
     : path_(std::move(path)), log_(std::move(log)) {
+    // Makes QSettings' own statics, before a handler of `exit` that uses them is registered.
+    const QSettings oldest(QStringLiteral("/dev/null"), QSettings::IniFormat);
     Stored stored = readSettings(path_);
     if (stored.values) {
         values_ = std::move(*stored.values);
@@ -285,15 +290,15 @@ QtUserDefaults::QtUserDefaults(std::string path, Log log)
 }
 
 void QtUserDefaults::setAside(const std::string& remedy) {
-    const std::string damaged = resolveLinks(path_).string();
-    std::string aside = damaged + ".damaged";
+    // A link itself is renamed: what it refers to may belong to another program.
+    std::string aside = path_ + ".damaged";
     std::error_code error;
     for (int number = 2; std::filesystem::symlink_status(aside, error).type() !=
                          std::filesystem::file_type::not_found;
          ++number) {
-        aside = damaged + ".damaged-" + std::to_string(number);
+        aside = path_ + ".damaged-" + std::to_string(number);
     }
-    const bool isAside = std::rename(damaged.c_str(), aside.c_str()) == 0;
+    const bool isAside = std::rename(path_.c_str(), aside.c_str()) == 0;
     log_("The settings in '" + path_ + "' are damaged" +
          (isAside ? " and were set aside as '" + aside + "'" : std::string()) + ". The program " +
          remedy + ".");

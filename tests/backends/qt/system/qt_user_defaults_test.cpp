@@ -15,6 +15,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/support/WorkFolder.h"
 
@@ -327,7 +328,7 @@ TEST_F(QtUserDefaultsTest, WhatAKilledSaveLeftIsRemovedByALaterSave) {
 TEST_F(QtUserDefaultsTest, ALinkStaysALink) {
     std::filesystem::create_directory(folder_ / "elsewhere");
     std::filesystem::create_symlink("elsewhere/real", path_);
-    for (const std::string contents : {"", "[General]\niHour=1\n", "damage"}) {
+    for (const std::string contents : {"", "[General]\niHour=1\n"}) {
         if (!contents.empty()) {
             write(folder_ / "elsewhere/real", contents);
         }
@@ -336,8 +337,43 @@ TEST_F(QtUserDefaultsTest, ALinkStaysALink) {
         EXPECT_TRUE(std::filesystem::is_symlink(path_));
         EXPECT_EQ(read(folder_ / "elsewhere/real"), "[General]\niHour=2\n");
     }
-    EXPECT_EQ(read(folder_ / "elsewhere/real.damaged"), "damage");
     EXPECT_THAT(folder_.names(), ElementsAre("elsewhere", "settings"));
+}
+
+TEST_F(QtUserDefaultsTest, ALinkToAForeignFileIsSetAsideAndTheFileStays) {
+    write(folder_ / "diary", "damage");
+    std::filesystem::create_symlink("diary", path_);
+    QtUserDefaults defaults = open();
+    saveHour(defaults, 2);
+    EXPECT_EQ(read(folder_ / "diary"), "damage");
+    EXPECT_TRUE(std::filesystem::is_symlink(path_ + ".damaged"));
+    EXPECT_EQ(read(path_), "[General]\niHour=2\n");
+    EXPECT_THAT(folder_.names(), ElementsAre("diary", "settings", "settings.damaged"));
+}
+
+/// The first session: nothing has read settings before the handler is registered.
+TEST(QtUserDefaultsAtTheEnd, AreSavedByAHandlerOfExit) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    static QtUserDefaults* defaults = nullptr;
+    static std::string path;
+    const WorkFolder folder;
+    const auto saveInExit = [&] {
+        ::alarm(60);
+        path = folder / "settings";
+        defaults = new QtUserDefaults(path, [](const std::string&) {});
+        std::atexit([] {
+            defaults->setInteger(7, "iHour");
+            defaults->synchronize();
+            const QtUserDefaults again(path, [](const std::string&) {});
+            std::_Exit(again.integerForKey("iHour") == 7 ? 0 : 1);
+        });
+        defaults->setInteger(5, "iHour");
+        defaults->synchronize();
+        defaults->setInteger(6, "iHour");
+        defaults->synchronize();
+        std::exit(2);
+    };
+    EXPECT_EXIT(saveInExit(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(QtUserDefaultsTest, TwoInstancesKeepWhatTheOtherOneSaved) {
