@@ -1,6 +1,5 @@
 #include "backends/posix/FolderListings.h"
 
-#include <ctime>
 #include <optional>
 #include <utility>
 
@@ -20,7 +19,7 @@ constexpr std::int64_t seconds = 1000 * milliseconds;
 
 struct Exactness {
     /// How much older than a listing the last change has to be. Twice the longest distance between
-    /// two times of the file system.
+    /// two times of the file system; exact ones have none from `timeForFiles`, and get a margin.
     std::int64_t settled;
     /// How long a listing is used.
     std::int64_t lifetime;
@@ -34,13 +33,6 @@ std::int64_t nanosecondsOf(const timespec& time) {
     return time.tv_sec * seconds + time.tv_nsec;
 }
 
-/// In nanoseconds since 1970, as the times of files.
-std::int64_t wallClock() {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    return nanosecondsOf(now);
-}
-
 } // namespace
 
 FolderListings::State::State(const struct stat& status)
@@ -52,7 +44,7 @@ std::shared_ptr<const FileNames> FolderListings::list(const std::string& path) {
     if (stat(path.c_str(), &status) != 0) {
         return nullptr;
     }
-    const std::int64_t now = wallClock();
+    const std::int64_t now = timeForFiles();
     const auto last = this->last();
     if (last && last->path == path && last->state == State(status) && now >= last->readAt &&
         monotonicNow() < last->validUntil) {

@@ -19,7 +19,7 @@ namespace vistrane {
 /// times are:
 ///
 ///   exact    ext4, xfs, btrfs, tmpfs and the like: the time of the kernel's last clock tick, which
-///            is at most 10 ms ago
+///            `timeForFiles` tells
 ///   coarse   full seconds or less, remote and unknown file systems
 ///
 /// The folder is read again when the wall clock was set back, and at the latest when a listing is
@@ -49,7 +49,7 @@ private:
         std::string path;
         State state;
         std::shared_ptr<const FileNames> names;
-        /// On the wall clock, in nanoseconds since 1970, before the folder was read.
+        /// By `timeForFiles`, before the folder was read.
         std::int64_t readAt;
         /// On the monotonic clock, in nanoseconds.
         std::int64_t validUntil;

@@ -26,9 +26,9 @@ std::int64_t fileSystem = 0;
 
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
     const int result = static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
-    const std::int64_t offset = clock == CLOCK_REALTIME    ? wallOffset
-                                : clock == CLOCK_MONOTONIC ? monotonicOffset
-                                                           : 0;
+    const std::int64_t offset = clock == CLOCK_REALTIME_COARSE ? wallOffset
+                                : clock == CLOCK_MONOTONIC     ? monotonicOffset
+                                                               : 0;
     const std::int64_t now = time->tv_sec * second + time->tv_nsec + offset;
     time->tv_sec = now / second;
     time->tv_nsec = now % second;
