@@ -18,6 +18,7 @@
 #include "frontends/commandline/project_folder_argument.h"
 #include "frontends/commandline/version.h"
 #include "frontends/window/open_window.h"
+#include "platform/foundation/NSString.h"
 #include "platform/shown_text.h"
 
 namespace vistrane {
@@ -55,6 +56,10 @@ MovieArguments checkedOutput(MovieArguments movie) {
     std::error_code error;
     movie.output = std::filesystem::absolute(movie.output, error).lexically_normal();
     const std::string shown = "'" + shownText(movie.output) + "'";
+    if (pathExtension(std::filesystem::path(movie.output).filename().string()) == "png") {
+        refuse("Cannot write the movie " + shown +
+               ": a file with that ending is a frame. Name another one, such as NAME.mov.");
+    }
     const std::filesystem::file_status status =
         std::filesystem::symlink_status(movie.output, error);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {

@@ -355,6 +355,8 @@ TEST_F(CompileProgram, AnOutputThatCannotBeAMovieIsRefusedAtOnce) {
     writeFrames(3);
     for (const auto& [output, reason] :
          {std::pair<std::string, std::string>{folder, "that is no file"},
+          {folder + "/f1.png", "a file with that ending is a frame"},
+          {work.path() + "/m.png", "a file with that ending is a frame"},
           {work.path() + "/missing/m.mov", "there is no folder"}}) {
         const Ended ended = run({"compile", folder, "--output", output, "--force"});
         EXPECT_EQ(ended.status, 1);
