@@ -12,7 +12,9 @@ public:
     /// cannot be listed. `message` is one line.
     virtual void cameraChanged(const std::string& message) { (void)message; }
 
-    /// Before and after the program handles a still. Main thread.
+    /// The program has requested a still. Main thread.
+    virtual void stillWasRequested() {}
+    /// Before and after the program handles a still, or the reason why there is none. Main thread.
     virtual void stillIsBeingHandled() {}
     virtual void stillWasHandled() {}
 

@@ -235,6 +235,7 @@ void CaptureSession::requestStill(std::shared_ptr<AVCapturePhotoOutput> output,
         std::lock_guard lock(shared_->mutex);
         shared_->waiting[request] = Waiting{output, &delegate};
     }
+    shared_->observer.stillWasRequested();
     engine_.requestStill(request);
 }
 

@@ -28,6 +28,13 @@ public:
     // ---- Main thread ---------------------------------------------------------------------------
     std::function<void(const std::string& path)> frameWasSaved;
     std::function<void()> frameCouldNotBeSaved;
+    /// Stills that were requested and have no outcome yet.
+    int openStills = 0;
+    void stillWasRequested() override { ++openStills; }
+    void stillWasHandled() override {
+        SessionObserver::stillWasHandled();
+        --openStills;
+    }
     /// Set when a compile has ended.
     std::optional<MovieOutcome> movieOutcome;
 

@@ -340,11 +340,13 @@ bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
         }
         return isOver;
     });
+    // The camera answers each request, if only with an error.
+    waitUntil(
+        [&] { return parts_.observer.openStills == 0 || clock.now() > lastOutcome + timeout; });
 
     parts_.isCapturing = false;
     parts_.interruptEndsCapture = false;
     parts_.output.showStatus({});
-    // Stills that were requested before the end may still arrive.
     parts_.observer.frameWasSaved = saved;
     parts_.observer.frameCouldNotBeSaved = nullptr;
     waitForListing(lastPath);

@@ -172,6 +172,18 @@ TEST_F(CameraProgram, ACaptureOfANumberOfStillsEndsIfItsCameraStaysAway) {
     EXPECT_THAT(ended.errors, HasSubstr("The camera has given no still for 63 seconds"));
 }
 
+TEST_F(CameraProgram, AStillThatWasRequestedBeforeTheEndIsWaitedFor) {
+    // A picture in three seconds.
+    const char* const rate = "video/x-raw,format=I420,width=320,height=240,framerate=1/3";
+    ASSERT_EQ(runTool({VISTRANE_TESTCAM, "start", "Slowcam"}, {{{"TESTCAM_CAPS", rate}}}).status,
+              0);
+    const Ended ended =
+        run(captureArguments({"--interval", "60", "--duration", "1", "--compile"}, "Slowcam"));
+    EXPECT_TRUE(testcam("stop", "Slowcam"));
+    ASSERT_THAT(namesEndingIn(".png", folder), SizeIs(1)) << ended.errors;
+    EXPECT_EQ(ended.lines().at(0), folder + "/" + namesEndingIn(".png", folder).at(0));
+}
+
 class EndedCamera : public CameraProgram, public testing::WithParamInterface<int> {};
 
 TEST_P(EndedCamera, StatusIsTheSignalsWhileACameraKeepsItWaiting) {
