@@ -12,6 +12,7 @@
 
 #include "backends/cameras/PipeWireConnection.h"
 #include "backends/cameras/demo_source.h"
+#include "backends/posix/free_memory.h"
 #include "backends/posix/threads.h"
 
 namespace vistrane {
@@ -280,6 +281,7 @@ void CapturePipeline::Elements::end() {
     }
     lock.unlock();
     gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+    returnFreeMemory();
     ended = true;
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "backends/movies/movie_errors.h"
+#include "backends/posix/free_memory.h"
 #include "backends/posix/threads.h"
 #include "platform/shown_text.h"
 
@@ -270,9 +271,11 @@ void MovieJob::conclude() {
         finished_ = {path_, track_.width, track_.height, track_.samples.size(),
                      track_.timescale > 0 ? static_cast<double>(track_.end) / track_.timescale
                                           : 0.0};
+        idleFrames_.clear();
     }
     encoder_.reset();
     track_ = {};
+    returnFreeMemory();
     reportOutcome(error);
 }
 

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "backends/posix/EndingSignals.h"
+#include "backends/posix/free_memory.h"
 #include "frontends/commandline/commands.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/shown_text.h"
@@ -43,6 +44,7 @@ void raiseDescriptorLimit() {
 int NSApplicationMain(int argc, char** argv) {
     occupyStandardStreams();
     raiseDescriptorLimit();
+    useOneArena();
     EndingSignals::block();
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const ParsedArguments parsed = parseArguments(arguments);

@@ -6,11 +6,14 @@
 
 #include <gtest/gtest.h>
 
+#include "backends/posix/free_memory.h"
+
 namespace vistrane {
 
 namespace {
 
 SessionBackend::Options options() {
+    useOneArena(); // as the program does before its threads
     SessionBackend::Options options{.version = "1.0.0"};
     options.cameras.findsCameras = false;
     options.cameras.demoCamera = true;
