@@ -251,10 +251,20 @@ struct CapturePipeline::Elements {
     std::atomic<bool> stopping{false};
     std::atomic<bool> ended{false};
 
+    ~Elements();
     void start();
     void end();
     void unblockSource();
 };
+
+/// Pictures that the elements hold are freed with them.
+CapturePipeline::Elements::~Elements() {
+    stillValve.reset();
+    previewValve.reset();
+    source.reset();
+    pipeline.reset();
+    returnFreeMemory();
+}
 
 void CapturePipeline::Elements::start() {
     std::unique_lock lock(mutex);
@@ -281,7 +291,6 @@ void CapturePipeline::Elements::end() {
     }
     lock.unlock();
     gst_element_set_state(pipeline.get(), GST_STATE_NULL);
-    returnFreeMemory();
     ended = true;
 }
 
