@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "backends/pictures/Pictures.h"
 #include "platform/appkit/AppKit.h"
@@ -15,6 +17,8 @@ public:
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {
         return pictures_.imageWithContentsOfFile(path);
     }
+    void expectImages(std::shared_ptr<const std::vector<std::string>>, std::size_t,
+                      ImageUse) override {}
     std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) override {
         return pictures_.imageWithData(data);
     }

@@ -137,6 +137,18 @@ private:
 
 class SimFiles;
 
+/// A hint.
+struct SimExpectedImages {
+    std::shared_ptr<const std::vector<std::string>> paths;
+    std::size_t first = 0;
+    ImageUse use = ImageUse::View;
+
+    /// The path that it begins with; "nothing" past the end of the list, "end" without a list.
+    std::string text() const {
+        return !paths ? "end" : first < paths->size() ? (*paths)[first] : "nothing";
+    }
+};
+
 /// The AppKit's picture half. A picture has a name and a size in points. Its data are spelled by
 /// their name: "TIFF(name)", "PNG(name)". Files: any thread.
 class SimPictures : public virtual AppKit {
@@ -147,6 +159,12 @@ public:
         return resources.contains(name) ? picture(name, {16.0, 16.0}) : nullptr;
     }
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override;
+    /// Not in the call log, because hints have no visible effect.
+    void expectImages(std::shared_ptr<const std::vector<std::string>> paths, std::size_t first,
+                      ImageUse use) override {
+        const std::lock_guard lock(expectedMutex_);
+        expected_.push_back({std::move(paths), first, use});
+    }
     /// No bytes, and those that begin with "damaged", are not a picture.
     std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) override;
     std::shared_ptr<NSBitmapImageRep> imageRepWithData(std::shared_ptr<NSData> data) override;
@@ -154,6 +172,19 @@ public:
     /// Those bytes; as a picture they have that size in points.
     std::shared_ptr<NSData> data(const std::string& contents, NSSize size = {640.0, 480.0});
     std::shared_ptr<NSImage> picture(const std::string& name, NSSize size);
+
+    /// The hints of that use since the last call, as texts.
+    std::vector<std::string> takeExpected(ImageUse use) {
+        const std::lock_guard lock(expectedMutex_);
+        std::vector<std::string> texts;
+        for (const SimExpectedImages& hint : expected_) {
+            if (hint.use == use) {
+                texts.push_back(hint.text());
+            }
+        }
+        std::erase_if(expected_, [use](const auto& hint) { return hint.use == use; });
+        return texts;
+    }
 
     /// The pictures of the program's resources.
     std::set<std::string> resources{"play1",    "play2",    "play1-s",  "play2-s",  "12",
@@ -165,6 +196,8 @@ private:
 
     CallLog& log_;
     SimFiles& files_;
+    std::mutex expectedMutex_;
+    std::vector<SimExpectedImages> expected_;
 };
 
 } // namespace vistrane

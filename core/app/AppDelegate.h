@@ -219,6 +219,8 @@ private:
     void writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImage>& firstImage,
                     PictureSize size);
     void movieCouldNotBeCreated(const NSError& error);
+    /// Tells which frames the pass will load next, by the current list.
+    void expectFramesFrom(std::int32_t index);
     void appendOtherFrames(AVAssetWriter& writer, AVAssetWriterInputPixelBufferAdaptor& adaptor);
     void postProgressReset();
     void postFrameProgress(const std::string& path, std::int32_t index);

@@ -93,6 +93,7 @@ void AppDelegate::writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImag
     writer.startWriting();
     writer.startSessionAtSourceTime(kCMTimeZero);
 
+    expectFramesFrom(1);
     const CVPixelBufferRef firstBuffer = fastImageFromNSImage(firstImage);
     if (!adaptor->appendPixelBuffer(firstBuffer, kCMTimeZero)) {
         platform_.foundation.NSLog("failed appending #1 buffer");
@@ -101,6 +102,7 @@ void AppDelegate::writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImag
     postProgressReset();
 
     appendOtherFrames(writer, *adaptor);
+    platform_.appKit.expectImages(nullptr, 0, ImageUse::Movie);
 
     input->markAsFinished();
     Foundation& foundation = platform_.foundation;
@@ -116,6 +118,11 @@ void AppDelegate::writeMovie(AVAssetWriter& writer, const std::shared_ptr<NSImag
     platform_.appKit.sharedWorkspace().openURL(NSURL::fileURLWithPath(*finalMoviePath.load()));
 }
 
+void AppDelegate::expectFramesFrom(std::int32_t index) {
+    platform_.appKit.expectImages(pictureArray.load(), static_cast<std::size_t>(index),
+                                  ImageUse::Movie);
+}
+
 void AppDelegate::appendOtherFrames(AVAssetWriter& writer,
                                     AVAssetWriterInputPixelBufferAdaptor& adaptor) {
     // Every step reads the current list, so frames that are added meanwhile are written too.
@@ -129,6 +136,7 @@ void AppDelegate::appendOtherFrames(AVAssetWriter& writer,
             }
             postFrameProgress(*path, i);
             const auto image = platform_.appKit.imageWithContentsOfFile(*path);
+            expectFramesFrom(i + 1);
             const CVPixelBufferRef buffer = fastImageFromNSImage(image);
             if (!adaptor.appendPixelBuffer(buffer, time)) {
                 platform_.foundation.NSLog(stringWithFormat("failed append buffer with error: %@",

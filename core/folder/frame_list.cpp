@@ -56,6 +56,8 @@ void AppDelegate::refreshArray(NSObject*) {
         return;
     }
     pictureArray.store(paths);
+    // A playback does not go on where it was.
+    platform_.appKit.expectImages(nullptr, 0, ImageUse::View);
     if (paths->empty()) {
         return;
     }

@@ -26,6 +26,7 @@ std::string frameReadOut(const NSSlider& slider, std::size_t count) {
 } // namespace
 
 void AppDelegate::sliderDisplaying(NSObject*) {
+    platform_.appKit.expectImages(nullptr, 0, ImageUse::View);
     const auto frames = pictureArray.load();
     if (frames && !frames->empty()) {
         playing = photoSlider->integerValue();
@@ -42,6 +43,7 @@ void AppDelegate::playPictures(NSObject*) {
     if (playTimer && playTimer->isValid()) {
         playTimer->invalidate();
         setButtonFaces(platform_.appKit, *previewPlayButton, isDark(), false);
+        platform_.appKit.expectImages(nullptr, 0, ImageUse::View);
         return;
     }
     setButtonFaces(platform_.appKit, *previewPlayButton, isDark(), true);
@@ -62,11 +64,14 @@ void AppDelegate::startPlayTimer(NSTimer*) {
         }
         playing = 0;
         setButtonFaces(platform_.appKit, *previewPlayButton, isDark(), false);
+        platform_.appKit.expectImages(nullptr, 0, ImageUse::View);
     } else {
         myDisplay->setImage(
             platform_.appKit.imageWithContentsOfFile((*frames)[static_cast<std::size_t>(playing)]));
         photoSlider->setIntegerValue(playing);
         currentS->setStringValue(frameReadOut(*photoSlider, frames->size()));
+        platform_.appKit.expectImages(frames, static_cast<std::size_t>(playing) + 1,
+                                      ImageUse::View);
     }
     // Incremented after the end too, on purpose. That leaves 1; the next start sets it to 0.
     ++playing;

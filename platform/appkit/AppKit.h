@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "platform/appkit/ImageUse.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSBitmapImageRep.h"
@@ -42,6 +45,11 @@ public:
     /// Reads a picture file; null if that fails. Does not block on a file that is not regular. Any
     /// thread.
     virtual std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) = 0;
+    /// A hint that has no visible effect: probably `imageWithContentsOfFile` is called next with
+    /// `paths[first]`, `paths[first + 1]` and so on. Replaces the last hint of this use; null ends
+    /// it. Takes the same time however long the list is. Any thread.
+    virtual void expectImages(std::shared_ptr<const std::vector<std::string>> paths,
+                              std::size_t first, ImageUse use) = 0;
     /// A picture from the bytes of a file; null without data or if they are not a picture.
     virtual std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) = 0;
     /// Null without data or if they are not a picture.

@@ -278,5 +278,31 @@ TEST_F(MovieWriter, AMovieThatNothingCanOpenIsNoFailure) {
     expectNoMessage();
 }
 
+TEST_F(MovieWriter, EveryFrameTellsWhichComeNextByTheListOfThatMoment) {
+    setFrames(3);
+    beforePicture(1, [&] {
+        sim.files().addPicture("/f/z.png", {10.0, 10.0});
+        delegate.pictureArray.store(std::make_shared<const std::vector<std::string>>(
+            std::vector<std::string>{"/f/0.png", "/f/1.png", "/f/2.png", "/f/z.png"}));
+    });
+    compile();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::Movie),
+                ElementsAre("/f/1.png", "/f/2.png", "/f/z.png", "nothing", "end"));
+}
+
+TEST_F(MovieWriter, APassThatEndsEarlyExpectsNothingMore) {
+    setFrames(5);
+    beforePicture(2, [&] { setFrames(1); });
+    compile();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::Movie),
+                ElementsAre("/f/1.png", "/f/2.png", "/f/3.png", "end"));
+    setFrames(2);
+    sim.movies().creations.push_back({NSError{"Movies", 17, "Odd."}, false});
+    sim.alerts().whileUp([&](const SimShownAlert&) { sim.threads().thread(2)->cancelQuietly(); });
+    compile();
+    EXPECT_THAT(sim.alerts().shown(), SizeIs(1));
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::Movie), IsEmpty());
+}
+
 } // namespace
 } // namespace vistrane

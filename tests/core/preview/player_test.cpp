@@ -198,5 +198,38 @@ TEST_F(Player, AChangeOfTheAppearanceWhilePlayingKeepsThePlayingFaces) {
     EXPECT_EQ(faces(), "play2 play1");
 }
 
+TEST_F(Player, EveryTickTellsWhichFramesComeNextUntilTheEnd) {
+    listFrames(3);
+    sim.pictures().takeExpected(ImageUse::View);
+    press();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), ElementsAre("/f/2.png"));
+    tick();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), ElementsAre("/f/3.png"));
+    tick();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), ElementsAre("nothing"));
+    tick();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), ElementsAre("end"));
+    tick();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), IsEmpty());
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::Movie), IsEmpty());
+}
+
+TEST_F(Player, StoppingDraggingAndAChangedListEndTheExpectation) {
+    listFrames(9);
+    press();
+    sim.pictures().takeExpected(ImageUse::View);
+    slider("photoSlider").drag(5.0);
+    sim.nib().send("sliderDisplaying:");
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), ElementsAre("end"));
+    tick();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), ElementsAre("/f/7.png"));
+    press();
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), ElementsAre("end"));
+    delegate.refreshArray(nullptr);
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), IsEmpty());
+    listFrames(12);
+    EXPECT_THAT(sim.pictures().takeExpected(ImageUse::View), ElementsAre("end"));
+}
+
 } // namespace
 } // namespace vistrane
