@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "backends/pictures/picture_errors.h"
+#include "backends/pictures/png_expansion.h"
 
 namespace vistrane {
 
@@ -53,6 +54,9 @@ std::optional<NSError> DecodedPicture::readPixels(PixelForm form, std::uint8_t* 
         std::uint8_t* to = rows + static_cast<std::ptrdiff_t>(y) * stride;
         if (form == ownForm) {
             std::memcpy(to, from, ownStride);
+        } else if (ownForm == PixelForm::RGB && y + 1 < shape().height) {
+            // Reads a little past the end of the row.
+            addAlpha(from, form, to, shape().width);
         } else {
             convertRow(from, ownForm, to, form, shape().width);
         }

@@ -17,8 +17,10 @@ public:
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) override {
         return pictures_.imageWithContentsOfFile(path);
     }
-    void expectImages(std::shared_ptr<const std::vector<std::string>>, std::size_t,
-                      ImageUse) override {}
+    void expectImages(std::shared_ptr<const std::vector<std::string>> paths, std::size_t first,
+                      ImageUse use) override {
+        pictures_.expectImages(std::move(paths), first, use);
+    }
     std::shared_ptr<NSImage> imageWithData(std::shared_ptr<NSData> data) override {
         return pictures_.imageWithData(data);
     }

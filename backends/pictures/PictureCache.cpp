@@ -59,7 +59,7 @@ PictureSourceResult PictureCache::loaded(const std::string& path, const FileStat
     if (source == nullptr) {
         return result;
     }
-    turn.decoding = std::make_shared<SharedDecoding>(*source);
+    turn.decoding = std::make_shared<SharedDecoding>(*source, viewSize_);
     return std::make_shared<SharedPicture>(turn.decoding);
 }
 

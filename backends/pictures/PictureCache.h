@@ -42,6 +42,7 @@ private:
     void conclude(const std::string& path, const FileState& state,
                   const std::shared_ptr<SharedDecoding>& decoding);
 
+    const std::shared_ptr<ViewSize> viewSize_ = std::make_shared<ViewSize>();
     std::mutex mutex_;
     std::condition_variable changed_;
     /// Few entries: the pictures in use, and some that were in use recently.

@@ -38,6 +38,8 @@ struct PictureShape {
     /// If false, every pixel is opaque.
     bool mayBeTransparent = false;
 
+    bool operator==(const PictureShape&) const = default;
+
     /// The smallest form that keeps all values.
     PixelForm compactForm() const { return mayBeTransparent ? PixelForm::RGBA : PixelForm::RGB; }
 

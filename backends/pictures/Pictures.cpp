@@ -9,6 +9,8 @@
 #include "backends/pictures/PictureCache.h"
 #include "backends/pictures/PictureData.h"
 #include "backends/pictures/PictureSource.h"
+#include "backends/pictures/PicturesAhead.h"
+#include "backends/pictures/SharedPicture.h"
 #include "backends/pictures/file_bytes.h"
 #include "backends/pictures/graphics_state.h"
 #include "backends/pictures/picture_errors.h"
@@ -33,20 +35,59 @@ PictureSourceResult pictureFromData(const std::shared_ptr<NSData>& data,
     return pictureFromPng(data, dataName, limits);
 }
 
+PictureSourceResult readPicture(OpenFile& file, const std::string& path,
+                                const PictureLimits& limits) {
+    FileBytesResult read = file.read(pngSignature);
+    if (read.error) {
+        return *read.error;
+    }
+    return pictureFromPng(std::move(read.bytes), path, limits);
+}
+
+/// For `PicturesAhead`. The result holds the picture for the users of `cache`.
+std::shared_ptr<const void> loadAhead(PictureCache& cache, const PictureLimits& limits,
+                                      const std::string& path, ImageUse use,
+                                      PicturesAhead::Room& room) {
+    auto opened = OpenFile::at(path, limits.largestFile);
+    auto* const file = std::get_if<OpenFile>(&opened);
+    // From here on every change of the file gives it another state, even while it is read.
+    if (file == nullptr || !file->state().isSettled() || !room.take(file->state().length)) {
+        return nullptr;
+    }
+    const auto result = cache.picture(path, file->state(), [&]() -> PictureSourceResult {
+        PictureSourceResult picture = readPicture(*file, path, limits);
+        if (const auto source = sourceOf(picture); source && !source->flaw().empty()) {
+            // Whoever wants it reads it again and reports the flaw.
+            return pictureError(PictureFault::Damaged, path, source->flaw());
+        }
+        return picture;
+    });
+    const auto picture = std::dynamic_pointer_cast<const SharedPicture>(sourceOf(result));
+    if (!picture || !room.take(file->state().length + picture->preparedBytes(use)) ||
+        !picture->prepare(use)) {
+        return nullptr;
+    }
+    if (use == ImageUse::Movie) {
+        room.take(picture->preparedBytes(use));
+    }
+    return picture;
+}
+
 } // namespace
 
 Pictures::Pictures(PictureObserver& observer, PictureLimits limits)
-    : observer_(observer), limits_(limits), cache_(std::make_unique<PictureCache>()) {}
+    : observer_(observer), limits_(limits), cache_(std::make_shared<PictureCache>()),
+      ahead_(std::make_unique<PicturesAhead>([cache = cache_, limits](const std::string& path,
+                                                                      ImageUse use,
+                                                                      PicturesAhead::Room& room) {
+          return loadAhead(*cache, limits, path, use, room);
+      })) {}
 
 Pictures::~Pictures() = default;
 
 std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& path) const {
     const auto load = [&](OpenFile& file) -> PictureSourceResult {
-        FileBytesResult read = file.read(pngSignature);
-        if (read.error) {
-            return *read.error;
-        }
-        PictureSourceResult picture = pictureFromPng(std::move(read.bytes), path, limits_);
+        PictureSourceResult picture = readPicture(file, path, limits_);
         if (const auto source = sourceOf(picture); source && !source->flaw().empty()) {
             reportFlaw(*source);
         }
@@ -63,6 +104,11 @@ std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& pa
         return nullptr;
     }
     return std::make_shared<MediaImage>(sourceOf(result));
+}
+
+void Pictures::expectImages(std::shared_ptr<const std::vector<std::string>> paths,
+                            std::size_t first, ImageUse use) const {
+    ahead_->expect(std::move(paths), first, use);
 }
 
 void Pictures::reportFlaw(const PictureSource& picture) const {

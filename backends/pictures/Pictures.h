@@ -1,13 +1,16 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "backends/pictures/PictureLimits.h"
 #include "backends/pictures/PictureObserver.h"
 #include "backends/pictures/PictureSource.h"
+#include "platform/appkit/ImageUse.h"
 #include "platform/appkit/NSBitmapImageRep.h"
 #include "platform/appkit/NSGraphicsContext.h"
 #include "platform/appkit/NSImage.h"
@@ -16,6 +19,7 @@
 namespace vistrane {
 
 class PictureCache;
+class PicturesAhead;
 
 /// Implements the picture messages of `AppKit`. Any thread.
 ///
@@ -33,6 +37,17 @@ public:
     /// Reports to the observer why it returns null. Ignores the file name's extension. Images of
     /// the same state of a file share its data.
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) const;
+    /// As `AppKit::expectImages`. Expected pictures are read and decoded on other threads, as far
+    /// as `PicturesAhead` has room for them. That is never reported, and never changes what
+    /// `imageWithContentsOfFile` returns: it takes a picture from memory only if the file at the
+    /// path is still in the state (`FileState`) in which the picture was read. A file that was
+    /// changed within the last seconds is not read ahead, because another change might leave the
+    /// same state, nor are damaged files.
+    void expectImages(std::shared_ptr<const std::vector<std::string>> paths, std::size_t first,
+                      ImageUse use) const;
+    /// For tests.
+    PicturesAhead& ahead() const { return *ahead_; }
+
     /// `data` is a PNG file or a `PictureData`. Reports to the observer why it returns null, unless
     /// `data` is null.
     std::shared_ptr<NSImage> imageWithData(const std::shared_ptr<NSData>& data) const;
@@ -53,7 +68,8 @@ private:
 
     PictureObserver& observer_;
     PictureLimits limits_;
-    std::unique_ptr<PictureCache> cache_;
+    std::shared_ptr<PictureCache> cache_;
+    std::unique_ptr<PicturesAhead> ahead_;
     mutable std::mutex flawsMutex_;
     /// The names of the pictures whose flaw was reported.
     mutable std::set<std::string> reportedFlaws_;

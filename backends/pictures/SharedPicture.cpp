@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <new>
+#include <variant>
 
+#include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/Downscaling.h"
 
 namespace vistrane {
@@ -19,13 +21,18 @@ constexpr std::chrono::milliseconds decodingTimeout(20);
 /// The scope of a decoding. Its end, even by an exception, wakes the threads that wait for it.
 class SharedDecoding::Turn {
 public:
-    explicit Turn(SharedDecoding& decoding) : decoding_(decoding) {
+    explicit Turn(SharedDecoding& decoding, bool isKeepingPixels = false)
+        : decoding_(decoding), isKeepingPixels_(isKeepingPixels) {
         const std::lock_guard lock(decoding_.mutex_);
         ++decoding_.decoding_;
+        decoding_.isKeepingPixels_ |= isKeepingPixels;
     }
     ~Turn() {
         const std::lock_guard lock(decoding_.mutex_);
         --decoding_.decoding_;
+        if (isKeepingPixels_) {
+            decoding_.isKeepingPixels_ = false;
+        }
         decoding_.changed_.notify_all();
     }
     Turn(const Turn&) = delete;
@@ -33,6 +40,7 @@ public:
 
 private:
     SharedDecoding& decoding_;
+    const bool isKeepingPixels_;
 };
 
 void SharedDecoding::join() {
@@ -48,8 +56,9 @@ void SharedDecoding::leave() {
 
 std::optional<NSError> SharedDecoding::readPixels(PixelForm form, std::uint8_t* rows,
                                                   std::ptrdiff_t stride) {
+    const auto source = picture();
     const Turn turn(*this);
-    auto error = picture_->readPixels(form, rows, stride);
+    auto error = source->readPixels(form, rows, stride);
     if (error) {
         return error;
     }
@@ -72,10 +81,10 @@ void SharedDecoding::makeSmaller(PixelForm form, const std::uint8_t* rows, std::
         wanted = *smaller_;
     }
     wanted.pixels.resize(wanted.width * wanted.height);
-    Downscaling smaller(picture_->shape(), form, wanted.width, wanted.height, wanted.pixels.data(),
+    Downscaling smaller(shape_, form, wanted.width, wanted.height, wanted.pixels.data(),
                         static_cast<std::ptrdiff_t>(4 * wanted.width));
     smaller.begin();
-    for (std::uint32_t y = 0; y < picture_->shape().height; ++y) {
+    for (std::uint32_t y = 0; y < shape_.height; ++y) {
         smaller.take(rows + static_cast<std::ptrdiff_t>(y) * stride);
     }
     const std::lock_guard lock(mutex_);
@@ -84,7 +93,61 @@ void SharedDecoding::makeSmaller(PixelForm form, const std::uint8_t* rows, std::
     }
 }
 
+std::shared_ptr<const PictureSource> SharedDecoding::picture() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return !isKeepingPixels_; });
+    return picture_;
+}
+
+bool SharedDecoding::prepare(ImageUse use) {
+    return use == ImageUse::Movie ? keepPixels() : keepSmaller();
+}
+
+std::size_t SharedDecoding::preparedBytes(ImageUse use) const {
+    if (use == ImageUse::Movie) {
+        return bytesPerPixel(shape_.compactForm()) * shape_.width * shape_.height;
+    }
+    const auto size = viewSize_ ? viewSize_->of(shape_) : std::nullopt;
+    return size ? sizeof(std::uint32_t) * size->width * size->height : 0;
+}
+
+bool SharedDecoding::keepPixels() {
+    const auto source = picture();
+    const Turn turn(*this, true);
+    auto decoded = decodedPicture(source);
+    auto* const pixels = std::get_if<std::shared_ptr<const PictureSource>>(&decoded);
+    if (pixels == nullptr) {
+        return false;
+    }
+    const std::lock_guard lock(mutex_);
+    picture_ = std::move(*pixels);
+    return true;
+}
+
+bool SharedDecoding::keepSmaller() {
+    const auto size = viewSize_ ? viewSize_->of(shape_) : std::nullopt;
+    if (!size) {
+        return true;
+    }
+    const auto source = picture();
+    const Turn turn(*this);
+    Smaller made{size->width, size->height, {}};
+    made.pixels.resize(size->width * size->height);
+    if (source->readSmaller(size->width, size->height, made.pixels.data(),
+                            static_cast<std::ptrdiff_t>(4 * size->width))) {
+        return false;
+    }
+    const std::lock_guard lock(mutex_);
+    if (!smaller_ || smaller_->hasSize(size->width, size->height)) {
+        smaller_ = std::move(made);
+    }
+    return true;
+}
+
 void SharedDecoding::expectSmaller(std::size_t width, std::size_t height) {
+    if (viewSize_) {
+        viewSize_->set(shape_, {width, height});
+    }
     const std::lock_guard lock(mutex_);
     if (!smaller_ || !smaller_->hasSize(width, height)) {
         smaller_ = Smaller{width, height, {}};
@@ -118,12 +181,11 @@ std::optional<NSError> SharedDecoding::readSmaller(std::size_t width, std::size_
     expectSmaller(width, height);
     return takeSmaller(width, height, pixels, stride)
                ? std::nullopt
-               : picture_->readSmaller(width, height, pixels, stride);
+               : picture()->readSmaller(width, height, pixels, stride);
 }
 
 SharedPicture::SharedPicture(std::shared_ptr<SharedDecoding> decoding)
-    : PictureSource(decoding->picture().shape(), decoding->picture().name()),
-      decoding_(std::move(decoding)) {
+    : PictureSource(decoding->shape(), decoding->name()), decoding_(std::move(decoding)) {
     decoding_->join();
 }
 
@@ -146,7 +208,7 @@ std::optional<NSError> SharedPicture::readPixels(PixelForm form, std::uint8_t* r
 
 std::optional<NSError> SharedPicture::passRows(PixelForm form, PictureRows& rows) const {
     markRead();
-    return decoding_->picture().passRows(form, rows);
+    return decoding_->picture()->passRows(form, rows);
 }
 
 std::optional<NSError> SharedPicture::readSmaller(std::size_t width, std::size_t height,
@@ -154,6 +216,12 @@ std::optional<NSError> SharedPicture::readSmaller(std::size_t width, std::size_t
                                                   std::ptrdiff_t stride) const {
     markRead();
     return decoding_->readSmaller(width, height, pixels, stride);
+}
+
+bool SharedPicture::prepare(ImageUse use) const {
+    const bool isPrepared = decoding_->prepare(use);
+    markRead();
+    return isPrepared;
 }
 
 void SharedPicture::expectSmaller(std::size_t width, std::size_t height) const {

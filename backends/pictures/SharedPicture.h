@@ -7,21 +7,62 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "backends/pictures/PictureSource.h"
+#include "platform/appkit/ImageUse.h"
 
 namespace vistrane {
+
+/// The size in which a view last wanted a picture. Any thread.
+class ViewSize {
+public:
+    struct Size {
+        std::size_t width = 0;
+        std::size_t height = 0;
+    };
+
+    void set(const PictureShape& shape, Size size) {
+        const std::lock_guard lock(mutex_);
+        shape_ = shape;
+        size_ = size;
+    }
+    /// Nothing if the last picture had another shape, because a view keeps a picture's proportions.
+    std::optional<Size> of(const PictureShape& shape) const {
+        const std::lock_guard lock(mutex_);
+        return shape == shape_ ? size_ : std::nullopt;
+    }
+
+private:
+    mutable std::mutex mutex_;
+    PictureShape shape_;
+    std::optional<Size> size_;
+};
 
 /// The state that all users of a picture share. While one of them decodes it, the smaller picture
 /// that a view has requested is made from the same rows. Any thread.
 class SharedDecoding {
 public:
-    explicit SharedDecoding(std::shared_ptr<const PictureSource> picture)
-        : picture_(std::move(picture)) {}
+    /// Tells `viewSize`, if there is one, in which size the picture is wanted.
+    explicit SharedDecoding(std::shared_ptr<const PictureSource> picture,
+                            std::shared_ptr<ViewSize> viewSize = nullptr)
+        : shape_(picture->shape()), name_(picture->name()), viewSize_(std::move(viewSize)),
+          picture_(std::move(picture)) {}
 
-    const PictureSource& picture() const { return *picture_; }
+    const PictureShape& shape() const { return shape_; }
+    const std::string& name() const { return name_; }
+
+    /// The picture in its present form. Waits while it is decoded for a movie.
+    std::shared_ptr<const PictureSource> picture();
+
+    /// Decodes for that use what later calls then take from memory: for a movie all pixels, which
+    /// replace the bytes of the file; for a view the smaller picture, if its size is known. Returns
+    /// false, and changes nothing, if that fails.
+    bool prepare(ImageUse use);
+    /// The memory that this takes, in bytes.
+    std::size_t preparedBytes(ImageUse use) const;
 
     /// Count the users that have loaded the picture but not read it yet.
     void join();
@@ -46,12 +87,18 @@ private:
     bool takeSmaller(std::size_t width, std::size_t height, std::uint32_t* pixels,
                      std::ptrdiff_t stride);
     void makeSmaller(PixelForm form, const std::uint8_t* rows, std::ptrdiff_t stride);
+    bool keepPixels();
+    bool keepSmaller();
 
-    const std::shared_ptr<const PictureSource> picture_;
+    const PictureShape shape_;
+    const std::string name_;
+    const std::shared_ptr<ViewSize> viewSize_;
     std::mutex mutex_;
     std::condition_variable changed_;
+    std::shared_ptr<const PictureSource> picture_;
     std::size_t unread_ = 0;
     std::size_t decoding_ = 0;
+    bool isKeepingPixels_ = false;
     /// The last size that a view requested.
     std::optional<Smaller> smaller_;
 };
@@ -68,6 +115,10 @@ public:
     std::optional<NSError> readSmaller(std::size_t width, std::size_t height, std::uint32_t* pixels,
                                        std::ptrdiff_t stride) const override;
     void expectSmaller(std::size_t width, std::size_t height) const override;
+
+    /// Prepares the picture for other users, instead of reading it. See `SharedDecoding`.
+    bool prepare(ImageUse use) const;
+    std::size_t preparedBytes(ImageUse use) const { return decoding_->preparedBytes(use); }
 
     const SharedDecoding& decoding() const { return *decoding_; }
 

@@ -1,3 +1,8 @@
+#include <chrono>
+#include <thread>
+
+#include "backends/pictures/PicturesAhead.h"
+#include "backends/pictures/file_bytes.h"
 #include "tests/backends/pictures/PicturesTest.h"
 #include "tests/contract/DataContract.h"
 #include "tests/contract/ImageContract.h"
@@ -32,6 +37,18 @@ public:
     std::shared_ptr<NSData> data(const std::string& bytes) {
         return DataBytes::copyOf(Bytes(bytes.begin(), bytes.end()));
     }
+
+    void putPicture(const std::string& path, NSSize points) { put(path, placeMarks(points)); }
+    void damageFile(const std::string& path) { addFile(path); }
+    void removeFile(const std::string& path) { std::filesystem::remove(path); }
+    void settle() {
+        const std::string last = folder_ / "last";
+        put(last, {});
+        while (!std::get<OpenFile>(OpenFile::at(last, 1000)).state().isSettled()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+    }
+    void awaitExpected() { pictures_.ahead().waitUntilIdle(); }
 
 private:
     static Bytes placeMarks(NSSize pixels) {

@@ -42,6 +42,14 @@ public:
     }
     std::shared_ptr<NSData> data(const std::string& bytes) { return sim_.pictures().data(bytes); }
 
+    void putPicture(const std::string& path, NSSize points) {
+        sim_.files().addPicture(path, points);
+    }
+    void damageFile(const std::string& path) { sim_.files().addDamagedPicture(path); }
+    void removeFile(const std::string& path) { sim_.files().remove(path); }
+    void settle() {}
+    void awaitExpected() {}
+
     std::shared_ptr<AVCaptureDevice> camera() { return sim_.cameras().add("Camera"); }
     bool runUntil(const std::function<bool()>& done) {
         while (!done() && !sim_.cameras().pendingStills().empty()) {
