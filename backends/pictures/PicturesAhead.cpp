@@ -39,7 +39,8 @@ public:
     State(Load load, const Limits& limits) : load_(std::move(load)), limits_(limits) {}
 
     void expect(std::shared_ptr<const Paths> paths, std::size_t first, ImageUse use);
-    void run();
+    /// `loadsMovies`: not only for views.
+    void run(bool loadsMovies);
     void end();
     bool take(Room::Picture& picture, std::size_t bytes);
     void waitUntilIdle();
@@ -74,7 +75,7 @@ private:
     std::size_t most(ImageUse use) const {
         return use == ImageUse::View ? limits_.viewPictures : limits_.moviePictures;
     }
-    std::optional<Place> next();
+    std::optional<Place> next(bool withMovies = true);
     Task claim(const Place& place);
     std::shared_ptr<const void> load(const Task& task);
     void conclude(const Task& task, std::shared_ptr<const void>& loaded);
@@ -116,14 +117,15 @@ void PicturesAhead::State::expect(std::shared_ptr<const Paths> paths, std::size_
         expectation.first = first;
         expectation.paths.swap(paths);
     }
-    wake_.notify_one();
+    wake_.notify_all();
 }
 
-std::optional<PicturesAhead::State::Place> PicturesAhead::State::next() {
+std::optional<PicturesAhead::State::Place> PicturesAhead::State::next(bool withMovies) {
     // What a view shows is wanted at a certain time.
     for (const ImageUse use : {ImageUse::View, ImageUse::Movie}) {
         Expectation& expectation = of(use);
-        if (bytes_ > 0 && expectation.largest > limits_.memory - bytes_) {
+        if ((use == ImageUse::Movie && !withMovies) ||
+            (bytes_ > 0 && expectation.largest > limits_.memory - bytes_)) {
             continue;
         }
         const std::size_t end = expectation.end(most(use));
@@ -148,18 +150,15 @@ PicturesAhead::State::Task PicturesAhead::State::claim(const Place& place) {
     return {expectation.paths, place.index, std::move(picture)};
 }
 
-void PicturesAhead::State::run() {
+void PicturesAhead::State::run(bool loadsMovies) {
     std::unique_lock lock(mutex_);
     for (;;) {
         std::optional<Place> place;
-        wake_.wait(lock, [&] { return isEnding_ || (place = next()).has_value(); });
+        wake_.wait(lock, [&] { return isEnding_ || (place = next(loadsMovies)).has_value(); });
         if (isEnding_) {
             return;
         }
         Task task = claim(*place);
-        if (next()) {
-            wake_.notify_one();
-        }
         lock.unlock();
         std::shared_ptr<const void> loaded = load(task);
         lock.lock();
@@ -170,6 +169,7 @@ void PicturesAhead::State::run() {
         task = {};
         lock.lock();
         --loading_;
+        wake_.notify_all(); // there may be room for another one now
         worked_.notify_all();
     }
 }
@@ -244,7 +244,8 @@ bool PicturesAhead::Room::take(std::size_t bytes) {
 }
 
 PicturesAhead::PicturesAhead(Load load, const Limits& limits)
-    : state_(std::make_shared<State>(std::move(load), limits)), threads_(limits.threads) {}
+    : state_(std::make_shared<State>(std::move(load), limits)), threads_(limits.threads),
+      movieThreads_(limits.movieThreads) {}
 
 PicturesAhead::~PicturesAhead() {
     state_->end();
@@ -259,9 +260,9 @@ void PicturesAhead::expect(std::shared_ptr<const Paths> paths, std::size_t first
     std::call_once(started_, [this] {
         try {
             for (std::size_t i = 0; i < threads_; ++i) {
-                startDetachedThread([state = state_] {
+                startDetachedThread([state = state_, loadsMovies = i < movieThreads_] {
                     try {
-                        state->run();
+                        state->run(loadsMovies);
                     } catch (const std::bad_alloc&) {
                         // This thread loads nothing any more.
                     }
@@ -284,6 +285,10 @@ std::size_t PicturesAhead::heldBytes() const {
 std::size_t PicturesAhead::processors() {
     // The result is 0 if the system does not tell.
     return std::max(1U, std::thread::hardware_concurrency());
+}
+
+std::size_t PicturesAhead::otherProcessors() {
+    return std::max<std::size_t>(2, processors()) - 1;
 }
 
 } // namespace vistrane

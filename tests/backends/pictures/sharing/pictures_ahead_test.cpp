@@ -94,7 +94,7 @@ protected:
             [loads = loads_](const std::string& path, ImageUse, PicturesAhead::Room& room) {
                 return loads->load(path, room);
             },
-            PicturesAhead::Limits{threads, 3, 3, 100});
+            PicturesAhead::Limits{threads, threads, 3, 3, 100});
     }
     void expect(const std::shared_ptr<const Names>& paths, std::size_t first,
                 ImageUse use = ImageUse::View) {
@@ -252,7 +252,7 @@ TEST_F(AheadOfUse, NobodyWaitsForAReadThatHangs) {
         [loads = loads_, last](const std::string& path, ImageUse, PicturesAhead::Room& room) {
             return loads->load(path, room);
         },
-        PicturesAhead::Limits{2, 3, 3, 100});
+        PicturesAhead::Limits{2, 2, 3, 3, 100});
     ahead->expect(list("abc"), 0, ImageUse::View);
     begun.get_future().wait();
     ahead->expect(nullptr, 0, ImageUse::View);
