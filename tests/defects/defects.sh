@@ -153,6 +153,14 @@ defect CreationErrorHasAnotherNumber backends/pictures pictures_test \
     'systemError(errno, "Cannot create the file", path, writeAdvice);' \
     'systemError(EIO, "Cannot create the file", path, writeAdvice);'
 
+defect FreshFileIsHeld backends/pictures/Pictures.cpp shared_pictures_test \
+    '!file->state().isSettled() || !room.take' \
+    '!room.take'
+
+defect OldHintIsWorkedOff backends/pictures/PicturesAhead.cpp shared_pictures_test \
+    'if (isHeld(each->first)) {' \
+    'if (isHeld(each->first) || paths) {'
+
 defect DamagedFrameCountsAsWhole backends/pictures pictures_test \
     'return damaged(name(), *fault);' \
     'return std::nullopt;'

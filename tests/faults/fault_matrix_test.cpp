@@ -108,7 +108,12 @@ protected:
         form.height = 480;
         for (const char* name : {"a.png", "b.png", "c.png"}) {
             form.colour[0] += 20;
-            writeFrame(folder + "/" + name, form);
+            const std::string path = folder + "/" + name;
+            writeFrame(path, form);
+            // Frames of the future are not decoded ahead, so every run makes the same calls.
+            const auto hour = std::chrono::hours(1);
+            std::filesystem::last_write_time(path,
+                                             std::filesystem::file_time_type::clock::now() + hour);
         }
         writeFile(folder + "/20250101-000000.mov", "an earlier movie");
         const Files before = filesIn(folder);
