@@ -5,7 +5,10 @@
 //                                          cameras in their list
 //   session_bench compile FOLDER FPS       from the click to the finished movie
 //   session_bench compile-alone FOLDER FPS the same without a window
-//   session_bench play FOLDER              from frame to frame, as painted, at 60 a second
+//   session_bench play FOLDER FPS          from frame to frame, as painted, at that many a second
+//   session_bench drag FOLDER              the longest time from a place of the dragged frame
+//   slider
+//                                          until its frame is painted
 //   session_bench idle FOLDER SECONDS      the processor time of a window that nobody uses
 //   session_bench capture FOLDER SECONDS   with the first camera, a still at each interval of the
 //                                          settings: the longest that an event waited
@@ -18,8 +21,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <QAbstractButton>
@@ -145,15 +150,91 @@ private:
     std::vector<double> times_;
 };
 
-void play(const std::string& folder) {
+void play(const std::string& folder, int rate) {
     whenListed(folder, [=] {
-        control<QSlider>("fpsS").setValue(60);
+        control<QSlider>("fpsS").setValue(rate);
         // By now the newest frame has been painted.
         QTimer::singleShot(500, qApp, [] {
             auto* const watch = new PaintWatch(control<QSlider>("photoSlider"));
             control<QWidget>("myDisplay").installEventFilter(watch);
             control<QAbstractButton>("previewPlayButton").click();
             when([=] { return watch->isOver(); }, [=] { tell(watch->meanPeriod()); });
+        });
+    });
+}
+
+/// Drags the frame slider to another frame every 16 ms. As with a mouse, a place that the main
+/// thread has not seen yet is replaced by the next one.
+class DragWatch final : public QObject {
+public:
+    explicit DragWatch(QSlider& slider) : slider_(slider) {}
+
+    void begin() {
+        std::thread([this, count = slider_.maximum() + 1] {
+            constexpr int places = 200;
+            for (int place = 0; place < places; ++place) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(16));
+                const std::lock_guard lock(mutex_);
+                wanted_ = 7 * place % count;
+                wantedAt_ = milliseconds();
+                if (!std::exchange(isPosted_, true)) {
+                    QMetaObject::invokeMethod(
+                        this, [this] { move(); }, Qt::QueuedConnection);
+                }
+            }
+            QMetaObject::invokeMethod(
+                this, [this] { isOver_ = true; }, Qt::QueuedConnection);
+        }).detach();
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::Paint || shownAt_ == 0.0) {
+            return QObject::eventFilter(watched, event);
+        }
+        // The frame is decoded in here.
+        const bool isHandled = watched->event(event);
+        times_.push_back(milliseconds() - std::exchange(shownAt_, 0.0));
+        return isHandled;
+    }
+
+    bool isOver() const { return isOver_ && shownAt_ == 0.0; }
+    double longest() const { return quantile(times_, 1.0); }
+    double median() const { return quantile(times_, 0.5); }
+
+private:
+    void move() {
+        int place = 0;
+        {
+            const std::lock_guard lock(mutex_);
+            isPosted_ = false;
+            place = wanted_;
+            shownAt_ = wantedAt_;
+        }
+        slider_.setValue(place);
+    }
+
+    QSlider& slider_;
+    std::mutex mutex_;
+    int wanted_ = 0;
+    double wantedAt_ = 0.0;
+    bool isPosted_ = false;
+    /// When the frame was wanted that is painted next; 0 if none is.
+    double shownAt_ = 0.0;
+    bool isOver_ = false;
+    std::vector<double> times_;
+};
+
+void drag(const std::string& folder) {
+    whenListed(folder, [] {
+        QTimer::singleShot(500, qApp, [] {
+            auto* const watch = new DragWatch(control<QSlider>("photoSlider"));
+            control<QWidget>("myDisplay").installEventFilter(watch);
+            watch->begin();
+            when([=] { return watch->isOver(); },
+                 [=] {
+                     std::fprintf(stderr, "median %.1f ms\n", watch->median());
+                     tell(watch->longest());
+                 });
         });
     });
 }
@@ -251,7 +332,9 @@ void run(const std::vector<std::string>& arguments) {
         } else if (verb == "compile") {
             compile(folder, static_cast<int>(number));
         } else if (verb == "play") {
-            play(folder);
+            play(folder, static_cast<int>(number));
+        } else if (verb == "drag") {
+            drag(folder);
         } else if (verb == "idle") {
             idle(number);
         } else if (verb == "capture") {
