@@ -50,7 +50,7 @@ public:
         /// of 3840 x 2160 came after 29 ms; with one thread after 49 ms, as without any.
         std::size_t threads = processors();
         /// How many of them also load for movies. One processor is busy with the frame in use. With
-        /// two processors, a second thread saved no time and took 25 MB at 1920 x 1080.
+        /// two processors, a second thread saved no time and took memory.
         std::size_t movieThreads = otherProcessors();
         /// How many pictures for a view.
         std::size_t viewPictures = processors() + 2;
