@@ -137,14 +137,15 @@ std::vector<std::uint8_t> rgbOf(const QImage& image) {
     return bytes;
 }
 
-/// The picture in the form in which cameras deliver it.
+/// The picture as the camera's thread delivers it.
 std::shared_ptr<NSData> stillOf(const QImage& image) {
     auto pixels = ByteArray::copyOf(rgbOf(image));
     require(pixels.has_value(), "there is no memory for the still");
     const PictureShape shape{static_cast<std::uint32_t>(image.width()),
                              static_cast<std::uint32_t>(image.height()), std::nullopt, false};
-    return std::make_shared<PictureData>(
-        std::make_shared<DecodedPicture>(shape, "still", std::move(*pixels)));
+    auto still = std::make_shared<DecodedPicture>(shape, "still", std::move(*pixels));
+    still->encodeAhead();
+    return std::make_shared<PictureData>(std::move(still));
 }
 
 /// The picture as a binary PPM file, which the peer reads fastest.

@@ -276,24 +276,37 @@ void CaptureCore::refuse(Lock& lock, NSError reason) {
 }
 
 void CaptureCore::serveStill(Lock& lock) {
-    const GstPointer<GstSample> sample = std::move(taken);
+    GstPointer<GstSample> sample = std::move(taken);
     const GstClockTime time = GST_BUFFER_PTS(gst_sample_get_buffer(sample.get()));
     // The request that the sample was taken for may already have its outcome.
     if (requests.empty() || !isLaterThan(requests.front().after, time)) {
         return;
     }
     const std::uint64_t number = requests.front().number;
+    const auto isWanted = [&] { return !requests.empty() && requests.front().number == number; };
     lock.unlock();
-    auto picture = stillPicture(sample.get());
+    const std::shared_ptr<DecodedPicture> picture = stillPicture(sample.get());
+    // Some cameras have few buffers.
+    sample.reset();
     lock.lock();
-    if (requests.empty() || requests.front().number != number) {
+    // A machine that is too slow for its stills encodes in the callbacks, which delays the next
+    // requests. Here they would wait until they expire.
+    if (picture && isWanted() && requests.size() == 1) {
+        if (pipeline) {
+            pipeline->wantStills(false);
+        }
+        lock.unlock();
+        picture->encodeAhead();
+        lock.lock();
+    }
+    if (!isWanted()) {
         return;
     }
     requests.pop_front();
     if (pipeline) {
         pipeline->wantStills(!requests.empty());
     }
-    StillOutcome outcome{std::move(picture), std::nullopt};
+    StillOutcome outcome{picture, std::nullopt};
     if (!outcome.picture) {
         outcome.error = pictureNotReadable(target->camera.facts.name);
     }

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "backends/cameras/YuvConversion.h"
-#include "backends/pictures/DecodedPicture.h"
 
 namespace vistrane {
 
@@ -118,7 +117,7 @@ std::optional<ByteArray> rgbOf(const GstVideoInfo& info, GstBuffer* buffer) {
 
 } // namespace
 
-std::shared_ptr<const PictureSource> stillPicture(GstSample* sample) {
+std::shared_ptr<DecodedPicture> stillPicture(GstSample* sample) {
     GstBuffer* buffer = gst_sample_get_buffer(sample);
     const GstCaps* caps = gst_sample_get_caps(sample);
     GstVideoInfo info;

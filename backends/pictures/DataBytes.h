@@ -17,6 +17,8 @@ public:
     /// Each `writeToFile` reports its outcome to `observer`, if there is one, on the calling
     /// thread, before it returns. The observer outlives this object.
     explicit DataBytes(ByteArray bytes, PictureObserver* observer = nullptr);
+    /// `bytes` is not null.
+    DataBytes(std::shared_ptr<const ByteArray> bytes, PictureObserver* observer);
 
     /// Null if there is not enough memory for the copy.
     static std::shared_ptr<DataBytes> copyOf(std::span<const std::uint8_t> bytes,
@@ -29,7 +31,7 @@ public:
     bool writeToFile(const std::string& path, bool atomically) const override;
 
 private:
-    ByteArray bytes_;
+    std::shared_ptr<const ByteArray> bytes_;
     PictureObserver* observer_;
 };
 

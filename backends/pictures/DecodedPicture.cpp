@@ -2,9 +2,11 @@
 
 #include <cassert>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "backends/pictures/picture_errors.h"
+#include "backends/pictures/png_encoding.h"
 #include "backends/pictures/png_expansion.h"
 
 namespace vistrane {
@@ -43,6 +45,14 @@ DecodedPicture::DecodedPicture(PictureShape shape, std::string name, ByteArray p
     : PictureSource(shape, std::move(name)), pixels_(std::move(pixels)) {
     assert(pixels_.length() ==
            bytesPerPixel(shape.compactForm()) * std::size_t{shape.width} * shape.height);
+}
+
+void DecodedPicture::encodeAhead() {
+    try {
+        file_ = pngFileOf(*this);
+    } catch (const std::bad_alloc&) {
+        file_.reset();
+    }
 }
 
 std::optional<NSError> DecodedPicture::readPixels(PixelForm form, std::uint8_t* rows,

@@ -17,14 +17,14 @@ MediaBitmapImageRep::representationUsingType(NSBitmapImageFileType type,
     if (type != NSBitmapImageFileTypePNG) {
         return nullptr;
     }
-    auto file = encodePng(*source_);
+    auto file = pngFileOf(*source_);
     if (!file) {
         observer_.imageCouldNotBeRead(
             "", {"NSCocoaErrorDomain", 0,
                  "The picture could not be encoded as PNG. Close some programs: there may be too "
                  "little memory"});
     }
-    return file ? std::make_shared<DataBytes>(std::move(*file), &observer_) : nullptr;
+    return file ? std::make_shared<DataBytes>(std::move(file), &observer_) : nullptr;
 }
 
 } // namespace vistrane

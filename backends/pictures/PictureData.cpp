@@ -24,11 +24,12 @@ bool PictureData::writeToFile(const std::string& path, bool) const {
 
 const ByteArray& PictureData::file() const {
     std::call_once(isEncoded_, [this] {
-        if (auto encoded = encodePng(*picture_)) {
-            file_ = std::move(*encoded);
+        file_ = pngFileOf(*picture_);
+        if (!file_) {
+            file_ = std::make_shared<const ByteArray>();
         }
     });
-    return file_;
+    return *file_;
 }
 
 } // namespace vistrane

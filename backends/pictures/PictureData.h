@@ -16,7 +16,8 @@ namespace vistrane {
 /// intermediate format. `Pictures` takes the picture out again.
 ///
 /// `bytes` is a PNG file, whichever call returned the data. It is encoded by the first call that
-/// needs it; the program makes no such call. Empty if there is not enough memory to encode it.
+/// needs it, if it was not made ahead; the program makes no such call. Empty if there is not enough
+/// memory to encode it.
 class PictureData final : public NSData {
 public:
     explicit PictureData(std::shared_ptr<const PictureSource> picture);
@@ -32,7 +33,7 @@ private:
 
     const std::shared_ptr<const PictureSource> picture_;
     mutable std::once_flag isEncoded_;
-    mutable ByteArray file_;
+    mutable std::shared_ptr<const ByteArray> file_;
 };
 
 } // namespace vistrane

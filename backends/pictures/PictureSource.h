@@ -114,6 +114,9 @@ public:
         (void)height;
     }
 
+    /// The picture's file as `encodePng` makes it, if it was made ahead; otherwise null.
+    virtual std::shared_ptr<const ByteArray> encodedAhead() const { return nullptr; }
+
     /// The top row, if memory holds all rows in that form, contiguously; otherwise null. Valid as
     /// long as this object exists.
     virtual const std::uint8_t* pixelsInMemory(PixelForm form) const {

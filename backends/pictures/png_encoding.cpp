@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "backends/pictures/libpng_encoding.h"
 #ifdef VISTRANE_HAS_IGZIP
@@ -35,6 +36,14 @@ std::optional<ByteArray> encodePng(const PictureSource& picture) {
         return std::nullopt;
     }
     return encodeRows(shape, pixels->data(), stride);
+}
+
+std::shared_ptr<const ByteArray> pngFileOf(const PictureSource& picture) {
+    if (auto file = picture.encodedAhead()) {
+        return file;
+    }
+    auto file = encodePng(picture);
+    return file ? std::make_shared<const ByteArray>(std::move(*file)) : nullptr;
 }
 
 } // namespace vistrane

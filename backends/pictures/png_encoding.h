@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include "backends/pictures/ByteArray.h"
@@ -14,5 +15,8 @@ namespace vistrane {
 /// Tuned for speed, because the next picture may come soon: one filter (Up) and the fastest
 /// compression level. A photograph's file is a tenth smaller than with libpng at level 1.
 std::optional<ByteArray> encodePng(const PictureSource& picture);
+
+/// The file that was made ahead if there is one, otherwise `encodePng`. Null instead of nothing.
+std::shared_ptr<const ByteArray> pngFileOf(const PictureSource& picture);
 
 } // namespace vistrane

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <set>
+#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -107,6 +109,21 @@ TEST_F(DemoCamera, AStopEndsOutstandingRequestsInErrorsInTheirOrder) {
         EXPECT_EQ(delegates[i].outcomes.size(), 1U) << i;
     }
     EXPECT_THAT(delegates.back().outcomes.back(), HasSubstr("stopped"));
+}
+
+TEST_F(DemoCamera, AStopAtAnyMomentOfAStillLeavesItOneOutcome) {
+    for (int turn = 0; turn < 12; ++turn) {
+        ASSERT_TRUE(bed.pick(demo));
+        bed.request();
+        // The still waits for its picture, or is decoded, encoded or delivered.
+        std::this_thread::sleep_for(std::chrono::milliseconds(7 * turn));
+        bed.session->stopRunning();
+        ASSERT_TRUE(bed.awaitOutcomes(static_cast<std::size_t>(turn) + 1));
+    }
+    // A second outcome would come before this one.
+    ASSERT_TRUE(bed.pick(demo));
+    EXPECT_EQ(bed.still(), "");
+    EXPECT_EQ(bed.delegate.outcomes.size(), 13U);
 }
 
 TEST_F(DemoCamera, NothingIsDeliveredForAnOutputThatIsGone) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 
 #include <gmock/gmock.h>
@@ -46,8 +47,10 @@ protected:
 
     void start(const CameraOptions& options) {
         const auto keep = [this](std::uint64_t, const StillOutcome& outcome) {
-            dispatch_.dispatch_get_main_queue().async(
-                [this, text = textOf(outcome)] { outcomes_.push_back(text); });
+            dispatch_.dispatch_get_main_queue().async([this, outcome] {
+                outcomes_.push_back(textOf(outcome));
+                pictures_.push_back(outcome.picture);
+            });
         };
         engine_ =
             std::make_unique<CaptureEngine>(std::make_shared<CameraList>(), observer_, options,
@@ -60,8 +63,11 @@ protected:
     std::string still() {
         const std::size_t count = outcomes_.size() + 1;
         engine_->requestStill(count);
-        const bool came = dispatch_.runUntil([&] { return outcomes_.size() >= count; });
-        return came ? outcomes_.back() : "no outcome";
+        return awaitOutcomes(count) ? outcomes_.back() : "no outcome";
+    }
+
+    bool awaitOutcomes(std::size_t count) {
+        return dispatch_.runUntil([&] { return outcomes_.size() >= count; });
     }
 
     void awaitMessages(std::size_t count) {
@@ -75,6 +81,8 @@ protected:
     HandDrainedDispatch dispatch_;
     RecordingObserver observer_{dispatch_};
     std::vector<std::string> outcomes_;
+    /// One for each outcome; null for an error.
+    std::vector<std::shared_ptr<const PictureSource>> pictures_;
     std::unique_ptr<CaptureEngine> engine_;
 };
 
@@ -104,6 +112,25 @@ TEST_F(SilentCamera, MakesAStillFailInTime) {
     isSilent = true;
     EXPECT_THAT(still(), HasSubstr("gave no picture within 2000 ms"));
     EXPECT_THAT(observer_.messages(), IsEmpty());
+}
+
+TEST_F(SilentCamera, StillsAreEncodedAheadUnlessOthersWait) {
+    CameraOptions options;
+    options.silence = std::chrono::minutes(10);
+    options.still = std::chrono::minutes(10);
+    start(options);
+    EXPECT_EQ(still(), "");
+    isSilent = true;
+    // At most one picture is on its way, so that the second and third wait at the same time.
+    for (std::uint64_t request = 2; request <= 4; ++request) {
+        engine_->requestStill(request);
+    }
+    isSilent = false;
+    ASSERT_TRUE(awaitOutcomes(4));
+    ASSERT_EQ(std::count(pictures_.begin(), pictures_.end(), nullptr), 0);
+    EXPECT_TRUE(pictures_[0]->encodedAhead());
+    EXPECT_FALSE(pictures_[2]->encodedAhead());
+    EXPECT_TRUE(pictures_[3]->encodedAhead());
 }
 
 } // namespace

@@ -28,6 +28,24 @@ TEST_F(PictureEncoding, AStillReachesItsEncoderWithoutACopy) {
     EXPECT_EQ(pictureIn(tiff), pictureIn(still));
 }
 
+TEST_F(PictureEncoding, AStillThatIsEncodedAheadIsSavedAsThatFile) {
+    const PictureShape shape{3, 2, std::nullopt, false};
+    const auto ahead =
+        std::make_shared<DecodedPicture>(shape, "still", *ByteArray::copyOf(sixPixels));
+    EXPECT_FALSE(ahead->encodedAhead());
+    ahead->encodeAhead();
+    ASSERT_TRUE(ahead->encodedAhead());
+    const auto still = std::make_shared<PictureData>(ahead);
+    const auto saved = encode(pictures_.imageWithData(still));
+    // Not a copy, and not encoded again.
+    EXPECT_EQ(saved->bytes(), ahead->encodedAhead()->data());
+    EXPECT_EQ(still->bytes(), saved->bytes());
+    EXPECT_EQ(bytesOf(saved), bytesOf(encode(pictures_.imageWithData(stillOf(3, 2, sixPixels)))));
+    ASSERT_TRUE(saved->writeToFile(folder_ / "a", false));
+    EXPECT_EQ(observer_.written, std::vector{folder_ / "a"});
+    EXPECT_EQ(get(folder_ / "a"), bytesOf(saved));
+}
+
 TEST_F(PictureEncoding, ATransparentPictureIsReadInEveryForm) {
     const PngSample sample = randomPng({6, 8, false, false}, 5, 4);
     const auto decoded = pictureIn(load(sample.file)->TIFFRepresentation());
