@@ -61,11 +61,13 @@ public:
     std::size_t size() const { return count_; }
     bool empty() const { return count_ == 0; }
 
+    /// The zero-terminated names, one after the other.
+    std::string_view bytes() const { return bytes_; }
+
     /// Whether the names and their order are the same.
     bool operator==(const FileNames& other) const { return bytes_ == other.bytes_; }
 
 private:
-    /// The zero-terminated names, one after the other.
     std::string bytes_;
     std::size_t count_ = 0;
 };

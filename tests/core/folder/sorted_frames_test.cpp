@@ -1,10 +1,13 @@
 #include "core/folder/SortedFrames.h"
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
+#include <thread>
 #include <utility>
 
 #include "backends/sim/SimFoundation.h"
+#include "core/app/Published.h"
 #include "core/folder/frame_list.h"
 #include "tests/support/RandomListing.h"
 
@@ -161,6 +164,40 @@ TEST_F(SortedFramesTest, AnyChangesGiveWhatTheReferenceImplementationGives) {
                 << "seed " << seed << ", step " << step;
         }
     }
+}
+
+/// A list that nobody uses any more is used for the next one but one.
+TEST_F(SortedFramesTest, NoListChangesWhileAnotherThreadReadsIt) {
+    constexpr std::size_t first = 200;
+    std::vector<std::string> list;
+    for (std::size_t number = 0; number < first; ++number) {
+        list.push_back(std::to_string(1000 + number) + ".png");
+    }
+    Published<const SortedFrames::Paths> shared;
+    shared.store(update(list));
+    std::atomic<bool> isOver{false};
+    std::atomic<int> wrong{0};
+    std::thread reader([&] {
+        while (!isOver) {
+            const auto read = shared.load();
+            // Each list has the frames 1000, 1001, ... without a gap.
+            std::size_t number = 1000;
+            for (const std::string& path : *read) {
+                wrong += path != "/f/" + std::to_string(number++) + ".png";
+            }
+        }
+    });
+    for (std::size_t number = first; number < first + 500; ++number) {
+        if (number % 7 == 0) {
+            list.resize(list.size() - 2);
+        }
+        list.push_back(std::to_string(1000 + list.size()) + ".png");
+        shared.store(update(list));
+    }
+    isOver = true;
+    reader.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(*shared.load(), sortedFrames("/f", list, *locale));
 }
 
 } // namespace
