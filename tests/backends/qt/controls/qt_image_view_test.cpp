@@ -224,6 +224,21 @@ TEST_F(LivePictureTest, PicturesAreRequestedOnlyWhileThePlaceIsVisible) {
     EXPECT_FALSE(isWanted_);
 }
 
+TEST_F(LivePictureTest, AMinimisedWindowRequestsNone) {
+    QWidget window;
+    place_.setParent(&window);
+    window.show();
+    QApplication::processEvents();
+    EXPECT_TRUE(isWanted_);
+    window.showMinimized();
+    QApplication::processEvents();
+    EXPECT_FALSE(isWanted_);
+    window.showNormal();
+    QApplication::processEvents();
+    EXPECT_TRUE(isWanted_);
+    place_.setParent(nullptr);
+}
+
 TEST_F(LivePictureTest, TheNewestPictureIsShownAndNoBufferIsKept) {
     place_.show();
     const PreviewPicture first = picture(255, 0, 0);
