@@ -5,6 +5,8 @@
 //   quiet-tick     nothing has changed; the peer reads the folder with readdir
 //   quiet-tick-longest  the longest of these; the peer is 100 ms, the interval of the ticks
 //   new-frame-tick one frame is new; the peer is that of quiet-tick
+//   new-frame-cost the processor time of ten ticks, one each 100 ms, after one frame is new; not
+//                  compared: the peer is 40 ms
 //   first-listing  a controller's first tick; QDir lists and QCollator compares
 //   first-listing  kind "sort-keys": the same, sorted by QCollator's keys
 //   kept-bytes     not times but thousands of bytes that stay in use: ours, and QDir's list
@@ -17,14 +19,17 @@
 #include <QDir>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <numeric>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -200,6 +205,27 @@ void measureMemory(const Folder& folder) {
                {{ours / 1e3}, {theirs / 1e3}});
 }
 
+/// A listing that is read within moments of a change is not used again, so that some new frames
+/// cost two listings: each comes at another time before the first tick.
+void measureNewFrames(Folder& folder, const std::function<void()>& tick) {
+    constexpr std::chrono::milliseconds interval(100);
+    constexpr int frames = 10;
+    std::vector<double> costs;
+    for (int turn = 0; turn < frames; ++turn) {
+        folder.grow(folder.count() + 1);
+        std::this_thread::sleep_for(interval * turn / frames);
+        const double before = processorMilliseconds();
+        for (int times = 0; times < 10; ++times) {
+            tick();
+            std::this_thread::sleep_for(interval);
+        }
+        costs.push_back(processorMilliseconds() - before);
+    }
+    const double sum = std::accumulate(costs.begin(), costs.end(), 0.0);
+    printTurns({"new-frame-cost", "stamps", std::to_string(folder.count() / 1000 * 1000)},
+               {{sum / frames}, {40.0}});
+}
+
 void measure(const std::string& parent, std::size_t count) {
     Folder folder(parent);
     folder.grow(count);
@@ -230,9 +256,10 @@ void measure(const std::string& parent, std::size_t count) {
 
     measureMemory(folder);
 
-    // Last, because it changes the folder.
+    // Last, because they change the folder.
     compare("new-frame-tick", "stamps", count,
             {[&] { folder.grow(folder.count() + 1); }, tick, readdirLoop});
+    measureNewFrames(folder, tick);
     requireSame(folder.path(), controller.frames(), sortedWithQCollator(folder.path()));
 }
 

@@ -10,16 +10,19 @@
 //   slider
 //                                          until its frame is painted
 //   session_bench idle FOLDER SECONDS      the processor time of a window that nobody uses
+//   session_bench wake-ups FOLDER SECONDS  how often its threads wake up, per second
 //   session_bench capture FOLDER SECONDS   with the first camera, a still at each interval of the
 //                                          settings: the longest that an event waited
 //
-// Prints the measurement in milliseconds; for "start" and "launch" the caller times the process.
+// Prints the measurement, most in milliseconds; for "start" and "launch" the caller times the
+// process.
 
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -248,6 +251,30 @@ void idle(double seconds) {
     });
 }
 
+/// How often the threads of this process have been given a processor after they waited for
+/// something.
+double wakeUps() {
+    double sum = 0;
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream status(thread.path() / "status");
+        for (std::string word; status >> word;) {
+            double count = 0;
+            if (word == "voluntary_ctxt_switches:" && status >> count) {
+                sum += count;
+            }
+        }
+    }
+    return sum;
+}
+
+void idleWakeUps(double seconds) {
+    QTimer::singleShot(5000, qApp, [=] {
+        const double before = wakeUps();
+        QTimer::singleShot(static_cast<int>(seconds * 1000), qApp,
+                           [=] { tell((wakeUps() - before) / seconds); });
+    });
+}
+
 /// Sends the main thread an event every five milliseconds and measures how long it waits.
 class AnswerWatch {
 public:
@@ -337,6 +364,8 @@ void run(const std::vector<std::string>& arguments) {
             drag(folder);
         } else if (verb == "idle") {
             idle(number);
+        } else if (verb == "wake-ups") {
+            idleWakeUps(number);
         } else if (verb == "capture") {
             capture(folder, number);
         } else {

@@ -1,8 +1,9 @@
 // Single pictures in the window: window_bench TURNS FOLDER...
 //
-// FOLDER holds frames. Two rows for each, as `printTurns` prints them:
+// FOLDER holds frames. Three rows for each, as `printTurns` prints them:
 //   still-to-file  the main thread's time from a still's arrival until its file is written; the
 //                  peer decodes the same pixels with QImage and saves them with its defaults
+//   still-painting painting that still; the peer scales it with QImage
 //   playback-tick  one tick of the playback with its painting; the peer reads with QImageReader,
 //                  scaled to the same size, and paints
 // The controller is the program's own, with real files and pictures.
@@ -190,13 +191,21 @@ void measureStill(long turns, const std::string& frame) {
     require(mkdtemp(folder.data()) != nullptr, "cannot make a folder");
     const std::string path = folder + "/peer";
     Turns times;
+    Turns paintings;
     {
         Controller controller(folder);
+        QApplication::processEvents();
         const Photo photo(stillOf(picture));
         const auto output = controller.output();
         for (long turn = 0; turn < turns; ++turn) {
             times.ours.push_back(timeOf([&] {
                 controller.delegate().captureOutputDidFinishProcessingPhoto(*output, &photo, {});
+            }));
+            paintings.ours.push_back(timeOf([&] { controller.display().repaint(); }));
+            QImage scaled;
+            const QSize shown = picture.size().scaled(viewSize, Qt::KeepAspectRatio);
+            paintings.peer.push_back(timeOf([&] {
+                scaled = picture.scaled(shown, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
             }));
             const QImage ours = readWhenWritten(folder);
             times.peer.push_back(timeOf([&] {
@@ -213,6 +222,7 @@ void measureStill(long turns, const std::string& frame) {
     }
     std::filesystem::remove_all(folder);
     printTurns({"still-to-file", "noise", sizeOf(picture)}, times);
+    printTurns({"still-painting", "noise", sizeOf(picture)}, paintings);
 }
 
 /// The peer of the playback: a widget that shows a file.
