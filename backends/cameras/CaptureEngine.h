@@ -18,7 +18,8 @@
 
 namespace vistrane {
 
-/// The outcome of a request. Exactly one of the two is set.
+/// The outcome of a request. Exactly one of the two is set. The picture has its PNG file
+/// (`encodedAhead`), unless other requests wait or there is not enough memory.
 struct StillOutcome {
     std::shared_ptr<const PictureSource> picture;
     std::optional<NSError> error;
