@@ -28,6 +28,7 @@
 #include <QImageReader>
 #include <QPainter>
 #include <QWidget>
+#include <QWindow>
 
 #include "backends/pictures/DecodedPicture.h"
 #include "backends/pictures/PictureAppKit.h"
@@ -81,6 +82,9 @@ public:
         display_.resize(viewSize);
         display_.setBackground(Qt::black);
         display_.show();
+        while (!display_.windowHandle()->isExposed()) {
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
     }
 
     AppDelegate& delegate() { return delegate_; }
@@ -194,7 +198,6 @@ void measureStill(long turns, const std::string& frame) {
     Turns paintings;
     {
         Controller controller(folder);
-        QApplication::processEvents();
         const Photo photo(stillOf(picture));
         const auto output = controller.output();
         for (long turn = 0; turn < turns; ++turn) {
