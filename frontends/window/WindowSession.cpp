@@ -106,12 +106,23 @@ struct WindowSession::Parts {
             {.text = leftOut.empty() ? finished : finished + " " + leftOut,
              .isWarning = !leftOut.empty(),
              .buttonTitle = "Show in Folder",
-             .action = [this, folder = path.substr(0, slash)] {
-                 workspace.openURL(NSURL::fileURLWithPath(folder));
-             }});
+             .action = showsFolderOf(path)});
+    }
+
+    std::function<void()> showsFolderOf(const std::string& path) {
+        return [this, folder = path.substr(0, path.rfind('/'))] {
+            workspace.openURL(NSURL::fileURLWithPath(folder));
+        };
     }
 
     void showUnopened(const std::string& sentence, const std::string& address) {
+        if (QFileInfo(QFile::decodeName(address.c_str())).isFile()) {
+            // A movie without a player. The message takes the place of that of its end.
+            interface.messageBar().showMessage({.text = sentence,
+                                                .buttonTitle = "Show in Folder",
+                                                .action = showsFolderOf(address)});
+            return;
+        }
         interface.messageBar().showMessage(
             {.text = sentence, .buttonTitle = "Copy the Address", .action = [address] {
                  QGuiApplication::clipboard()->setText(QString::fromStdString(address));
