@@ -146,17 +146,22 @@ unitCaptures() {
     local word command=() status=0
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
-    export HOME=$work FOLDER="$work/my garden/new" DEVICE='Demo Camera' INTERVAL=1s
+    export HOME=$work FOLDER="$work/my garden" DEVICE='Demo Camera' INTERVAL=1s OPTIONS=--demo-camera
     read -ra command <<<"$(sed -n 's/^ExecStart=vistrane //p' "$1")"
     [ ${#command[@]} -gt 0 ] || fail "the unit has no command"
     for word in "${!command[@]}"; do
         if [[ ${command[word]} =~ ^\$\{([A-Z]+)\}$ ]]; then
             command[word]=${!BASH_REMATCH[1]}
+        elif [[ ${command[word]} =~ ^\$([A-Z]+)$ ]]; then
+            command[word]=${!BASH_REMATCH[1]}
         fi
     done
+    timeout 20 "$2" "${command[@]}" >/dev/null 2>&1 || true
+    [ ! -e "$FOLDER" ] || fail "it makes the folder, which may be a disk that is not mounted"
+    mkdir "$FOLDER"
     mkfifo "$work/output"
     # A background command of a script ignores SIGINT, which a command of systemd does not.
-    env --default-signal=INT "$2" "${command[@]}" --demo-camera >"$work/output" &
+    env --default-signal=INT "$2" "${command[@]}" >"$work/output" &
     local program=$!
     exec 7<"$work/output"
     read -r <&7 && read -r <&7 || fail "it captures nothing"
