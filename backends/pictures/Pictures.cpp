@@ -93,12 +93,16 @@ std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& pa
         }
         return picture;
     };
+    const auto loadNew = [&](OpenFile& file) -> PictureSourceResult {
+        auto still = lastStill();
+        return still && file.holds(still->encodedAhead()->bytes()) ? std::move(still) : load(file);
+    };
     auto opened = OpenFile::at(path, limits_.largestFile);
     auto* const file = std::get_if<OpenFile>(&opened);
     const auto result = file == nullptr ? PictureSourceResult(std::get<NSError>(opened))
                         : file->state().isSettled()
                             ? cache_->picture(path, file->state(), [&] { return load(*file); })
-                            : load(*file);
+                            : loadNew(*file);
     if (const auto* error = std::get_if<NSError>(&result)) {
         observer_.imageCouldNotBeRead(path, *error);
         return nullptr;
@@ -109,6 +113,11 @@ std::shared_ptr<NSImage> Pictures::imageWithContentsOfFile(const std::string& pa
 void Pictures::expectImages(std::shared_ptr<const std::vector<std::string>> paths,
                             std::size_t first, ImageUse use) const {
     ahead_->expect(std::move(paths), first, use);
+}
+
+std::shared_ptr<const PictureSource> Pictures::lastStill() const {
+    const std::lock_guard lock(stillMutex_);
+    return lastStill_.lock();
 }
 
 void Pictures::reportFlaw(const PictureSource& picture) const {
@@ -138,6 +147,10 @@ std::shared_ptr<NSImage> Pictures::imageWithData(const std::shared_ptr<NSData>& 
 std::shared_ptr<NSBitmapImageRep>
 Pictures::imageRepWithData(const std::shared_ptr<NSData>& data) const {
     auto source = data ? sourceOf(pictureFromData(data, limits_)) : nullptr;
+    if (source && source->encodedAhead()) {
+        const std::lock_guard lock(stillMutex_);
+        lastStill_ = source;
+    }
     return source ? std::make_shared<MediaBitmapImageRep>(std::move(source), observer_) : nullptr;
 }
 

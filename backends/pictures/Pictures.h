@@ -35,7 +35,8 @@ public:
     ~Pictures();
 
     /// Reports to the observer why it returns null. Ignores the file name's extension. Images of
-    /// the same state of a file share its data.
+    /// the same state of a file share its data. While the last still that was encoded ahead is in
+    /// use, a file with exactly its bytes gives its pixels and is not decoded.
     std::shared_ptr<NSImage> imageWithContentsOfFile(const std::string& path) const;
     /// As `AppKit::expectImages`. Expected pictures are read and decoded on other threads, as far
     /// as `PicturesAhead` has room for them. That is never reported, and never changes what
@@ -65,11 +66,14 @@ public:
 
 private:
     void reportFlaw(const PictureSource& picture) const;
+    std::shared_ptr<const PictureSource> lastStill() const;
 
     PictureObserver& observer_;
     PictureLimits limits_;
     std::shared_ptr<PictureCache> cache_;
     std::unique_ptr<PicturesAhead> ahead_;
+    mutable std::mutex stillMutex_;
+    mutable std::weak_ptr<const PictureSource> lastStill_;
     mutable std::mutex flawsMutex_;
     /// The names of the pictures whose flaw was reported.
     mutable std::set<std::string> reportedFlaws_;

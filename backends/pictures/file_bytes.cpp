@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -91,6 +92,27 @@ std::variant<OpenFile, NSError> OpenFile::at(const std::string& path, std::uint6
 
 OpenFile::OpenFile(Descriptor descriptor, std::string path, const FileState& state)
     : descriptor_(std::move(descriptor)), path_(std::move(path)), state_(state) {}
+
+bool OpenFile::holds(std::span<const std::uint8_t> bytes) const {
+    if (state_.length != bytes.size()) {
+        return false;
+    }
+    // Stays in the processor's cache.
+    std::array<std::uint8_t, 64 << 10> part;
+    for (std::size_t at = 0; at < bytes.size();) {
+        const ssize_t got =
+            ::pread(descriptor_.number(), part.data(), std::min(part.size(), bytes.size() - at),
+                    static_cast<off_t>(at));
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got <= 0 || !std::equal(part.begin(), part.begin() + got, bytes.begin() + at)) {
+            return false;
+        }
+        at += static_cast<std::size_t>(got);
+    }
+    return true;
+}
 
 FileBytesResult OpenFile::read(std::span<const std::uint8_t> signature) {
     FileBytesResult result;

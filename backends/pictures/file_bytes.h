@@ -44,6 +44,9 @@ public:
     /// The state when the file was opened.
     const FileState& state() const { return state_; }
 
+    /// Whether the file has exactly these bytes. False if it cannot be read.
+    bool holds(std::span<const std::uint8_t> bytes) const;
+
     /// Reads the whole file, or only its first part if it does not begin with `signature`. Call
     /// once. If the file is truncated meanwhile, the result is shorter. The parser refuses both.
     FileBytesResult read(std::span<const std::uint8_t> signature);

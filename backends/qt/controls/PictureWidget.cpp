@@ -101,13 +101,16 @@ void PictureWidget::setBackground(std::optional<QColor> color) {
 void PictureWidget::setPicture(std::shared_ptr<NSImage> picture) {
     isInUse_ = true;
     isMovingPicture_ = false;
+    const bool hasSamePixels = fileOf(picture) != nullptr && fileOf(picture) == fileOf(picture_);
     pixels_ = {};
-    scaled_ = {};
+    if (!hasSamePixels) {
+        scaled_ = {};
+    }
     const NSSize size = picture ? picture->size() : NSSize{};
     shape_ = QSizeF(size.width, size.height);
     picture_ = std::move(picture);
     const PictureSource* const file = fileOf(picture_);
-    if (file != nullptr && isVisible()) {
+    if (file != nullptr && !hasSamePixels && isVisible()) {
         const QSize wanted = pixelsIn(place());
         if (canScaleWhileDecoding(file->shape(), wanted)) {
             file->expectSmaller(number(wanted.width()), number(wanted.height()));

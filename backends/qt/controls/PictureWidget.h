@@ -24,7 +24,8 @@ public:
     /// Without a colour the background is transparent.
     void setBackground(std::optional<QColor> color);
 
-    /// Null removes the picture.
+    /// Null removes the picture. A picture with the same source as the last one, such as a still
+    /// that is found in the folder again, is not scaled again.
     void setPicture(std::shared_ptr<NSImage> picture);
     /// For moving pictures: each replaces the last one, even if that was not painted yet.
     void setFrame(QImage frame);

@@ -1,7 +1,10 @@
+#include "backends/pictures/MediaImage.h"
 #include "tests/backends/pictures/PicturesTest.h"
 
 namespace vistrane::testing {
 namespace {
+
+using ::testing::SizeIs;
 
 using PictureEncoding = PicturesTest;
 
@@ -44,6 +47,58 @@ TEST_F(PictureEncoding, AStillThatIsEncodedAheadIsSavedAsThatFile) {
     ASSERT_TRUE(saved->writeToFile(folder_ / "a", false));
     EXPECT_EQ(observer_.written, std::vector{folder_ / "a"});
     EXPECT_EQ(get(folder_ / "a"), bytesOf(saved));
+}
+
+/// The last still, saved as `a`.
+class SavedStill : public PicturesTest {
+protected:
+    SavedStill() {
+        const PictureShape shape{3, 2, std::nullopt, false};
+        const auto still =
+            std::make_shared<DecodedPicture>(shape, "still", *ByteArray::copyOf(sixPixels));
+        still->encodeAhead();
+        shown_ = pictures_.imageWithData(std::make_shared<PictureData>(still));
+        EXPECT_TRUE(encode(shown_)->writeToFile(path_, false));
+    }
+    static std::shared_ptr<const PictureSource> sourceOf(const std::shared_ptr<NSImage>& image) {
+        const auto* const media = dynamic_cast<const MediaImage*>(image.get());
+        return media != nullptr ? media->source() : nullptr;
+    }
+    std::shared_ptr<NSImage> load() { return pictures_.imageWithContentsOfFile(path_); }
+
+    const std::string path_ = folder_ / "a";
+    std::shared_ptr<NSImage> shown_;
+};
+
+TEST_F(SavedStill, IsNotDecodedWhileItIsShown) {
+    EXPECT_EQ(sourceOf(load()), sourceOf(shown_));
+    shown_.reset();
+    const auto read = load();
+    EXPECT_EQ(sourceOf(read)->pixelsInMemory(PixelForm::RGB), nullptr);
+    EXPECT_EQ(draw(read, 3, 2).rgb, sixPixels);
+}
+
+TEST_F(SavedStill, IsNotTakenForAFileOfTheSameLength) {
+    const Bytes saved = get(path_);
+    Bytes damaged = saved;
+    damaged.back() ^= 1;
+    put(path_, damaged);
+    EXPECT_NE(sourceOf(load()), sourceOf(shown_));
+    EXPECT_THAT(observer_.flaws, SizeIs(1));
+    put(path_, saved);
+    EXPECT_EQ(sourceOf(load()), sourceOf(shown_));
+}
+
+TEST_F(SavedStill, IsNotTakenForAFileOfAnotherLength) {
+    Bytes longer = get(path_);
+    longer.push_back(0);
+    put(path_, longer);
+    EXPECT_NE(sourceOf(load()), sourceOf(shown_));
+    const PngSample other = randomPng({2, 8, false, false}, 3, 2);
+    put(path_, other.file);
+    EXPECT_EQ(draw(load(), 3, 2).rgb, overBlack(other.rgba));
+    put(path_, {});
+    EXPECT_FALSE(load());
 }
 
 TEST_F(PictureEncoding, ATransparentPictureIsReadInEveryForm) {

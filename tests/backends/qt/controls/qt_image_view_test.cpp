@@ -104,6 +104,19 @@ TEST_F(QtImageViewTest, ALargePictureIsDecodedOnceMoreForOtherSizes) {
     }
 }
 
+TEST_F(QtImageViewTest, ALargePictureThatIsShownAgainIsNotDecodedAgain) {
+    const auto picture = show(800, 400);
+    place_.grab();
+    view_.setImage(std::make_shared<MediaImage>(picture));
+    EXPECT_TRUE(isWhite(100, 50));
+    EXPECT_EQ(picture->decoded_, 1);
+    view_.setImage(nullptr);
+    EXPECT_TRUE(isBlack(100, 50));
+    view_.setImage(std::make_shared<MediaImage>(picture));
+    EXPECT_TRUE(isWhite(100, 50));
+    EXPECT_EQ(picture->decoded_, 2);
+}
+
 TEST_F(QtImageViewTest, APictureThatIsReplacedBeforeItIsSeenIsNeverDecoded) {
     const auto first = show(64, 64);
     const auto second = show(64, 64);
