@@ -67,7 +67,8 @@ std::shared_ptr<const FileNames> FolderListings::list(const std::string& path) {
         const bool isExact = (state.changed % seconds != 0 || state.modified % seconds != 0) &&
                              hasExactTimes(folder.number());
         const Exactness& exactness = isExact ? exact : coarse;
-        if (state.changed < now - exactness.settled) {
+        const bool hasTimes = state.changed > 0;
+        if (hasTimes && state.changed < now - exactness.settled) {
             listing = std::make_shared<const Listing>(
                 Listing{path, state, names, now, monotonicNow() + exactness.lifetime});
         }

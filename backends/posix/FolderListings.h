@@ -21,6 +21,7 @@ namespace vistrane {
 ///   exact    ext4, xfs, btrfs, tmpfs and the like: the time of the kernel's last clock tick, which
 ///            `timeForFiles` tells
 ///   coarse   full seconds or less, remote and unknown file systems
+///   none     such as the top folder of a FAT volume, whose times are always 0: it is always read
 ///
 /// The folder is read again when the wall clock was set back, and at the latest when a listing is
 /// so old that a remote server, or a fault in all this, cannot hide a frame for longer.

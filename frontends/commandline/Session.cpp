@@ -353,10 +353,11 @@ bool Session::capture(const CaptureEnd& end, bool endsAtInterrupt,
     return failures == 0;
 }
 
-/// Waits until the frame list, which is updated ten times a second, has this frame. Stops after a
-/// second, because the frame may have been deleted.
+/// Waits until the frame list has this frame. That takes a tenth of a second, or two seconds on a
+/// file system that does not tell when a folder changed. Stops after three, because the frame may
+/// have been deleted.
 void Session::waitForListing(const std::string& path) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(3);
     waitUntil([&] {
         const auto list = parts_.controller.pictureArray.load();
         const bool isListed = list && std::find(list->begin(), list->end(), path) != list->end();

@@ -21,6 +21,17 @@ std::int64_t wallOffset = 0;
 std::int64_t monotonicOffset = 0;
 /// Of <linux/magic.h>. The file system of every folder.
 std::int64_t fileSystem = 0;
+/// Whether every folder's times are 0.
+bool hasNoTimes = false;
+
+int statusOf(int folder, const char* path, struct stat64* status, int flags) {
+    const auto result = static_cast<int>(::syscall(SYS_newfstatat, folder, path, status, flags));
+    if (result == 0 && hasNoTimes) {
+        status->st_mtim = {};
+        status->st_ctim = {};
+    }
+    return result;
+}
 
 } // namespace
 
@@ -35,7 +46,15 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
     return result;
 }
 
-// Large files are on: the call has this name.
+// Large files are on: the calls have these names.
+extern "C" int stat64(const char* path, struct stat64* status) noexcept {
+    return statusOf(AT_FDCWD, path, status, 0);
+}
+
+extern "C" int fstat64(int file, struct stat64* status) noexcept {
+    return statusOf(file, "", status, AT_EMPTY_PATH);
+}
+
 extern "C" int fstatfs64(int, struct statfs64* status) noexcept {
     *status = {};
     status->f_type = fileSystem;
@@ -58,6 +77,7 @@ protected:
         wallOffset = 0;
         monotonicOffset = 0;
         fileSystem = ext4;
+        hasNoTimes = false;
         add("a.png");
     }
 
@@ -110,6 +130,14 @@ TEST_F(FolderListingsTest, AFolderOnAServerIsReadEveryTwoSeconds) {
     pass(0.2);
     EXPECT_TRUE(readsAgain());
     EXPECT_FALSE(readsAgain());
+}
+
+TEST_F(FolderListingsTest, AFolderWithoutTimesIsReadEachTime) {
+    fileSystem = 0x4d44; // FAT
+    hasNoTimes = true;
+    pass(3600);
+    EXPECT_TRUE(readsAgain());
+    EXPECT_TRUE(readsAgain());
 }
 
 TEST_F(FolderListingsTest, AClockThatIsSetBackIsNotTrusted) {
