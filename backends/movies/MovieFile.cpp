@@ -216,10 +216,9 @@ NSError nameReservedError(const std::string& path) {
 MovieFileResult MovieFile::create(const std::string& path, bool replaces) {
     const PathParts parts = splitPath(path);
     if (parts.name.empty() || path.find('\0') != std::string::npos) {
-        return {nullptr,
-                movieError(AVErrorUnknown, "The movie cannot be made: it has no usable "
-                                           "path (" +
-                                               shownText(path) + "). Choose a project folder")};
+        return {nullptr, movieError(AVErrorUnknown, "The movie cannot be made: it has no usable "
+                                                    "path (" +
+                                                        shownText(path) + "). Choose a folder")};
     }
     Descriptor folder(uninterrupted(
         [&parts] { return ::open(parts.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));

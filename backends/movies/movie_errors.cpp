@@ -20,12 +20,12 @@ const char* adviceFor(int number) {
     case EACCES:
     case EPERM:
     case EROFS:
-        return "Choose a project folder that you may write to";
+        return "Choose a folder that you may write to";
     case ENOENT:
     case ENOTDIR:
-        return "Check that the project folder is still there and choose it again";
+        return "Check that the folder is there, or choose another one";
     case ENAMETOOLONG:
-        return "Choose a project folder with a shorter path";
+        return "Choose a folder with a shorter path";
     case EMFILE:
     case ENFILE:
         return "Too many files are open: close some programs";

@@ -79,7 +79,7 @@ TEST_F(MovieFileTest, AFolderThatMayNotBeWrittenMakesCreationFail) {
     ::chmod(folder.path().c_str(), 0755);
     ASSERT_TRUE(result.error);
     EXPECT_EQ(result.error->code, EACCES);
-    EXPECT_THAT(result.error->localizedDescription, HasSubstr("Choose a project folder"));
+    EXPECT_THAT(result.error->localizedDescription, HasSubstr("Choose a folder"));
 }
 
 TEST_F(MovieFileTest, TheNameAppearsWithTheCompleteMovieOnly) {
