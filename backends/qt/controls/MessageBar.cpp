@@ -45,8 +45,8 @@ MessageBar::MessageBar(QMainWindow& window)
     close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
     close->setAccessibleName(tr("Close this message"));
     close->setToolTip(tr("Close this message"));
+    close->setAutoRaise(true);
     for (QToolButton* each : {button_, close}) {
-        each->setAutoRaise(true);
         each->setFocusPolicy(Qt::TabFocus);
     }
 
@@ -85,6 +85,9 @@ void MessageBar::showMessage(BarMessage message) {
     const bool makesRoom = !messages_.empty() && !messages_.front().isWarning;
     if (makesRoom) {
         messages_.pop_front();
+    }
+    if (!message.isWarning) {
+        std::erase_if(messages_, [](const BarMessage& other) { return !other.isWarning; });
     }
     messages_.push_back(std::move(message));
     if (makesRoom || messages_.size() == 1) {

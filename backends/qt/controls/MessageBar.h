@@ -30,8 +30,9 @@ public:
     /// The window owns it. Hidden at first.
     explicit MessageBar(QMainWindow& window);
 
-    /// Shows the message after those that are waiting. A shown message that is no warning makes
-    /// room; a warning stays until the user closes it. A text that waits already is ignored.
+    /// Shows the message after those that are waiting. A warning stays until the user closes it.
+    /// What is no warning is news: if it is shown, it makes room for any message; if it waits, the
+    /// next news replaces it. A text that waits already is ignored.
     void showMessage(BarMessage message);
 
 private:

@@ -73,6 +73,20 @@ TEST_F(MessageBarTest, AShownNoticeMakesRoomForTheNextMessage) {
     EXPECT_EQ(shown(), "");
 }
 
+TEST_F(MessageBarTest, OfTheNoticesThatWaitOnlyTheLastIsShown) {
+    bar_->showMessage({"warning"});
+    bar_->showMessage(notice("first movie"));
+    bar_->showMessage({"other warning"});
+    bar_->showMessage(notice("second movie"));
+    EXPECT_EQ(shown(), "warning");
+    close();
+    EXPECT_EQ(shown(), "other warning");
+    close();
+    EXPECT_EQ(shown(), "second movie");
+    close();
+    EXPECT_EQ(shown(), "");
+}
+
 TEST_F(MessageBarTest, WhatIsShownIsWhatItsButtonActsOn) {
     bar_->showMessage({"first warning"});
     bar_->showMessage(notice("old"));
