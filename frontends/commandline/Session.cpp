@@ -243,7 +243,9 @@ void Session::pickDevice(const std::string& name) {
     const auto found = std::find(names.begin(), names.end(), name);
     if (found == names.end()) {
         std::string message = "There is no camera '" + shownText(name) + "'. ";
-        message += names.empty() ? "No camera is offered." : "The cameras offered are:";
+        message += names.empty()
+                       ? "No camera is offered. --demo-camera offers one to try things with."
+                       : "The cameras offered are:";
         for (const std::string& each : names) {
             message += "\n  " + each;
         }

@@ -219,7 +219,9 @@ TEST_F(CaptureProgram, AnUnknownDeviceIsRefusedWithTheOfferedNames) {
                             "  Demo Camera\n");
     const Ended none = run({"capture", folder, "--device", "Demo Camera"});
     EXPECT_EQ(none.status, 1);
-    EXPECT_EQ(none.errors, "vistrane: There is no camera 'Demo Camera'. No camera is offered.\n");
+    EXPECT_EQ(none.errors,
+              "vistrane: There is no camera 'Demo Camera'. No camera is offered. --demo-camera "
+              "offers one to try things with.\n");
     EXPECT_THAT(namesIn(folder), IsEmpty());
 }
 
