@@ -42,6 +42,20 @@ TYPED_TEST_P(FileManagerContract, EveryNameOfAFolderIsListedAndNoDots) {
                                                         "\xff\xfe.png", "folder.png"));
 }
 
+TYPED_TEST_P(FileManagerContract, AListingStaysAsItIsAndTheNextHasEveryChange) {
+    const auto list = [this] { return this->manager().contentsOfDirectoryAtPath(this->folder_); };
+    const auto first = list();
+    this->backend_.addFile(this->folder_ + "/a.png");
+    const auto second = list();
+    const auto third = list();
+    this->backend_.addFolder(this->folder_ + "/b.png");
+    const auto fourth = list();
+    EXPECT_THAT(*first, ::testing::IsEmpty());
+    EXPECT_THAT(*second, ::testing::ElementsAre("a.png"));
+    EXPECT_THAT(*third, ::testing::ElementsAre("a.png"));
+    EXPECT_THAT(*fourth, ::testing::UnorderedElementsAre("a.png", "b.png"));
+}
+
 TYPED_TEST_P(FileManagerContract, WhatIsNoFolderGivesNoListing) {
     this->backend_.addFile(this->folder_ + "/file");
     EXPECT_FALSE(this->manager().contentsOfDirectoryAtPath(this->folder_ + "/file"));
@@ -67,6 +81,7 @@ TYPED_TEST_P(FileManagerContract, AMissingPathLeavesTheFlagAlone) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(FileManagerContract, EveryNameOfAFolderIsListedAndNoDots,
+                            AListingStaysAsItIsAndTheNextHasEveryChange,
                             WhatIsNoFolderGivesNoListing, ExistingPathsAreToldApart,
                             AMissingPathLeavesTheFlagAlone);
 
