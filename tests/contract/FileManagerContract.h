@@ -15,6 +15,10 @@ namespace vistrane {
 ///     std::string emptyFolder();                   a fresh folder's path
 ///     void addFile(const std::string& path);
 ///     void addFolder(const std::string& path);
+///     void removeAll(const std::string& path);     a file, or a folder with its contents
+///     void settle();                               waits until an unchanged folder need not be
+///     read
+///                                                  again, if the backend keeps listings
 template <typename Backend>
 class FileManagerContract : public ::testing::Test {
 protected:
@@ -46,14 +50,28 @@ TYPED_TEST_P(FileManagerContract, AListingStaysAsItIsAndTheNextHasEveryChange) {
     const auto list = [this] { return this->manager().contentsOfDirectoryAtPath(this->folder_); };
     const auto first = list();
     this->backend_.addFile(this->folder_ + "/a.png");
+    this->backend_.settle();
     const auto second = list();
     const auto third = list();
     this->backend_.addFolder(this->folder_ + "/b.png");
     const auto fourth = list();
+    this->backend_.settle();
+    list();
+    this->backend_.removeAll(this->folder_ + "/a.png");
+    const auto fifth = list();
+    this->backend_.settle();
+    list();
+    this->backend_.removeAll(this->folder_);
+    EXPECT_FALSE(list());
+    this->backend_.addFolder(this->folder_);
+    const auto sixth = list();
+    ASSERT_TRUE(first && second && third && fourth && fifth && sixth);
     EXPECT_THAT(*first, ::testing::IsEmpty());
     EXPECT_THAT(*second, ::testing::ElementsAre("a.png"));
     EXPECT_THAT(*third, ::testing::ElementsAre("a.png"));
     EXPECT_THAT(*fourth, ::testing::UnorderedElementsAre("a.png", "b.png"));
+    EXPECT_THAT(*fifth, ::testing::ElementsAre("b.png"));
+    EXPECT_THAT(*sixth, ::testing::IsEmpty());
 }
 
 TYPED_TEST_P(FileManagerContract, WhatIsNoFolderGivesNoListing) {

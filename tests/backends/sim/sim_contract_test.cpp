@@ -49,6 +49,8 @@ public:
     }
     void addFile(const std::string& path) { sim_.files().addFile(path); }
     void addFolder(const std::string& path) { sim_.files().addFolder(path); }
+    void removeAll(const std::string& path) { sim_.files().remove(path); }
+    void settle() {}
 
     std::shared_ptr<NSButton> button() { return outlet<NSButton>("oneB"); }
     std::shared_ptr<NSTextField> textField() { return outlet<NSTextField>("hInput"); }
