@@ -7,13 +7,13 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <utility>
 
 #include "backends/pictures/picture_errors.h"
 #include "backends/posix/Descriptor.h"
+#include "backends/posix/file_times.h"
 #include "platform/shown_text.h"
 
 namespace vistrane {
@@ -65,10 +65,9 @@ void removeOpened(const std::string& path, const struct stat& opened) {
 } // namespace
 
 bool FileState::isSettled() const {
-    using namespace std::chrono;
-    constexpr nanoseconds margin = seconds(2);
-    const auto now = duration_cast<nanoseconds>(system_clock::now().time_since_epoch()).count();
-    return std::max(changed, touched) < now - margin.count();
+    // The longest distance between two times of a file system, that of FAT.
+    constexpr std::int64_t margin = 2'000'000'000;
+    return std::max(changed, touched) < timeForFiles() - margin;
 }
 
 std::variant<OpenFile, NSError> OpenFile::at(const std::string& path, std::uint64_t largestFile) {
