@@ -67,10 +67,9 @@ std::shared_ptr<const void> loadAhead(PictureCache& cache, const PictureLimits& 
         !picture->prepare(use)) {
         return nullptr;
     }
-    if (use == ImageUse::Movie) {
-        room.take(picture->preparedBytes(use));
-    }
-    return picture;
+    // The pixels for a movie replace the file. A view may have got another size meanwhile.
+    const std::size_t fileBytes = use == ImageUse::Movie ? 0 : file->state().length;
+    return room.take(fileBytes + picture->preparedBytes(use)) ? picture : nullptr;
 }
 
 } // namespace

@@ -56,6 +56,10 @@ private:
         /// The most memory that a picture has asked for.
         std::size_t largest = 0;
 
+        bool has(const std::string& path) const {
+            return std::any_of(pictures.begin(), pictures.end(),
+                               [&](const auto& each) { return (*paths)[each.first] == path; });
+        }
         std::size_t end(std::size_t most) const {
             return paths ? std::min(paths->size() - std::min(paths->size(), first), most) + first
                          : first;
@@ -128,9 +132,11 @@ std::optional<PicturesAhead::State::Place> PicturesAhead::State::next(bool withM
             (bytes_ > 0 && expectation.largest > limits_.memory - bytes_)) {
             continue;
         }
+        // Both would share the picture, and each would count only what it wants of it.
+        const Expectation& other = of(use == ImageUse::View ? ImageUse::Movie : ImageUse::View);
         const std::size_t end = expectation.end(most(use));
         for (std::size_t index = expectation.first; index < end; ++index) {
-            if (!expectation.pictures.contains(index)) {
+            if (!expectation.pictures.contains(index) && !other.has((*expectation.paths)[index])) {
                 return Place{use, index};
             }
         }
@@ -205,7 +211,9 @@ bool PicturesAhead::State::take(Picture& picture, std::size_t bytes) {
         return false;
     }
     Expectation& expectation = of(picture.use);
-    expectation.largest = std::max(expectation.largest, bytes);
+    if (bytes <= limits_.memory) {
+        expectation.largest = std::max(expectation.largest, bytes);
+    }
     if (bytes > picture.reserved) {
         const std::size_t others = bytes_ - picture.reserved;
         const bool fits = bytes <= limits_.memory - others;

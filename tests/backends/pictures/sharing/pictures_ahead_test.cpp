@@ -17,8 +17,10 @@
 namespace vistrane::testing {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::UnorderedElementsAre;
 
 using Names = std::vector<std::string>;
@@ -194,14 +196,32 @@ TEST_F(AheadOfUse, NoMoreMemoryIsTakenThanThereIs) {
     EXPECT_THAT(loads_->held(), UnorderedElementsAre("a", "b"));
 }
 
+TEST_F(AheadOfUse, WhatOneUseHoldsIsNotLoadedForTheOther) {
+    make(1);
+    const auto letters = list("abcdefgh");
+    expect(letters, 0);
+    const Names forTheView = loads_->takeLoaded();
+    ASSERT_THAT(forTheView, Not(IsEmpty()));
+    expect(letters, 0, ImageUse::Movie);
+    EXPECT_THAT(loads_->takeLoaded(), IsEmpty());
+    // They are free for the other use once they are dropped.
+    expect(nullptr, 0);
+    EXPECT_THAT(loads_->held(), Contains("a"));
+    const Names forTheMovie = loads_->takeLoaded();
+    expect(list("abcdefgh"), 0);
+    EXPECT_THAT(loads_->takeLoaded(), Not(Contains("a")));
+    EXPECT_THAT(forTheMovie, Contains("a"));
+}
+
 TEST_F(AheadOfUse, APictureThatIsLargerThanAllTheMemoryIsLeftOut) {
     make(1);
     loads_->bytes["a"] = 101;
     loads_->bytes["c"] = 100;
     const auto letters = list("abcd");
     expect(letters, 0);
-    EXPECT_THAT(loads_->takeLoaded(), ElementsAre("a", "b"));
-    EXPECT_THAT(loads_->takeRefused(), ElementsAre("a"));
+    // "c" does not fit beside "b", which is no reason not to try it.
+    EXPECT_THAT(loads_->takeLoaded(), ElementsAre("a", "b", "c"));
+    EXPECT_THAT(loads_->takeRefused(), ElementsAre("a", "c"));
     EXPECT_THAT(loads_->held(), ElementsAre("b"));
     expect(nullptr, 0);
     expect(letters, 2);
